@@ -1,0 +1,21 @@
+# darokleim_options: the language level, warnings and sanitizers of every target of ours.
+# Nothing of it reaches those who link the installed libraries.
+add_library(darokleim_options INTERFACE)
+target_compile_features(darokleim_options INTERFACE cxx_std_20 c_std_11)
+target_compile_options(darokleim_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+                       $<$<BOOL:${DAROKLEIM_WERROR}>:-Werror>)
+target_include_directories(darokleim_options INTERFACE "${PROJECT_SOURCE_DIR}/include"
+                           "${PROJECT_SOURCE_DIR}/src")
+
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_C_VISIBILITY_PRESET hidden)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+if(DAROKLEIM_SANITIZE)
+  add_compile_options(-fsanitize=${DAROKLEIM_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${DAROKLEIM_SANITIZE})
+endif()

@@ -1,0 +1,24 @@
+# darokleim_test(NAME name SOURCES … [LIBRARIES …] [PROPERTIES …]): a GoogleTest program whose every test is a
+# CTest test named name.Suite.Test, run in a process of its own. PROPERTIES are those of each CTest test.
+include(GoogleTest)
+
+if(EXISTS "/usr/src/googletest/CMakeLists.txt")
+  # Built here, so that it has the sanitizers and the standard library of the tests.
+  set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+  add_subdirectory("/usr/src/googletest" "${PROJECT_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL)
+  add_library(darokleim_gtest INTERFACE)
+  target_link_libraries(darokleim_gtest INTERFACE gmock gtest)
+else()
+  find_package(GTest REQUIRED)
+  add_library(darokleim_gtest INTERFACE)
+  target_link_libraries(darokleim_gtest INTERFACE GTest::gmock GTest::gtest)
+endif()
+
+function(darokleim_test)
+  cmake_parse_arguments(ARG "" "NAME" "SOURCES;LIBRARIES;PROPERTIES" ${ARGN})
+  add_executable(${ARG_NAME} ${ARG_SOURCES})
+  target_link_libraries(${ARG_NAME} PRIVATE darokleim_options darokleim_gtest ${ARG_LIBRARIES})
+  set_target_properties(${ARG_NAME} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests")
+  gtest_discover_tests(${ARG_NAME} TEST_PREFIX "${ARG_NAME}." DISCOVERY_TIMEOUT 60
+                       PROPERTIES TIMEOUT 120 ${ARG_PROPERTIES})
+endfunction()
