@@ -1,0 +1,47 @@
+# shellcheck shell=bash
+# What the scripts here share; sourced first.
+set -euo pipefail
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+export cache="$root/.cache" # what was fetched, kept between builds
+cd "$root"
+
+say() { printf '%s\n' "$*" >&2; }
+
+die() {
+  say "${0##*/}: $*"
+  exit 1
+}
+
+have() { command -v "$1" >/dev/null 2>&1; }
+
+on_macos() { [ "$(uname -s)" = Darwin ]; }
+
+# Prints a command, then runs it.
+show() {
+  printf '+ %s\n' "$*" >&2
+  "$@"
+}
+
+# Prints the comment block at the head of the calling script: what it does and its usage.
+usage() { sed -n '2,/^[^#]/{s/^# \{0,1\}//p;}' "$0"; }
+
+processors() { getconf _NPROCESSORS_ONLN 2>/dev/null || echo 2; }
+
+# build_tree DIRECTORY [CMake argument]…: configures a build tree and builds everything in it.
+build_tree() {
+  local tree=$1
+  shift
+  configure_tree "$tree" "$@"
+  cmake --build "$tree" --parallel "$(processors)"
+}
+
+configure_tree() {
+  local tree=$1
+  shift
+  local launcher=()
+  if have ccache; then
+    launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+  fi
+  cmake -S "$root" -B "$tree" -G Ninja -DDAROKLEIM_WERROR=ON ${launcher[@]+"${launcher[@]}"} "$@"
+}
