@@ -1,10 +1,9 @@
 # shellcheck shell=bash
-# What the scripts here share; sourced first.
-set -euo pipefail
+# What the scripts here share; sourced after `set -euo pipefail`.
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 export cache="$root/.cache" # what was fetched, kept between builds
-cd "$root"
+cd "$root" || exit
 
 say() { printf '%s\n' "$*" >&2; }
 
@@ -24,16 +23,14 @@ show() {
 }
 
 # Prints the comment block at the head of the calling script: what it does and its usage.
-usage() { sed -n '2,/^[^#]/{s/^# \{0,1\}//p;}' "$0"; }
+usage() { sed -n -e '/^$/q' -e '2,$s/^# \{0,1\}//p' "$0"; }
 
 processors() { getconf _NPROCESSORS_ONLN 2>/dev/null || echo 2; }
 
 # build_tree DIRECTORY [CMake argument]…: configures a build tree and builds everything in it.
 build_tree() {
-  local tree=$1
-  shift
-  configure_tree "$tree" "$@"
-  cmake --build "$tree" --parallel "$(processors)"
+  configure_tree "$@"
+  cmake --build "$1" --parallel "$(processors)"
 }
 
 configure_tree() {
@@ -43,5 +40,13 @@ configure_tree() {
   if have ccache; then
     launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
   fi
-  cmake -S "$root" -B "$tree" -G Ninja -DDAROKLEIM_WERROR=ON ${launcher[@]+"${launcher[@]}"} "$@"
+  cmake -S "$root" -B "$tree" -G Ninja --log-level=NOTICE -DDAROKLEIM_WERROR=ON \
+    ${launcher[@]+"${launcher[@]}"} "$@"
+}
+
+# run_tests DIRECTORY [CTest argument]…: runs the tests of a build tree; none to run is a failure.
+run_tests() {
+  local tree=$1
+  shift
+  ctest --test-dir "$tree" --parallel "$(processors)" --output-on-failure --no-tests=error "$@"
 }
