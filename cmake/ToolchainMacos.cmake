@@ -1,0 +1,35 @@
+# Cross build for macOS on Linux with Zig, which carries the headers of macOS and its C++ standard library:
+#
+#   cmake --toolchain cmake/ToolchainMacos.cmake -DDAROKLEIM_ZIG=/path/to/zig -DDAROKLEIM_MACOS_TARGET=aarch64-macos …
+#
+# DAROKLEIM_MACOS_TARGET is aarch64-macos (the default) or x86_64-macos.
+set(DAROKLEIM_ZIG zig CACHE FILEPATH "The Zig executable")
+set(DAROKLEIM_MACOS_TARGET aarch64-macos CACHE STRING "The target as Zig names it")
+list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES DAROKLEIM_ZIG DAROKLEIM_MACOS_TARGET)
+
+set(CMAKE_SYSTEM_NAME Darwin)
+string(REGEX REPLACE "-.*" "" CMAKE_SYSTEM_PROCESSOR "${DAROKLEIM_MACOS_TARGET}")
+
+# CMake wants one program each; Zig is all of them, by its first word.
+set(wrappers "${CMAKE_BINARY_DIR}/zig")
+foreach(tool cc c++ ar ranlib)
+  if(NOT EXISTS "${wrappers}/${tool}")
+    set(command "\"${DAROKLEIM_ZIG}\" ${tool}")
+    if(tool MATCHES "^c")
+      string(APPEND command " -target ${DAROKLEIM_MACOS_TARGET}")
+    endif()
+    file(WRITE "${wrappers}/${tool}" "#!/bin/sh\nexec ${command} \"$@\"\n")
+    file(CHMOD "${wrappers}/${tool}" PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+  endif()
+endforeach()
+set(CMAKE_C_COMPILER "${wrappers}/cc")
+set(CMAKE_CXX_COMPILER "${wrappers}/c++")
+set(CMAKE_AR "${wrappers}/ar")
+set(CMAKE_RANLIB "${wrappers}/ranlib")
+
+# CMake insists on one, though only an installation runs it; nothing is installed from a cross build.
+set(CMAKE_INSTALL_NAME_TOOL "/bin/true")
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
