@@ -1,0 +1,172 @@
+#include <errno.h>
+#include <gmock/gmock.h>
+
+#include <map>
+#include <regex>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "opened_log.h"
+
+namespace darokleim {
+namespace {
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+
+TEST(LogLines, HoldTimeLevelModuleThreadAndText) {
+  const OpenedLog log;
+  ASSERT_TRUE(log.opened());
+  LogEx(log.module(), 1, "%s Leave, return %d.", "AdbPushFile", 0);
+  const auto lines = log.Lines();
+  ASSERT_EQ(lines.size(), 1u);
+  const std::regex form(
+      R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} [+-]\d\d:\d\d \[info\] \[LogLines\.\w+\] \[\d+\] )"
+      R"(AdbPushFile Leave, return 0\.)");
+  EXPECT_TRUE(std::regex_match(lines[0], form)) << lines[0];
+}
+
+TEST(LogLines, OfOneCallAreAlwaysOne) {
+  const OpenedLog log;
+  LogEx(log.module(), 1, "%s", "List of devices attached\nABC\tdevice\n\n");
+  LogEx(log.module(), 1, "%s", "");
+  EXPECT_THAT(log.Lines(),
+              ElementsAre(EndsWith("] List of devices attached\\nABC\tdevice\\n\\n"), EndsWith("] ")));
+}
+
+TEST(LogLines, KeepBytesThatAreNoText) {
+  const OpenedLog log;
+  LogEx(log.module(), 3, "ret is %d,outbuf is:%s", 1, "\xff\xfe{}%s \xe4\xbd\xa0");
+  LogEx(log.module(), 3, "with %c inside", '\0');
+  EXPECT_THAT(log.Lines(), ElementsAre(EndsWith("ret is 1,outbuf is:\xff\xfe{}%s \xe4\xbd\xa0"),
+                                       EndsWith("with \\x00 inside")));
+}
+
+TEST(LogLines, HoldAMegabyteWhole) {
+  const OpenedLog log;
+  std::string text(1 << 20, 'm');
+  text.back() = '!';
+  LogEx(log.module(), 1, "<%s>", text.c_str());
+  EXPECT_THAT(log.Lines(), ElementsAre(EndsWith("<" + text + ">")));
+}
+
+TEST(LogLines, LeaveTheCallersErrno) {
+  const OpenedLog log;
+  errno = EMFILE;
+  LogEx(log.module(), 1, "text");
+  EXPECT_EQ(errno, EMFILE);
+  errno = EMFILE;
+  EXPECT_FALSE(InitLogEx(nullptr, "LogLines.no such", "/dev/null/no.log"));
+  EXPECT_EQ(errno, EMFILE);
+}
+
+TEST(LogLines, OfAModuleNeverOpenedAreDropped) {
+  const OpenedLog log;
+  LogEx("LogLines.never opened", 3, "text");
+  LogEx("", 3, "text");
+  EXPECT_TRUE(log.Lines().empty());
+}
+
+TEST(LogLines, OfNullArgumentsAreDropped) {
+  const OpenedLog log;
+  const char* null_format = nullptr;
+  LogEx(nullptr, 3, "text");
+  LogEx(log.module(), 3, null_format);
+  EXPECT_TRUE(log.Lines().empty());
+}
+
+TEST(LogLines, GoToTheFileOfTheirModule) {
+  const OpenedLog first;
+  const TemporaryDirectory directory;
+  ASSERT_TRUE(InitLogEx(&directory, "LogLines.other", directory.File("other.log").c_str()));
+  LogEx(first.module(), 1, "one");
+  LogEx("LogLines.other", 1, "two");
+  EXPECT_THAT(first.Lines(), ElementsAre(EndsWith("one")));
+  EXPECT_THAT(ReadLines(directory.File("other.log")),
+              ElementsAre(AllOf(HasSubstr("[LogLines.other]"), EndsWith("two"))));
+}
+
+TEST(LogLines, KeepTheFirstFileOfAModule) {
+  const OpenedLog log;
+  const std::string second = log.directory().File("second.log");
+  EXPECT_TRUE(InitLogEx(nullptr, log.module(), second.c_str()));
+  LogEx(log.module(), 1, "text");
+  EXPECT_EQ(log.Lines().size(), 1u);
+  EXPECT_FALSE(std::filesystem::exists(second));
+}
+
+TEST(LogLines, OfTwoModulesShareAFile) {
+  const OpenedLog log;
+  ASSERT_TRUE(InitLogEx(nullptr, "LogLines.sharing", log.path().c_str()));
+  LogEx(log.module(), 1, "one");
+  LogEx("LogLines.sharing", 1, "two");
+  EXPECT_THAT(log.Lines(),
+              ElementsAre(EndsWith("one"), AllOf(HasSubstr("[LogLines.sharing]"), EndsWith("two"))));
+}
+
+TEST(LogLines, AreAppendedToWhatStandsInTheFile) {
+  const TemporaryDirectory directory;
+  WriteFile(directory.File("kept.log"), "from an earlier run\n");
+  ASSERT_TRUE(InitLogEx(nullptr, "LogLines.appended", directory.File("kept.log").c_str()));
+  LogEx("LogLines.appended", 1, "text");
+  EXPECT_THAT(ReadLines(directory.File("kept.log")), ElementsAre("from an earlier run", EndsWith("text")));
+}
+
+TEST(LogLines, OfSixtyFourThreadsStayWhole) {
+  constexpr int kThreads = 64;
+  constexpr int kLines = 200;
+  const OpenedLog log;
+  std::vector<std::thread> threads;
+  for (int thread = 0; thread < kThreads; ++thread) {
+    threads.emplace_back([&log, thread] {
+      const std::string filler(static_cast<size_t>(thread) * 10, 'f');
+      for (int line = 0; line < kLines; ++line) {
+        LogEx(log.module(), 1, "<%d %d %s>", thread, line, filler.c_str());
+      }
+    });
+  }
+  for (auto& thread : threads) thread.join();
+
+  std::map<int, int> next_line;  // of each thread, which must come in order
+  std::map<int, std::set<std::string>> thread_ids;
+  const auto lines = log.Lines();
+  const std::regex form(R"(.* \[(\d+)\] <(\d+) (\d+) (f*)>)");
+  for (const auto& line : lines) {
+    std::smatch parts;
+    ASSERT_TRUE(std::regex_match(line, parts, form)) << line;
+    const int thread = std::stoi(parts[2]);
+    EXPECT_EQ(std::stoi(parts[3]), next_line[thread]++);
+    EXPECT_EQ(parts[4].length(), thread * 10);
+    thread_ids[thread].insert(parts[1]);
+  }
+  EXPECT_EQ(lines.size(), static_cast<size_t>(kThreads) * kLines);
+  ASSERT_EQ(thread_ids.size(), static_cast<size_t>(kThreads));
+  std::set<std::string> all_ids;
+  for (const auto& [thread, ids] : thread_ids) {
+    EXPECT_EQ(ids.size(), 1u);
+    all_ids.insert(ids.begin(), ids.end());
+  }
+  EXPECT_GT(all_ids.size(), 1u);
+}
+
+TEST(LogLines, OfModulesOpenedByManyThreadsAtOnceAreAllThere) {
+  constexpr int kThreads = 16;
+  const TemporaryDirectory directory;
+  std::vector<std::thread> threads;
+  for (int thread = 0; thread < kThreads; ++thread) {
+    threads.emplace_back([&directory, thread] {
+      const std::string module = "LogLines.opened by " + std::to_string(thread % 4);
+      EXPECT_TRUE(InitLogEx(nullptr, module.c_str(), directory.File("common.log").c_str()));
+      LogEx(module.c_str(), 1, "%d", thread);
+    });
+  }
+  for (auto& thread : threads) thread.join();
+  EXPECT_EQ(ReadLines(directory.File("common.log")).size(), static_cast<size_t>(kThreads));
+}
+
+}  // namespace
+}  // namespace darokleim
