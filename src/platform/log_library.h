@@ -10,9 +10,9 @@ extern "C" {
 #endif
 
 #if defined(__GNUC__)
-#define DAROKLEIM_PRINTF_LIKE(format, first) __attribute__((format(printf, format, first)))
+#define DAROKLEIM_PRINTF_LIKE(format_index, first) __attribute__((format(printf, format_index, first)))
 #else
-#define DAROKLEIM_PRINTF_LIKE(format, first)
+#define DAROKLEIM_PRINTF_LIKE(format_index, first)
 #endif
 
 // Opens the log file of a module; false when it could not be opened. A module that is opened a second time

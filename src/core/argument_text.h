@@ -1,0 +1,21 @@
+// Argument texts for the command channel: the words that follow "adb", formatted as by printf.
+#ifndef DAROKLEIM_SRC_CORE_ARGUMENT_TEXT_H
+#define DAROKLEIM_SRC_CORE_ARGUMENT_TEXT_H
+
+#include <cstddef>
+#include <string>
+
+#include "platform/log_library.h"
+
+namespace darokleim {
+
+// As long as it needs to be. Throws std::length_error past INT_MAX bytes.
+std::string Measured(const char* format, ...) DAROKLEIM_PRINTF_LIKE(1, 2);
+
+// At most capacity - 1 bytes; the rest is dropped without a word. Some commands have such a limit by their
+// interface: applications rely on what a longer one does.
+std::string Cut(std::size_t capacity, const char* format, ...) DAROKLEIM_PRINTF_LIKE(2, 3);
+
+}  // namespace darokleim
+
+#endif  // DAROKLEIM_SRC_CORE_ARGUMENT_TEXT_H

@@ -1,0 +1,106 @@
+#include "core/classifier.h"
+
+#include <optional>
+
+#include "core/call_log.h"
+#include "core/text.h"
+#include "darokleim.h"
+#include "platform/log_library.h"
+
+namespace darokleim {
+namespace {
+
+// A message that decides alone, or together with a second part anywhere in the text.
+struct Rule {
+  std::string_view message;
+  std::string_view and_part;
+  int code;
+  bool logs_text = false;
+};
+
+// Order matters: the first rule that holds decides. adb's connection errors come first, then the package
+// manager's messages, from the exact to the vague.
+constexpr Rule kRulesBeforeFailure[] = {
+    {"no devices/emulators found", "", ADB_RESULT_NO_DEVICE},
+    {"cannot connect to daemon", "", ADB_RESULT_CANNOT_CONNECT_DAEMON},
+    {"No such file or directory", "", ADB_RESULT_NO_SUCH_FILE},
+    {"Can't open non-file", "", ADB_RESULT_NO_SUCH_FILE},
+    {"device", "not found", ADB_RESULT_NO_DEVICE},
+    {"error: unknown host service", "", ADB_RESULT_UNKNOWN_HOST_SERVICE},
+    {"[INSTALL_FAILED_ALREADY_EXISTS]", "", ADB_RESULT_INSTALL_ALREADY_EXISTS},
+    {"Failure [-99]", "", ADB_RESULT_INSTALL_FAILURE_99},
+    {"INSTALL_FAILED_VERSION_DOWNGRADE", "", ADB_RESULT_INSTALL_VERSION_DOWNGRADE},
+    {"[INSTALL_FAILED_USER_RESTRICTED: Install canceled by user]", "", ADB_RESULT_INSTALL_CANCELED_BY_USER},
+    {"[INSTALL_FAILED_CANCELLED_BY_USER]", "", ADB_RESULT_INSTALL_CANCELLED_BY_USER},
+    {"[INSTALL_FAILED_USER_RESTRICTED]", "", ADB_RESULT_INSTALL_USER_RESTRICTED},
+    {"[INSTALL_CANCELED_BY_USER]", "", ADB_RESULT_INSTALL_USER_RESTRICTED},
+    {"[INSTALL_PARSE_FAILED_NO_CERTIFICATES]", "", ADB_RESULT_INSTALL_NO_CERTIFICATES},
+    // A denied cp or push is left to the channel's value; only searches get a code of their own.
+    {"Permission denied", "grep", ADB_RESULT_PERMISSION_DENIED},
+    {"Permission denied", "find:", ADB_RESULT_PERMISSION_DENIED},
+};
+
+constexpr Rule kRulesFromFailureOn[] = {
+    {"Failure", "", ADB_RESULT_FAILURE, true},
+    {"error:device", "not found", ADB_RESULT_NO_DEVICE, true},
+    {"daemon still not running", "", ADB_RESULT_DAEMON_NOT_RUNNING},
+    {"no closing quote", "", ADB_RESULT_NO_CLOSING_QUOTE},
+    {"/system/bin/sh", "not found", ADB_RESULT_SHELL_NOT_FOUND},
+    {"protocol fault", "", ADB_RESULT_PROTOCOL_FAULT},
+    {"device unauthorized", "", ADB_RESULT_DEVICE_UNAUTHORIZED},
+    {"Failure [-200]", "", ADB_RESULT_INSTALL_CANCELLED_BY_USER},
+    {"not enough space", "", ADB_RESULT_NOT_ENOUGH_SPACE},
+    {"Shell does not have permission to access user", "", ADB_RESULT_USER_ACCESS_DENIED},
+    {"No space left on device", "", ADB_RESULT_NO_SPACE_LEFT},
+};
+
+// The only package whose dump turns "Failure" into a failure.
+constexpr std::string_view kPackageWithFailureLines = "jp.naver.line.android";
+
+void LogText(std::string_view text) {
+  LogEx(kLogModule, kLogInfo, "%s", std::string(text).c_str());
+}
+
+template <std::size_t N>
+std::optional<int> FirstRuleThatHolds(const Rule (&rules)[N], std::string_view text) {
+  for (const Rule& rule : rules) {
+    if (!Contains(text, rule.message) || !Contains(text, rule.and_part)) continue;
+    if (rule.logs_text) LogText(text);
+    return rule.code;
+  }
+  return std::nullopt;
+}
+
+int ClassifyFailureLines(std::string_view text, int ret) {
+  int code = ret;
+  ForEachPiece(text, "\n", [&](std::string_view line) {
+    if (!Contains(line, "Failure") || !Contains(line, kPackageWithFailureLines)) return true;
+    LogText(line);
+    code = ADB_RESULT_FAILURE;
+    return false;
+  });
+  return code;
+}
+
+}  // namespace
+
+int Classify(std::string_view text, int ret, bool line_failure_only) {
+  if (ret != 0) LogEx(kLogModule, kLogError, "ret is %d,outbuf is:%s", ret, std::string(text).c_str());
+  if (const auto code = FirstRuleThatHolds(kRulesBeforeFailure, text)) return *code;
+  if (line_failure_only && Contains(text, "Failure")) return ClassifyFailureLines(text, ret);
+  return FirstRuleThatHolds(kRulesFromFailureOn, text).value_or(ret);
+}
+
+bool ReportsSuccess(std::string_view text) {
+  return Contains(text, "Success");
+}
+
+}  // namespace darokleim
+
+int CheckOutbufErrorWithRet(const std::string& text, int ret, bool line_failure_only) {
+  return darokleim::Classify(text, ret, line_failure_only);
+}
+
+bool IsOutbufSuccess(const std::string& text) {
+  return darokleim::ReportsSuccess(text);
+}

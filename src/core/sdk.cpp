@@ -1,0 +1,50 @@
+#include "core/sdk.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <system_error>
+
+#include "core/call_log.h"
+#include "darokleim.h"
+#include "platform/command_channel.h"
+#include "platform/log_library.h"
+
+bool is_inited = false;
+std::string s_busybox_fullpath;
+
+namespace darokleim {
+namespace {
+
+constexpr char kVersion[] = "2.0.109-D-4c1143f";
+
+// An entry of any kind will do; one whose status cannot be read counts as missing.
+bool Exists(const std::string& path) {
+  std::error_code unreadable;
+  return std::filesystem::exists(path, unreadable);
+}
+
+void OpenLog(const void* log_context, const char* log_dir) {
+  const std::string log_path = std::string(log_dir) + "/adb_sdk.log";
+  if (!InitLogEx(log_context, kLogModule, log_path.c_str())) std::puts("Fail to init log!");
+  LogEx(kLogModule, kLogInfo, "Adb Sdk version: %s.", kVersion);
+}
+
+}  // namespace
+}  // namespace darokleim
+
+int AdbSdkInit(const char* resource_dir, const void* log_context, const char* log_dir) {
+  using namespace darokleim;
+  if (AnyNull(resource_dir, log_context, log_dir)) return ADB_RESULT_INVALID_PARAM;
+  if (is_inited) return ADB_RESULT_OK;
+  is_inited = true;
+
+  const std::string adb_path = std::string(resource_dir) + "/adb";
+  s_busybox_fullpath = std::string(resource_dir) + "/busybox";
+  OpenLog(log_context, log_dir);
+  if (!Exists(adb_path) || !Exists(s_busybox_fullpath)) {
+    LogEx(kLogModule, kLogInfo, "Resource file not complete!");
+    return ADB_RESULT_RESOURCE_INCOMPLETE;
+  }
+  InitAdbCommuncation2Server(adb_path.c_str(), log_dir, log_context);
+  return ADB_RESULT_OK;
+}

@@ -1,0 +1,54 @@
+// AdbAuthenticateShow, AdbReconnectDevice, AdbReboot: asking adb to connect anew.
+#include <string>
+
+#include "core/adb_run.h"
+#include "core/argument_text.h"
+#include "core/call_log.h"
+#include "core/classifier.h"
+#include "core/text.h"
+#include "darokleim.h"
+#include "platform/log_library.h"
+
+namespace darokleim {
+namespace {
+
+constexpr LogWording kSerialWording{kLogInfo, nullptr, "%s Leave, return %d.", kLogError, nullptr};
+
+// What the application sees of the answer to `reconnect`: 1 unless the output holds a known adb error. The
+// classifier is asked with 1, so the two words that adb prints on success never decide; applications treat
+// 1 as "asked", and 0 must not appear for them.
+int ReconnectCode(const AdbRun& run, const char* serial) {
+  constexpr int kAsked = 1;
+  if (!run.has_output()) return kAsked;
+  const int code = Classify(run.output(), kAsked);
+  if (code != ADB_RESULT_OK) return code;
+  const bool reconnecting = Contains(run.output(), "reconnecting") && Contains(run.output(), serial);
+  return reconnecting ? ADB_RESULT_OK : kAsked;
+}
+
+}  // namespace
+}  // namespace darokleim
+
+int AdbAuthenticateShow(const char* serial, const bool* cancel) {
+  using namespace darokleim;
+  CallLog log("AdbAuthenticateShow", kSerialWording);
+  LogEx(kLogModule, kLogInfo, "%s Enter, serial %s.", log.function(), serial);
+  const AdbRun run(Cut(256, " -s %s reconnect", serial), cancel);
+  return log.Leave(ReconnectCode(run, serial));
+}
+
+int AdbReconnectDevice() {
+  using namespace darokleim;
+  CallLog log("AdbReconnectDevice", kServerWording);
+  const bool never_cancelled = false;
+  const AdbRun run(" reconnect", &never_cancelled);
+  return log.Leave(run.status());
+}
+
+int AdbReboot(const char* serial, const bool* cancel) {
+  using namespace darokleim;
+  CallLog log("AdbReboot");
+  if (AnyNull(serial)) return log.InvalidParam();
+  const AdbRun run(Cut(128, " -s %s reboot", serial), cancel);
+  return log.Leave(run.Classify());
+}

@@ -1,0 +1,33 @@
+#include "core/argument_text.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace darokleim {
+namespace {
+
+TEST(ArgumentTextTest, MeasuredHasNoLimit) {
+  const std::string path(1'000'000, 'p');
+  EXPECT_EQ(Measured(" -s %s shell rm \"%s\"", "S1", path.c_str()), " -s S1 shell rm \"" + path + "\"");
+}
+
+TEST(ArgumentTextTest, MeasuredFormatsNothingButTheFormat) {
+  EXPECT_EQ(Measured(" devices"), " devices");
+  EXPECT_EQ(Measured("%s", ""), "");
+}
+
+TEST(ArgumentTextTest, CutKeepsOneByteForTheTerminatingZero) {
+  EXPECT_EQ(Cut(8, "%s", "1234567"), "1234567");
+  EXPECT_EQ(Cut(8, "%s", "12345678"), "1234567");
+  EXPECT_EQ(Cut(8, "%s", "1234567890"), "1234567");
+  EXPECT_EQ(Cut(8, "%s", "123"), "123");
+}
+
+TEST(ArgumentTextTest, BytesPassUnchanged) {
+  EXPECT_EQ(Measured("%s", "\xff\xfe\x80 \"'\\"), "\xff\xfe\x80 \"'\\");
+  EXPECT_EQ(Cut(4, "%s", "\xe6\xb7\xbb\xe7\x9b\x8a"), "\xe6\xb7\xbb");
+}
+
+}  // namespace
+}  // namespace darokleim

@@ -1,0 +1,161 @@
+#include "core/classifier.h"
+
+#include <string>
+#include <vector>
+
+#include "support/sdk_test.h"
+
+namespace darokleim::testing {
+namespace {
+
+class ClassifierTest : public SdkTest {};
+
+struct Case {
+  std::string text;
+  int code;
+};
+
+// One text for every rule that can decide, in the order of the rules.
+const std::vector<Case>& EveryRule() {
+  static const std::vector<Case> cases = {
+      {"error: no devices/emulators found", ADB_RESULT_NO_DEVICE},
+      {"adb: cannot connect to daemon", ADB_RESULT_CANNOT_CONNECT_DAEMON},
+      {"ls: /x: No such file or directory", ADB_RESULT_NO_SUCH_FILE},
+      {"cp: Can't open non-file '/x'", ADB_RESULT_NO_SUCH_FILE},
+      {"error: device 'S1' not found", ADB_RESULT_NO_DEVICE},
+      {"error: unknown host service", ADB_RESULT_UNKNOWN_HOST_SERVICE},
+      {"Failure [INSTALL_FAILED_ALREADY_EXISTS]", ADB_RESULT_INSTALL_ALREADY_EXISTS},
+      {"Failure [-99]", ADB_RESULT_INSTALL_FAILURE_99},
+      {"Failure [INSTALL_FAILED_VERSION_DOWNGRADE: x]", ADB_RESULT_INSTALL_VERSION_DOWNGRADE},
+      {"Failure [INSTALL_FAILED_USER_RESTRICTED: Install canceled by user]",
+       ADB_RESULT_INSTALL_CANCELED_BY_USER},
+      {"Failure [INSTALL_FAILED_CANCELLED_BY_USER]", ADB_RESULT_INSTALL_CANCELLED_BY_USER},
+      {"Failure [INSTALL_FAILED_USER_RESTRICTED]", ADB_RESULT_INSTALL_USER_RESTRICTED},
+      {"Failure [INSTALL_CANCELED_BY_USER]", ADB_RESULT_INSTALL_USER_RESTRICTED},
+      {"Failure [INSTALL_PARSE_FAILED_NO_CERTIFICATES]", ADB_RESULT_INSTALL_NO_CERTIFICATES},
+      {"grep: /x: Permission denied", ADB_RESULT_PERMISSION_DENIED},
+      {"find: /x: Permission denied", ADB_RESULT_PERMISSION_DENIED},
+      {"Failure [DELETE_FAILED_INTERNAL_ERROR]", ADB_RESULT_FAILURE},
+      {"* daemon still not running", ADB_RESULT_DAEMON_NOT_RUNNING},
+      {"/system/bin/sh: no closing quote", ADB_RESULT_NO_CLOSING_QUOTE},
+      {"/system/bin/sh: stat: not found", ADB_RESULT_SHELL_NOT_FOUND},
+      {"error: protocol fault (no status)", ADB_RESULT_PROTOCOL_FAULT},
+      {"error: device unauthorized.", ADB_RESULT_DEVICE_UNAUTHORIZED},
+      {"adb: error: not enough space", ADB_RESULT_NOT_ENOUGH_SPACE},
+      {"java.lang.SecurityException: Shell does not have permission to access user 10",
+       ADB_RESULT_USER_ACCESS_DENIED},
+      {"write failed: No space left on device", ADB_RESULT_NO_SPACE_LEFT},
+  };
+  return cases;
+}
+
+TEST_F(ClassifierTest, EveryMessageHasItsCode) {
+  for (const Case& c : EveryRule()) EXPECT_EQ(CheckOutbufErrorWithRet(c.text, 0, false), c.code) << c.text;
+}
+
+TEST_F(ClassifierTest, TheChannelsValueDoesNotMatterWhenAMessageIsKnown) {
+  for (const Case& c : EveryRule()) EXPECT_EQ(CheckOutbufErrorWithRet(c.text, 1001, false), c.code) << c.text;
+}
+
+TEST_F(ClassifierTest, OfTwoMessagesTheEarlierRuleDecidesWhereverItStands) {
+  const auto& cases = EveryRule();
+  for (std::size_t i = 0; i < cases.size(); ++i) {
+    for (std::size_t j = i; j < cases.size(); ++j) {
+      // A later text can complete an earlier rule of two parts ("device" … "not found"), so the expected
+      // code is that of the first rule that the joined text satisfies on its own account.
+      const bool device_rule = (cases[i].text + cases[j].text).find("not found") != std::string::npos &&
+                               (cases[i].text + cases[j].text).find("device") != std::string::npos;
+      const int expected = device_rule && i > 3 ? static_cast<int>(ADB_RESULT_NO_DEVICE) : cases[i].code;
+      EXPECT_EQ(CheckOutbufErrorWithRet(cases[j].text + "\n" + cases[i].text, 0, false), expected)
+          << cases[j].text << " + " << cases[i].text;
+    }
+  }
+}
+
+TEST_F(ClassifierTest, NothingKnownKeepsTheChannelsValue) {
+  EXPECT_EQ(CheckOutbufErrorWithRet("", 0, false), 0);
+  EXPECT_EQ(CheckOutbufErrorWithRet("all is well\n", 0, true), 0);
+  EXPECT_EQ(CheckOutbufErrorWithRet("all is well\n", -5, false), -5);
+  EXPECT_EQ(CheckOutbufErrorWithRet("NO DEVICES/EMULATORS FOUND", 9, false), 9) << "case matters";
+}
+
+TEST_F(ClassifierTest, AZeroValueLogsNothing) {
+  CheckOutbufErrorWithRet("all is well", 0, false);
+  CheckOutbufErrorWithRet("No such file or directory", 0, false);
+  EXPECT_THAT(journal(), IsEmpty());
+}
+
+TEST_F(ClassifierTest, AnotherValueIsLoggedFirstWithTheText) {
+  EXPECT_EQ(CheckOutbufErrorWithRet("", 7, false), 7);
+  EXPECT_EQ(CheckOutbufErrorWithRet("Failure", 8, false), ADB_RESULT_FAILURE);
+  EXPECT_THAT(journal(), ElementsAre(Error("ret is 7,outbuf is:"), Error("ret is 8,outbuf is:Failure"),
+                                     Info("Failure")));
+}
+
+TEST_F(ClassifierTest, DeviceAndNotFoundMayStandApart) {
+  EXPECT_EQ(CheckOutbufErrorWithRet("error: device not found", 0, false), ADB_RESULT_NO_DEVICE);
+  EXPECT_EQ(CheckOutbufErrorWithRet("x not found\ny device", 0, false), ADB_RESULT_NO_DEVICE);
+  EXPECT_EQ(CheckOutbufErrorWithRet("error:device 'S1' not found", 0, false), ADB_RESULT_NO_DEVICE);
+  EXPECT_THAT(journal(), IsEmpty()) << "the rule without a blank comes too late to log";
+}
+
+TEST_F(ClassifierTest, DeniedPermissionDecidesNothingWithoutASearchTool) {
+  EXPECT_EQ(CheckOutbufErrorWithRet("cp: /x: Permission denied", 1001, false), 1001);
+  EXPECT_EQ(CheckOutbufErrorWithRet("Permission denied, find /x", 0, false), 0) << "no colon";
+  EXPECT_EQ(CheckOutbufErrorWithRet("Permission denied\nno closing quote", 0, false),
+            ADB_RESULT_NO_CLOSING_QUOTE);
+}
+
+TEST_F(ClassifierTest, AReasonBehindAlreadyExistsIsAPlainFailure) {
+  const std::string text = "Failure [INSTALL_FAILED_ALREADY_EXISTS: Attempt to re-install x]";
+  EXPECT_EQ(CheckOutbufErrorWithRet(text, 0, false), ADB_RESULT_FAILURE);
+  EXPECT_THAT(journal(), ElementsAre(Info(text)));
+}
+
+TEST_F(ClassifierTest, FailureMinus200IsAPlainFailure) {
+  EXPECT_EQ(CheckOutbufErrorWithRet("Failure [-200]", 5, false), ADB_RESULT_FAILURE);
+  EXPECT_EQ(CheckOutbufErrorWithRet("Failure [-200]", 5, true), 5);
+}
+
+TEST_F(ClassifierTest, FailureHidesEveryLaterRule) {
+  EXPECT_EQ(CheckOutbufErrorWithRet("Failure: No space left on device", 0, false), ADB_RESULT_FAILURE);
+  EXPECT_EQ(CheckOutbufErrorWithRet("Failure: No space left on device", 6, true), 6);
+}
+
+TEST_F(ClassifierTest, InLineModeOnePackageAloneMakesAFailure) {
+  const std::string text =
+      "Failure of something\n\njp.naver.line.android alone\na Failure of jp.naver.line.android here\r\n"
+      "again Failure jp.naver.line.android\n";
+  EXPECT_EQ(CheckOutbufErrorWithRet(text, 0, true), ADB_RESULT_FAILURE);
+  EXPECT_THAT(journal(), ElementsAre(Info("a Failure of jp.naver.line.android here\r")));
+}
+
+TEST_F(ClassifierTest, InLineModeBothWordsMustShareALine) {
+  EXPECT_EQ(CheckOutbufErrorWithRet("Failure\njp.naver.line.android", 3, true), 3);
+  EXPECT_THAT(journal(), ElementsAre(Error("ret is 3,outbuf is:Failure\njp.naver.line.android")));
+}
+
+TEST_F(ClassifierTest, LineModeLeavesTheOtherRulesAlone) {
+  for (const Case& c : EveryRule()) {
+    if (c.code == ADB_RESULT_FAILURE) continue;
+    EXPECT_EQ(CheckOutbufErrorWithRet(c.text, 0, true), c.code) << c.text;
+  }
+}
+
+TEST_F(ClassifierTest, TextsAreBytes) {
+  using namespace std::string_literals;
+  EXPECT_EQ(CheckOutbufErrorWithRet("\xff\0\xfe No space left on device"s, 0, false),
+            ADB_RESULT_NO_SPACE_LEFT);
+}
+
+TEST_F(ClassifierTest, SuccessIsFoundAnywhereAsItIsWritten) {
+  EXPECT_TRUE(IsOutbufSuccess("Success"));
+  EXPECT_TRUE(IsOutbufSuccess("pkg: /x\r\nSuccess\r\n"));
+  EXPECT_TRUE(IsOutbufSuccess("Successfully"));
+  EXPECT_FALSE(IsOutbufSuccess("success"));
+  EXPECT_FALSE(IsOutbufSuccess("Succes"));
+  EXPECT_FALSE(IsOutbufSuccess(""));
+}
+
+}  // namespace
+}  // namespace darokleim::testing

@@ -1,0 +1,33 @@
+#include "core/handed_out.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "darokleim.h"
+
+namespace darokleim {
+namespace {
+
+TEST(HandedOutTest, ABlockEndsInAZeroByte) {
+  char* block = NewTerminatedBlock("text");
+  EXPECT_STREQ(block, "text");
+  AdbFreeResource(&block);
+}
+
+TEST(HandedOutTest, ABlockKeepsZeroBytes) {
+  char* block = NewTerminatedBlock(std::string_view("a\0b", 3));
+  EXPECT_EQ(std::memcmp(block, "a\0b\0", 4), 0);
+  AdbFreeResource(&block);
+}
+
+TEST(HandedOutTest, FreeingSetsTheCallersPointerToNull) {
+  char* block = NewTerminatedBlock("");
+  AdbFreeResource(&block);
+  EXPECT_EQ(block, nullptr);
+  AdbFreeResource(&block);
+  EXPECT_EQ(block, nullptr);
+}
+
+}  // namespace
+}  // namespace darokleim

@@ -1,0 +1,31 @@
+#include "support/device_output.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace darokleim::testing {
+namespace {
+
+const std::filesystem::path kFolder = std::filesystem::path(DAROKLEIM_TEST_DATA) / "device-output";
+
+}  // namespace
+
+std::string DeviceOutput(const std::string& name) {
+  std::ifstream file(kFolder / name, std::ios::binary);
+  EXPECT_TRUE(file) << name;
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+std::set<std::string> DeviceOutputsIn(const std::string& folder) {
+  std::set<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(kFolder / folder)) {
+    names.insert(folder + "/" + entry.path().filename().string());
+  }
+  EXPECT_FALSE(names.empty()) << folder;
+  return names;
+}
+
+}  // namespace darokleim::testing

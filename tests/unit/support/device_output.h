@@ -1,0 +1,19 @@
+// What real devices printed, kept byte for byte under tests/data/device-output (its INDEX.tsv says which
+// device and command).
+#ifndef DAROKLEIM_TESTS_UNIT_SUPPORT_DEVICE_OUTPUT_H
+#define DAROKLEIM_TESTS_UNIT_SUPPORT_DEVICE_OUTPUT_H
+
+#include <set>
+#include <string>
+
+namespace darokleim::testing {
+
+// The sample of this name, e.g. "adb-devices/recovery.txt". A missing one fails the test.
+std::string DeviceOutput(const std::string& name);
+
+// The names of all samples in one folder, so that a test can tell that it knows each.
+std::set<std::string> DeviceOutputsIn(const std::string& folder);
+
+}  // namespace darokleim::testing
+
+#endif  // DAROKLEIM_TESTS_UNIT_SUPPORT_DEVICE_OUTPUT_H

@@ -1,0 +1,59 @@
+// The fixture of every unit test: the SDK between a scripted channel and a recording log.
+//
+//     TEST_F(ConnectionTest, RebootsTheDevice) {
+//       channel.Expect(" -s S1 reboot").Prints("");
+//       EXPECT_EQ(AdbReboot("S1", &cancel), ADB_RESULT_OK);
+//       EXPECT_THAT(journal(), ElementsAre(Info("AdbReboot Enter."), Ran(" -s S1 reboot"), GaveBack(),
+//                                          Info("AdbReboot Leave, return 0.")));
+//     }
+//
+// Every command must come with the test's cancel flag unless its answer says otherwise, and every buffer
+// must go back: the fixture checks both.
+#ifndef DAROKLEIM_TESTS_UNIT_SUPPORT_SDK_TEST_H
+#define DAROKLEIM_TESTS_UNIT_SUPPORT_SDK_TEST_H
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <mutex>
+#include <string>
+
+#include "darokleim.h"
+#include "support/journal.h"
+#include "support/scripted_channel.h"
+
+namespace darokleim::testing {
+
+using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
+using ::testing::IsEmpty;
+
+class SdkTest : public ::testing::Test {
+ public:
+  SdkTest();
+  ~SdkTest() override;
+
+  // The test that runs; the six platform symbols go to it.
+  static SdkTest& Current();
+
+  // Everything that happened so far, and the log lines alone.
+  Journal journal() const;
+  Journal log_lines() const;
+  void Note(Event event);
+
+  ScriptedChannel channel;
+  // Handed to the functions under test.
+  const bool cancel = false;
+  // What InitLogEx answers; what it and the channel's start were given.
+  bool log_opens = true;
+  const void* log_context = nullptr;
+  const void* channel_context = nullptr;
+
+ private:
+  mutable std::mutex mutex_;
+  Journal journal_;
+};
+
+}  // namespace darokleim::testing
+
+#endif  // DAROKLEIM_TESTS_UNIT_SUPPORT_SDK_TEST_H
