@@ -1,0 +1,1389 @@
+/// @file
+/// @brief Manage Android devices over adb, through plain C functions.
+///
+/// libdarokleim runs Google's `adb` executable for a desktop application and reads what it prints. Every
+/// function does one thing with one device: list devices, read properties, list, move and measure files,
+/// query and install applications, map ports. Results are a code, plus a flag, a number, a text or a JSON
+/// document. The header is valid C11 and C++17.
+///
+/// ## Starting
+///
+/// Call AdbSdkInit() once, first, from one thread. There is nothing to shut down.
+///
+/// @code{.c}
+/// #include <darokleim.h>
+/// #include <stdio.h>
+/// #include <string.h>
+///
+/// static const char log_context[] = "example";
+///
+/// int main(void) {
+///   int code = AdbSdkInit("/opt/example/tools", log_context, "/tmp");  // tools/ holds adb and busybox
+///   if (code != ADB_RESULT_OK) return code;
+///
+///   char* devices = NULL;
+///   int devices_len = 0;
+///   code = AdbGetDevicesEx(&devices, &devices_len, NULL);
+///   if (code != ADB_RESULT_OK) return code;
+///   if (devices == NULL) {
+///     puts("no device");
+///     return 0;
+///   }
+///
+///   // The list reads "0123456789ABCDEF-device;FEDCBA9876543210-unauthorized;": take the first serial.
+///   devices[strcspn(devices, "-")] = '\0';
+///   char model[128];
+///   code = AdbGetPhoneProductModel(devices, model, (int)sizeof model, NULL);
+///   if (code == ADB_RESULT_OK) {
+///     printf("%s is a %s\n", devices, model);
+///   } else if (code == ADB_RESULT_DEVICE_UNAUTHORIZED) {
+///     printf("%s waits for you to allow USB debugging on its screen\n", devices);
+///   } else {
+///     printf("%s: error %d\n", devices, code);
+///   }
+///   AdbFreeResource(&devices);
+///   return code;
+/// }
+/// @endcode
+///
+/// Build it with `cc example.c $(pkg-config --cflags --libs darokleim)`.
+///
+/// ## The contract
+///
+/// **Calls block.** A call returns when its adb command, or the last of several, has ended; only
+/// AdbLogcatAnsync() returns at once. There is no time limit: a device that does not answer holds the call
+/// until it is cancelled. Keep calls off the thread that draws the windows.
+///
+/// **Threads.** After AdbSdkInit() every function may be called from any thread, several at a time, also
+/// for one device. Exceptions: AdbLogcatAnsync() not from two threads at once, and AdbKillDaemon() ends the
+/// commands of all others.
+///
+/// **Serial.** The device's serial number as `adb devices` shows it; network addresses (`192.168.1.5:5555`)
+/// and emulators (`emulator-5554`) included. Inserted into the command as it is.
+///
+/// **Cancel flag.** A `const bool*`, mostly the last parameter, or null when the call need not be
+/// cancelled. Another thread sets the bool to true while the call runs, best with an atomic store
+/// (`__atomic_store_n(&flag, true, __ATOMIC_RELAXED)`); the call then ends its adb process and returns
+/// within about 100 ms. The library never writes the flag. It must outlive the call, and be false again
+/// before the next one. What the device did until then stays done: a cancelled transfer may leave a partial
+/// file.
+///
+/// **Pointers.** Unless a function says otherwise, a null pointer gives #ADB_RESULT_INVALID_PARAM before
+/// any command runs and before anything is written. Where a pointer is said not to be checked, null is an
+/// error of the caller with undefined behaviour. The cancel flag may always be null.
+///
+/// **Outputs on failure.** Outputs keep what they held unless a function says otherwise: initialise them.
+///
+/// **Blocks.** A `char**` output with its `int*` length receives a block that the library allocated. It
+/// belongs to the caller, who gives it back with AdbFreeResource(), never with `free`. Blocks end in a zero
+/// byte, except those of AdbGetPackagesNameOfInstalled() and AdbGetPackagesNameList(). Each function says
+/// whether its length counts that zero. Previous contents of the `char*` are overwritten, not freed.
+///
+/// **Caller buffers.** A `char*` with an `int` size in bytes, the terminating zero included; at least 1.
+/// The text is what the device printed, its line end included, less the blanks, tabs, line ends and zero
+/// bytes at its end:
+/// - shorter than the buffer: the whole text, and #ADB_RESULT_OK;
+/// - exactly as long as the buffer: the text without its last byte, normally the line end, and
+///   #ADB_RESULT_OK;
+/// - longer: the first size - 1 bytes, trimmed, and #ADB_RESULT_BUFFER_TOO_SMALL. Repeat with a larger
+///   buffer.
+///
+/// So leave room for the longest value, its line end (two bytes at most) and the zero. A few functions fill
+/// buffers by rules of their own and say so.
+///
+/// **Texts are bytes** as the device printed them, in no promised encoding. JSON documents are pure ASCII:
+/// other characters are written as `\u` escapes, and a byte that is not UTF-8 becomes `\ufffd`.
+///
+/// **Nothing is escaped.** Paths, names and other texts go into the command as they are. No shell of the
+/// host reads them, the device's shell does: a text from an untrusted source can run commands on the
+/// device. Paths come in three kinds, and each path parameter names its kind:
+/// - a *whole path* stays in one piece, whatever it holds except a double quote, two backslashes in a row
+///   or a backslash at its end;
+/// - a *shell path* is read by the device's shell, so that a blank, `$`, `&`, `;`, `*`, a quote or a
+///   parenthesis breaks the command, or the command does nothing and still succeeds. Assistance (below)
+///   makes it whole;
+/// - a *bare path* is a shell path that assistance does not help. Escape it for the shell, `my\ photo.jpg`.
+///
+/// **Commands are cut silently.** Some functions format their command into a fixed buffer. A longer command
+/// is run as cut, without an error, so check the length of long names first. The limit is given as "Command
+/// limit" and counts every byte of the command, ` -s SERIAL shell pm path NAME` for one. Where none is
+/// given, there is none.
+///
+/// **Errors are codes.** Nothing else is reported, except that running out of memory leaves a call as the
+/// C++ exception `std::bad_alloc`.
+///
+/// ## Result codes
+///
+/// Every function that returns `int` returns one of the constants of ::AdbResultCode or, unchanged, the
+/// *status* of the command channel, which runs adb for the library:
+///
+/// | status | meaning |
+/// |---|---|
+/// | 0 | adb ran |
+/// | 1000 + N | adb, or the command on the device, failed with exit status N; 1001 is the usual one |
+/// | 2000 + S | signal S ended adb |
+/// | 3001 | the library is not started: no AdbSdkInit(), or it returned #ADB_RESULT_RESOURCE_INCOMPLETE |
+/// | 3002 | the adb executable cannot be started |
+/// | 3003 | cancelled |
+/// | 3005 | more output than an `int` can count |
+/// | 3006 | the system refused a pipe, a process or memory |
+///
+/// With 3001 to 3006 there is no text to read, and the status is the result. Otherwise most functions look
+/// in the text, everything that adb printed, for known messages, anywhere, in a fixed order; the first one
+/// found, from the top of the table down, is the result, whatever the status. Without any, the status is
+/// the result.
+///
+/// | text | result |
+/// |---|---|
+/// | `no devices/emulators found` | #ADB_RESULT_NO_DEVICE |
+/// | `cannot connect to daemon` | #ADB_RESULT_CANNOT_CONNECT_DAEMON |
+/// | `No such file or directory`, `Can't open non-file` | #ADB_RESULT_NO_SUCH_FILE |
+/// | `device` with `not found` | #ADB_RESULT_NO_DEVICE |
+/// | `error: unknown host service` | #ADB_RESULT_UNKNOWN_HOST_SERVICE |
+/// | `[INSTALL_FAILED_ALREADY_EXISTS]` | #ADB_RESULT_INSTALL_ALREADY_EXISTS |
+/// | `Failure [-99]` | #ADB_RESULT_INSTALL_FAILURE_99 |
+/// | `INSTALL_FAILED_VERSION_DOWNGRADE` | #ADB_RESULT_INSTALL_VERSION_DOWNGRADE |
+/// | `[INSTALL_FAILED_USER_RESTRICTED: Install canceled by user]` | #ADB_RESULT_INSTALL_CANCELED_BY_USER |
+/// | `[INSTALL_FAILED_CANCELLED_BY_USER]` | #ADB_RESULT_INSTALL_CANCELLED_BY_USER |
+/// | `[INSTALL_FAILED_USER_RESTRICTED]` | #ADB_RESULT_INSTALL_USER_RESTRICTED |
+/// | `[INSTALL_CANCELED_BY_USER]` | #ADB_RESULT_INSTALL_USER_RESTRICTED |
+/// | `[INSTALL_PARSE_FAILED_NO_CERTIFICATES]` | #ADB_RESULT_INSTALL_NO_CERTIFICATES |
+/// | `Permission denied` with `grep` or `find:` | #ADB_RESULT_PERMISSION_DENIED |
+/// | `Failure` | #ADB_RESULT_FAILURE |
+/// | `daemon still not running` | #ADB_RESULT_DAEMON_NOT_RUNNING |
+/// | `no closing quote` | #ADB_RESULT_NO_CLOSING_QUOTE |
+/// | `/system/bin/sh` with `not found` | #ADB_RESULT_SHELL_NOT_FOUND |
+/// | `protocol fault` | #ADB_RESULT_PROTOCOL_FAULT |
+/// | `device unauthorized` | #ADB_RESULT_DEVICE_UNAUTHORIZED |
+/// | `not enough space` | #ADB_RESULT_NOT_ENOUGH_SPACE |
+/// | `Shell does not have permission to access user` | #ADB_RESULT_USER_ACCESS_DENIED |
+/// | `No space left on device` | #ADB_RESULT_NO_SPACE_LEFT |
+///
+/// Names count as text: a listing that holds a file called `Failure.log` gives #ADB_RESULT_FAILURE. A
+/// message that is not in the table has no code of its own: an offline device, for one, gives the status
+/// 1001.
+///
+/// The **common codes** tell of the connection rather than of the request, and any function may return
+/// them: #ADB_RESULT_NO_DEVICE, #ADB_RESULT_DEVICE_UNAUTHORIZED, #ADB_RESULT_CANNOT_CONNECT_DAEMON,
+/// #ADB_RESULT_DAEMON_NOT_RUNNING, #ADB_RESULT_UNKNOWN_HOST_SERVICE, #ADB_RESULT_PROTOCOL_FAULT,
+/// #ADB_RESULT_SHELL_NOT_FOUND, #ADB_RESULT_NO_CLOSING_QUOTE and every status but 0. A few functions do not
+/// look for messages and return the **status only**: an absent or unauthorised device then is 1001.
+///
+/// ## Phones differ
+///
+/// **Exit status.** Phones with Android 7 or later report that a command such as `cp` or `rm` failed: the
+/// code is 1000 + N when no message says more. Older ones do not: there only a known message is a failure,
+/// and an unknown one (`Permission denied`, `Is a directory`) still gives #ADB_RESULT_OK.
+///
+/// **Line ends.** Android 7 and later end lines in LF, older phones in CR LF. Functions that say they *read
+/// CR LF* or *read LF* work on the other phones only with assistance.
+///
+/// **Assistance.** With `DAROKLEIM_CHANNEL_ASSIST=1` in the environment when AdbSdkInit() is called, every
+/// phone's line ends are made those that each function reads, and shell paths are quoted for the device's
+/// shell. Without it, commands and texts pass untouched. New applications want it.
+///
+/// ## Log files
+///
+/// The library writes `adb_sdk.log` and, for each adb command, a line in `adb_channel.log` into the log
+/// directory. `DAROKLEIM_LOG_LEVEL` in the environment sets the lowest level written: 0 trace, 1 progress
+/// (the default), 2 command lines, 3 errors.
+
+#ifndef DAROKLEIM_INCLUDE_DAROKLEIM_H
+#define DAROKLEIM_INCLUDE_DAROKLEIM_H
+
+#ifdef __cplusplus
+#include <string>
+#else
+#include <stdbool.h>
+#endif
+
+/// Marks a function as one that the library exports.
+#if defined(__GNUC__)
+#define DAROKLEIM_EXPORT __attribute__((visibility("default")))
+#else
+#define DAROKLEIM_EXPORT
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/// What a function returns, where it is not a status of the command channel. The numbers never change;
+/// those that are missing are never returned. Each comment says what to do about the code.
+enum AdbResultCode {
+  /// Success.
+  ADB_RESULT_OK = 0,
+  /// The connection to adb or to the device broke: try once more. Some functions also return it for output
+  /// that they cannot read, and say so.
+  ADB_RESULT_PROTOCOL_FAULT = 1,
+  /// The JSON argument is not JSON.
+  ADB_RESULT_JSON_PARSE_FAILED = 3,
+  /// A required pointer is null, or an argument is empty that must not be.
+  ADB_RESULT_INVALID_PARAM = 4,
+  /// The resource directory lacks adb or busybox: repair the installation and start the application again.
+  ADB_RESULT_RESOURCE_INCOMPLETE = 6,
+  /// The caller's buffer is too small: repeat with a larger one.
+  ADB_RESULT_BUFFER_TOO_SMALL = 8,
+  /// No device, or none with this serial: list the devices again.
+  ADB_RESULT_NO_DEVICE = 24,
+  /// The path does not exist on the device or on the host, or it is not a regular file.
+  ADB_RESULT_NO_SUCH_FILE = 25,
+  /// The running adb server does not know the request, being older than adb: AdbRestartDaemon().
+  ADB_RESULT_UNKNOWN_HOST_SERVICE = 26,
+  /// adb cannot reach its server: AdbStartDaemon().
+  ADB_RESULT_CANNOT_CONNECT_DAEMON = 27,
+  /// The device answered, but what was asked for is not in the answer.
+  ADB_RESULT_NOT_FOUND = 28,
+  /// The search found nothing, and the device refused to search some folders.
+  ADB_RESULT_PERMISSION_DENIED = 29,
+  /// The device has no Wi-Fi address: Wi-Fi is off or not connected.
+  ADB_RESULT_NO_IP_ADDRESS = 30,
+  /// adb or the package manager reported "Failure" without a reason that has a code; adb_sdk.log holds the
+  /// text.
+  ADB_RESULT_FAILURE = 31,
+  /// The package is installed already: uninstall it first.
+  ADB_RESULT_INSTALL_ALREADY_EXISTS = 32,
+  /// The package manager failed with its code -99.
+  ADB_RESULT_INSTALL_FAILURE_99 = 33,
+  /// A newer version of the package is installed: uninstall it first, which deletes its data.
+  ADB_RESULT_INSTALL_VERSION_DOWNGRADE = 34,
+  /// The device does not allow installing over USB, or the install was refused on its screen: have the user
+  /// allow it in the developer options.
+  ADB_RESULT_INSTALL_USER_RESTRICTED = 35,
+  /// The APK is not signed.
+  ADB_RESULT_INSTALL_NO_CERTIFICATES = 36,
+  /// The adb server could not be started; something else may hold its TCP port 5037.
+  ADB_RESULT_DAEMON_NOT_RUNNING = 37,
+  /// The user cancelled the install on a device that restricts installing over USB.
+  ADB_RESULT_INSTALL_CANCELED_BY_USER = 38,
+  /// The user cancelled the install.
+  ADB_RESULT_INSTALL_CANCELLED_BY_USER = 39,
+  /// The device's shell could not read the command: an argument holds a lone quote.
+  ADB_RESULT_NO_CLOSING_QUOTE = 40,
+  /// The device's shell, or the tool that the command needs, is missing on the device.
+  ADB_RESULT_SHELL_NOT_FOUND = 41,
+  /// The device does not trust this host yet: ask the user to allow USB debugging, AdbAuthenticateShow()
+  /// makes the device ask again.
+  ADB_RESULT_DEVICE_UNAUTHORIZED = 42,
+  /// Not enough space on the device: have the user free some.
+  ADB_RESULT_NOT_ENOUGH_SPACE = 43,
+  /// The build date or the build number of MIUI could not be read or is not one; also on phones without
+  /// MIUI.
+  ADB_RESULT_MIUI_TIME_CODE_FAILED = 44,
+  /// The version name of MIUI could not be read.
+  ADB_RESULT_MIUI_VERSION_NAME_FAILED = 45,
+  /// adb's shell may not act for the user that the device was asked about.
+  ADB_RESULT_USER_ACCESS_DENIED = 46,
+  /// The storage of the device is full: have the user free some.
+  ADB_RESULT_NO_SPACE_LEFT = 47
+};
+
+/// @defgroup start Start and release
+/// @{
+
+/// Starts the library. Call it once, before any other function, from one thread.
+///
+/// Later calls with three arguments return #ADB_RESULT_OK and change nothing, other directories included.
+/// That also holds after #ADB_RESULT_RESOURCE_INCOMPLETE: only a new process can start the library then,
+/// and every command gives the status 3001. When the log file cannot be opened, one line on standard output
+/// says so and the library works without a log.
+///
+/// @param[in] resource_dir  Host directory that holds the executables `adb` (for the host) and `busybox`
+///                          (for the device).
+/// @param[in] log_context   Any pointer but null, to a thing that lives as long as the process; handed to
+///                          the command channel and the log library, and not looked at here.
+/// @param[in] log_dir       Existing host directory for the log files.
+/// @retval ADB_RESULT_OK                   Started, or started before.
+/// @retval ADB_RESULT_INVALID_PARAM        An argument is null; the library is as before.
+/// @retval ADB_RESULT_RESOURCE_INCOMPLETE  `adb` or `busybox` is missing.
+DAROKLEIM_EXPORT int AdbSdkInit(const char* resource_dir, const void* log_context, const char* log_dir);
+
+/// Frees a block that the library handed out, and sets the caller's pointer to null.
+///
+/// @param[in,out] buffer  Address of the pointer to the block; not checked for null. The pointer itself may
+///                        be null, then nothing happens.
+DAROKLEIM_EXPORT void AdbFreeResource(char** buffer);
+
+/// @}
+/// @defgroup devices Devices
+/// @{
+
+/// Lists the attached devices into a buffer of the caller (`adb devices`).
+///
+/// The list reads `SERIAL-STATE;` for each device, in adb's order, where the state is `device` (ready),
+/// `offline` or `unauthorized`. Devices in any other state are left out, and so are those whose serial
+/// holds anything but ASCII letters and digits: emulators and devices reached over the network.
+///
+/// A list that does not fit is cut at the end of the buffer, mid-entry, with #ADB_RESULT_OK; an entry
+/// without its `;` tells. AdbGetDevicesEx() has no such limit. Without any device to list the buffer is
+/// left untouched: set its first byte to zero before.
+///
+/// @param[out] buffer       Receives the zero-terminated list.
+/// @param[in]  buffer_size  Size of @p buffer in bytes.
+/// @param[in]  cancel       Cancel flag.
+/// @retval ADB_RESULT_OK             The list, perhaps cut, or nothing to list.
+/// @retval ADB_RESULT_INVALID_PARAM  @p buffer is null.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int AdbGetDevices(char* buffer, int buffer_size, const bool* cancel);
+
+/// Lists the attached devices into a block: the list of AdbGetDevices(), never cut.
+///
+/// Both outputs are always written: null and 0 on failure and when there is no device to list. Neither
+/// pointer is checked for null.
+///
+/// @param[out] list      Receives the block, or null; free it with AdbFreeResource().
+/// @param[out] list_len  Receives the length in bytes, the terminating zero included: 12 for `ABC-device;`.
+/// @param[in]  cancel    Cancel flag.
+/// @retval ADB_RESULT_OK  The list, or nothing to list.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int AdbGetDevicesEx(char** list, int* list_len, const bool* cancel);
+
+/// Makes an unauthorized device ask again whether to trust this host, by re-opening its connection (`adb -s
+/// SERIAL reconnect`).
+///
+/// Returns 1 after a normal run, never 0: treat 1 as done and look for the new state with
+/// AdbGetDevicesEx(). Command limit: 255 bytes.
+///
+/// @param[in] serial  Serial; not checked for null.
+/// @param[in] cancel  Cancel flag.
+/// @retval ADB_RESULT_PROTOCOL_FAULT  The request was made; also when no text came back, as after a cancel.
+/// @return Otherwise a common code. A failure without a known message also gives 1.
+DAROKLEIM_EXPORT int AdbAuthenticateShow(const char* serial, const bool* cancel);
+
+/// Re-opens the connection to the attached device (`adb reconnect`, without a serial).
+///
+/// Which device is meant is left to adb, which may refuse when several are attached; AdbAuthenticateShow()
+/// names one. Cannot be cancelled.
+///
+/// @return The status only; 0: adb did it.
+DAROKLEIM_EXPORT int AdbReconnectDevice(void);
+
+/// Restarts a device (`adb reboot`) and returns without waiting for it to come back.
+///
+/// Command limit: 127 bytes.
+///
+/// @param[in] serial  Serial.
+/// @param[in] cancel  Cancel flag.
+/// @retval ADB_RESULT_OK             The device restarts.
+/// @retval ADB_RESULT_INVALID_PARAM  @p serial is null.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int AdbReboot(const char* serial, const bool* cancel);
+
+/// @}
+/// @defgroup properties Device properties
+/// One fact of one device for each call, most of them an Android system property (`getprop NAME`). A
+/// property that the device does not have reads as an empty text. Command limit of them all: 255 bytes.
+/// @{
+
+/// Reads the maker (`ro.product.manufacturer`), for example `Xiaomi`.
+///
+/// @param[in]  serial       Serial.
+/// @param[out] buffer       Receives the text (see Caller buffers); untouched on failure.
+/// @param[in]  buffer_size  Size of @p buffer in bytes; 128 is ample.
+/// @param[in]  cancel       Cancel flag.
+/// @retval ADB_RESULT_OK                The text, empty when the device has no such property.
+/// @retval ADB_RESULT_INVALID_PARAM     @p serial or @p buffer is null.
+/// @retval ADB_RESULT_BUFFER_TOO_SMALL  The text was cut.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int AdbGetPhoneManufacturer(const char* serial, char* buffer, int buffer_size,
+                                             const bool* cancel);
+
+/// Reads the Android release (`ro.build.version.release`), for example `13` or `6.0.1`. Parameters and
+/// results as for AdbGetPhoneManufacturer().
+///
+/// @param[in]  serial       Serial.
+/// @param[out] buffer       Receives the text.
+/// @param[in]  buffer_size  Size of @p buffer in bytes.
+/// @param[in]  cancel       Cancel flag.
+/// @return As AdbGetPhoneManufacturer().
+DAROKLEIM_EXPORT int AdbGetPhoneSoftVersion(const char* serial, char* buffer, int buffer_size,
+                                            const bool* cancel);
+
+/// Reads the model (`ro.product.model`), for example `Pixel 7`. Parameters and results as for
+/// AdbGetPhoneManufacturer().
+///
+/// @param[in]  serial       Serial.
+/// @param[out] buffer       Receives the text.
+/// @param[in]  buffer_size  Size of @p buffer in bytes.
+/// @param[in]  cancel       Cancel flag.
+/// @return As AdbGetPhoneManufacturer().
+DAROKLEIM_EXPORT int AdbGetPhoneProductModel(const char* serial, char* buffer, int buffer_size,
+                                             const bool* cancel);
+
+/// Reads the region that a MIUI build was made for (`ro.miui.build.region`), for example `eu`; empty on
+/// other phones. Parameters and results as for AdbGetPhoneManufacturer().
+///
+/// @param[in]  serial       Serial.
+/// @param[out] buffer       Receives the text.
+/// @param[in]  buffer_size  Size of @p buffer in bytes.
+/// @param[in]  cancel       Cancel flag.
+/// @return As AdbGetPhoneManufacturer().
+DAROKLEIM_EXPORT int AdbGetMiuiBuildRegin(const char* serial, char* buffer, int buffer_size,
+                                          const bool* cancel);
+
+/// Composes the version of MIUI as dotted numbers.
+///
+/// The source depends on the version name (`ro.miui.ui.version.name`):
+/// - below 101, such as `V12`: the name's number, then the build date of `ro.miui.version.code_time` in UTC
+///   as year - 2010, month, day of the month + 1. `V11` built on 2020-03-15 gives `11.10.3.16`. Reads CR
+///   LF: without it the newline after the name stays inside the text.
+/// - 101 and above, such as `V130`: `ro.build.version.incremental` between its first `V` and its last dot.
+///   `V13.0.4.0.SKHMIXM` gives `13.0.4.0`.
+///
+/// A version that holds `12.` is cut one digit after its third dot: `12.0.5.10` gives `12.0.5.1`.
+///
+/// @param[in]  serial       Serial.
+/// @param[out] buffer       Receives the version (see Caller buffers); untouched on failure.
+/// @param[in]  buffer_size  Size of @p buffer in bytes; give 128 or more.
+/// @param[in]  cancel       Cancel flag.
+/// @retval ADB_RESULT_OK                        The version; with an empty one the buffer is untouched.
+/// @retval ADB_RESULT_INVALID_PARAM             @p serial or @p buffer is null.
+/// @retval ADB_RESULT_BUFFER_TOO_SMALL          The version was cut.
+/// @retval ADB_RESULT_MIUI_VERSION_NAME_FAILED  The version name could not be read, for whatever reason: an
+///                                              absent device or a cancel also ends here.
+/// @retval ADB_RESULT_MIUI_TIME_CODE_FAILED     The same for the second property, or its value is no date
+///                                              or version; the usual result on a phone without MIUI.
+DAROKLEIM_EXPORT int AdbGetMiuiVersion(const char* serial, char* buffer, int buffer_size, const bool* cancel);
+
+/// Asks whether the boot loader is locked (`ro.boot.flash.locked`).
+///
+/// No pointer is checked for null.
+///
+/// @param[in]  serial  Serial.
+/// @param[out] locked  Receives the answer; untouched on failure and when the device does not tell (the
+///                     code is #ADB_RESULT_OK all the same).
+/// @param[in]  cancel  Cancel flag.
+/// @retval ADB_RESULT_OK  The property was read.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int AdbCheckLockedState(const char* serial, bool* locked, const bool* cancel);
+
+/// Asks whether the user data is encrypted (`ro.crypto.state`).
+///
+/// No pointer is checked for null.
+///
+/// @param[in]  serial     Serial.
+/// @param[out] encrypted  Receives the answer; untouched on failure and when the device does not tell (the
+///                        code is #ADB_RESULT_OK all the same).
+/// @param[in]  cancel     Cancel flag.
+/// @retval ADB_RESULT_OK  The property was read.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int AdbCheckEncryptState(const char* serial, bool* encrypted, const bool* cancel);
+
+/// Asks how the user data is encrypted (`ro.crypto.type`).
+///
+/// No pointer is checked for null.
+///
+/// @param[in]  serial  Serial.
+/// @param[out] type    Receives 0 (file by file) or 1 (the whole disk); untouched on failure and when the
+///                     device names neither (the code is #ADB_RESULT_OK all the same): start from -1.
+/// @param[in]  cancel  Cancel flag.
+/// @retval ADB_RESULT_OK  The property was read.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int AdbGetEncryptType(const char* serial, int* type, const bool* cancel);
+
+/// Asks whether the device runs HarmonyOS, by the name of its ring tone (`ro.config.ringtone`).
+///
+/// No pointer is checked for null.
+///
+/// @param[in]  serial      Serial.
+/// @param[out] is_harmony  Receives the answer; false on failure.
+/// @param[in]  cancel      Cancel flag.
+/// @retval ADB_RESULT_OK  The property was read.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int AdbCheckIsHarmony(const char* serial, bool* is_harmony, const bool* cancel);
+
+/// Asks whether the device is rooted: whether `/system/bin/su` or `/system/xbin/su` exists (`ls`).
+///
+/// Every answer but "No such file" counts as existing, a refusal to look included. When the first place
+/// cannot be asked, the second alone decides.
+///
+/// @param[in]  serial  Serial.
+/// @param[out] rooted  Receives the answer; false on failure. Not checked for null.
+/// @param[in]  cancel  Cancel flag.
+/// @retval ADB_RESULT_OK             The answer.
+/// @retval ADB_RESULT_INVALID_PARAM  @p serial is null.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int IsDeviceHadBeenRooted(const char* serial, bool* rooted, const bool* cancel);
+
+/// Reads the IPv4 address of the device in its Wi-Fi network (`ip address`).
+///
+/// The first address of a wlan interface only. @p ip and @p ip_len are not checked for null.
+///
+/// @param[in]  serial  Serial.
+/// @param[out] ip      Receives a block with address and prefix length, for example `192.168.1.5/24`; free
+///                     it with AdbFreeResource().
+/// @param[out] ip_len  Receives the length in bytes without the terminating zero.
+/// @param[in]  cancel  Cancel flag.
+/// @retval ADB_RESULT_OK             The address.
+/// @retval ADB_RESULT_INVALID_PARAM  @p serial is null.
+/// @retval ADB_RESULT_NO_IP_ADDRESS  The device has no such address.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int AdbGetIPAddress(const char* serial, char** ip, int* ip_len, const bool* cancel);
+
+/// Reads the clock of the device (`date`), as `YYYY-MM-DD HH:MM:SS` in the device's time zone.
+///
+/// @param[in]  serial       Serial.
+/// @param[out] buffer       Receives the text (see Caller buffers); empty on failure.
+/// @param[in]  buffer_size  Size of @p buffer in bytes; 22 or more.
+/// @param[in]  cancel       Cancel flag.
+/// @retval ADB_RESULT_OK                The time.
+/// @retval ADB_RESULT_INVALID_PARAM     @p serial or @p buffer is null.
+/// @retval ADB_RESULT_BUFFER_TOO_SMALL  The text was cut.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int AdbGetDeviceCurrentTime(const char* serial, char* buffer, int buffer_size,
+                                             const bool* cancel);
+
+/// @}
+/// @defgroup files Files
+/// Transfers between host and device, and operations on one file of the device. Nothing is repeated and
+/// nothing is cleaned up after a failure.
+/// @{
+
+/// Copies a file from the host to the device (`adb push --sync`), unless the device's copy is at least as
+/// new.
+///
+/// @param[in] serial       Serial.
+/// @param[in] host_path    File to copy; a whole path.
+/// @param[in] device_path  File or existing directory to copy to; a whole path.
+/// @param[in] cancel       Cancel flag.
+/// @retval ADB_RESULT_OK             Copied, or skipped as up to date.
+/// @retval ADB_RESULT_INVALID_PARAM  A text is null.
+/// @retval ADB_RESULT_NO_SUCH_FILE   Either path does not exist.
+/// @retval ADB_RESULT_NO_SPACE_LEFT  The storage is full; part of the file may be there.
+/// @return Otherwise a common code; 1001 when the device does not allow writing there.
+DAROKLEIM_EXPORT int AdbPushFile(const char* serial, const char* host_path, const char* device_path,
+                                 const bool* cancel);
+
+/// Copies one file from the device to the host, with its time and mode (`adb pull -a`).
+///
+/// For one file: a directory of several files is copied too, but the result is 1.
+///
+/// @param[in] serial       Serial.
+/// @param[in] device_path  File to copy; a whole path.
+/// @param[in] host_path    File or existing directory to copy to; a whole path.
+/// @param[in] cancel       Cancel flag.
+/// @retval ADB_RESULT_OK              Copied.
+/// @retval ADB_RESULT_INVALID_PARAM   A text is null.
+/// @retval ADB_RESULT_NO_SUCH_FILE    @p device_path, or the directory of @p host_path, does not exist.
+/// @retval ADB_RESULT_PROTOCOL_FAULT  adb did not say that it copied one file.
+/// @return Otherwise a common code; 1001 when either side does not allow it.
+DAROKLEIM_EXPORT int AdbPullFile(const char* serial, const char* device_path, const char* host_path,
+                                 const bool* cancel);
+
+/// Copies a file on the device (`cp`), replacing what is there.
+///
+/// @param[in] serial       Serial.
+/// @param[in] source       File to copy; a shell path.
+/// @param[in] destination  File or existing directory to copy to; a shell path.
+/// @param[in] cancel       Cancel flag.
+/// @retval ADB_RESULT_OK             Copied.
+/// @retval ADB_RESULT_INVALID_PARAM  A text is null.
+/// @retval ADB_RESULT_NO_SUCH_FILE   @p source, or the directory of @p destination, does not exist.
+/// @retval ADB_RESULT_NO_SPACE_LEFT  The storage is full.
+/// @return Otherwise a common code; 1001 when the device does not allow it (Android 7 or later).
+DAROKLEIM_EXPORT int AdbCopyFile(const char* serial, const char* source, const char* destination,
+                                 const bool* cancel);
+
+/// Deletes a file on the device (`rm`). Directories are not deleted.
+///
+/// @param[in] serial       Serial.
+/// @param[in] device_path  File to delete; a shell path.
+/// @param[in] cancel       Cancel flag.
+/// @retval ADB_RESULT_OK             Deleted.
+/// @retval ADB_RESULT_INVALID_PARAM  A text is null.
+/// @retval ADB_RESULT_NO_SUCH_FILE   There is no such file.
+/// @return Otherwise a common code; 1001 for a directory or when the device does not allow it (Android 7 or
+///         later).
+DAROKLEIM_EXPORT int AdbRemoveFile(const char* serial, const char* device_path, const bool* cancel);
+
+/// Renames or moves a file or directory on the device (`mv`), replacing a file that is there.
+///
+/// The paths reach the device in single quotes, so anything but a single quote, a double quote or two
+/// backslashes in a row is fine in them.
+///
+/// @param[in] serial    Serial.
+/// @param[in] old_path  What to rename.
+/// @param[in] new_path  New path, or an existing directory to move into.
+/// @param[in] cancel    Cancel flag.
+/// @retval ADB_RESULT_OK             Renamed.
+/// @retval ADB_RESULT_INVALID_PARAM  A text is null.
+/// @retval ADB_RESULT_NO_SUCH_FILE   @p old_path, or the directory of @p new_path, does not exist.
+/// @return Otherwise a common code; 1001 when the device does not allow it (Android 7 or later).
+DAROKLEIM_EXPORT int AdbRenameFile(const char* serial, const char* old_path, const char* new_path,
+                                   const bool* cancel);
+
+/// Makes a directory on the device, with the directories above it (`mkdir -p`). One that exists is fine.
+///
+/// No pointer is checked for null.
+///
+/// @param[in] serial       Serial.
+/// @param[in] device_path  Directory to make; a shell path.
+/// @param[in] cancel       Cancel flag.
+/// @retval ADB_RESULT_OK  Made, or there already.
+/// @return Otherwise a common code; 1001 when the device does not allow it (Android 7 or later).
+DAROKLEIM_EXPORT int AdbCreateDir(const char* serial, const char* device_path, const bool* cancel);
+
+/// Changes the mode of a file or directory on the device (`chmod`).
+///
+/// @param[in] serial       Serial.
+/// @param[in] device_path  File or directory; a bare path.
+/// @param[in] mode         Mode as `chmod` reads it: `644`, `a+x`.
+/// @param[in] cancel       Cancel flag.
+/// @retval ADB_RESULT_OK             Changed.
+/// @retval ADB_RESULT_INVALID_PARAM  A text is null.
+/// @retval ADB_RESULT_NO_SUCH_FILE   The path does not exist.
+/// @return Otherwise a common code; 1001 when the device does not allow it (Android 7 or later).
+DAROKLEIM_EXPORT int AdbChmodFile(const char* serial, const char* device_path, const char* mode,
+                                  const bool* cancel);
+
+/// Asks whether a file or directory exists on the device (`ls`, then `adb ls` of the directory it stands
+/// in).
+///
+/// Give a directory without a slash at its end: with one, only an empty directory is sure to be found. Read
+/// the answer only with #ADB_RESULT_OK: a command that could not be run (3001 to 3006) answers true.
+///
+/// @param[in]  serial       Serial.
+/// @param[in]  device_path  Absolute path; a shell path to `ls`, a whole path to `adb ls`.
+/// @param[out] exists       Receives the answer.
+/// @param[in]  cancel       Cancel flag.
+/// @retval ADB_RESULT_OK             The answer, be it true or false.
+/// @retval ADB_RESULT_INVALID_PARAM  @p serial, @p device_path or @p exists is null.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int AdbCheckFileExisted(const char* serial, const char* device_path, bool* exists,
+                                         const bool* cancel);
+
+/// Reads the size of a file on the device (`stat`). Reads CR LF.
+///
+/// @param[in]  serial       Serial.
+/// @param[in]  device_path  File; a shell path.
+/// @param[out] size         Receives the size in bytes; 0 on failure. Not checked for null.
+/// @param[in]  cancel       Cancel flag.
+/// @retval ADB_RESULT_OK              The size.
+/// @retval ADB_RESULT_INVALID_PARAM   @p serial or @p device_path is null.
+/// @retval ADB_RESULT_NO_SUCH_FILE    There is no such file.
+/// @retval ADB_RESULT_PROTOCOL_FAULT  `stat` printed no size, or LF line ends.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int AdbGetFileSize(const char* serial, const char* device_path, unsigned long long* size,
+                                    const bool* cancel);
+
+/// Reads when a file on the device was last modified, in spite of the name (`stat -c %Y`; on a device
+/// without `stat`, `adb ls` of the directory that holds the file, as AdbGetFileCreateTimeFromLs()).
+///
+/// @param[in]  serial       Serial.
+/// @param[in]  device_path  Absolute path of the file; a shell path.
+/// @param[out] seconds      Receives the seconds since 1970-01-01 00:00 UTC; 0 on failure.
+/// @param[in]  cancel       Cancel flag.
+/// @retval ADB_RESULT_OK             The time; without `stat` also 0 for a file that was not found.
+/// @retval ADB_RESULT_INVALID_PARAM  @p serial, @p device_path or @p seconds is null.
+/// @retval ADB_RESULT_NO_SUCH_FILE   There is no such file.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int AdbGetFileCreateTime(const char* serial, const char* device_path,
+                                          unsigned long long* seconds, const bool* cancel);
+
+/// Takes a screenshot and copies it to the host as a PNG file.
+///
+/// The picture goes through `/data/local/tmp/` under the file name of @p host_path: two calls with the same
+/// name at the same time share it, and it stays there when the copy fails. A name with a blank needs
+/// assistance.
+///
+/// @param[in] serial     Serial.
+/// @param[in] host_path  File to write; a whole path, with a file name at its end.
+/// @param[in] cancel     Cancel flag.
+/// @retval ADB_RESULT_OK             The file is written.
+/// @retval ADB_RESULT_INVALID_PARAM  A text is null, or @p host_path ends in a slash.
+/// @return Otherwise the code of the step that failed: AdbScreencapToDevice(), AdbPullFile() or
+///         AdbRemoveFile(); in the last case the file is written all the same.
+DAROKLEIM_EXPORT int AdbScreencapToPC(const char* serial, const char* host_path, const bool* cancel);
+
+/// Takes a screenshot into a PNG file on the device (`screencap -p`).
+///
+/// @param[in] serial       Serial.
+/// @param[in] device_path  File to write; a shell path.
+/// @param[in] cancel       Cancel flag.
+/// @retval ADB_RESULT_OK             The file is written.
+/// @retval ADB_RESULT_INVALID_PARAM  A text is null.
+/// @return Otherwise a common code; 1001 when the device does not allow it (Android 7 or later).
+DAROKLEIM_EXPORT int AdbScreencapToDevice(const char* serial, const char* device_path, const bool* cancel);
+
+/// @}
+/// @defgroup directories Directories
+/// The listings are JSON documents. Besides handing the document out, each listing leaves a copy of it in
+/// the current working directory, in a file named `F:\file_list.json` (no drive is meant), replacing the
+/// one before.
+///
+/// A flat listing:
+///
+/// @code{.json}
+/// {
+///    "file_count" : 1,
+///    "files" : [ { "file" : "/sdcard/a.txt", "size" : 10,
+///                  "time" : "2019-12-31 16:40:48", "utc_timestamp" : 1577810448 } ]
+/// }
+/// @endcode
+///
+/// `files` is null, not an empty array, when there are no files.
+/// @{
+
+/// Lists the regular files of a directory as the device's `ls -l` tells them. Reads CR LF: on other phones
+/// the list is empty.
+///
+/// Each file has `file`, `size` (bytes) and `time` (`YYYY-MM-DD HH:MM` in the device's time zone). Without
+/// @p recursive the device does not say in which directory the files are: `file` is `/` and the name alone.
+/// No pointer is checked for null.
+///
+/// @param[in]  serial     Serial.
+/// @param[in]  dir        Directory; a shell path.
+/// @param[out] json       Receives a block with the flat listing; free it with AdbFreeResource(). Untouched
+///                        on failure.
+/// @param[out] json_len   Receives its length in bytes without the terminating zero; untouched on failure.
+/// @param[in]  recursive  Not 0: the directories below as well (`-R`).
+/// @param[in]  all        Not 0: names that begin with a dot as well (`-a`).
+/// @param[in]  cancel     Cancel flag.
+/// @retval ADB_RESULT_OK            The listing.
+/// @retval ADB_RESULT_NO_SUCH_FILE  The directory, or a file that vanished meanwhile, does not exist; no
+///                                  listing.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int AdbGetDirFiles(const char* serial, const char* dir, char** json, int* json_len,
+                                    int recursive, int all, const bool* cancel);
+
+/// Lists all files below a directory as adb's own directory service tells them, one `adb ls` for each
+/// directory.
+///
+/// Independent of the phone's shell and of line ends. Each file has `file`, `size` (bytes), `time`
+/// (`YYYY-MM-DD HH:MM:SS` in the host's time zone) and `utc_timestamp` (seconds since 1970). Always
+/// recursive; symbolic links are listed as files and not followed. Left out are names of two characters
+/// that hold a dot (`.a`). Older adb releases count sizes in 32 bits. No pointer is checked for null.
+///
+/// @param[in]  serial     Serial.
+/// @param[in]  dir        Directory; a whole path. A slash at its end shows as a doubled slash in each
+///                        `file`.
+/// @param[out] json       Receives a block with the flat listing; free it with AdbFreeResource(). Untouched
+///                        on failure.
+/// @param[out] json_len   Receives its length in bytes without the terminating zero; untouched on failure.
+/// @param[in]  recursive  Without effect.
+/// @param[in]  all        Without effect.
+/// @param[in]  cancel     Cancel flag.
+/// @retval ADB_RESULT_OK  The listing. A directory that does not exist or may not be read is an empty one
+///                        to adb.
+/// @return Otherwise the status only.
+DAROKLEIM_EXPORT int AdbGetDirFilesEx(const char* serial, const char* dir, char** json, int* json_len,
+                                      int recursive, int all, const bool* cancel);
+
+/// Lists all files below a directory as a tree of folders. Everything else is as for AdbGetDirFilesEx().
+///
+/// A folder has `Name`, and when there are any, `Dir` (its folders) and `File` (its files); a file has
+/// `Name`, `Size` and `Time`. Names are full paths. Folders without a file anywhere below them are left
+/// out.
+///
+/// @code{.json}
+/// {
+///    "Dir" : [ { "File" : [ { "Name" : "/sdcard/a/x.jpg", "Size" : 7, "Time" : "2020-01-02 03:04:05" } ],
+///                "Name" : "/sdcard/a" } ],
+///    "Name" : "/sdcard"
+/// }
+/// @endcode
+///
+/// @param[in]  serial     Serial.
+/// @param[in]  dir        Directory, the `Name` of the topmost folder; a whole path.
+/// @param[out] json       Receives a block with the tree; free it with AdbFreeResource(). Untouched on
+///                        failure.
+/// @param[out] json_len   Receives its length in bytes without the terminating zero; untouched on failure.
+/// @param[in]  recursive  Without effect.
+/// @param[in]  all        Without effect.
+/// @param[in]  cancel     Cancel flag.
+/// @return As AdbGetDirFilesEx().
+DAROKLEIM_EXPORT int AdbGetDirFilesAndDirs(const char* serial, const char* dir, char** json, int* json_len,
+                                           int recursive, int all, const bool* cancel);
+
+/// Finds the files below a directory whose names end in one of several suffixes, in any case (`find`, or
+/// `du` and `grep` on a device without `/system/bin/find`).
+///
+/// Each file has `file` only. @p json and @p json_len are not checked for null and always written: null and
+/// 0 when no listing is handed out. @p suffixes is not checked for null. Command limit of the search: 1023
+/// bytes.
+///
+/// @param[in]  serial    Serial.
+/// @param[in]  dir       Directory; a bare path.
+/// @param[in]  suffixes  Suffixes without the dot, separated by `;`, at least one: `jpg;png`.
+/// @param[out] json      Receives a block with the flat listing; free it with AdbFreeResource().
+/// @param[out] json_len  Receives its length in bytes without the terminating zero.
+/// @param[in]  cancel    Cancel flag.
+/// @retval ADB_RESULT_OK                 The listing. Nothing found: null in @p json, or an empty listing.
+/// @retval ADB_RESULT_INVALID_PARAM      @p serial or @p dir is null, or @p dir is empty.
+/// @retval ADB_RESULT_NO_SUCH_FILE       The directory does not exist.
+/// @retval ADB_RESULT_PERMISSION_DENIED  Nothing was found, and some folders could not be searched; an
+///                                       empty listing is handed out. With files found, refused folders are
+///                                       ignored.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int AdbGetFilesBySuffix(const char* serial, const char* dir, const char* suffixes,
+                                         char** json, int* json_len, const bool* cancel);
+
+/// Measures a directory (`du -s`), after AdbConfigDeviceBusybox().
+///
+/// A directory of which parts may not be read cannot be measured: the result is 1, or 0 with a size of 0.
+///
+/// @param[in]  serial  Serial.
+/// @param[in]  dir     Directory; a shell path.
+/// @param[out] size    Receives the size in the unit of the device's `du`, normally 1024 bytes; 0 on
+///                     failure.
+/// @param[in]  cancel  Cancel flag.
+/// @retval ADB_RESULT_OK              The size.
+/// @retval ADB_RESULT_INVALID_PARAM   @p serial, @p dir or @p size is null.
+/// @retval ADB_RESULT_NO_SUCH_FILE    The directory, or the host's `busybox`, does not exist.
+/// @retval ADB_RESULT_PROTOCOL_FAULT  `du` printed more or less than one size.
+/// @return Otherwise a code of AdbConfigDeviceBusybox() or a common code.
+DAROKLEIM_EXPORT int AdbGetDirSize(const char* serial, const char* dir, long long* size, const bool* cancel);
+
+/// @}
+/// @defgroup storage Storage
+/// @{
+
+/// Finds the shared storage of a device: the first of `/sdcard`, `/sdcard0`, `/sdcard1` ... `/sdcard9` that
+/// exists (`stat`, once for each).
+///
+/// @param[in]  serial       Serial.
+/// @param[out] buffer       Receives the path; untouched on failure.
+/// @param[in]  buffer_size  Size of @p buffer in bytes; at least 9.
+/// @param[in]  cancel       Cancel flag.
+/// @retval ADB_RESULT_OK                The path.
+/// @retval ADB_RESULT_INVALID_PARAM     @p serial or @p buffer is null.
+/// @retval ADB_RESULT_BUFFER_TOO_SMALL  @p buffer_size is below 9; the device was not asked.
+/// @retval ADB_RESULT_NO_SUCH_FILE      None exists.
+/// @return Otherwise the common code of the last one tried.
+DAROKLEIM_EXPORT int AdbGetFirstSDCardPath(const char* serial, char* buffer, int buffer_size,
+                                           const bool* cancel);
+
+/// Reads the free space of the storage that holds a path (`df`).
+///
+/// A number without a unit is taken as KiB, which is what `df` means by it.
+///
+/// @param[in]  serial      Serial.
+/// @param[in]  path        Any path on the storage, for example `/sdcard`; a bare path.
+/// @param[out] free_bytes  Receives the free space in bytes; 0 on failure.
+/// @param[in]  cancel      Cancel flag.
+/// @retval ADB_RESULT_OK              The free space.
+/// @retval ADB_RESULT_INVALID_PARAM   @p serial, @p path or @p free_bytes is null.
+/// @retval ADB_RESULT_NO_SUCH_FILE    The path does not exist.
+/// @retval ADB_RESULT_PROTOCOL_FAULT  `df` did not print a table row.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int AdbGetStorageFreeSpace(const char* serial, const char* path,
+                                            unsigned long long* free_bytes, const bool* cancel);
+
+/// Lists the storage volumes of a device, internal and cards (`ls -l /storage`). Reads LF.
+///
+/// A volume may stand in the list twice. @p paths and @p paths_len are not checked for null. Command limit:
+/// 255 bytes.
+///
+/// @param[in]  serial     Serial.
+/// @param[out] paths      Receives a block with a JSON array of paths, for example `[
+///                        "/storage/emulated/0", "/storage/1234-5678" ]`, or `null` when no volume was
+///                        recognised; free it with AdbFreeResource(). Untouched on failure.
+/// @param[out] paths_len  Receives its length in bytes without the terminating zero; untouched on failure.
+/// @param[in]  cancel     Cancel flag.
+/// @retval ADB_RESULT_OK             The list, perhaps `null`.
+/// @retval ADB_RESULT_INVALID_PARAM  @p serial is null.
+/// @return Otherwise the status only.
+DAROKLEIM_EXPORT int AdbSearchSDCardPath(const char* serial, char** paths, int* paths_len,
+                                         const bool* cancel);
+
+/// Finds the memory card of a device (`ls -l /storage`). Reads LF.
+///
+/// Knows a card by its group, sdcard_r or sdcard_rw. Newer phones give cards other groups and yield an
+/// empty path: take the entry of AdbSearchSDCardPath() that is not `/storage/emulated/0`. @p path and @p
+/// path_len are not checked for null. Command limit: 255 bytes.
+///
+/// @param[in]  serial    Serial.
+/// @param[out] path      Receives a block with the path, for example `/storage/1234-5678`, or with an empty
+///                       text when there is no card; free it with AdbFreeResource(). Untouched on failure.
+/// @param[out] path_len  Receives its length in bytes without the terminating zero, 0 without a card;
+///                       untouched on failure.
+/// @param[in]  cancel    Cancel flag.
+/// @retval ADB_RESULT_OK             The path, perhaps empty.
+/// @retval ADB_RESULT_INVALID_PARAM  @p serial is null.
+/// @return Otherwise the status only.
+DAROKLEIM_EXPORT int AdbSearchExternalSDCardPath(const char* serial, char** path, int* path_len,
+                                                 const bool* cancel);
+
+/// @}
+/// @defgroup packages Installed packages
+/// Command limit of each command here: 255 bytes. Where adb's shell may not act for all users of the
+/// device, the first three functions ask for the current user and list that user's packages instead.
+/// @{
+
+/// Asks whether a package is installed (`pm list packages`).
+///
+/// @param[in]  serial     Serial.
+/// @param[in]  package    Full package name, for example `com.example.app`; compared exactly.
+/// @param[out] installed  Receives the answer; false on failure.
+/// @param[in]  cancel     Cancel flag.
+/// @retval ADB_RESULT_OK             The answer, be it true or false. False also when the device lets no
+///                                   listing pass, not even for the current user.
+/// @retval ADB_RESULT_INVALID_PARAM  @p serial, @p package or @p installed is null.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int AdbCheckAppInstalled(const char* serial, const char* package, bool* installed,
+                                          const bool* cancel);
+
+/// Lists installed packages as the device prints them: `package:NAME` and a line end for each (`pm list
+/// packages FILTER`).
+///
+/// @p list and @p list_len are not checked for null.
+///
+/// @param[in]  serial    Serial.
+/// @param[in]  filter    Options of `pm list packages`, part of a name, or both: `-3` for what the user
+///                       installed, `-f com.example`, an empty text for everything.
+/// @param[out] list      Receives a block of @p list_len bytes **without a terminating zero**; free it with
+///                       AdbFreeResource(). Untouched on failure.
+/// @param[out] list_len  Receives the length in bytes; untouched on failure.
+/// @param[in]  cancel    Cancel flag.
+/// @retval ADB_RESULT_OK             The list. The outputs are untouched when the device lets no listing
+///                                   pass, not even for the current user.
+/// @retval ADB_RESULT_INVALID_PARAM  @p serial or @p filter is null.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int AdbGetPackagesNameOfInstalled(const char* serial, const char* filter, char** list,
+                                                   int* list_len, const bool* cancel);
+
+/// Lists installed packages as AdbGetPackagesNameOfInstalled() does, but cannot be cancelled.
+///
+/// @p list and @p list_len are not checked for null.
+///
+/// @param[in]  serial    Serial.
+/// @param[in]  filter    As there; null for everything.
+/// @param[out] list      Receives a block of @p list_len bytes **without a terminating zero**; free it with
+///                       AdbFreeResource(). Untouched on failure.
+/// @param[out] list_len  Receives the length in bytes; untouched on failure.
+/// @retval ADB_RESULT_OK             As there.
+/// @retval ADB_RESULT_INVALID_PARAM  @p serial is null.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int AdbGetPackagesNameList(const char* serial, const char* filter, char** list,
+                                            int* list_len);
+
+/// Finds the APK file of a package on the device (`pm path`); of a split package, the first file.
+///
+/// **The size of the buffer is not read.** Give 4096 bytes, the longest path there can be;
+/// AdbGetApkPathOfInstatlledEx() has no such limit.
+///
+/// @param[in]  serial       Serial.
+/// @param[in]  package      Full package name.
+/// @param[out] buffer       Receives the zero-terminated path; empty on failure.
+/// @param[in]  buffer_size  Without effect.
+/// @param[in]  cancel       Cancel flag.
+/// @retval ADB_RESULT_OK             The path.
+/// @retval ADB_RESULT_INVALID_PARAM  @p serial, @p package or @p buffer is null.
+/// @retval ADB_RESULT_NOT_FOUND      The package is not installed.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int AdbGetApkPathOfInstatlled(const char* serial, const char* package, char* buffer,
+                                               int buffer_size, const bool* cancel);
+
+/// Finds all APK files of a package on the device (`pm path`).
+///
+/// @p json and @p json_len are not checked for null.
+///
+/// @param[in]  serial    Serial.
+/// @param[in]  package   Full package name.
+/// @param[out] json      Receives a block, **also with #ADB_RESULT_NOT_FOUND**: an object whose member
+///                       `path` is an array of paths, or null when there are none. Free it with
+///                       AdbFreeResource(). Untouched with every other code.
+/// @param[out] json_len  Receives its length in bytes, the terminating zero included.
+/// @param[in]  cancel    Cancel flag.
+/// @retval ADB_RESULT_OK             The paths.
+/// @retval ADB_RESULT_INVALID_PARAM  @p serial or @p package is null.
+/// @retval ADB_RESULT_NOT_FOUND      The package is not installed, or the command failed in any way once
+///                                   adb ran: an absent device too.
+/// @return Otherwise a status from 3001 to 3006.
+DAROKLEIM_EXPORT int AdbGetApkPathOfInstatlledEx(const char* serial, const char* package, char** json,
+                                                 int* json_len, const bool* cancel);
+
+/// Reads the version of an installed package (`dumpsys package`): the digits and dots that its version name
+/// begins with, `1.2.3` for `1.2.3-beta`.
+///
+/// **The size of the buffer is not read.** Give 256 bytes or more. The word `Failure` in the dump is no
+/// error, except in a line that names the package `jp.naver.line.android`.
+///
+/// @param[in]  serial       Serial.
+/// @param[in]  package      Full package name.
+/// @param[out] buffer       Receives the zero-terminated version; empty on failure.
+/// @param[in]  buffer_size  Without effect.
+/// @param[in]  cancel       Cancel flag.
+/// @retval ADB_RESULT_OK             The version.
+/// @retval ADB_RESULT_INVALID_PARAM  @p serial, @p package or @p buffer is null.
+/// @retval ADB_RESULT_NOT_FOUND      The package is not installed, or its version name begins with
+///                                   something else.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int AdbGetAppVersion(const char* serial, const char* package, char* buffer, int buffer_size,
+                                      const bool* cancel);
+
+/// @}
+/// @defgroup install Install and uninstall
+/// Besides the codes listed, an install returns the `ADB_RESULT_INSTALL_` code that the package manager's
+/// message stands for. #ADB_RESULT_OK means that no known failure was printed.
+/// @{
+
+/// Installs an APK file of the host, replacing an older version and keeping its data: copies it to
+/// `/data/local/tmp/`, installs it as AdbInstallAppFromDevicePath() does, deletes the copy.
+///
+/// The copy stays on the device after a cancel, and without assistance when the file name has a blank. The
+/// name is what follows the last slash. No pointer is checked for null.
+///
+/// @param[in] serial     Serial.
+/// @param[in] host_path  APK file; a whole path.
+/// @param[in] cancel     Cancel flag.
+/// @retval ADB_RESULT_OK  Installed.
+/// @return Otherwise a code of AdbPushFile() or AdbInstallAppFromDevicePath().
+DAROKLEIM_EXPORT int AdbInstallAppFromPCPath(const char* serial, const char* host_path, const bool* cancel);
+
+/// Installs an APK file of the device, replacing an older version and keeping its data (`pm install -r`).
+///
+/// Command limit: 255 bytes.
+///
+/// @param[in] serial       Serial.
+/// @param[in] device_path  APK file. It reaches the device in double quotes: anything but quotes, `$`, a
+///                         backquote and backslashes is fine in it.
+/// @param[in] cancel       Cancel flag.
+/// @retval ADB_RESULT_OK                Installed.
+/// @retval ADB_RESULT_INVALID_PARAM     A text is null.
+/// @retval ADB_RESULT_FAILURE           Failed for a reason that has no code.
+/// @retval ADB_RESULT_NOT_ENOUGH_SPACE  The same while less than 200 MiB are free on `/sdcard`, or when the
+///                                      free space could not be read; or the message says so.
+/// @return Otherwise an install code or a common code.
+DAROKLEIM_EXPORT int AdbInstallAppFromDevicePath(const char* serial, const char* device_path,
+                                                 const bool* cancel);
+
+/// Installs the APK files of one split package from the host (`adb install-multiple -r`).
+///
+/// No pointer is checked for null.
+///
+/// @param[in] serial      Serial.
+/// @param[in] json_paths  JSON object whose arrays hold the files as strings, whole paths: `{"apks":
+///                        ["/tmp/base.apk", "/tmp/split_de.apk"]}`. The arrays are taken in the order of
+///                        their names, and anything else in the object is ignored. The top must be an
+///                        object.
+/// @param[in] cancel      Cancel flag.
+/// @retval ADB_RESULT_OK                 Installed.
+/// @retval ADB_RESULT_JSON_PARSE_FAILED  @p json_paths is not JSON; nothing was run.
+/// @retval ADB_RESULT_NO_SUCH_FILE       A file does not exist.
+/// @retval ADB_RESULT_FAILURE            Failed for a reason that has no code.
+/// @return Otherwise an install code or a common code.
+DAROKLEIM_EXPORT int AdbInstallMultipleAppFromPCPath(const char* serial, const char* json_paths,
+                                                     const bool* cancel);
+
+/// Asks the package manager for a package (`pm path`, with `-k` when @p keep is not 0).
+///
+/// Phones answer for an unknown package with silence, which counts as success here: AdbCheckAppInstalled()
+/// tells for sure. Command limit: 127 bytes. No pointer is checked for null.
+///
+/// @param[in] serial   Serial.
+/// @param[in] package  Full package name.
+/// @param[in] keep     Not 0: with `-k`.
+/// @param[in] cancel   Cancel flag.
+/// @retval ADB_RESULT_OK       The package manager answered without a known error.
+/// @retval ADB_RESULT_FAILURE  It reported a failure.
+/// @return Otherwise a common code. A status but 0 comes before any message: an absent device is 1001.
+DAROKLEIM_EXPORT int AdbCheckAppExist(const char* serial, const char* package, int keep, const bool* cancel);
+
+/// Uninstalls a package (`pm uninstall`).
+///
+/// Command limit: 127 bytes; a longer name is cut and the package of that name uninstalled, if there is
+/// one. No pointer is checked for null.
+///
+/// @param[in] serial     Serial.
+/// @param[in] package    Full package name.
+/// @param[in] keep_data  Not 0: keep the application's data (`-k`).
+/// @param[in] cancel     Cancel flag.
+/// @retval ADB_RESULT_OK       Uninstalled, or no known error was printed.
+/// @retval ADB_RESULT_FAILURE  Not installed, or protected.
+/// @return Otherwise a common code. A status but 0 comes before any message: an absent device is 1001.
+DAROKLEIM_EXPORT int AdbUninstallApp(const char* serial, const char* package, int keep_data,
+                                     const bool* cancel);
+
+/// @}
+/// @defgroup control Backup, log and application control
+/// @{
+
+/// Saves an application's data to a file of the host (`adb backup -noapk -nosystem`).
+///
+/// Waits until the user has confirmed on the device; AdbStopDeviceBackupRestoreProcess() or the cancel flag
+/// ends the wait. #ADB_RESULT_OK does not say that data was saved: the user may have refused, and an
+/// application may forbid backups. Look at the size of the file.
+///
+/// @param[in] serial     Serial.
+/// @param[in] package    Full package name.
+/// @param[in] host_path  File to write; a whole path.
+/// @param[in] cancel     Cancel flag.
+/// @retval ADB_RESULT_OK             adb has ended without a known error.
+/// @retval ADB_RESULT_INVALID_PARAM  A text is null.
+/// @return Otherwise a common code; 1001 when the file cannot be written.
+DAROKLEIM_EXPORT int AdbBackupApp(const char* serial, const char* package, const char* host_path,
+                                  const bool* cancel);
+
+/// Brings the data of an AdbBackupApp() file back (`adb restore`). Waits for the user as AdbBackupApp()
+/// does.
+///
+/// No pointer is checked for null.
+///
+/// @param[in] serial     Serial.
+/// @param[in] host_path  File to read; a whole path.
+/// @param[in] cancel     Cancel flag.
+/// @retval ADB_RESULT_OK            adb has ended without a known error.
+/// @retval ADB_RESULT_NO_SUCH_FILE  There is no such file.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int AdbRestoreApp(const char* serial, const char* host_path, const bool* cancel);
+
+/// Closes the device's backup confirmation, so that a waiting AdbBackupApp() or AdbRestoreApp() of another
+/// thread returns (`am force-stop com.android.backupconfirm`).
+///
+/// Command limit: 127 bytes. @p serial is not checked for null.
+///
+/// @param[in] serial  Serial.
+/// @param[in] cancel  Cancel flag.
+/// @retval ADB_RESULT_OK  Closed, or was not open.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int AdbStopDeviceBackupRestoreProcess(const char* serial, const bool* cancel);
+
+/// Empties the log of the device (`adb logcat -c`).
+///
+/// Command limit: 127 bytes. @p serial is not checked for null.
+///
+/// @param[in] serial  Serial.
+/// @param[in] cancel  Cancel flag.
+/// @retval ADB_RESULT_OK  Emptied.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int AdbClearLogcat(const char* serial, const bool* cancel);
+
+/// What AdbLogcatAnsync() calls with each piece of the log. It runs on a thread of the library, never two
+/// at a time for one stream, and must not let a C++ exception out.
+///
+/// @param[in] context  The pointer that was given to AdbLogcatAnsync().
+/// @param[in] data     Bytes of the log, not zero-terminated, valid during the call; a piece may begin and
+///                     end in the middle of a line. Null in the last call of the stream.
+/// @param[in] length   Number of bytes in @p data; in the last call the status that the stream ended with.
+typedef void (*DarokleimOutputCallback)(void* context, const char* data, int length);
+
+/// Starts a stream of the device's log and returns at once (`adb logcat -s FILTER`).
+///
+/// The stream runs until the cancel flag is set, the device goes or the process ends. A start that fails
+/// makes no call to @p on_output. Not to be called from two threads at once; several streams may run side
+/// by side. Command limit: 255 bytes. No pointer is checked for null.
+///
+/// @code{.c}
+/// static void OnLog(void* context, const char* data, int length) {
+///   if (data != NULL) fwrite(data, 1, (size_t)length, (FILE*)context);
+/// }
+///
+/// static bool stop;
+/// // In C, through the integer type of <stdint.h>:
+/// AdbLogcatAnsync(serial, "ActivityManager:I", (void*)(uintptr_t)OnLog, stderr, &stop);
+/// // In C++:
+/// AdbLogcatAnsync(serial, "ActivityManager:I", reinterpret_cast<void*>(&OnLog), stderr, &stop);
+/// @endcode
+///
+/// @param[in] serial     Serial; needed during the call only.
+/// @param[in] filter     What to show, as `logcat` reads it: `TAG:PRIORITY`, several separated by blanks;
+///                       needed during the call only.
+/// @param[in] on_output  Address of a ::DarokleimOutputCallback, cast to `void*`; null discards the log.
+/// @param[in] context    Handed to the callback; must outlive the stream.
+/// @param[in] cancel     Cancel flag; must outlive the stream.
+/// @return The status of the start only; 0: the stream runs.
+DAROKLEIM_EXPORT int AdbLogcatAnsync(const char* serial, const char* filter, void* on_output, void* context,
+                                     const bool* cancel);
+
+/// Starts an activity on the device (`am start -n COMPONENT EXTRAS`). Cannot be cancelled.
+///
+/// Command limit: 511 bytes.
+///
+/// @param[in] serial     Serial.
+/// @param[in] component  Package and activity: `com.example.app/.MainActivity`.
+/// @param[in] extras     More options of `am start`, for example `-a android.intent.action.VIEW`; may be
+///                       null.
+/// @retval ADB_RESULT_OK              Started, or was running.
+/// @retval ADB_RESULT_INVALID_PARAM   @p serial or @p component is null.
+/// @retval ADB_RESULT_PROTOCOL_FAULT  The device printed an `Error`: there is no such activity, or it may
+///                                    not be started.
+/// @return Otherwise the status only.
+DAROKLEIM_EXPORT int AdbStartApp(const char* serial, const char* component, const char* extras);
+
+/// Types a text into the field of the device that has the focus (`input text`).
+///
+/// The text is read by the device's shell as a shell path is; without assistance write a blank as `%s`,
+/// which `input` turns back. ASCII only: `input` knows no other characters.
+///
+/// @param[in] serial  Serial.
+/// @param[in] text    Text to type.
+/// @param[in] cancel  Cancel flag.
+/// @retval ADB_RESULT_OK             Typed.
+/// @retval ADB_RESULT_INVALID_PARAM  @p serial or @p text is null.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int AdbInputStringToDevice(const char* serial, const char* text, const bool* cancel);
+
+/// @}
+/// @defgroup ports Port mappings
+/// Ports are decimal texts, `"8080"`, and are not checked here. A mapping lasts until it is removed, the
+/// device goes or the adb server ends. These functions cannot be cancelled. Command limit of them all: 511
+/// bytes.
+/// @{
+
+/// Maps a TCP port of the host to one of the device (`adb forward`): what connects to @p host_port on the
+/// host reaches @p device_port on the device. A mapping of that host port that exists is replaced.
+///
+/// Host port `0` lets adb choose a port, which is not reported.
+///
+/// @param[in] serial       Serial.
+/// @param[in] host_port    Port to listen on.
+/// @param[in] device_port  Port to connect to.
+/// @retval ADB_RESULT_OK              Mapped.
+/// @retval ADB_RESULT_INVALID_PARAM   An argument is null.
+/// @retval ADB_RESULT_PROTOCOL_FAULT  adb printed an `Error`.
+/// @return Otherwise the status only; 1001 for a port in use, a bad port or an absent device.
+DAROKLEIM_EXPORT int AdbFowardBind(const char* serial, const char* host_port, const char* device_port);
+
+/// Removes a mapping of AdbFowardBind() (`adb forward --remove`).
+///
+/// @param[in] serial     Serial.
+/// @param[in] host_port  The host port of the mapping.
+/// @retval ADB_RESULT_OK              Removed.
+/// @retval ADB_RESULT_INVALID_PARAM   An argument is null.
+/// @retval ADB_RESULT_PROTOCOL_FAULT  adb printed an `Error`.
+/// @return Otherwise the status only; 1001 when there is no such mapping or device.
+DAROKLEIM_EXPORT int AdbFowardRemove(const char* serial, const char* host_port);
+
+/// Maps a TCP port of the device to one of the host (`adb reverse`): what connects to @p device_port on the
+/// device reaches @p host_port on the host. A mapping of that device port that exists is replaced.
+///
+/// Mind the order: the listening port stands first, which is the device's here.
+///
+/// @param[in] serial       Serial.
+/// @param[in] device_port  Port to listen on.
+/// @param[in] host_port    Port to connect to.
+/// @retval ADB_RESULT_OK              Mapped.
+/// @retval ADB_RESULT_INVALID_PARAM   An argument is null.
+/// @retval ADB_RESULT_PROTOCOL_FAULT  adb printed an `Error`.
+/// @return Otherwise the status only; 1001 for a port in use, a bad port or an absent device.
+DAROKLEIM_EXPORT int AdbReverseBind(const char* serial, const char* device_port, const char* host_port);
+
+/// Removes a mapping of AdbReverseBind() (`adb reverse --remove`).
+///
+/// @param[in] serial       Serial.
+/// @param[in] device_port  The device port of the mapping.
+/// @retval ADB_RESULT_OK              Removed.
+/// @retval ADB_RESULT_INVALID_PARAM   An argument is null.
+/// @retval ADB_RESULT_PROTOCOL_FAULT  adb printed an `Error`.
+/// @return Otherwise the status only; 1001 when there is no such mapping or device.
+DAROKLEIM_EXPORT int AdbReverseRemove(const char* serial, const char* device_port);
+
+/// @}
+/// @defgroup server The adb server and busybox
+/// adb works through a server process on the host, which the first command starts by itself and which all
+/// programs of the user share.
+/// @{
+
+/// Starts the adb server, unless it runs (`adb start-server`).
+///
+/// @param[in] kill_first  Call AdbKillDaemon() before; that step cannot be cancelled.
+/// @param[in] cancel      Cancel flag.
+/// @retval ADB_RESULT_OK              The server runs.
+/// @retval ADB_RESULT_PROTOCOL_FAULT  The server runs too: adb's text began with `daemon started
+///                                    successfully`.
+/// @return Otherwise the status only: the server does not run.
+DAROKLEIM_EXPORT int AdbStartDaemon(bool kill_first, const bool* cancel);
+
+/// The same as AdbStartDaemon() under another name in the log.
+///
+/// @param[in] kill_first  Call AdbKillDaemon() before; that step cannot be cancelled.
+/// @param[in] cancel      Cancel flag.
+/// @return As AdbStartDaemon().
+DAROKLEIM_EXPORT int AdbStartDaemonEx(bool kill_first, const bool* cancel);
+
+/// Stops the adb server (`adb kill-server`), then **kills processes of the host**: every one whose line in
+/// `ps -ax` holds the word adb, on any port, of any program, with signal 9.
+///
+/// That meets other programs' adb commands, a text editor with a file `adb.txt`, and the calling process
+/// itself if the word stands in its name or arguments. All commands in flight fail, and port mappings and
+/// streams end.
+///
+/// @param[in] cancel  Cancel flag of `kill-server`; the killing cannot be cancelled.
+DAROKLEIM_EXPORT void AdbKillDaemon(const bool* cancel);
+
+/// Kills and starts the adb server: AdbStartDaemon() with @p kill_first, with all that AdbKillDaemon()
+/// warns of. Cannot be cancelled.
+///
+/// @return As AdbStartDaemon().
+DAROKLEIM_EXPORT int AdbRestartDaemon(void);
+
+/// Installs busybox on the device: copies it from the resource directory to `/data/local/tmp/busybox`,
+/// unless a file is there, and makes it executable.
+///
+/// @param[in] serial  Serial.
+/// @param[in] cancel  Cancel flag.
+/// @retval ADB_RESULT_OK             busybox is there.
+/// @retval ADB_RESULT_INVALID_PARAM  @p serial is null.
+/// @return Otherwise the code of the step that failed: AdbCheckFileExisted(), AdbPushFile() or
+///         AdbChmodFile().
+DAROKLEIM_EXPORT int AdbConfigDeviceBusybox(const char* serial, const bool* cancel);
+
+/// @}
+
+#ifdef __cplusplus
+}  // extern "C"
+
+/// @defgroup cxx For C++ only
+/// Pieces of functions above, with fewer checks. Applications seldom need them.
+/// @{
+
+/// Reads any system property of the device (`getprop`).
+///
+/// The text is the command channel's own: give it back with the channel's `ReleaseAdbOutBuffer(*out)`,
+/// whatever the result, **not with AdbFreeResource()**. No pointer is checked for null. Command limit: 255
+/// bytes.
+///
+/// @param[in]     serial     Serial.
+/// @param[in]     prop_name  Name of the property.
+/// @param[in,out] out        Address of a pointer that is null; receives the text as the device printed it,
+///                           its line end included, followed by a zero byte. Null when there is no text.
+/// @param[in,out] out_len    Address of a 0; receives the length in bytes without the zero.
+/// @param[in]     cancel     Cancel flag.
+/// @retval ADB_RESULT_OK  The value, an empty line when the device has no such property.
+/// @return Otherwise a common code.
+DAROKLEIM_EXPORT int GetPropInfo(const char* serial, const char* prop_name, char** out, int* out_len,
+                                 const bool* cancel);
+
+/// Appends the date of a MIUI build to its version: `.`-separated year - 2010, month, day of the month + 1,
+/// in UTC. 1583366400 (2020-03-05) appends `10.3.6`.
+///
+/// @param[in]     time_code  Decimal seconds since 1970-01-01 00:00 UTC; what follows the digits is
+///                           ignored.
+/// @param[in,out] version    Text to append to.
+/// @return False when @p time_code is no such number; @p version may then hold a part of the date.
+DAROKLEIM_EXPORT bool AppendMiuiVersionByTimeCode(std::string time_code, std::string& version);
+
+/// Asks whether a file or directory exists on the device, by looking for its name in the directory it
+/// stands in (`adb ls`).
+///
+/// No pointer is checked for null.
+///
+/// @param[in]  serial       Serial.
+/// @param[in]  device_path  Absolute path without a slash at its end; a whole path.
+/// @param[out] exists       Becomes true when the path was found, else untouched: start from false.
+/// @param[in]  cancel       Cancel flag.
+/// @retval ADB_RESULT_OK  The answer; also for a path without any slash, which is not looked for.
+/// @return Otherwise the status only.
+DAROKLEIM_EXPORT int AdbCheckFileExistedUsingFolderContent(const char* serial, const char* device_path,
+                                                           bool* exists, const bool* cancel);
+
+/// Reads when a file on the device was last modified, from the directory it stands in (`adb ls`).
+///
+/// Takes the first entry whose line holds the name: another file with a longer name may be meant. A name
+/// with blanks is never found. No pointer is checked for null.
+///
+/// @param[in]  serial       Serial.
+/// @param[in]  device_path  Absolute path; a whole path.
+/// @param[out] seconds      Receives the seconds since 1970-01-01 00:00 UTC; untouched when the file was
+///                          not found: start from 0.
+/// @param[in]  cancel       Cancel flag.
+/// @retval ADB_RESULT_OK  The time; also for a path without any slash, which is not looked for.
+/// @return Otherwise the status only.
+DAROKLEIM_EXPORT int AdbGetFileCreateTimeFromLs(const char* serial, const char* device_path,
+                                                unsigned long long* seconds, const bool* cancel);
+
+/// @}
+#endif  // __cplusplus
+
+#endif  // DAROKLEIM_INCLUDE_DAROKLEIM_H
