@@ -1,0 +1,17 @@
+// Checks for the C programs here, which no test framework serves.
+#ifndef DAROKLEIM_TESTS_INTERFACE_EXPECT_H
+#define DAROKLEIM_TESTS_INTERFACE_EXPECT_H
+
+#include <stdio.h>
+
+static int failures = 0;
+
+#define EXPECT(condition)                                                     \
+  do {                                                                        \
+    if (!(condition)) {                                                       \
+      fprintf(stderr, "%s:%d: not so: %s\n", __FILE__, __LINE__, #condition); \
+      ++failures;                                                             \
+    }                                                                         \
+  } while (0)
+
+#endif  // DAROKLEIM_TESTS_INTERFACE_EXPECT_H
