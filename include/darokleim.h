@@ -80,13 +80,11 @@
 /// whether its length counts that zero. Previous contents of the `char*` are overwritten, not freed.
 ///
 /// **Caller buffers.** A `char*` with an `int` size in bytes, the terminating zero included; at least 1.
-/// The text is what the device printed, its line end included, less the blanks, tabs, line ends and zero
-/// bytes at its end:
-/// - shorter than the buffer: the whole text, and #ADB_RESULT_OK;
-/// - exactly as long as the buffer: the text without its last byte, normally the line end, and
-///   #ADB_RESULT_OK;
-/// - longer: the first size - 1 bytes, trimmed, and #ADB_RESULT_BUFFER_TOO_SMALL. Repeat with a larger
-///   buffer.
+/// The buffer receives the text that the device printed, without the blanks, tabs, line ends and zero bytes
+/// at its end; but its length is measured before they are taken off, line end included. A text that is
+/// - shorter than the buffer is copied whole: #ADB_RESULT_OK;
+/// - exactly as long as the buffer loses its last byte, normally the line end: #ADB_RESULT_OK;
+/// - longer is cut to size - 1 bytes: #ADB_RESULT_BUFFER_TOO_SMALL, repeat with a larger buffer.
 ///
 /// So leave room for the longest value, its line end (two bytes at most) and the zero. A few functions fill
 /// buffers by rules of their own and say so.
@@ -101,8 +99,9 @@
 ///   or a backslash at its end;
 /// - a *shell path* is read by the device's shell, so that a blank, `$`, `&`, `;`, `*`, a quote or a
 ///   parenthesis breaks the command, or the command does nothing and still succeeds. Assistance (below)
-///   makes it whole;
-/// - a *bare path* is a shell path that assistance does not help. Escape it for the shell, `my\ photo.jpg`.
+///   makes it a whole path;
+/// - a *bare path* is a shell path that assistance does not help: keep to letters, digits and `/`, `.`,
+///   `_`, `-`.
 ///
 /// **Commands are cut silently.** Some functions format their command into a fixed buffer. A longer command
 /// is run as cut, without an error, so check the length of long names first. The limit is given as "Command
@@ -128,10 +127,10 @@
 /// | 3005 | more output than an `int` can count |
 /// | 3006 | the system refused a pipe, a process or memory |
 ///
-/// With 3001 to 3006 there is no text to read, and the status is the result. Otherwise most functions look
-/// in the text, everything that adb printed, for known messages, anywhere, in a fixed order; the first one
-/// found, from the top of the table down, is the result, whatever the status. Without any, the status is
-/// the result.
+/// A channel that somebody puts in the place of the library's own has numbers of its own. With 3001 to 3006
+/// there is no text to read, and the status is the result. Otherwise most functions look in the text,
+/// everything that adb printed, for known messages, anywhere, in a fixed order; the first one found, from
+/// the top of the table down, is the result, whatever the status. Without any, the status is the result.
 ///
 /// | text | result |
 /// |---|---|
@@ -166,8 +165,9 @@
 /// The **common codes** tell of the connection rather than of the request, and any function may return
 /// them: #ADB_RESULT_NO_DEVICE, #ADB_RESULT_DEVICE_UNAUTHORIZED, #ADB_RESULT_CANNOT_CONNECT_DAEMON,
 /// #ADB_RESULT_DAEMON_NOT_RUNNING, #ADB_RESULT_UNKNOWN_HOST_SERVICE, #ADB_RESULT_PROTOCOL_FAULT,
-/// #ADB_RESULT_SHELL_NOT_FOUND, #ADB_RESULT_NO_CLOSING_QUOTE and every status but 0. A few functions do not
-/// look for messages and return the **status only**: an absent or unauthorised device then is 1001.
+/// #ADB_RESULT_SHELL_NOT_FOUND, #ADB_RESULT_NO_CLOSING_QUOTE and every status but 0. Each function lists
+/// what to expect besides. A few functions do not look for messages and return the **status only**: an
+/// absent or unauthorised device then is 1001.
 ///
 /// ## Phones differ
 ///
@@ -338,8 +338,8 @@ DAROKLEIM_EXPORT int AdbGetDevices(char* buffer, int buffer_size, const bool* ca
 /// @return Otherwise a common code.
 DAROKLEIM_EXPORT int AdbGetDevicesEx(char** list, int* list_len, const bool* cancel);
 
-/// Makes an unauthorized device ask again whether to trust this host, by re-opening its connection (`adb -s
-/// SERIAL reconnect`).
+/// Makes an unauthorized device ask again whether to trust this host, by re-opening its connection
+/// (`adb -s SERIAL reconnect`).
 ///
 /// Returns 1 after a normal run, never 0: treat 1 as done and look for the new state with
 /// AdbGetDevicesEx(). Command limit: 255 bytes.
@@ -729,7 +729,8 @@ DAROKLEIM_EXPORT int AdbScreencapToDevice(const char* serial, const char* device
 ///
 /// Each file has `file`, `size` (bytes) and `time` (`YYYY-MM-DD HH:MM` in the device's time zone). Without
 /// @p recursive the device does not say in which directory the files are: `file` is `/` and the name alone.
-/// No pointer is checked for null.
+/// A line for a file that cannot be read is left out and written to standard output. No pointer is checked
+/// for null.
 ///
 /// @param[in]  serial     Serial.
 /// @param[in]  dir        Directory; a shell path.
@@ -875,8 +876,8 @@ DAROKLEIM_EXPORT int AdbGetStorageFreeSpace(const char* serial, const char* path
 /// 255 bytes.
 ///
 /// @param[in]  serial     Serial.
-/// @param[out] paths      Receives a block with a JSON array of paths, for example `[
-///                        "/storage/emulated/0", "/storage/1234-5678" ]`, or `null` when no volume was
+/// @param[out] paths      Receives a block with a JSON array of paths, for example
+///                        `[ "/storage/emulated/0", "/storage/1234-5678" ]`, or `null` when no volume was
 ///                        recognised; free it with AdbFreeResource(). Untouched on failure.
 /// @param[out] paths_len  Receives its length in bytes without the terminating zero; untouched on failure.
 /// @param[in]  cancel     Cancel flag.
@@ -889,8 +890,8 @@ DAROKLEIM_EXPORT int AdbSearchSDCardPath(const char* serial, char** paths, int* 
 /// Finds the memory card of a device (`ls -l /storage`). Reads LF.
 ///
 /// Knows a card by its group, sdcard_r or sdcard_rw. Newer phones give cards other groups and yield an
-/// empty path: take the entry of AdbSearchSDCardPath() that is not `/storage/emulated/0`. @p path and @p
-/// path_len are not checked for null. Command limit: 255 bytes.
+/// empty path: take the entry of AdbSearchSDCardPath() that is not `/storage/emulated/0`. @p path and
+/// @p path_len are not checked for null. Command limit: 255 bytes.
 ///
 /// @param[in]  serial    Serial.
 /// @param[out] path      Receives a block with the path, for example `/storage/1234-5678`, or with an empty
@@ -907,7 +908,8 @@ DAROKLEIM_EXPORT int AdbSearchExternalSDCardPath(const char* serial, char** path
 /// @}
 /// @defgroup packages Installed packages
 /// Command limit of each command here: 255 bytes. Where adb's shell may not act for all users of the
-/// device, the first three functions ask for the current user and list that user's packages instead.
+/// device, the first three functions ask for the current user and list that user's packages instead;
+/// AdbGetApkPathOfInstatlled() and AdbGetAppVersion() return #ADB_RESULT_USER_ACCESS_DENIED.
 /// @{
 
 /// Asks whether a package is installed (`pm list packages`).
@@ -923,8 +925,8 @@ DAROKLEIM_EXPORT int AdbSearchExternalSDCardPath(const char* serial, char** path
 DAROKLEIM_EXPORT int AdbCheckAppInstalled(const char* serial, const char* package, bool* installed,
                                           const bool* cancel);
 
-/// Lists installed packages as the device prints them: `package:NAME` and a line end for each (`pm list
-/// packages FILTER`).
+/// Lists installed packages as the device prints them: `package:NAME` and a line end for each
+/// (`pm list packages FILTER`).
 ///
 /// @p list and @p list_len are not checked for null.
 ///
@@ -1053,10 +1055,10 @@ DAROKLEIM_EXPORT int AdbInstallAppFromDevicePath(const char* serial, const char*
 /// No pointer is checked for null.
 ///
 /// @param[in] serial      Serial.
-/// @param[in] json_paths  JSON object whose arrays hold the files as strings, whole paths: `{"apks":
-///                        ["/tmp/base.apk", "/tmp/split_de.apk"]}`. The arrays are taken in the order of
-///                        their names, and anything else in the object is ignored. The top must be an
-///                        object.
+/// @param[in] json_paths  JSON object whose arrays hold the files as strings, whole paths:
+///                        `{"apks": ["/tmp/base.apk", "/tmp/split_de.apk"]}`. The arrays are taken in the
+///                        order of their names, and anything else in the object is ignored. The top must be
+///                        an object.
 /// @param[in] cancel      Cancel flag.
 /// @retval ADB_RESULT_OK                 Installed.
 /// @retval ADB_RESULT_JSON_PARSE_FAILED  @p json_paths is not JSON; nothing was run.
@@ -1111,6 +1113,7 @@ DAROKLEIM_EXPORT int AdbUninstallApp(const char* serial, const char* package, in
 /// @param[in] cancel     Cancel flag.
 /// @retval ADB_RESULT_OK             adb has ended without a known error.
 /// @retval ADB_RESULT_INVALID_PARAM  A text is null.
+/// @retval ADB_RESULT_NO_SUCH_FILE   The directory of @p host_path does not exist.
 /// @return Otherwise a common code; 1001 when the file cannot be written.
 DAROKLEIM_EXPORT int AdbBackupApp(const char* serial, const char* package, const char* host_path,
                                   const bool* cancel);
@@ -1280,8 +1283,8 @@ DAROKLEIM_EXPORT int AdbReverseRemove(const char* serial, const char* device_por
 /// @param[in] kill_first  Call AdbKillDaemon() before; that step cannot be cancelled.
 /// @param[in] cancel      Cancel flag.
 /// @retval ADB_RESULT_OK              The server runs.
-/// @retval ADB_RESULT_PROTOCOL_FAULT  The server runs too: adb's text began with `daemon started
-///                                    successfully`.
+/// @retval ADB_RESULT_PROTOCOL_FAULT  The server runs too: adb's text began with
+///                                    `daemon started successfully`.
 /// @return Otherwise the status only: the server does not run.
 DAROKLEIM_EXPORT int AdbStartDaemon(bool kill_first, const bool* cancel);
 
