@@ -1,0 +1,33 @@
+// What is known of the commands of the device's shell: whether they answer by what they print, and which line
+// ends the SDK reads their output with.
+#ifndef DAROKLEIM_PLATFORM_CHANNEL_DEVICE_COMMANDS_H
+#define DAROKLEIM_PLATFORM_CHANNEL_DEVICE_COMMANDS_H
+
+#include <vector>
+
+#include "platform/channel/word_splitter.h"
+
+namespace darokleim::channel {
+
+enum class Answer {
+  kText,        // prints its result or its complaint: the text decides, not the exit status
+  kExitStatus,  // silent when it succeeds: the exit status is the witness
+};
+
+enum class LineEnds {
+  kAsPrinted,
+  kLf,
+  kCrLf,
+};
+
+struct DeviceCommand {
+  Answer answer = Answer::kExitStatus;
+  LineEnds line_ends = LineEnds::kLf;
+};
+
+// words: what follows adb's `shell`, one or more commands; the first one counts.
+DeviceCommand FindDeviceCommand(const std::vector<Word>& words);
+
+}  // namespace darokleim::channel
+
+#endif  // DAROKLEIM_PLATFORM_CHANNEL_DEVICE_COMMANDS_H
