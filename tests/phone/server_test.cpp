@@ -1,0 +1,133 @@
+#include <gmock/gmock.h>
+#include <signal.h>
+
+#include "simulated_phones.h"
+
+namespace darokleim::phone_test {
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+TEST(Server, ListsItsPhonesSortedWithTheirStates) {
+  const SimulatedPhones phones({"ZULU1", "ALFA1,state=offline", "MIKE1,state=unauthorized", "10.0.0.7:5555"});
+  EXPECT_EQ(phones.Adb({"devices"}).output,
+            "List of devices attached\n"
+            "ALFA1\toffline\n"
+            "MIKE1\tunauthorized\n"
+            "ZULU1\tdevice\n"
+            "10.0.0.7:5555\tdevice\n\n");
+}
+
+TEST(Server, ShowsDetailsOnlyOfPhonesThatAreConnected) {
+  const SimulatedPhones phones({"ALFA1", "BETA1,state=offline"});
+  const std::string output = phones.Adb({"devices", "-l"}).output;
+  EXPECT_THAT(output, HasSubstr("ALFA1                  device product:"));
+  EXPECT_THAT(output, testing::ContainsRegex("BETA1                  offline transport_id:[0-9]+\n"));
+}
+
+TEST(Server, SpeaksTheVersionThatTheClientExpects) {
+  const SimulatedPhones phones({"ALFA1"});
+  const Outcome outcome = phones.Adb({"start-server"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.output + outcome.errors, "");
+}
+
+struct Refusal {
+  Words words;
+  std::string message;
+};
+
+class RefusedCommands : public testing::TestWithParam<Refusal> {};
+
+TEST_P(RefusedCommands, SayWhyInTheServersWords) {
+  const SimulatedPhones phones(
+      {"ALFA1", "OFF1,state=offline", "UNA1,state=unauthorized", "ASK1,state=authorizing"});
+  const Outcome outcome = phones.Adb(GetParam().words);
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.errors, "error: " + GetParam().message + "\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(Server, RefusedCommands,
+                         testing::Values(Refusal{{"-s", "NONE1", "shell", "ls"}, "device 'NONE1' not found"},
+                                         Refusal{{"-s", "OFF1", "shell", "ls"}, "device offline"},
+                                         Refusal{{"-s", "OFF1", "get-state"}, "device offline"},
+                                         Refusal{{"-s", "UNA1", "shell", "ls"},
+                                                 "device unauthorized.\n"
+                                                 "This adb server's $ADB_VENDOR_KEYS is not set\n"
+                                                 "Try 'adb kill-server' if that seems wrong.\n"
+                                                 "Otherwise check for a confirmation dialog on your device."},
+                                         Refusal{{"-s", "ASK1", "shell", "ls"}, "device still authorizing"},
+                                         Refusal{{"shell", "ls"}, "more than one device/emulator"},
+                                         Refusal{{"-e", "shell", "ls"}, "no emulators found"},
+                                         Refusal{{"-d", "shell", "ls"}, "more than one device"}));
+
+TEST(Server, HasNoPhonesUnlessAsked) {
+  const SimulatedPhones phones({});
+  EXPECT_EQ(phones.Adb({"shell", "ls"}).errors, "error: no devices/emulators found\n");
+  EXPECT_EQ(phones.Adb({"devices"}).output, "List of devices attached\n\n");
+}
+
+TEST(Server, FindsASerialWithColons) {
+  const SimulatedPhones phones({"10.0.0.7:5555", "10.0.0.8:5555"});
+  EXPECT_EQ(phones.Adb({"-s", "10.0.0.8:5555", "get-state"}).output, "device\n");
+  EXPECT_EQ(phones.Adb({"-s", "10.0.0.8:5555", "get-serialno"}).output, "10.0.0.8:5555\n");
+}
+
+TEST(Server, ReconnectAttachesThePhoneAnew) {
+  const SimulatedPhones phones({"ALFA1"});
+  const auto track = phones.StartAdb({"track-devices"});
+  EXPECT_EQ(track->ReadLine(), "000dALFA1\tdevice");
+  EXPECT_EQ(phones.Adb({"-s", "ALFA1", "reconnect"}).output, "reconnecting ALFA1 [device]\n\n");
+  EXPECT_EQ(track->ReadLine(), "0000000dALFA1\tdevice");
+}
+
+TEST(Server, ReconnectsWhatIsOffline) {
+  const SimulatedPhones phones({"ALFA1", "OFF1,state=offline", "UNA1,state=unauthorized"});
+  EXPECT_EQ(phones.Adb({"reconnect", "offline"}).output, "reconnecting OFF1\nreconnecting UNA1\n");
+}
+
+TEST(Server, WaitsForAPhone) {
+  const SimulatedPhones phones({"ALFA1"});
+  phones.Adb({"-s", "ALFA1", "reconnect"});
+  EXPECT_EQ(phones.Adb({"-s", "ALFA1", "wait-for-device", "shell", "echo", "back"}).output, "back\n");
+}
+
+TEST(Server, EndsOnKillServer) {
+  SimulatedPhones phones({"ALFA1", "BETA1,android=legacy"});
+  EXPECT_EQ(phones.Adb({"kill-server"}).status, 0);
+  EXPECT_EQ(phones.process().Finish().status, 0);
+}
+
+TEST(Server, EndsOnInterruptInTheMiddleOfACommand) {
+  SimulatedPhones phones({"ALFA1"});
+  const auto command = phones.StartAdb({"shell", "echo started; sleep 1000"});
+  EXPECT_EQ(command->ReadLine(), "started");
+  phones.process().Signal(SIGINT);
+  EXPECT_EQ(phones.process().Finish().status, 0);
+  command->Finish();
+}
+
+TEST(Server, RefusesAPortThatIsTaken) {
+  const SimulatedPhones phones({});
+  const Outcome second = RunProgram({DAROKLEIM_PHONE_PROGRAM, "--port", phones.port()}, {});
+  EXPECT_EQ(second.status, 1);
+  EXPECT_THAT(second.errors, StartsWith("darokleim-phone: cannot listen on port " + phones.port()));
+}
+
+TEST(CommandLine, ExplainsWhatItRefuses) {
+  for (const auto& [phone, message] : std::vector<std::pair<std::string, std::string>>{
+           {"ALFA1,state=sleepy", "unknown state 'sleepy'"},
+           {"ALFA1,android=9", "android is legacy or modern, not '9'"},
+           {"ALFA1,color=red", "unknown setting 'color'"},
+           {"ALFA1,color", "'color' is not of the form key=value"},
+           {"A B", "'A B' cannot be a serial"}}) {
+    const Outcome outcome = RunProgram({DAROKLEIM_PHONE_PROGRAM, "--phone", phone}, {});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_THAT(outcome.errors, EndsWith(message + "\n"));
+  }
+}
+
+}  // namespace
+}  // namespace darokleim::phone_test

@@ -1,0 +1,41 @@
+#ifndef DAROKLEIM_TOOLS_PHONE_COMMON_DEVICE_LINK_H
+#define DAROKLEIM_TOOLS_PHONE_COMMON_DEVICE_LINK_H
+
+#include <optional>
+#include <string>
+
+#include "common/io.h"
+#include "common/unique_fd.h"
+
+namespace darokleim::phone {
+
+// The cable between the server and one phone: a packet socket whose messages may carry a descriptor. The
+// client's own connection travels to the phone this way, so no byte of a stream passes through the server.
+enum class LinkMessage : char {
+  // server to phone
+  kOpen = 'o',     // text: the service; descriptor: the client's connection, which expects OKAY or FAIL
+  kConnect = 'c',  // text: an address on the phone; descriptor: an accepted host connection (forward)
+  kDropAll = 'd',  // the cable was pulled: every stream ends
+  // phone to server
+  kReady = 'r',      // the phone has booted
+  kReverse = 'v',    // text: an address on the host; descriptor: an accepted phone connection (reverse)
+  kReboot = 'b',     // text: what to boot into
+  kReconnect = 'n',  // the phone's end asks to be attached anew
+};
+
+struct LinkPacket {
+  LinkMessage message;
+  std::string text;
+  UniqueFd descriptor;
+};
+
+// {server's end, phone's end}
+std::optional<FdPair> MakeDeviceLink();
+
+bool SendPacket(int link, LinkMessage message, const std::string& text, int descriptor = -1);
+// Waits for the next packet; nothing once the other end is gone.
+std::optional<LinkPacket> ReceivePacket(int link);
+
+}  // namespace darokleim::phone
+
+#endif  // DAROKLEIM_TOOLS_PHONE_COMMON_DEVICE_LINK_H

@@ -1,0 +1,153 @@
+#include "common/io.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <vector>
+
+namespace darokleim::phone {
+
+namespace {
+
+constexpr size_t kCopyChunk = 64 * 1024;
+constexpr int kLastWordsMilliseconds = 5000;
+
+// One step of a relay; false at the end of the input.
+bool PassOn(int from, int to, std::vector<char>* buffer) {
+  const ssize_t count = ReadSome(from, buffer->data(), buffer->size());
+  return count > 0 && WriteAll(to, buffer->data(), static_cast<size_t>(count));
+}
+
+}  // namespace
+
+bool WriteAll(int fd, const void* data, size_t size) {
+  const char* next = static_cast<const char*>(data);
+  while (size > 0) {
+    const ssize_t count = write(fd, next, size);
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return false;
+    next += count;
+    size -= static_cast<size_t>(count);
+  }
+  return true;
+}
+
+ssize_t ReadSome(int fd, void* data, size_t size) {
+  ssize_t count;
+  do {
+    count = read(fd, data, size);
+  } while (count < 0 && errno == EINTR);
+  return count;
+}
+
+bool ReadExactly(int fd, void* data, size_t size) {
+  char* next = static_cast<char*>(data);
+  while (size > 0) {
+    const ssize_t count = ReadSome(fd, next, size);
+    if (count <= 0) return false;
+    next += count;
+    size -= static_cast<size_t>(count);
+  }
+  return true;
+}
+
+bool CopyUntilEnd(int from, int to) {
+  std::vector<char> buffer(kCopyChunk);
+  for (;;) {
+    const ssize_t count = ReadSome(from, buffer.data(), buffer.size());
+    if (count <= 0) return count == 0;
+    if (!WriteAll(to, buffer.data(), static_cast<size_t>(count))) return false;
+  }
+}
+
+void Relay(int one, int other) {
+  std::vector<char> buffer(kCopyChunk);
+  bool one_open = true;
+  bool other_open = true;
+  while (one_open || other_open) {
+    std::array<pollfd, 2> ends = {{{one_open ? one : -1, POLLIN, 0}, {other_open ? other : -1, POLLIN, 0}}};
+    if (poll(ends.data(), ends.size(), -1) < 0) {
+      if (errno == EINTR) continue;
+      return;
+    }
+    if (ends[0].revents != 0 && !PassOn(one, other, &buffer)) {
+      one_open = false;
+      shutdown(other, SHUT_WR);
+    }
+    if (ends[1].revents != 0 && !PassOn(other, one, &buffer)) {
+      other_open = false;
+      shutdown(one, SHUT_WR);
+    }
+  }
+}
+
+void SetCloseOnExec(int fd) {
+  fcntl(fd, F_SETFD, FD_CLOEXEC);
+}
+
+std::optional<FdPair> MakePipe() {
+  int ends[2];
+#if defined(__linux__)
+  if (pipe2(ends, O_CLOEXEC) != 0) return std::nullopt;
+#else
+  if (pipe(ends) != 0) return std::nullopt;
+  SetCloseOnExec(ends[0]);
+  SetCloseOnExec(ends[1]);
+#endif
+  return FdPair{UniqueFd(ends[0]), UniqueFd(ends[1])};
+}
+
+std::optional<FdPair> MakeSocketPair(int type) {
+  int ends[2];
+#if defined(__linux__)
+  if (socketpair(AF_UNIX, type | SOCK_CLOEXEC, 0, ends) != 0) return std::nullopt;
+#else
+  if (socketpair(AF_UNIX, type, 0, ends) != 0) return std::nullopt;
+  SetCloseOnExec(ends[0]);
+  SetCloseOnExec(ends[1]);
+#endif
+  return FdPair{UniqueFd(ends[0]), UniqueFd(ends[1])};
+}
+
+void FinishStream(UniqueFd stream) {
+  shutdown(stream.get(), SHUT_WR);
+  std::vector<char> unread(kCopyChunk);
+  for (;;) {
+    pollfd end = {stream.get(), POLLIN, 0};
+    const int ready = poll(&end, 1, kLastWordsMilliseconds);
+    if (ready < 0 && errno == EINTR) continue;
+    if (ready <= 0 || ReadSome(stream.get(), unread.data(), unread.size()) <= 0) return;
+  }
+}
+
+std::optional<std::string> ReadFile(const std::string& path) {
+  UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!file.valid()) return std::nullopt;
+  std::string content;
+  std::vector<char> buffer(kCopyChunk);
+  for (;;) {
+    const ssize_t count = ReadSome(file.get(), buffer.data(), buffer.size());
+    if (count < 0) return std::nullopt;
+    if (count == 0) return content;
+    content.append(buffer.data(), static_cast<size_t>(count));
+  }
+}
+
+bool WriteFile(const std::string& path, const std::string& content) {
+  const std::string unfinished = path + ".new." + std::to_string(getpid());
+  {
+    UniqueFd file(open(unfinished.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
+    if (!file.valid() || !WriteAll(file.get(), content.data(), content.size())) {
+      unlink(unfinished.c_str());
+      return false;
+    }
+  }
+  return rename(unfinished.c_str(), path.c_str()) == 0;
+}
+
+}  // namespace darokleim::phone

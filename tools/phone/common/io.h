@@ -1,0 +1,48 @@
+#ifndef DAROKLEIM_TOOLS_PHONE_COMMON_IO_H
+#define DAROKLEIM_TOOLS_PHONE_COMMON_IO_H
+
+#include <sys/types.h>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+#include "common/unique_fd.h"
+
+namespace darokleim::phone {
+
+// Both go on after interruptions and short transfers; false when the other side is gone or on any error.
+bool WriteAll(int fd, const void* data, size_t size);
+bool ReadExactly(int fd, void* data, size_t size);
+
+// One read, repeated when a signal interrupts it.
+ssize_t ReadSome(int fd, void* data, size_t size);
+
+// Copies until the end of input; false when writing fails.
+bool CopyUntilEnd(int from, int to);
+
+// Carries bytes both ways until either side is closed.
+void Relay(int one, int other);
+
+void SetCloseOnExec(int fd);
+
+struct FdPair {
+  UniqueFd first;
+  UniqueFd second;
+};
+// Close-on-exec at both ends: {read end, write end}.
+std::optional<FdPair> MakePipe();
+// Close-on-exec at both ends; `type` as for socket().
+std::optional<FdPair> MakeSocketPair(int type);
+
+// Ends a stream so that everything already written reaches the client: closing a socket with unread input
+// would reset the connection and throw the last output away.
+void FinishStream(UniqueFd stream);
+
+std::optional<std::string> ReadFile(const std::string& path);
+// Replaces the file in one step, so that a reader never sees half of it.
+bool WriteFile(const std::string& path, const std::string& content);
+
+}  // namespace darokleim::phone
+
+#endif  // DAROKLEIM_TOOLS_PHONE_COMMON_IO_H

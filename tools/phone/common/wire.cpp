@@ -1,0 +1,92 @@
+#include "common/wire.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+#include "common/io.h"
+
+namespace darokleim::phone {
+
+namespace {
+
+constexpr size_t kLengthDigits = 4;
+constexpr size_t kLongestText = 0xffff;
+
+std::string WithLength(std::string_view text) {
+  static constexpr char kDigits[] = "0123456789abcdef";
+  text = text.substr(0, kLongestText);
+  std::string out;
+  for (int shift = 12; shift >= 0; shift -= 4) out += kDigits[(text.size() >> shift) & 0xf];
+  return out.append(text);
+}
+
+bool Send(int fd, const std::string& bytes) {
+  return WriteAll(fd, bytes.data(), bytes.size());
+}
+
+void PutLe(std::string* out, uint64_t value, int bytes) {
+  for (int i = 0; i < bytes; ++i) out->push_back(static_cast<char>((value >> (8 * i)) & 0xff));
+}
+
+}  // namespace
+
+std::optional<std::string> ReadRequest(int fd) {
+  std::array<char, kLengthDigits> digits;
+  if (!ReadExactly(fd, digits.data(), digits.size())) return std::nullopt;
+  size_t length = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), length, 16);
+  if (error != std::errc() || end != digits.data() + digits.size()) return std::nullopt;
+  std::string request(length, '\0');
+  if (!ReadExactly(fd, request.data(), request.size())) return std::nullopt;
+  return request;
+}
+
+bool SendOkay(int fd) {
+  return Send(fd, "OKAY");
+}
+
+bool SendFail(int fd, std::string_view reason) {
+  return Send(fd, "FAIL" + WithLength(reason));
+}
+
+bool SendText(int fd, std::string_view text) {
+  return Send(fd, WithLength(text));
+}
+
+bool SendOkayAndText(int fd, std::string_view text) {
+  return Send(fd, "OKAY" + WithLength(text));
+}
+
+void PutLe32(std::string* out, uint32_t value) {
+  PutLe(out, value, 4);
+}
+
+void PutLe64(std::string* out, uint64_t value) {
+  PutLe(out, value, 8);
+}
+
+uint32_t GetLe32(const char* bytes) {
+  uint32_t value = 0;
+  for (int i = 3; i >= 0; --i) value = (value << 8) | static_cast<unsigned char>(bytes[i]);
+  return value;
+}
+
+bool TakePrefix(std::string_view* text, std::string_view prefix) {
+  if (text->substr(0, prefix.size()) != prefix) return false;
+  text->remove_prefix(prefix.size());
+  return true;
+}
+
+std::vector<std::string> Split(std::string_view text, char separator) {
+  std::vector<std::string> pieces;
+  size_t start = 0;
+  for (;;) {
+    const size_t end = text.find(separator, start);
+    pieces.emplace_back(text.substr(start, end == std::string_view::npos ? end : end - start));
+    if (end == std::string_view::npos) return pieces;
+    start = end + 1;
+  }
+}
+
+}  // namespace darokleim::phone

@@ -1,0 +1,34 @@
+#ifndef DAROKLEIM_TOOLS_PHONE_COMMON_WIRE_H
+#define DAROKLEIM_TOOLS_PHONE_COMMON_WIRE_H
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace darokleim::phone {
+
+// The adb client's side of the smart-socket protocol: a request is four hexadecimal digits of length and that
+// many bytes; an answer is OKAY, or FAIL and a text in the same form.
+std::optional<std::string> ReadRequest(int fd);
+
+bool SendOkay(int fd);
+bool SendFail(int fd, std::string_view reason);
+// A text with its length before it, as it follows OKAY.
+bool SendText(int fd, std::string_view text);
+bool SendOkayAndText(int fd, std::string_view text);
+
+// For the sync service, whose numbers are little-endian whatever the machine.
+void PutLe32(std::string* out, uint32_t value);
+void PutLe64(std::string* out, uint64_t value);
+uint32_t GetLe32(const char* bytes);
+
+// When `text` begins with `prefix`: cuts it off and is true.
+bool TakePrefix(std::string_view* text, std::string_view prefix);
+
+// Every piece between separators, empty ones too.
+std::vector<std::string> Split(std::string_view text, char separator);
+
+}  // namespace darokleim::phone
+
+#endif  // DAROKLEIM_TOOLS_PHONE_COMMON_WIRE_H

@@ -1,0 +1,130 @@
+#include "device/daemon.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <map>
+#include <string>
+#include <utility>
+
+#include "common/device_link.h"
+#include "common/io.h"
+#include "device/layout.h"
+#include "device/services.h"
+
+namespace darokleim::phone {
+
+namespace {
+
+volatile sig_atomic_t g_wake_write_end = -1;
+
+void OnSignal(int signal) {
+  const int saved = errno;
+  const char byte = signal == SIGUSR1 ? 'r' : 'c';
+  [[maybe_unused]] const ssize_t count = write(g_wake_write_end, &byte, 1);
+  errno = saved;
+}
+
+class Daemon {
+ public:
+  Daemon(int link, bool legacy) : link_(link), legacy_(legacy) {}
+
+  bool Prepare();
+  void Run();
+
+ private:
+  void Take(LinkPacket packet);
+  void HearSignals();
+  void BuryTheDead();
+
+  UniqueFd link_;
+  const bool legacy_;
+  FdPair wake_;
+  // The stream of each running service. Kept only to cut it off when the cable is pulled.
+  std::map<pid_t, UniqueFd> services_;
+};
+
+bool Daemon::Prepare() {
+  SetCloseOnExec(link_.get());
+  auto ends = MakePipe();
+  if (!ends) return false;
+  wake_ = std::move(*ends);
+  fcntl(wake_.first.get(), F_SETFL, O_NONBLOCK);
+  fcntl(wake_.second.get(), F_SETFL, O_NONBLOCK);
+  g_wake_write_end = wake_.second.get();
+  signal(SIGPIPE, SIG_IGN);
+  struct sigaction action = {};
+  action.sa_handler = OnSignal;
+  for (const int number : {SIGCHLD, SIGUSR1}) sigaction(number, &action, nullptr);
+  return SendPacket(link_.get(), LinkMessage::kReady, "");
+}
+
+void Daemon::Run() {
+  for (;;) {
+    std::array<pollfd, 2> ends = {{{link_.get(), POLLIN, 0}, {wake_.first.get(), POLLIN, 0}}};
+    if (poll(ends.data(), ends.size(), -1) < 0 && errno != EINTR) return;
+    if (ends[1].revents != 0) HearSignals();
+    if (ends[0].revents != 0) {
+      auto packet = ReceivePacket(link_.get());
+      if (!packet) return;
+      Take(std::move(*packet));
+    }
+  }
+}
+
+void Daemon::Take(LinkPacket packet) {
+  if (packet.message == LinkMessage::kDropAll) {
+    for (const auto& service : services_) shutdown(service.second.get(), SHUT_RDWR);
+    return;
+  }
+  const pid_t pid = fork();
+  if (pid < 0) return;  // the client sees its connection closed
+  if (pid > 0) {
+    services_[pid] = std::move(packet.descriptor);
+    return;
+  }
+  for (const int number : {SIGCHLD, SIGUSR1}) signal(number, SIG_DFL);
+  services_.clear();
+  const Request request{packet.text, legacy_, link_.get()};
+  if (packet.message == LinkMessage::kConnect) {
+    ConnectToPhonePort(request, std::move(packet.descriptor));
+  } else {
+    RunService(request, std::move(packet.descriptor));
+  }
+  _exit(0);
+}
+
+void Daemon::HearSignals() {
+  char bytes[64];
+  ssize_t count;
+  while ((count = read(wake_.first.get(), bytes, sizeof(bytes))) > 0) {
+    const std::string heard(bytes, static_cast<size_t>(count));
+    if (heard.find('r') != std::string::npos) SendPacket(link_.get(), LinkMessage::kReboot, "");
+  }
+  BuryTheDead();
+}
+
+void Daemon::BuryTheDead() {
+  for (;;) {
+    const pid_t pid = waitpid(-1, nullptr, WNOHANG);
+    if (pid <= 0) return;
+    services_.erase(pid);
+  }
+}
+
+}  // namespace
+
+int RunDaemon(bool legacy) {
+  Daemon daemon(kLinkDescriptor, legacy);
+  if (!daemon.Prepare()) return 1;
+  daemon.Run();
+  return 0;
+}
+
+}  // namespace darokleim::phone

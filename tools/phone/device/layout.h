@@ -1,0 +1,21 @@
+#ifndef DAROKLEIM_TOOLS_PHONE_DEVICE_LAYOUT_H
+#define DAROKLEIM_TOOLS_PHONE_DEVICE_LAYOUT_H
+
+namespace darokleim::phone {
+
+// Where things are inside a phone, agreed between the server, which lays the phone out, and what runs in it.
+
+// The user that adb commands run as on every Android phone.
+inline constexpr int kShellUser = 2000;
+
+inline constexpr char kShell[] = "/system/bin/sh";
+// This program: the daemon, and each of the phone's own programs under a link with its name.
+inline constexpr char kDeviceProgram[] = "/system/bin/adbd";
+// What the phone keeps that no file of a real phone shows: properties set, faults, packages, typed text.
+inline constexpr char kStateFolder[] = "/dev/.state";
+// The phone's end of the link to the server, open in the daemon from the start.
+inline constexpr int kLinkDescriptor = 3;
+
+}  // namespace darokleim::phone
+
+#endif  // DAROKLEIM_TOOLS_PHONE_DEVICE_LAYOUT_H

@@ -1,0 +1,52 @@
+#ifndef DAROKLEIM_TOOLS_PHONE_DEVICE_SHELL_SESSION_H
+#define DAROKLEIM_TOOLS_PHONE_DEVICE_SHELL_SESSION_H
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "device/shell_command.h"
+#include "device/shell_packets.h"
+#include "device/shell_service.h"
+
+namespace darokleim::phone {
+
+// Carries a command's streams to its client and back.
+class ShellSession {
+ public:
+  ShellSession(const ShellRequest& request, ShellCommand command, UniqueFd client);
+
+  // Until the command has ended, or the client has gone and the command was ended for it.
+  void Run();
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  bool PassStreams();
+  int WaitMilliseconds() const;
+  void FromClient();
+  void ClientWentAway();
+  void ToCommand();
+  void CloseInput();
+  void FromCommand(UniqueFd* from, ShellPacket kind);
+  void Receive(ShellPacket kind, std::string_view data);
+  void SetWindowSize(const std::string& size);
+  // The exit status, or nothing when the client went away before.
+  std::optional<int> WaitForEnd();
+
+  const ShellRequest& request_;
+  ShellCommand command_;
+  UniqueFd client_;
+  ShellPacketReader packets_;
+  std::string pending_input_;
+  bool close_input_when_empty_ = false;
+  bool client_gone_ = false;
+  // Until when a command without a terminal may finish with what its client sent before it went away.
+  std::optional<Clock::time_point> last_chance_;
+  std::vector<char> buffer_;
+};
+
+}  // namespace darokleim::phone
+
+#endif  // DAROKLEIM_TOOLS_PHONE_DEVICE_SHELL_SESSION_H

@@ -1,0 +1,52 @@
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <string>
+#include <vector>
+
+#include "device/daemon.h"
+#include "server/server.h"
+
+namespace {
+
+using namespace darokleim::phone;
+
+constexpr char kPhoneHelp[] =
+    "a phone: SERIAL[,key=value]…, where\n"
+    "state=device|offline|unauthorized|authorizing|connecting|recovery|sideload\n"
+    "android=modern|legacy: as Android 13, or as Android 6\n"
+    "root=FOLDER: keeps its files there (default: a temporary folder)";
+
+int Serve(int argc, char** argv) {
+  CLI::App app("Simulated Android phones: an adb server with phones attached, for testing without hardware.",
+               "darokleim-phone");
+  ServerOptions options;
+  std::vector<std::string> phones;
+  app.add_option("--port", options.port, "the server's TCP port; 0: one that is free")->capture_default_str();
+  app.add_option("--phone", phones, kPhoneHelp)->allow_extra_args(false);
+  try {
+    app.parse(argc, argv);
+    for (const std::string& phone : phones) options.phones.push_back(ParsePhoneOptions(phone));
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "darokleim-phone: --phone: %s\n", error.what());
+    return 2;
+  }
+  return RunServer(options);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    // The phone's first process is this program too, started in the sandbox.
+    if (argc == 3 && std::strcmp(argv[1], "--daemon") == 0)
+      return RunDaemon(std::strcmp(argv[2], "legacy") == 0);
+    return Serve(argc, argv);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "darokleim-phone: %s\n", error.what());
+    return 1;
+  }
+}

@@ -1,0 +1,179 @@
+#include "server/client_session.h"
+
+#include <poll.h>
+
+#include <array>
+#include <cerrno>
+
+#include "common/io.h"
+#include "common/wire.h"
+#include "server/features.h"
+
+namespace darokleim::phone {
+
+namespace {
+
+// What adb 29 speaks; with any other number the client kills the server and starts its own.
+constexpr std::string_view kProtocolVersion = "0029";
+
+// Waits for a change of the list; false when the client has gone meanwhile.
+bool WaitForChange(ChangeFeed::Watcher* watcher, int client) {
+  for (;;) {
+    std::array<pollfd, 2> ends = {{{watcher->descriptor(), POLLIN, 0}, {client, POLLIN, 0}}};
+    if (poll(ends.data(), ends.size(), -1) < 0) {
+      if (errno == EINTR) continue;
+      return false;
+    }
+    if (ends[1].revents != 0) return false;
+    watcher->Acknowledge();
+    return true;
+  }
+}
+
+}  // namespace
+
+void ClientSession::Run() {
+  for (;;) {
+    const auto request = ReadRequest(fd());
+    if (!request || !Answer(*request)) return;
+  }
+}
+
+bool ClientSession::Answer(const std::string& request) {
+  if (const auto host = ParseHostRequest(request, *phones_)) return AnswerHost(*host);
+  if (request.rfind("host", 0) == 0) {
+    SendFail(fd(), "unknown host service");
+  } else if (selected_ == nullptr) {
+    SendFail(fd(), "device offline (no transport)");
+  } else {
+    HandOver(request);
+  }
+  return false;
+}
+
+bool ClientSession::AnswerHost(const HostRequest& request) {
+  std::string_view service = request.service;
+  if (const auto target = ParseTransportService(service, request.target)) {
+    return SelectPhone(*target, service.rfind("tport:", 0) == 0);
+  }
+  if (service == "version") {
+    SendOkayAndText(fd(), kProtocolVersion);
+  } else if (service == "kill") {
+    kill_server_();
+  } else if (service == "devices" || service == "devices-l") {
+    SendOkayAndText(fd(), phones_->Listing(service == "devices-l"));
+  } else if (service == "track-devices" || service == "track-devices-l") {
+    TrackDevices(service == "track-devices-l");
+  } else if (service == "host-features") {
+    SendOkayAndText(fd(), HostFeatures());
+  } else if (service == "reconnect") {
+    AnswerReconnect(request.target);
+  } else if (service == "reconnect-offline") {
+    AnswerReconnectOffline();
+  } else if (TakePrefix(&service, "wait-for-")) {
+    AnswerWaitFor(service, request.target);
+  } else {
+    AnswerAboutPhone(request);
+  }
+  return false;
+}
+
+bool ClientSession::SelectPhone(const Target& target, bool with_id) {
+  const Found found = phones_->Find(target);
+  if (found.phone == nullptr) {
+    SendFail(fd(), found.error);
+    return false;
+  }
+  selected_ = found.phone;
+  std::string answer = "OKAY";
+  if (with_id) PutLe64(&answer, found.transport.id);
+  return WriteAll(fd(), answer.data(), answer.size());
+}
+
+void ClientSession::AnswerAboutPhone(const HostRequest& request) {
+  const Found found = phones_->Find(request.target);
+  if (found.phone == nullptr) {
+    SendFail(fd(), found.error);
+  } else if (request.service == "features") {
+    SendOkayAndText(fd(), found.transport.features);
+  } else if (request.service == "get-state") {
+    SendOkayAndText(fd(), NameOf(found.transport.state));
+  } else if (request.service == "get-serialno") {
+    SendOkayAndText(fd(), found.transport.serial);
+  } else if (request.service == "get-devpath") {
+    SendOkayAndText(fd(), found.transport.bus.empty() ? "unknown" : found.transport.bus);
+  } else {
+    SendFail(fd(), "unknown host service");
+  }
+}
+
+void ClientSession::AnswerReconnect(const Target& target) {
+  const Found found = phones_->Find(target, /*any_state=*/true);
+  if (found.phone == nullptr) {
+    SendOkayAndText(fd(), found.error);
+    return;
+  }
+  found.phone->Reconnect();
+  SendOkayAndText(fd(), "reconnecting " + found.transport.serial + " [" +
+                            std::string(NameOf(found.transport.state)) + "]\n");
+}
+
+void ClientSession::AnswerReconnectOffline() {
+  std::string answer;
+  for (const auto& phone : phones_->phones()) {
+    const auto transport = phone->transport();
+    if (!transport) continue;
+    if (transport->state != ConnectionState::kOffline && transport->state != ConnectionState::kUnauthorized)
+      continue;
+    phone->Reconnect();
+    if (!answer.empty()) answer += "\n";
+    answer += "reconnecting " + transport->serial;
+  }
+  SendOkayAndText(fd(), answer);
+}
+
+// "any-device", "usb-recovery" …: a kind of connection and a state.
+void ClientSession::AnswerWaitFor(std::string_view condition, Target target) {
+  const size_t dash = condition.find('-');
+  const std::string_view kind = condition.substr(0, dash);
+  const std::string_view state = dash == std::string_view::npos ? "" : condition.substr(dash + 1);
+  const auto wanted = ParseConnectionState(state);
+  if (!wanted && state != "any" && state != "disconnect") {
+    SendFail(fd(), "unknown state " + std::string(state));
+    return;
+  }
+  if (target.kind == Target::Kind::kAny && kind == "usb") target.kind = Target::Kind::kUsb;
+  if (target.kind == Target::Kind::kAny && kind == "local") target.kind = Target::Kind::kNetwork;
+
+  const auto watcher = phones_->changes().Watch();
+  if (watcher == nullptr || !SendOkay(fd())) return;
+  for (;;) {
+    const Found found = phones_->Find(target, /*any_state=*/true);
+    const bool there = found.phone != nullptr;
+    if (state == "disconnect" ? !there : there && (state == "any" || found.transport.state == *wanted)) {
+      SendOkay(fd());
+      return;
+    }
+    if (!WaitForChange(watcher.get(), fd())) return;
+  }
+}
+
+void ClientSession::TrackDevices(bool with_details) {
+  const auto watcher = phones_->changes().Watch();
+  if (watcher == nullptr || !SendOkay(fd())) return;
+  std::string shown;
+  for (bool first = true;; first = false) {
+    std::string listing = phones_->Listing(with_details);
+    if (first || listing != shown) {
+      if (!SendText(fd(), listing)) return;
+      shown = std::move(listing);
+    }
+    if (!WaitForChange(watcher.get(), fd())) return;
+  }
+}
+
+void ClientSession::HandOver(const std::string& service) {
+  if (!selected_->Open(LinkMessage::kOpen, service, *connection_)) SendFail(fd(), "closed");
+}
+
+}  // namespace darokleim::phone

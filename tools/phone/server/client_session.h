@@ -1,0 +1,44 @@
+#ifndef DAROKLEIM_TOOLS_PHONE_SERVER_CLIENT_SESSION_H
+#define DAROKLEIM_TOOLS_PHONE_SERVER_CLIENT_SESSION_H
+
+#include <functional>
+#include <string>
+
+#include "common/unique_fd.h"
+#include "server/host_request.h"
+#include "server/phone_list.h"
+
+namespace darokleim::phone {
+
+// One client's connection, from its first request until it is answered or belongs to a phone.
+class ClientSession {
+ public:
+  // `kill_server` is called for host:kill.
+  ClientSession(PhoneList* phones, std::function<void()> kill_server, UniqueFd* connection)
+      : phones_(phones), kill_server_(std::move(kill_server)), connection_(connection) {}
+
+  void Run();
+
+ private:
+  // True when the client has another request to make.
+  bool Answer(const std::string& request);
+  bool AnswerHost(const HostRequest& request);
+  bool SelectPhone(const Target& target, bool with_id);
+  void AnswerAboutPhone(const HostRequest& request);
+  void AnswerReconnect(const Target& target);
+  void AnswerReconnectOffline();
+  void AnswerWaitFor(std::string_view condition, Target target);
+  void TrackDevices(bool with_details);
+  void HandOver(const std::string& service);
+
+  int fd() const { return connection_->get(); }
+
+  PhoneList* phones_;
+  std::function<void()> kill_server_;
+  UniqueFd* connection_;
+  Phone* selected_ = nullptr;
+};
+
+}  // namespace darokleim::phone
+
+#endif  // DAROKLEIM_TOOLS_PHONE_SERVER_CLIENT_SESSION_H

@@ -1,0 +1,54 @@
+#include "server/connection_state.h"
+
+#include <array>
+
+namespace darokleim::phone {
+
+namespace {
+
+struct StateRow {
+  ConnectionState state;
+  std::string_view name;
+  std::string_view refusal;
+};
+
+// A server started from an application has no vendor keys, so the middle line never varies here.
+constexpr std::array<StateRow, 7> kStates = {{
+    {ConnectionState::kDevice, "device", ""},
+    {ConnectionState::kOffline, "offline", "device offline"},
+    {ConnectionState::kUnauthorized, "unauthorized",
+     "device unauthorized.\n"
+     "This adb server's $ADB_VENDOR_KEYS is not set\n"
+     "Try 'adb kill-server' if that seems wrong.\n"
+     "Otherwise check for a confirmation dialog on your device."},
+    {ConnectionState::kAuthorizing, "authorizing", "device still authorizing"},
+    {ConnectionState::kConnecting, "connecting", "device still connecting"},
+    {ConnectionState::kRecovery, "recovery", ""},
+    {ConnectionState::kSideload, "sideload", ""},
+}};
+
+const StateRow& RowOf(ConnectionState state) {
+  for (const StateRow& row : kStates) {
+    if (row.state == state) return row;
+  }
+  return kStates.front();
+}
+
+}  // namespace
+
+std::string_view NameOf(ConnectionState state) {
+  return RowOf(state).name;
+}
+
+std::optional<ConnectionState> ParseConnectionState(std::string_view name) {
+  for (const StateRow& row : kStates) {
+    if (row.name == name) return row.state;
+  }
+  return std::nullopt;
+}
+
+std::string_view RefusalOf(ConnectionState state) {
+  return RowOf(state).refusal;
+}
+
+}  // namespace darokleim::phone

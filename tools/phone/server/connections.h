@@ -1,0 +1,41 @@
+#ifndef DAROKLEIM_TOOLS_PHONE_SERVER_CONNECTIONS_H
+#define DAROKLEIM_TOOLS_PHONE_SERVER_CONNECTIONS_H
+
+#include <functional>
+#include <list>
+#include <mutex>
+#include <thread>
+
+#include "common/unique_fd.h"
+
+namespace darokleim::phone {
+
+// The server's open connections, each with a thread of its own. Stopping ends every one of them.
+class Connections {
+ public:
+  ~Connections() { StopAll(); }
+
+  // Runs `serve` on a new thread and closes the connection afterwards; `serve` may take it away. After
+  // StopAll() the connection is closed at once.
+  void Serve(UniqueFd connection, std::function<void(UniqueFd*)> serve);
+  // Shuts every connection down and waits for its thread. Not to be called from `serve`.
+  void StopAll();
+
+ private:
+  struct Connection {
+    std::thread thread;
+    // A duplicate, so that shutting down never meets a descriptor that was closed and given out again.
+    UniqueFd for_shutdown;
+    bool finished = false;
+  };
+
+  void JoinFinished();
+
+  std::mutex mutex_;
+  std::list<Connection> open_;
+  bool stopped_ = false;
+};
+
+}  // namespace darokleim::phone
+
+#endif  // DAROKLEIM_TOOLS_PHONE_SERVER_CONNECTIONS_H

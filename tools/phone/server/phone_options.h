@@ -1,0 +1,29 @@
+#ifndef DAROKLEIM_TOOLS_PHONE_SERVER_PHONE_OPTIONS_H
+#define DAROKLEIM_TOOLS_PHONE_SERVER_PHONE_OPTIONS_H
+
+#include <string>
+
+#include "server/connection_state.h"
+
+namespace darokleim::phone {
+
+enum class Generation {
+  kLegacy,  // as Android 6: one stream through a terminal, no exit status, first form of the sync messages
+  kModern,  // as Android 13: exit status, two streams, second form of the sync messages
+};
+
+// One phone as the user asked for it.
+struct PhoneOptions {
+  std::string serial;
+  ConnectionState state = ConnectionState::kDevice;
+  Generation generation = Generation::kModern;
+  // Where the phone's files and state live; empty: a temporary folder that is removed at the end.
+  std::string root;
+};
+
+// Reads "SERIAL[,key=value]…"; throws std::invalid_argument with a text for the user.
+PhoneOptions ParsePhoneOptions(const std::string& text);
+
+}  // namespace darokleim::phone
+
+#endif  // DAROKLEIM_TOOLS_PHONE_SERVER_PHONE_OPTIONS_H

@@ -1,0 +1,22 @@
+#ifndef DAROKLEIM_TOOLS_PHONE_SERVER_SERVER_H
+#define DAROKLEIM_TOOLS_PHONE_SERVER_SERVER_H
+
+#include <cstdint>
+#include <vector>
+
+#include "server/phone_options.h"
+
+namespace darokleim::phone {
+
+struct ServerOptions {
+  uint16_t port = 5037;  // 0: one that is free
+  std::vector<PhoneOptions> phones;
+};
+
+// Serves until a client asks for the end or the process gets SIGINT or SIGTERM, and leaves nothing behind. The
+// result is the process's exit status. Call it before any other thread is started: it blocks those signals.
+int RunServer(const ServerOptions& options);
+
+}  // namespace darokleim::phone
+
+#endif  // DAROKLEIM_TOOLS_PHONE_SERVER_SERVER_H
