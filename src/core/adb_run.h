@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "core/channel_buffer.h"
+
 namespace darokleim {
 
 // Owns the channel's buffer and gives it back when it goes out of scope.
@@ -12,25 +14,21 @@ class AdbRun {
  public:
   // Runs adb and waits. cancel is handed on untouched and may be null.
   AdbRun(const std::string& args, const bool* cancel);
-  ~AdbRun();
-  AdbRun(const AdbRun&) = delete;
-  AdbRun& operator=(const AdbRun&) = delete;
 
   // The channel's own value: 0 when adb ran and delivered.
   int status() const { return status_; }
   // False when the channel handed out no buffer at all; an empty buffer is output like any other.
-  bool has_output() const { return buffer_ != nullptr; }
+  bool has_output() const { return buffer_.has_text(); }
   // What adb printed, in the channel's buffer: gone with this object. Empty when there was no output.
-  std::string_view output() const;
+  std::string_view output() const { return buffer_.text(); }
   // The output up to its first zero byte.
-  std::string_view output_as_c_text() const;
+  std::string_view output_as_c_text() const { return buffer_.c_text(); }
   // The result code of a command without a success marker of its own: what the classifier says of the
   // output, or the channel's value when there is none.
   int Classify() const;
 
  private:
-  char* buffer_ = nullptr;
-  int length_ = 0;
+  ChannelBuffer buffer_;
   int status_;
 };
 

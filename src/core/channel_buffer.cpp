@@ -1,0 +1,19 @@
+#include "core/channel_buffer.h"
+
+#include <stdexcept>
+
+#include "platform/command_channel.h"
+
+namespace darokleim {
+
+std::string_view ChannelText(const char* buffer, int length) {
+  if (!buffer) return {};
+  if (length < 0) throw std::length_error("channel output");
+  return {buffer, static_cast<std::size_t>(length)};
+}
+
+ChannelBuffer::~ChannelBuffer() {
+  if (buffer_) ReleaseAdbOutBuffer(buffer_);
+}
+
+}  // namespace darokleim
