@@ -1,0 +1,32 @@
+#include "core/caller_buffer.h"
+
+#include <algorithm>
+
+#include "darokleim.h"
+
+namespace {
+
+constexpr bool IsEndingSpace(char c) {
+  return c == '\0' || c == '\t' || c == '\n' || c == '\r' || c == ' ';
+}
+
+}  // namespace
+
+char* RemoveEndingSpace(char* text, int length) {
+  while (length > 0 && IsEndingSpace(text[length - 1])) text[--length] = '\0';
+  return text + length - 1;
+}
+
+namespace darokleim {
+
+int FillCallerBuffer(std::string_view text, char* buffer, int capacity, std::size_t most) {
+  const std::size_t room = capacity < 0 ? 0 : static_cast<std::size_t>(capacity);
+  if (room > 0) {
+    const std::string_view copied = text.substr(0, std::min(most, room - 1));
+    *std::copy(copied.begin(), copied.end(), buffer) = '\0';
+    RemoveEndingSpace(buffer, static_cast<int>(copied.size()));
+  }
+  return text.size() > room ? ADB_RESULT_BUFFER_TOO_SMALL : ADB_RESULT_OK;
+}
+
+}  // namespace darokleim
