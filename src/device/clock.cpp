@@ -1,0 +1,18 @@
+// AdbGetDeviceCurrentTime: what the device's clock shows.
+#include "core/adb_run.h"
+#include "core/argument_text.h"
+#include "core/call_log.h"
+#include "core/caller_buffer.h"
+#include "darokleim.h"
+
+int AdbGetDeviceCurrentTime(const char* serial, char* buffer, int buffer_size, const bool* cancel) {
+  using namespace darokleim;
+  CallLog log("AdbGetDeviceCurrentTime");
+  if (AnyNull(serial, buffer)) return log.InvalidParam();
+  FillCallerBuffer("", buffer, buffer_size);
+  // One pair of single quotes around command and format, as the channel expects it.
+  const AdbRun run(Cut(256, " -s %s 'shell date +\"%%Y-%%m-%%d %%H:%%M:%%S\"'", serial), cancel);
+  const int code = run.Classify();
+  if (!run.has_output() || code != ADB_RESULT_OK) return log.Leave(code);
+  return log.Leave(FillCallerBuffer(run.output(), buffer, buffer_size));
+}

@@ -1,0 +1,21 @@
+// What the device's ip command prints.
+#ifndef DAROKLEIM_SRC_DEVICE_IP_OUTPUT_H
+#define DAROKLEIM_SRC_DEVICE_IP_OUTPUT_H
+
+#include <optional>
+#include <string_view>
+
+namespace darokleim {
+
+// Whether a text is an IPv4 address with its prefix length, as the whole text matches
+//     ^\d+\.\d+\.\d+\.\d+/\d+$
+// in time and stack of its own: numbers may have any length.
+bool IsAddressWithPrefix(std::string_view text);
+
+// The address in the `inet` lines of the output: its second word, where a blank alone ends a word. So only
+// the first line counts, and only when the address is followed by a blank.
+std::optional<std::string_view> FindAddress(std::string_view output);
+
+}  // namespace darokleim
+
+#endif  // DAROKLEIM_SRC_DEVICE_IP_OUTPUT_H

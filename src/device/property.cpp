@@ -1,0 +1,37 @@
+// GetPropInfo and the object over it.
+#include "device/property.h"
+
+#include <string>
+
+#include "core/argument_text.h"
+#include "core/classifier.h"
+#include "darokleim.h"
+#include "platform/command_channel.h"
+
+int GetPropInfo(const char* serial, const char* prop_name, char** out, int* out_len, const bool* cancel) {
+  using namespace darokleim;
+  const std::string args = Cut(256, " -s %s shell getprop %s", serial, prop_name);
+  const int status = ExecuteAdbCommandSynchronization(args.c_str(), cancel, out, out_len);
+  // The text of a command that succeeded is the value, whatever it says: a property may hold any words.
+  if (status == 0 || !out || !*out) return status;
+  return Classify(ChannelText(*out, *out_len), status);
+}
+
+namespace darokleim {
+
+Property::Property(const char* serial, const char* name, const bool* cancel)
+    : code_(GetPropInfo(serial, name, buffer_.out(), buffer_.out_len(), cancel)) {}
+
+bool Property::has_value() const {
+  return code_ == ADB_RESULT_OK && buffer_.has_text();
+}
+
+std::string_view Property::value() const {
+  return has_value() ? buffer_.text() : std::string_view();
+}
+
+std::string_view Property::c_value() const {
+  return has_value() ? buffer_.c_text() : std::string_view();
+}
+
+}  // namespace darokleim

@@ -1,0 +1,32 @@
+// One system property of a device.
+#ifndef DAROKLEIM_SRC_DEVICE_PROPERTY_H
+#define DAROKLEIM_SRC_DEVICE_PROPERTY_H
+
+#include <string_view>
+
+#include "core/channel_buffer.h"
+
+namespace darokleim {
+
+// Reads a property with GetPropInfo and owns its text.
+class Property {
+ public:
+  Property(const char* serial, const char* name, const bool* cancel);
+
+  // The result code of the reading.
+  int code() const { return code_; }
+  // Whether the property was read and there is a text, perhaps an empty one.
+  bool has_value() const;
+  // The text as the device printed it, its line end included; gone with this object. Empty without a value.
+  std::string_view value() const;
+  // The value up to its first zero byte.
+  std::string_view c_value() const;
+
+ private:
+  ChannelBuffer buffer_;
+  int code_;
+};
+
+}  // namespace darokleim
+
+#endif  // DAROKLEIM_SRC_DEVICE_PROPERTY_H

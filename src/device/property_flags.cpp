@@ -1,0 +1,59 @@
+// AdbCheckLockedState, AdbCheckEncryptState, AdbGetEncryptType, AdbCheckIsHarmony: properties that answer a
+// question. None of them checks a pointer.
+#include <initializer_list>
+#include <string_view>
+
+#include "core/call_log.h"
+#include "core/text.h"
+#include "darokleim.h"
+#include "device/property.h"
+
+namespace darokleim {
+namespace {
+
+template <typename Answer>
+struct Meaning {
+  std::string_view word;
+  Answer answer;
+};
+
+// The last meaning whose word stands anywhere in the property decides; without any, *answer stays.
+template <typename Answer>
+int ReadAnswer(const char* function, const char* property_name,
+               std::initializer_list<Meaning<Answer>> meanings, const char* serial, Answer* answer,
+               const bool* cancel) {
+  CallLog log(function);
+  const Property property(serial, property_name, cancel);
+  for (const auto& meaning : meanings) {
+    if (Contains(property.c_value(), meaning.word)) *answer = meaning.answer;
+  }
+  return log.Leave(property.code());
+}
+
+}  // namespace
+}  // namespace darokleim
+
+int AdbCheckLockedState(const char* serial, bool* locked, const bool* cancel) {
+  return darokleim::ReadAnswer<bool>("AdbCheckLockedState", "ro.boot.flash.locked",
+                                     {{"1", true}, {"0", false}}, serial, locked, cancel);
+}
+
+int AdbCheckEncryptState(const char* serial, bool* encrypted, const bool* cancel) {
+  return darokleim::ReadAnswer<bool>("AdbCheckEncryptState", "ro.crypto.state",
+                                     {{"encrypted", true}, {"unencrypted", false}}, serial, encrypted,
+                                     cancel);
+}
+
+int AdbGetEncryptType(const char* serial, int* type, const bool* cancel) {
+  return darokleim::ReadAnswer<int>("AdbGetEncryptType", "ro.crypto.type", {{"file", 0}, {"block", 1}},
+                                    serial, type, cancel);
+}
+
+// Unlike the others, always answers, also on failure.
+int AdbCheckIsHarmony(const char* serial, bool* is_harmony, const bool* cancel) {
+  using namespace darokleim;
+  CallLog log("AdbCheckIsHarmony");
+  const Property ring_tone(serial, "ro.config.ringtone", cancel);
+  *is_harmony = Contains(ring_tone.c_value(), "Harmony");
+  return log.Leave(ring_tone.code());
+}
