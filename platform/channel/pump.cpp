@@ -57,7 +57,7 @@ class Reader {
   const int output_;
   OutputSink* const sink_;
   size_t last_count_ = 0;
-  bool enlarged_ = false;
+  [[maybe_unused]] bool enlarged_ = false;  // on Linux only
 };
 
 }  // namespace

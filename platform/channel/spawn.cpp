@@ -88,9 +88,11 @@ class FileActions {
     error_ = posix_spawn_file_actions_init(&actions_);
     if (error_ == 0) error_ = posix_spawn_file_actions_adddup2(&actions_, output, STDOUT_FILENO);
     if (error_ == 0) error_ = posix_spawn_file_actions_adddup2(&actions_, output, STDERR_FILENO);
-#if defined(__GLIBC__) && __GLIBC_PREREQ(2, 34)
+#if defined(__GLIBC__)
+#if __GLIBC_PREREQ(2, 34)
     // Before the open, which then finds a free descriptor even where the host has used up its limit.
     if (error_ == 0) error_ = posix_spawn_file_actions_addclosefrom_np(&actions_, kFirstFreeFd);
+#endif
 #endif
     if (error_ == 0) {
       error_ = posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
