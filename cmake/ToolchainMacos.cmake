@@ -10,18 +10,26 @@ list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES DAROKLEIM_ZIG DAROKLEIM_MACOS_T
 set(CMAKE_SYSTEM_NAME Darwin)
 string(REGEX REPLACE "-.*" "" CMAKE_SYSTEM_PROCESSOR "${DAROKLEIM_MACOS_TARGET}")
 
-# CMake wants one program each; Zig is all of them, by its first word.
+# CMake wants one program each; Zig is all of them, by its first word. Two flags that CMake gives are beyond this
+# Zig, and needless: code for macOS is always position-independent, and the linker need not say its version.
 set(wrappers "${CMAKE_BINARY_DIR}/zig")
-foreach(tool cc c++ ar ranlib)
-  if(NOT EXISTS "${wrappers}/${tool}")
-    set(command "\"${DAROKLEIM_ZIG}\" ${tool}")
-    if(tool MATCHES "^c")
-      string(APPEND command " -target ${DAROKLEIM_MACOS_TARGET}")
-    endif()
-    file(WRITE "${wrappers}/${tool}" "#!/bin/sh\nexec ${command} \"$@\"\n")
-    file(CHMOD "${wrappers}/${tool}" PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
-  endif()
-endforeach()
+function(write_wrapper tool arguments)
+  file(WRITE "${wrappers}/${tool}" "#!/bin/sh
+for word do
+  shift
+  case $word in
+    -fPIE | -Wl,-v) ;;
+    *) set -- \"$@\" \"$word\" ;;
+  esac
+done
+exec \"${DAROKLEIM_ZIG}\" ${arguments} \"$@\"
+")
+  file(CHMOD "${wrappers}/${tool}" PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+endfunction()
+write_wrapper(cc "cc -target ${DAROKLEIM_MACOS_TARGET}")
+write_wrapper(c++ "c++ -target ${DAROKLEIM_MACOS_TARGET}")
+write_wrapper(ar ar)
+write_wrapper(ranlib ranlib)
 set(CMAKE_C_COMPILER "${wrappers}/cc")
 set(CMAKE_CXX_COMPILER "${wrappers}/c++")
 set(CMAKE_AR "${wrappers}/ar")
