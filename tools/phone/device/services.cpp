@@ -6,6 +6,7 @@
 #include "common/io.h"
 #include "common/wire.h"
 #include "device/shell_service.h"
+#include "device/sync_service.h"
 
 namespace darokleim::phone {
 
@@ -25,6 +26,8 @@ void RunService(const Request& request, UniqueFd stream) {
   std::string_view service = request.service;
   if (const auto shell = ParseShellService(service, request.legacy)) {
     RunShell(*shell, std::move(stream));
+  } else if (service == "sync:") {
+    SyncService(std::move(stream)).Run();
   } else if (service == "reconnect") {
     SayDone(request, std::move(stream), LinkMessage::kReconnect);
   } else {
