@@ -1,0 +1,25 @@
+// Finding the adb executable on the host.
+#ifndef DAROKLEIM_TOOLS_CLI_ADB_LOCATION_H
+#define DAROKLEIM_TOOLS_CLI_ADB_LOCATION_H
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace darokleim {
+
+// The programs that the library needs. Paths are absolute; symbolic links are kept, because a program may look at
+// the name that it was started by.
+struct HostPrograms {
+  std::filesystem::path adb;
+  std::optional<std::filesystem::path> busybox;  // for devices, not for the host
+};
+
+// Looks for what is not named (an empty text): adb in the folder `resources` that comes with the tool, in PATH, and
+// where the Android SDK and Homebrew install it; busybox only in `resources`, because the host's own would not run
+// on a phone. Throws ToolError when adb is not found or what is named cannot be used.
+HostPrograms FindHostPrograms(const std::string& named_adb, const std::string& named_busybox);
+
+}  // namespace darokleim
+
+#endif  // DAROKLEIM_TOOLS_CLI_ADB_LOCATION_H

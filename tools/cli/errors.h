@@ -1,0 +1,31 @@
+// How a command ends early: it throws one of these, and RunTool turns it into a message and an exit status.
+#ifndef DAROKLEIM_TOOLS_CLI_ERRORS_H
+#define DAROKLEIM_TOOLS_CLI_ERRORS_H
+
+#include <stdexcept>
+
+namespace darokleim {
+
+enum ExitStatus : int { kExitOk = 0, kExitFailed = 1, kExitUsage = 2, kExitCancelled = 130 };
+
+// The message is for people: what could not be done, why, and what helps.
+class ToolError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// Ctrl-C.
+class Cancelled : public std::exception {
+ public:
+  const char* what() const noexcept override { return "cancelled"; }
+};
+
+// Nobody reads standard output any more, as behind `| head`: there is nobody to tell, either.
+class OutputClosed : public std::exception {
+ public:
+  const char* what() const noexcept override { return "standard output is closed"; }
+};
+
+}  // namespace darokleim
+
+#endif  // DAROKLEIM_TOOLS_CLI_ERRORS_H

@@ -1,0 +1,18 @@
+// What the library's result codes mean, for people.
+#ifndef DAROKLEIM_TOOLS_CLI_RESULT_TEXT_H
+#define DAROKLEIM_TOOLS_CLI_RESULT_TEXT_H
+
+#include <string>
+
+namespace darokleim {
+
+// Name, number, meaning, and what helps:
+// "ADB_RESULT_CANNOT_CONNECT_DAEMON (27): adb could not reach its server. Start it with …"
+std::string DescribeResult(int code);
+
+// Whether the code is a status of the command channel, which says how running adb itself went.
+bool IsChannelStatus(int code);
+
+}  // namespace darokleim
+
+#endif  // DAROKLEIM_TOOLS_CLI_RESULT_TEXT_H

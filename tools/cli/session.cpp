@@ -1,0 +1,76 @@
+#include "session.h"
+
+#include <darokleim.h>
+#include <errno.h>
+#include <fcntl.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <optional>
+#include <system_error>
+
+#include "cancel_on_signal.h"
+#include "errors.h"
+#include "host_directories.h"
+#include "resource_directory.h"
+#include "result_text.h"
+#include "standard_streams.h"
+#include "system_error.h"
+
+namespace darokleim {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The library does not look at it, but it must not be null.
+constexpr char kLogContext[] = "darokleim";
+
+// Why no log can be written there; nothing when one can.
+std::optional<std::string> ReasonForNoLog(const fs::path& directory) {
+  std::error_code error;
+  fs::create_directories(directory, error);
+  if (error) return error.message();
+  const int log =
+      open((directory / "adb_sdk.log").c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC, 0644);
+  if (log < 0) return SystemErrorText(errno);
+  close(log);
+  return std::nullopt;
+}
+
+std::string PrepareLogDirectory(const std::string& named) {
+  std::error_code error;
+  const fs::path directory = named.empty() ? StateDirectory() : fs::absolute(named, error);
+  if (const auto reason = ReasonForNoLog(directory)) {
+    PrintError("no log is written: cannot write in " + directory.native() + ": " + *reason +
+               ". Name another directory with --log-dir.");
+  }
+  return directory.native();
+}
+
+}  // namespace
+
+Session::Session(const SessionOptions& options)
+    : programs_(FindHostPrograms(options.adb, options.busybox)),
+      log_directory_(PrepareLogDirectory(options.log_directory)) {
+  const auto resources = MakeResourceDirectory(programs_);
+  // Paths reach the device as they were given, and line ends as the library reads them.
+  setenv("DAROKLEIM_CHANNEL_ASSIST", "1", 0);
+  Check(AdbSdkInit(resources.c_str(), kLogContext, log_directory_.c_str()), "start");
+}
+
+const bool* Session::cancel() const {
+  return CancelFlag();
+}
+
+void Session::Check(int code, const std::string& action) const {
+  if (IsCancelled()) throw Cancelled();
+  if (code == ADB_RESULT_OK) return;
+  std::string message = "cannot " + action + ": " + DescribeResult(code);
+  if (IsChannelStatus(code)) {
+    message += " (adb: " + programs_.adb.native() + ", log: " + log_directory_ + ")";
+  }
+  throw ToolError(message);
+}
+
+}  // namespace darokleim

@@ -1,0 +1,37 @@
+// The started library.
+#ifndef DAROKLEIM_TOOLS_CLI_SESSION_H
+#define DAROKLEIM_TOOLS_CLI_SESSION_H
+
+#include <string>
+
+#include "adb_location.h"
+
+namespace darokleim {
+
+// As given on the command line; empty where not.
+struct SessionOptions {
+  std::string adb;
+  std::string busybox;
+  std::string log_directory;
+};
+
+class Session {
+ public:
+  // Finds adb and starts the library. Throws ToolError. The library can be started once in a process.
+  explicit Session(const SessionOptions& options);
+
+  // The flag for the library's calls.
+  const bool* cancel() const;
+
+  // After each call of the library: throws Cancelled after Ctrl-C, and ToolError unless the code is 0.
+  // action completes "cannot …", as "list devices".
+  void Check(int code, const std::string& action) const;
+
+ private:
+  HostPrograms programs_;
+  std::string log_directory_;
+};
+
+}  // namespace darokleim
+
+#endif  // DAROKLEIM_TOOLS_CLI_SESSION_H

@@ -1,0 +1,11 @@
+#include "system_error.h"
+
+#include <system_error>
+
+namespace darokleim {
+
+std::string SystemErrorText(int error_number) {
+  return std::generic_category().message(error_number);
+}
+
+}  // namespace darokleim

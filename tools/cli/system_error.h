@@ -1,0 +1,13 @@
+#ifndef DAROKLEIM_TOOLS_CLI_SYSTEM_ERROR_H
+#define DAROKLEIM_TOOLS_CLI_SYSTEM_ERROR_H
+
+#include <string>
+
+namespace darokleim {
+
+// "Permission denied" and the like.
+std::string SystemErrorText(int error_number);
+
+}  // namespace darokleim
+
+#endif  // DAROKLEIM_TOOLS_CLI_SYSTEM_ERROR_H

@@ -1,0 +1,42 @@
+#include "table.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace darokleim {
+namespace {
+
+constexpr std::size_t kGap = 2;  // blanks between two columns
+
+std::size_t Width(std::string_view cell) {
+  const auto starts_character = [](char byte) { return (static_cast<unsigned char>(byte) & 0xc0) != 0x80; };
+  return static_cast<std::size_t>(std::count_if(cell.begin(), cell.end(), starts_character));
+}
+
+}  // namespace
+
+std::string Table::Text() const {
+  std::vector<std::size_t> widths;
+  for (const auto& row : rows_) {
+    widths.resize(std::max(widths.size(), row.size()));
+    for (std::size_t column = 0; column < row.size(); ++column) {
+      widths[column] = std::max(widths[column], Width(row[column]));
+    }
+  }
+  std::string text;
+  for (const auto& row : rows_) {
+    std::size_t blanks = 0;  // owed before the next cell that holds something
+    for (std::size_t column = 0; column < row.size(); ++column) {
+      const std::size_t width = Width(row[column]);
+      if (width > 0) {
+        text.append(blanks, ' ').append(row[column]);
+        blanks = 0;
+      }
+      blanks += widths[column] - width + kGap;
+    }
+    text += '\n';
+  }
+  return text;
+}
+
+}  // namespace darokleim

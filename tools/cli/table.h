@@ -1,0 +1,24 @@
+#ifndef DAROKLEIM_TOOLS_CLI_TABLE_H
+#define DAROKLEIM_TOOLS_CLI_TABLE_H
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace darokleim {
+
+// Rows of text in aligned columns. Each character of a UTF-8 text counts as one place.
+class Table {
+ public:
+  void AddRow(std::vector<std::string> cells) { rows_.push_back(std::move(cells)); }
+
+  // A line for each row, without blanks at its end.
+  std::string Text() const;
+
+ private:
+  std::vector<std::vector<std::string>> rows_;
+};
+
+}  // namespace darokleim
+
+#endif  // DAROKLEIM_TOOLS_CLI_TABLE_H

@@ -1,0 +1,42 @@
+// The tool as a whole: command line, subcommands, exit status.
+#ifndef DAROKLEIM_TOOLS_CLI_TOOL_H
+#define DAROKLEIM_TOOLS_CLI_TOOL_H
+
+#include <CLI/App.hpp>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "output.h"
+#include "session.h"
+
+namespace darokleim {
+
+// What a subcommand works with.
+class Tool {
+ public:
+  explicit Tool(Output output) : output_(output) {}
+
+  // Names the function that carries out a subcommand, once the whole command line has been read.
+  void OnRun(CLI::App& command, std::function<void()> action);
+
+  // The library, started at the first call.
+  Session& session();
+  Output& output() { return output_; }
+  SessionOptions& session_options() { return session_options_; }
+
+  void RunChosenCommand() const { action_(); }
+
+ private:
+  Output output_;
+  SessionOptions session_options_;
+  std::optional<Session> session_;
+  std::function<void()> action_;
+};
+
+// Returns the exit status.
+int RunTool(int argc, const char* const* argv);
+
+}  // namespace darokleim
+
+#endif  // DAROKLEIM_TOOLS_CLI_TOOL_H
