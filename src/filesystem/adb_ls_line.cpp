@@ -1,0 +1,83 @@
+#include "filesystem/adb_ls_line.h"
+
+#include <array>
+#include <cstdlib>
+#include <optional>
+#include <string>
+
+#include "core/text.h"
+
+namespace darokleim {
+namespace {
+
+constexpr int kBase = 16;
+// Three numbers of eight digits with a blank behind each, and a name of one character.
+constexpr std::size_t kDigits = 8;
+constexpr std::size_t kColumn = kDigits + 1;
+constexpr std::size_t kNameAt = 3 * kColumn;
+constexpr std::size_t kShortest = kNameAt + 1;
+
+constexpr std::uint32_t kNoDigit = 0x80000000U;
+
+constexpr std::array<std::uint32_t, 256> kDigitValues = [] {
+  std::array<std::uint32_t, 256> values{};
+  for (auto& value : values) value = kNoDigit;
+  for (unsigned i = 0; i < 10; ++i) values['0' + i] = i;
+  for (unsigned i = 0; i < 6; ++i) values['a' + i] = values['A' + i] = 10 + i;
+  return values;
+}();
+
+constexpr std::uint32_t DigitValue(char c) {
+  return kDigitValues[static_cast<unsigned char>(c)];
+}
+
+std::optional<std::uint32_t> EightDigits(const char* text) {
+  std::uint32_t number = 0;
+  std::uint32_t all = 0;
+  for (std::size_t i = 0; i < kDigits; ++i) {
+    const std::uint32_t value = DigitValue(text[i]);
+    all |= value;
+    number = number << 4 | (value & 0xFU);
+  }
+  if (all & kNoDigit) return std::nullopt;
+  return number;
+}
+
+// A line as adb prints it.
+std::optional<AdbLsLine> ReadRegularLine(std::string_view line) {
+  const char* const text = line.data();
+  if (text[kDigits] != ' ' || text[kColumn + kDigits] != ' ') return std::nullopt;
+  if (DigitValue(text[kNameAt - 1]) != kNoDigit) return std::nullopt;
+  const auto mode = EightDigits(text);
+  const auto size = EightDigits(text + kColumn);
+  const auto time = EightDigits(text + 2 * kColumn);
+  if (!mode || !size || !time) return std::nullopt;
+  return AdbLsLine{*mode, *size, *time, line.substr(kNameAt)};
+}
+
+// Copied, since strtoul needs an end and would otherwise read on in the next line.
+AdbLsLine ReadAnyLine(std::string_view line) {
+  const std::string text(line);
+  char* end = nullptr;
+  const auto mode = static_cast<std::uint32_t>(std::strtoul(text.c_str(), &end, kBase));
+  const std::uint64_t size = std::strtoul(end, &end, kBase);
+  const std::uint64_t time = std::strtoul(end, &end, kBase);
+  const auto name_at = static_cast<std::size_t>(end - text.c_str()) + 1;
+  return {mode, size, time, name_at < line.size() ? line.substr(name_at) : std::string_view()};
+}
+
+}  // namespace
+
+bool IsSkippedAdbLsLine(std::string_view line) {
+  if (line.size() < kShortest) return true;
+  if (line.size() == kShortest) return line.back() == '.';
+  // A dot anywhere: meant for "..", but required of every line of this length.
+  return line.size() == kShortest + 1 && Contains(line, ".");
+}
+
+AdbLsLine ReadAdbLsLine(std::string_view line) {
+  if (const auto regular = ReadRegularLine(line)) return *regular;
+  return ReadAnyLine(line);
+}
+
+}  // namespace darokleim

@@ -1,0 +1,27 @@
+// The lines of adb ls: mode, size and time in eight hexadecimal digits each, then the name.
+#ifndef DAROKLEIM_SRC_FILESYSTEM_ADB_LS_LINE_H
+#define DAROKLEIM_SRC_FILESYSTEM_ADB_LS_LINE_H
+
+#include <cstdint>
+#include <string_view>
+
+namespace darokleim {
+
+struct AdbLsLine {
+  std::uint32_t mode;
+  std::uint64_t size;
+  std::uint64_t time;
+  std::string_view name;  // a piece of the line
+};
+
+// Whether the line is too short, or one of "." or ".." or of a name that looks like them by its length.
+bool IsSkippedAdbLsLine(std::string_view line);
+
+// Reads each number as strtoul does, whatever stands there, from where the one before ended: blanks, a sign and
+// 0x may come first, none at all is 0, too large is the largest (the mode's upper half is then dropped). One
+// character of any kind parts the last from the name.
+AdbLsLine ReadAdbLsLine(std::string_view line);
+
+}  // namespace darokleim
+
+#endif  // DAROKLEIM_SRC_FILESYSTEM_ADB_LS_LINE_H

@@ -1,0 +1,14 @@
+// The output of the device's find: one path a line.
+#ifndef DAROKLEIM_SRC_FILESYSTEM_FIND_LISTING_H
+#define DAROKLEIM_SRC_FILESYSTEM_FIND_LISTING_H
+
+#include <list>
+
+#include "filesystem/file_info.h"
+
+// Appends a record (its path alone) for each line that begins with "/". Lines end in LF, CR LF or CR CR LF.
+// False when there is no line at all but empty ones; true otherwise, also without a path. Throws
+// std::length_error for a negative len.
+bool DecodeFindOut(const char* out, int len, std::list<FileInfo>* files);
+
+#endif  // DAROKLEIM_SRC_FILESYSTEM_FIND_LISTING_H

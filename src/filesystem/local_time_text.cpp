@@ -1,0 +1,85 @@
+#include "filesystem/local_time_text.h"
+
+#include <time.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace darokleim {
+namespace {
+
+constexpr std::int32_t kDay = 86400;
+constexpr std::int32_t kHour = 3600;
+constexpr std::int32_t kMinute = 60;
+constexpr std::size_t kDateLength = 10;
+// Eleven years, remembered in 128 KiB.
+constexpr std::size_t kMostDays = 4096;
+// Until two days before the year 10000, whatever the zone: dates of four digits.
+constexpr std::uint64_t kEndOfShortYears = 253402300800U - 2U * kDay;
+
+// The plain form.
+std::string FormatOne(std::uint64_t timestamp) {
+  const auto time = static_cast<time_t>(timestamp);
+  tm local;
+  if (localtime_r(&time, &local) == nullptr) return {};
+  char text[24];
+  return {text, strftime(text, sizeof(text), "%Y-%m-%d %H:%M:%S", &local)};
+}
+
+std::int32_t SecondOfDay(const tm& local) {
+  return local.tm_hour * kHour + local.tm_min * kMinute + local.tm_sec;
+}
+
+// Whether every second between the first and the last of a day of UTC follows from them: no zone has changed
+// its clock twice within a day. A leap second, in the zones that count them, makes the day longer.
+bool IsSteady(const tm& first, const tm& last) {
+  return first.tm_gmtoff == last.tm_gmtoff && last.tm_sec < kMinute &&
+         SecondOfDay(last) == (SecondOfDay(first) + kDay - 1) % kDay;
+}
+
+void PutTwoDigits(char* to, std::int32_t number) {
+  to[0] = static_cast<char>('0' + number / 10);
+  to[1] = static_cast<char>('0' + number % 10);
+}
+
+}  // namespace
+
+LocalTimeText::LocalTimeText(std::size_t times) : days_(std::clamp<std::size_t>(times, 1, kMostDays)) {
+  // localtime_r alone reads it only the first time.
+  tzset();
+}
+
+std::string LocalTimeText::Of(std::uint64_t timestamp) {
+  if (timestamp >= kEndOfShortYears) return FormatOne(timestamp);
+  const Day& day = DayOf(static_cast<std::int32_t>(timestamp / kDay));
+  if (day.clock != Day::Clock::kSteady) return FormatOne(timestamp);
+  const std::int32_t since_first_date = day.first_second + static_cast<std::int32_t>(timestamp % kDay);
+  const bool next_date = since_first_date >= kDay;
+  const std::int32_t second = next_date ? since_first_date - kDay : since_first_date;
+  char text[] = "YYYY-MM-DD HH:MM:SS";
+  std::memcpy(text, day.dates[next_date], kDateLength);
+  PutTwoDigits(text + 11, second / kHour);
+  PutTwoDigits(text + 14, second / kMinute % kMinute);
+  PutTwoDigits(text + 17, second % kMinute);
+  return {text, sizeof(text) - 1};
+}
+
+const LocalTimeText::Day& LocalTimeText::DayOf(std::int32_t number) {
+  Day& day = days_[static_cast<std::size_t>(number) % days_.size()];
+  if (day.clock != Day::Clock::kUnknown && day.number == number) return day;
+  const time_t begin = static_cast<time_t>(number) * kDay;
+  const time_t end = begin + kDay - 1;
+  tm first;
+  tm last;
+  day.number = number;
+  day.clock = Day::Clock::kChanges;
+  if (localtime_r(&begin, &first) == nullptr || localtime_r(&end, &last) == nullptr) return day;
+  if (!IsSteady(first, last)) return day;
+  day.clock = Day::Clock::kSteady;
+  day.first_second = SecondOfDay(first);
+  strftime(day.dates[0], sizeof(day.dates[0]), "%Y-%m-%d", &first);
+  strftime(day.dates[1], sizeof(day.dates[1]), "%Y-%m-%d", &last);
+  return day;
+}
+
+}  // namespace darokleim

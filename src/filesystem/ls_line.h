@@ -1,0 +1,26 @@
+// The lines that ls -l prints for regular files.
+#ifndef DAROKLEIM_SRC_FILESYSTEM_LS_LINE_H
+#define DAROKLEIM_SRC_FILESYSTEM_LS_LINE_H
+
+#include <optional>
+#include <string_view>
+
+namespace darokleim {
+
+// The columns of one line, as pieces of it.
+struct LsLine {
+  std::string_view size;  // decimal digits
+  std::string_view time;  // YYYY-MM-DD HH:MM
+  std::string_view name;  // with the blanks behind it, and as ls escaped it
+};
+
+// Matches a whole line against
+//     ^-[rwx-]{9}\s+\d+\s+\S+\s+\S+\s+(\d+)\s(\d{4}-\d{2}-\d{2}\s\d{1,2}:\d{1,2})\s+(.*)\s*$
+// or, as old phones print no link count,
+//     ^-[rwx-]{9}\s+\S+\s+\S+\s+(\d+)\s(\d{4}-\d{2}-\d{2}\s\d{1,2}:\d{1,2})\s+(.*)\s*$
+// as std::regex_match does in the "C" locale, but in one pass and without a line's length in stack.
+std::optional<LsLine> MatchLsLine(std::string_view line);
+
+}  // namespace darokleim
+
+#endif  // DAROKLEIM_SRC_FILESYSTEM_LS_LINE_H

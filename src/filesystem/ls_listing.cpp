@@ -1,0 +1,69 @@
+#include "filesystem/ls_listing.h"
+
+#include <stdio.h>
+
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "core/numbers.h"
+#include "core/text.h"
+#include "filesystem/listing_text.h"
+#include "filesystem/ls_line.h"
+
+namespace {
+
+constexpr std::string_view kLineEnd = "\r\n";
+
+bool HasTwoLines(std::string_view text) {
+  int lines = 0;
+  darokleim::ForEachPiece(text, kLineEnd, [&](std::string_view) { return ++lines < 2; });
+  return lines == 2;
+}
+
+// Takes the backslash from every "\ " at or behind begin.
+void UnescapeBlanks(std::string& path, std::size_t begin) {
+  std::size_t to = path.find("\\ ", begin);
+  if (to == std::string::npos) return;
+  for (std::size_t from = to; from < path.size(); ++from) {
+    if (path[from] == '\\' && from + 1 < path.size() && path[from + 1] == ' ') ++from;
+    path[to++] = path[from];
+  }
+  path.resize(to);
+}
+
+FileInfo Record(std::string_view directory, const darokleim::LsLine& line) {
+  const auto size = static_cast<std::uint64_t>(darokleim::LeadingInteger(line.size));
+  std::string path = darokleim::JoinListed(directory, line.name);
+  UnescapeBlanks(path, directory.size() + 1);
+  return {size, 0, std::move(path), std::string(line.time), 0};
+}
+
+// As one piece, whatever other threads print.
+void Trace(std::string_view line) {
+  flockfile(stdout);
+  fwrite(line.data(), 1, line.size(), stdout);
+  putc('\n', stdout);
+  funlockfile(stdout);
+}
+
+}  // namespace
+
+bool DecodeLSOut(const char* out, int len, std::list<FileInfo>* files) {
+  const std::string_view text = darokleim::ListingText(out, len);
+  if (!HasTwoLines(text)) return false;
+  std::string_view directory;
+  darokleim::ForEachPiece(text, kLineEnd, [&](std::string_view line) {
+    if (line.front() == '/') {
+      directory = line.substr(0, line.size() - 1);
+    } else if (line.front() == '-') {
+      if (const auto match = darokleim::MatchLsLine(line)) {
+        files->push_back(Record(directory, *match));
+      } else {
+        Trace(line);
+      }
+    }
+    return true;
+  });
+  return true;
+}
