@@ -1,0 +1,56 @@
+// Runs AdbKillDaemon with real processes and the real `ps`, and prints what became of each. Only as the first
+// process of a PID namespace of its own: it would kill what others run.
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <string>
+
+#include "darokleim.h"
+#include "platform/command_channel.h"
+#include "platform/log_library.h"
+#include "support/sleeper.h"
+
+bool InitLogEx(const void*, const char*, const char*) {
+  return true;
+}
+void LogEx(const char*, int, const char*, ...) {}
+int InitAdbCommuncation2Server(const char*, const char*, const void*) {
+  return 0;
+}
+int ExecuteAdbCommandSynchronization(const char*, const bool*, char**, int*) {
+  return 0;
+}
+int ExecuteAdbCommandAnsynchronization(const char*, const bool*, void*, void*) {
+  return 0;
+}
+void ReleaseAdbOutBuffer(char*) {}
+
+namespace {
+
+// Also /proc, where `ps` looks, must be the namespace's.
+bool IsFirstProcess() {
+  std::array<char, 16> self{};
+  return getpid() == 1 && readlink("/proc/self", self.data(), self.size() - 1) == 1 && self[0] == '1';
+}
+
+}  // namespace
+
+int main() {
+  if (!IsFirstProcess()) {
+    std::fputs("not in a PID namespace of its own\n", stderr);
+    return 2;
+  }
+  darokleim::testing::Sleeper processes[] = {
+      darokleim::testing::Sleeper("adb -L tcp:5037 fork-server server"),
+      darokleim::testing::Sleeper("/opt/tools/adb -s X logcat"),
+      darokleim::testing::Sleeper("vi adb.txt"),
+      darokleim::testing::Sleeper("adbd"),
+      darokleim::testing::Sleeper("my_adb"),
+      darokleim::testing::Sleeper("sleep"),
+  };
+  AdbKillDaemon(nullptr);
+  for (auto& process : processes) {
+    std::printf("%s: %s\n", process.command_line().c_str(), process.WasKilled() ? "killed" : "alive");
+  }
+}

@@ -1,0 +1,50 @@
+// A `ps` of the test's own.
+#ifndef DAROKLEIM_TESTS_UNIT_SUPPORT_LISTED_PROCESSES_H
+#define DAROKLEIM_TESTS_UNIT_SUPPORT_LISTED_PROCESSES_H
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include "support/file_content.h"
+#include "support/temporary_directory.h"
+
+namespace darokleim::testing {
+
+// While it lives, `ps` prints these lines, so that nobody can kill the processes of the machine by its
+// list. Ends the program when that cannot be had.
+class ListedProcesses {
+ public:
+  explicit ListedProcesses(const std::string& lines) : path_before_(std::getenv("PATH")) {
+    WriteFile(directory_.File("lines"), kHeading + lines);
+    WriteFile(directory_.File("ps"), "#!/bin/sh\nexec cat '" + directory_.File("lines") + "'\n");
+    std::filesystem::permissions(directory_.File("ps"), std::filesystem::perms::owner_all);
+    setenv("PATH", (directory_.path().native() + ":" + path_before_).c_str(), 1);
+    if (FirstLineOfPs() == kHeading) return;
+    std::fputs("ps is not the test's own\n", stderr);
+    std::abort();
+  }
+  ~ListedProcesses() { setenv("PATH", path_before_.c_str(), 1); }
+  ListedProcesses(const ListedProcesses&) = delete;
+  ListedProcesses& operator=(const ListedProcesses&) = delete;
+
+ private:
+  static constexpr char kHeading[] = "    PID TTY      STAT   TIME THE TEST'S OWN\n";
+
+  static std::string FirstLineOfPs() {
+    char line[sizeof kHeading] = "";
+    FILE* ps = popen("ps -ax", "r");
+    if (!ps) return "";
+    const bool read = std::fgets(line, sizeof line, ps) != nullptr;
+    pclose(ps);
+    return read ? line : "";
+  }
+
+  TemporaryDirectory directory_;
+  std::string path_before_;
+};
+
+}  // namespace darokleim::testing
+
+#endif  // DAROKLEIM_TESTS_UNIT_SUPPORT_LISTED_PROCESSES_H
