@@ -6,6 +6,9 @@
 
 namespace darokleim {
 
+// What isspace and the \s of a regular expression take for blank, in the "C" locale.
+inline constexpr std::string_view kBlanks = " \t\n\v\f\r";
+
 inline bool Contains(std::string_view text, std::string_view part) {
   return text.find(part) != std::string_view::npos;
 }

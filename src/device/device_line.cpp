@@ -1,9 +1,9 @@
 #include "device/device_line.h"
 
+#include "core/text.h"
+
 namespace darokleim {
 namespace {
-
-constexpr std::string_view kBlanks = " \t\n\v\f\r";
 
 constexpr bool IsAsciiLetterOrDigit(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');

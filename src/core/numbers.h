@@ -1,0 +1,14 @@
+// Numbers that begin a text, as the C library reads them, without a terminating zero or a copy.
+#ifndef DAROKLEIM_SRC_CORE_NUMBERS_H
+#define DAROKLEIM_SRC_CORE_NUMBERS_H
+
+#include <string_view>
+
+namespace darokleim {
+
+// As atoll: blanks, a sign, decimal digits; 0 without digits, the nearest long long when out of range.
+long long LeadingInteger(std::string_view text);
+
+}  // namespace darokleim
+
+#endif  // DAROKLEIM_SRC_CORE_NUMBERS_H

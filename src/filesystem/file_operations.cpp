@@ -1,0 +1,54 @@
+// One command of the device's shell for each function. The device is silent on success, so whatever the
+// classifier does not know counts as success; how each path is quoted is part of the interface.
+#include "core/adb_run.h"
+#include "core/argument_text.h"
+#include "core/call_log.h"
+#include "darokleim.h"
+
+using darokleim::AdbRun;
+using darokleim::AnyNull;
+using darokleim::CallLog;
+using darokleim::Measured;
+
+int AdbCopyFile(const char* serial, const char* source, const char* destination, const bool* cancel) {
+  CallLog log("AdbCopyFile");
+  if (AnyNull(serial, source, destination)) return log.InvalidParam();
+  const auto args = Measured(" -s %s shell cp \"%s\" \"%s\"", serial, source, destination);
+  return log.Leave(AdbRun(args, cancel).Classify());
+}
+
+int AdbRemoveFile(const char* serial, const char* device_path, const bool* cancel) {
+  CallLog log("AdbRemoveFile");
+  if (AnyNull(serial, device_path)) return log.InvalidParam();
+  const auto args = Measured(" -s %s shell rm \"%s\"", serial, device_path);
+  return log.Leave(AdbRun(args, cancel).Classify());
+}
+
+// The single quotes inside the double ones are for the device's shell.
+int AdbRenameFile(const char* serial, const char* old_path, const char* new_path, const bool* cancel) {
+  CallLog log("AdbRenameFile");
+  if (AnyNull(serial, old_path, new_path)) return log.InvalidParam();
+  const auto args = Measured(" -s %s shell mv \"'%s'\" \"'%s'\"", serial, old_path, new_path);
+  return log.Leave(AdbRun(args, cancel).Classify());
+}
+
+int AdbCreateDir(const char* serial, const char* device_path, const bool* cancel) {
+  CallLog log("AdbCreateDir");
+  const auto args = Measured(" -s %s shell mkdir -p \"\"%s\"\"", serial, device_path);
+  return log.Leave(AdbRun(args, cancel).Classify());
+}
+
+// Deliberately unquoted: callers pass several paths, or a pattern, at once.
+int AdbChmodFile(const char* serial, const char* device_path, const char* mode, const bool* cancel) {
+  CallLog log("AdbChmodFile");
+  if (AnyNull(serial, device_path, mode)) return log.InvalidParam();
+  const auto args = Measured(" -s %s shell chmod %s %s", serial, mode, device_path);
+  return log.Leave(AdbRun(args, cancel).Classify());
+}
+
+int AdbScreencapToDevice(const char* serial, const char* device_path, const bool* cancel) {
+  CallLog log("AdbScreencapToDevice");
+  if (AnyNull(serial, device_path)) return log.InvalidParam();
+  const auto args = Measured(" -s %s shell screencap -p \"%s\"", serial, device_path);
+  return log.Leave(AdbRun(args, cancel).Classify());
+}

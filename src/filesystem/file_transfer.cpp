@@ -1,0 +1,57 @@
+// AdbPushFile, AdbPullFile, AdbScreencapToPC: files between host and device.
+#include <filesystem>
+#include <string>
+
+#include "core/adb_run.h"
+#include "core/argument_text.h"
+#include "core/call_log.h"
+#include "core/text.h"
+#include "darokleim.h"
+
+namespace darokleim {
+namespace {
+
+// A transfer shows in the channel's log; here only a null argument does.
+constexpr LogWording kTransferWording{kLogInfo, nullptr, nullptr, kLogError, "%s, invalid param."};
+
+// Where a screenshot waits on the device until it is pulled; two with the same host file name share it.
+constexpr char kScreenshotDir[] = "/data/local/tmp/";
+
+}  // namespace
+}  // namespace darokleim
+
+int AdbPushFile(const char* serial, const char* host_path, const char* device_path, const bool* cancel) {
+  using namespace darokleim;
+  const CallLog log("AdbPushFile", kTransferWording);
+  if (AnyNull(serial, host_path, device_path)) return log.InvalidParam();
+  const AdbRun run(Measured(" -s %s push --sync \"%s\" \"%s\"", serial, host_path, device_path), cancel);
+  const bool done = Contains(run.output(), "file pushed") || Contains(run.output(), "file skipped");
+  if (run.status() == 0 && done) return ADB_RESULT_OK;
+  return run.Classify();
+}
+
+// Unlike a push, a pull is believed only when adb says that it happened: 1 when it does not say so.
+int AdbPullFile(const char* serial, const char* device_path, const char* host_path, const bool* cancel) {
+  using namespace darokleim;
+  const CallLog log("AdbPullFile", kTransferWording);
+  if (AnyNull(serial, device_path, host_path)) return log.InvalidParam();
+  const AdbRun run(Measured(" -s %s pull -a \"%s\" \"%s\"", serial, device_path, host_path), cancel);
+  const int code = run.Classify();
+  if (!run.has_output() || code != ADB_RESULT_OK) return code;
+  const bool done = Contains(run.output(), "file pulled") || Contains(run.output(), "file skipped");
+  return done ? ADB_RESULT_OK : ADB_RESULT_PROTOCOL_FAULT;
+}
+
+// The first step that fails ends it, without a leave line; a failed pull leaves the file on the device.
+int AdbScreencapToPC(const char* serial, const char* host_path, const bool* cancel) {
+  using namespace darokleim;
+  CallLog log("AdbScreencapToPC");
+  if (AnyNull(serial, host_path)) return log.InvalidParam();
+  const std::string name = std::filesystem::path(host_path).filename().string();
+  if (name.empty()) return ADB_RESULT_INVALID_PARAM;
+  const std::string device_path = kScreenshotDir + name;
+  int code = AdbScreencapToDevice(serial, device_path.c_str(), cancel);
+  if (code == ADB_RESULT_OK) code = AdbPullFile(serial, device_path.c_str(), host_path, cancel);
+  if (code == ADB_RESULT_OK) code = AdbRemoveFile(serial, device_path.c_str(), cancel);
+  return code == ADB_RESULT_OK ? log.Leave(code) : code;
+}
