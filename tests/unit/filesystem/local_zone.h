@@ -1,0 +1,34 @@
+// The process's time zone, for as long as an object lives.
+#ifndef DAROKLEIM_TESTS_UNIT_FILESYSTEM_LOCAL_ZONE_H
+#define DAROKLEIM_TESTS_UNIT_FILESYSTEM_LOCAL_ZONE_H
+
+#include <stdlib.h>
+
+#include <optional>
+#include <string>
+
+namespace darokleim::testing {
+
+class LocalZone {
+ public:
+  explicit LocalZone(const std::string& zone) {
+    if (const char* before = getenv("TZ")) before_ = before;
+    setenv("TZ", zone.c_str(), 1);
+  }
+  ~LocalZone() {
+    if (before_) {
+      setenv("TZ", before_->c_str(), 1);
+    } else {
+      unsetenv("TZ");
+    }
+  }
+  LocalZone(const LocalZone&) = delete;
+  LocalZone& operator=(const LocalZone&) = delete;
+
+ private:
+  std::optional<std::string> before_;
+};
+
+}  // namespace darokleim::testing
+
+#endif  // DAROKLEIM_TESTS_UNIT_FILESYSTEM_LOCAL_ZONE_H
