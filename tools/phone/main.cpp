@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "device/daemon.h"
+#include "server/control.h"
 #include "server/server.h"
 
 namespace {
@@ -16,7 +17,9 @@ constexpr char kPhoneHelp[] =
     "a phone: SERIAL[,key=value]…, where\n"
     "state=device|offline|unauthorized|authorizing|connecting|recovery|sideload\n"
     "android=modern|legacy: as Android 13, or as Android 6\n"
-    "root=FOLDER: keeps its files there (default: a temporary folder)";
+    "root=FOLDER: keeps its files there (default: a temporary folder)\n"
+    "card=NAME: an SD card /storage/NAME; may be repeated\n"
+    "fault=NAME[=VALUE]: has this fault from the start (see ctl --help); may be repeated";
 
 int Serve(int argc, char** argv) {
   CLI::App app("Simulated Android phones: an adb server with phones attached, for testing without hardware.",
@@ -25,6 +28,12 @@ int Serve(int argc, char** argv) {
   std::vector<std::string> phones;
   app.add_option("--port", options.port, "the server's TCP port; 0: one that is free")->capture_default_str();
   app.add_option("--phone", phones, kPhoneHelp)->allow_extra_args(false);
+  CLI::App* control =
+      app.add_subcommand("ctl", "Changes a phone of the running server on this port.\n" + ControlHelp());
+  uint16_t control_port = options.port;
+  std::vector<std::string> control_words;
+  control->add_option("--port", control_port, "the running server's port")->capture_default_str();
+  control->add_option("words", control_words, "what to do")->required();
   try {
     app.parse(argc, argv);
     for (const std::string& phone : phones) options.phones.push_back(ParsePhoneOptions(phone));
@@ -34,7 +43,7 @@ int Serve(int argc, char** argv) {
     std::fprintf(stderr, "darokleim-phone: --phone: %s\n", error.what());
     return 2;
   }
-  return RunServer(options);
+  return control->parsed() ? RunControl(control_port, control_words) : RunServer(options);
 }
 
 }  // namespace

@@ -13,9 +13,10 @@ namespace darokleim::phone {
 // client's own connection travels to the phone this way, so no byte of a stream passes through the server.
 enum class LinkMessage : char {
   // server to phone
-  kOpen = 'o',     // text: the service; descriptor: the client's connection, which expects OKAY or FAIL
-  kConnect = 'c',  // text: an address on the phone; descriptor: an accepted host connection (forward)
-  kDropAll = 'd',  // the cable was pulled: every stream ends
+  kOpen = 'o',         // text: the service; descriptor: the client's connection, which expects OKAY or FAIL
+  kConnect = 'c',      // text: an address on the phone; descriptor: an accepted host connection (forward)
+  kDropAll = 'd',      // the cable was pulled: every stream ends
+  kPowerButton = 'p',  // reboot
   // phone to server
   kReady = 'r',      // the phone has booted
   kReverse = 'v',    // text: an address on the host; descriptor: an accepted phone connection (reverse)

@@ -67,21 +67,21 @@ bool CopyUntilEnd(int from, int to) {
 
 void Relay(int one, int other) {
   std::vector<char> buffer(kCopyChunk);
-  bool one_open = true;
-  bool other_open = true;
-  while (one_open || other_open) {
-    std::array<pollfd, 2> ends = {{{one_open ? one : -1, POLLIN, 0}, {other_open ? other : -1, POLLIN, 0}}};
+  std::array<pollfd, 2> ends = {{{one, POLLIN, 0}, {other, POLLIN, 0}}};
+  while (ends[0].events != 0 || ends[1].events != 0) {
     if (poll(ends.data(), ends.size(), -1) < 0) {
       if (errno == EINTR) continue;
       return;
     }
-    if (ends[0].revents != 0 && !PassOn(one, other, &buffer)) {
-      one_open = false;
-      shutdown(other, SHUT_WR);
-    }
-    if (ends[1].revents != 0 && !PassOn(other, one, &buffer)) {
-      other_open = false;
-      shutdown(one, SHUT_WR);
+    for (size_t i = 0; i < ends.size(); ++i) {
+      const int to = ends[1 - i].fd;
+      if ((ends[i].revents & POLLIN) != 0) {
+        if (PassOn(ends[i].fd, to, &buffer)) continue;
+        ends[i].events = 0;
+        shutdown(to, SHUT_WR);
+      } else if (ends[i].revents != 0) {
+        return;  // gone in both directions
+      }
     }
   }
 }

@@ -13,14 +13,6 @@ namespace {
 constexpr size_t kLengthDigits = 4;
 constexpr size_t kLongestText = 0xffff;
 
-std::string WithLength(std::string_view text) {
-  static constexpr char kDigits[] = "0123456789abcdef";
-  text = text.substr(0, kLongestText);
-  std::string out;
-  for (int shift = 12; shift >= 0; shift -= 4) out += kDigits[(text.size() >> shift) & 0xf];
-  return out.append(text);
-}
-
 bool Send(int fd, const std::string& bytes) {
   return WriteAll(fd, bytes.data(), bytes.size());
 }
@@ -40,6 +32,14 @@ std::optional<std::string> ReadRequest(int fd) {
   std::string request(length, '\0');
   if (!ReadExactly(fd, request.data(), request.size())) return std::nullopt;
   return request;
+}
+
+std::string WithLength(std::string_view text) {
+  static constexpr char kDigits[] = "0123456789abcdef";
+  text = text.substr(0, kLongestText);
+  std::string out;
+  for (int shift = 12; shift >= 0; shift -= 4) out += kDigits[(text.size() >> shift) & 0xf];
+  return out.append(text);
 }
 
 bool SendOkay(int fd) {

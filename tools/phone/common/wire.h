@@ -1,6 +1,7 @@
 #ifndef DAROKLEIM_TOOLS_PHONE_COMMON_WIRE_H
 #define DAROKLEIM_TOOLS_PHONE_COMMON_WIRE_H
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,7 +15,8 @@ std::optional<std::string> ReadRequest(int fd);
 
 bool SendOkay(int fd);
 bool SendFail(int fd, std::string_view reason);
-// A text with its length before it, as it follows OKAY.
+// A text with its length before it, as it follows OKAY. One longer than four digits can say is cut.
+std::string WithLength(std::string_view text);
 bool SendText(int fd, std::string_view text);
 bool SendOkayAndText(int fd, std::string_view text);
 

@@ -7,15 +7,17 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <map>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "common/device_link.h"
 #include "common/io.h"
+#include "common/wire.h"
 #include "device/layout.h"
+#include "device/reverse_forwards.h"
 #include "device/services.h"
 
 namespace darokleim::phone {
@@ -46,6 +48,7 @@ class Daemon {
   UniqueFd link_;
   const bool legacy_;
   FdPair wake_;
+  ReverseForwards reverse_;
   // The stream of each running service. Kept only to cut it off when the cable is pulled.
   std::map<pid_t, UniqueFd> services_;
 };
@@ -67,22 +70,31 @@ bool Daemon::Prepare() {
 
 void Daemon::Run() {
   for (;;) {
-    std::array<pollfd, 2> ends = {{{link_.get(), POLLIN, 0}, {wake_.first.get(), POLLIN, 0}}};
-    if (poll(ends.data(), ends.size(), -1) < 0 && errno != EINTR) return;
-    if (ends[1].revents != 0) HearSignals();
-    if (ends[0].revents != 0) {
-      auto packet = ReceivePacket(link_.get());
-      if (!packet) return;
-      Take(std::move(*packet));
-    }
+    std::vector<pollfd> waits = {{link_.get(), POLLIN, 0}, {wake_.first.get(), POLLIN, 0}};
+    reverse_.AddTo(&waits);
+    if (poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR) return;
+    if (waits[1].revents != 0) HearSignals();
+    for (size_t i = 2; i < waits.size(); ++i) reverse_.Accept(waits[i], link_.get());
+    if (waits[0].revents == 0) continue;
+    auto packet = ReceivePacket(link_.get());
+    if (!packet) return;
+    Take(std::move(*packet));
   }
 }
 
 void Daemon::Take(LinkPacket packet) {
   if (packet.message == LinkMessage::kDropAll) {
     for (const auto& service : services_) shutdown(service.second.get(), SHUT_RDWR);
+    reverse_.RemoveAll();
     return;
   }
+  if (packet.message == LinkMessage::kPowerButton) {
+    SendPacket(link_.get(), LinkMessage::kReboot, "");
+    return;
+  }
+  Request request{packet.text, legacy_, link_.get(), ""};
+  std::string_view service = packet.text;
+  if (TakePrefix(&service, "reverse:")) request.answer = reverse_.Answer(service);
   const pid_t pid = fork();
   if (pid < 0) return;  // the client sees its connection closed
   if (pid > 0) {
@@ -91,9 +103,9 @@ void Daemon::Take(LinkPacket packet) {
   }
   for (const int number : {SIGCHLD, SIGUSR1}) signal(number, SIG_DFL);
   services_.clear();
-  const Request request{packet.text, legacy_, link_.get()};
+  reverse_.RemoveAll();
   if (packet.message == LinkMessage::kConnect) {
-    ConnectToPhonePort(request, std::move(packet.descriptor));
+    ConnectToPhoneAddress(request, std::move(packet.descriptor));
   } else {
     RunService(request, std::move(packet.descriptor));
   }

@@ -9,6 +9,7 @@ namespace darokleim::phone {
 inline constexpr int kShellUser = 2000;
 
 inline constexpr char kShell[] = "/system/bin/sh";
+inline constexpr char kToybox[] = "/system/bin/toybox";
 // This program: the daemon, and each of the phone's own programs under a link with its name.
 inline constexpr char kDeviceProgram[] = "/system/bin/adbd";
 // What the phone keeps that no file of a real phone shows: properties set, faults, packages, typed text.

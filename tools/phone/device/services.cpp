@@ -1,40 +1,91 @@
 #include "device/services.h"
 
-#include <string_view>
+#include <signal.h>
 
+#include <chrono>
+#include <cstdlib>
+#include <string_view>
+#include <thread>
+#include <utility>
+
+#include "common/address.h"
 #include "common/device_link.h"
+#include "common/faults.h"
 #include "common/io.h"
 #include "common/wire.h"
+#include "device/layout.h"
 #include "device/shell_service.h"
 #include "device/sync_service.h"
+#include "device/weak_cable.h"
 
 namespace darokleim::phone {
 
 namespace {
 
-void SayDone(const Request& request, UniqueFd stream, LinkMessage then) {
-  constexpr std::string_view kDone = "done";
+void Say(UniqueFd stream, const std::string& text) {
   SendOkay(stream.get());
-  WriteAll(stream.get(), kDone.data(), kDone.size());
+  WriteAll(stream.get(), text.data(), text.size());
   FinishStream(std::move(stream));
-  SendPacket(request.link, then, "");
+}
+
+UniqueFd WithFaults(UniqueFd stream) {
+  const Faults faults(kStateFolder);
+  if (const auto seconds = faults.Value(fault::kSlow)) {
+    std::this_thread::sleep_for(std::chrono::duration<double>(std::strtod(seconds->c_str(), nullptr)));
+  }
+  const auto bytes = ParseSize(faults.Value(fault::kDropAfter).value_or(""));
+  return bytes ? BehindWeakCable(std::move(stream), *bytes) : std::move(stream);
+}
+
+// The services that say one thing and then change the phone or its connection.
+bool AnswerAndAct(const Request& request, UniqueFd* stream) {
+  std::string_view service = request.service;
+  if (service == "reconnect") {
+    Say(std::move(*stream), "done");
+    SendPacket(request.link, LinkMessage::kReconnect, "");
+  } else if (TakePrefix(&service, "reboot:")) {
+    Say(std::move(*stream), "");
+    SendPacket(request.link, LinkMessage::kReboot, std::string(service));
+  } else if (service == "root:") {
+    Say(std::move(*stream), "adbd cannot run as root in production builds\n");
+  } else if (service == "unroot:") {
+    Say(std::move(*stream), "adbd not running as root\n");
+  } else if (service == "remount:") {
+    Say(std::move(*stream), "Not running as root. Try \"adb root\" first.\n");
+  } else {
+    return false;
+  }
+  return true;
 }
 
 }  // namespace
 
 void RunService(const Request& request, UniqueFd stream) {
-  std::string_view service = request.service;
-  if (const auto shell = ParseShellService(service, request.legacy)) {
+  stream = WithFaults(std::move(stream));
+  if (const auto shell = ParseShellService(request.service, request.legacy)) {
     RunShell(*shell, std::move(stream));
-  } else if (service == "sync:") {
+  } else if (request.service == "sync:") {
     SyncService(std::move(stream)).Run();
-  } else if (service == "reconnect") {
-    SayDone(request, std::move(stream), LinkMessage::kReconnect);
-  } else {
+  } else if (!request.answer.empty()) {
+    Say(std::move(stream), request.answer);
+  } else if (const auto port = ParseTcpAddress(request.service)) {
+    const UniqueFd program = ConnectToLoopback(*port);
+    if (!program.valid()) {
+      SendFail(stream.get(), "closed");
+    } else if (SendOkay(stream.get())) {
+      Relay(stream.get(), program.get());
+    }
+  } else if (!AnswerAndAct(request, &stream)) {
     SendFail(stream.get(), "closed");
   }
 }
 
-void ConnectToPhonePort(const Request&, UniqueFd) {}
+void ConnectToPhoneAddress(const Request& request, UniqueFd stream) {
+  const auto port = ParseTcpAddress(request.service);
+  if (!port) return;
+  stream = WithFaults(std::move(stream));
+  const UniqueFd program = ConnectToLoopback(*port);
+  if (program.valid()) Relay(stream.get(), program.get());
+}
 
 }  // namespace darokleim::phone

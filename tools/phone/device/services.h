@@ -11,14 +11,15 @@ namespace darokleim::phone {
 struct Request {
   std::string service;
   bool legacy;
-  int link;  // to the server
+  int link;            // to the server
+  std::string answer;  // what the daemon itself has to say, after OKAY
 };
 
 // Answers OKAY or FAIL and serves until the stream ends.
 void RunService(const Request& request, UniqueFd stream);
 
-// The other end of a forward: carries bytes between the stream and the port that the request names.
-void ConnectToPhonePort(const Request& request, UniqueFd stream);
+// The other end of a forward: carries bytes between the stream and the address that the request names.
+void ConnectToPhoneAddress(const Request& request, UniqueFd stream);
 
 }  // namespace darokleim::phone
 

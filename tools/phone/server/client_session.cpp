@@ -7,6 +7,7 @@
 
 #include "common/io.h"
 #include "common/wire.h"
+#include "server/control.h"
 #include "server/features.h"
 
 namespace darokleim::phone {
@@ -51,7 +52,11 @@ bool ClientSession::Answer(const std::string& request) {
   return false;
 }
 
-bool ClientSession::AnswerHost(const HostRequest& request) {
+bool ClientSession::AnswerHost(HostRequest request) {
+  if (selected_ != nullptr && request.target.kind == Target::Kind::kAny) {
+    request.target.kind = Target::Kind::kId;
+    request.target.id = selected_id_;
+  }
   std::string_view service = request.service;
   if (const auto target = ParseTransportService(service, request.target)) {
     return SelectPhone(*target, service.rfind("tport:", 0) == 0);
@@ -70,6 +75,10 @@ bool ClientSession::AnswerHost(const HostRequest& request) {
     AnswerReconnect(request.target);
   } else if (service == "reconnect-offline") {
     AnswerReconnectOffline();
+  } else if (service == "list-forward") {
+    SendOkayAndText(fd(), forwards_->Listing());
+  } else if (TakePrefix(&service, kControlPrefix)) {
+    AnswerControl(phones_, service, fd());
   } else if (TakePrefix(&service, "wait-for-")) {
     AnswerWaitFor(service, request.target);
   } else {
@@ -85,6 +94,7 @@ bool ClientSession::SelectPhone(const Target& target, bool with_id) {
     return false;
   }
   selected_ = found.phone;
+  selected_id_ = found.transport.id;
   std::string answer = "OKAY";
   if (with_id) PutLe64(&answer, found.transport.id);
   return WriteAll(fd(), answer.data(), answer.size());
@@ -102,9 +112,48 @@ void ClientSession::AnswerAboutPhone(const HostRequest& request) {
     SendOkayAndText(fd(), found.transport.serial);
   } else if (request.service == "get-devpath") {
     SendOkayAndText(fd(), found.transport.bus.empty() ? "unknown" : found.transport.bus);
-  } else {
+  } else if (!AnswerForward(request.service, found.transport.serial)) {
     SendFail(fd(), "unknown host service");
   }
+}
+
+// The first OKAY is for the request, the second for its outcome.
+bool ClientSession::AnswerForward(std::string_view service, const std::string& serial) {
+  if (service == "killforward-all") {
+    forwards_->RemoveAll();
+    SendOkay(fd());
+    SendOkay(fd());
+  } else if (TakePrefix(&service, "killforward:")) {
+    if (forwards_->Remove(std::string(service))) {
+      SendOkay(fd());
+      SendOkay(fd());
+    } else {
+      SendFail(fd(), "listener '" + std::string(service) + "' not found");
+    }
+  } else if (TakePrefix(&service, "forward:")) {
+    AddForward(service, serial);
+  } else {
+    return false;
+  }
+  return true;
+}
+
+void ClientSession::AddForward(std::string_view addresses, const std::string& serial) {
+  const bool rebind = !TakePrefix(&addresses, "norebind:");
+  const std::vector<std::string> pieces = Split(addresses, ';');
+  if (pieces.size() != 2 || pieces[0].empty() || pieces[1].empty()) {
+    SendFail(fd(), "bad forward: " + std::string(addresses));
+    return;
+  }
+  uint16_t port = 0;
+  const std::string refusal = forwards_->Add(serial, pieces[0], pieces[1], rebind, &port);
+  if (!refusal.empty()) {
+    SendFail(fd(), refusal);
+    return;
+  }
+  SendOkay(fd());
+  SendOkay(fd());
+  if (port != 0) SendText(fd(), std::to_string(port));
 }
 
 void ClientSession::AnswerReconnect(const Target& target) {

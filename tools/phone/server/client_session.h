@@ -5,6 +5,7 @@
 #include <string>
 
 #include "common/unique_fd.h"
+#include "server/forwards.h"
 #include "server/host_request.h"
 #include "server/phone_list.h"
 
@@ -14,17 +15,21 @@ namespace darokleim::phone {
 class ClientSession {
  public:
   // `kill_server` is called for host:kill.
-  ClientSession(PhoneList* phones, std::function<void()> kill_server, UniqueFd* connection)
-      : phones_(phones), kill_server_(std::move(kill_server)), connection_(connection) {}
+  ClientSession(PhoneList* phones, Forwards* forwards, std::function<void()> kill_server,
+                UniqueFd* connection)
+      : phones_(phones), forwards_(forwards), kill_server_(std::move(kill_server)), connection_(connection) {}
 
   void Run();
 
  private:
   // True when the client has another request to make.
   bool Answer(const std::string& request);
-  bool AnswerHost(const HostRequest& request);
+  bool AnswerHost(HostRequest request);
   bool SelectPhone(const Target& target, bool with_id);
   void AnswerAboutPhone(const HostRequest& request);
+  // False when the service is none of the forward ones.
+  bool AnswerForward(std::string_view service, const std::string& serial);
+  void AddForward(std::string_view addresses, const std::string& serial);
   void AnswerReconnect(const Target& target);
   void AnswerReconnectOffline();
   void AnswerWaitFor(std::string_view condition, Target target);
@@ -34,9 +39,11 @@ class ClientSession {
   int fd() const { return connection_->get(); }
 
   PhoneList* phones_;
+  Forwards* forwards_;
   std::function<void()> kill_server_;
   UniqueFd* connection_;
   Phone* selected_ = nullptr;
+  uint64_t selected_id_ = 0;
 };
 
 }  // namespace darokleim::phone

@@ -52,11 +52,13 @@ Phone::Phone(PhoneOptions options, const SandboxParts* parts, Events events)
     : options_(std::move(options)),
       parts_(parts),
       events_(std::move(events)),
-      folder_(options_),
+      folder_(options_, *parts_),
+      faults_(folder_.state()),
       state_(options_.state) {
   auto wake = MakePipe();
   if (!wake) throw std::runtime_error("no descriptors left");
   wake_ = std::move(*wake);
+  for (const Fault& fault : options_.faults) SwitchFaultOn(fault);
 }
 
 bool Phone::SwitchOn() {
@@ -116,6 +118,7 @@ void Phone::Unplug() {
     plugged_ = false;
     Detach();
   }
+  events_.detached();
   events_.changed();
 }
 
@@ -136,7 +139,23 @@ void Phone::Reconnect() {
     attach_at_ = Clock::now() + kReconnectTime;
   }
   [[maybe_unused]] const ssize_t count = write(wake_.second.get(), "a", 1);
+  events_.detached();
   events_.changed();
+}
+
+void Phone::Reboot() {
+  std::lock_guard lock(mutex_);
+  if (link_.valid()) SendPacket(link_.get(), LinkMessage::kPowerButton, "");
+}
+
+void Phone::SwitchFaultOn(const Fault& fault) {
+  faults_.SwitchOn(fault);
+  folder_.FollowFaults(faults_);
+}
+
+void Phone::SwitchFaultOff(const std::string& name) {
+  faults_.SwitchOff(name);
+  folder_.FollowFaults(faults_);
 }
 
 void Phone::Live() {
@@ -145,6 +164,7 @@ void Phone::Live() {
     const bool started = Boot();
     if (started) ListenUntilGone();
     BuryPhone();
+    events_.detached();
     events_.changed();
 
     std::unique_lock lock(mutex_);

@@ -9,8 +9,10 @@
 #include <optional>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "common/device_link.h"
+#include "common/faults.h"
 #include "server/phone_folder.h"
 #include "server/phone_options.h"
 #include "server/sandbox.h"
@@ -36,6 +38,7 @@ class Phone {
  public:
   struct Events {
     std::function<void()> changed;  // attached, detached or in another state
+    std::function<void()> detached;
     std::function<uint64_t()> next_transport_id;
     // A program on the phone reached a reversed port: connect it to this address of the host.
     std::function<void(const std::string& address, UniqueFd connection)> reversed;
@@ -61,6 +64,13 @@ class Phone {
   void Plug();
   // The connection is dropped and made anew.
   void Reconnect();
+  void Reboot();
+
+  // Both throw std::invalid_argument.
+  void SwitchFaultOn(const Fault& fault);
+  void SwitchFaultOff(const std::string& name);
+  std::vector<Fault> faults() const { return faults_.All(); }
+  const PhoneFolder& folder() const { return folder_; }
 
  private:
   using Clock = std::chrono::steady_clock;
@@ -80,6 +90,7 @@ class Phone {
   const SandboxParts* parts_;
   const Events events_;
   const PhoneFolder folder_;
+  const Faults faults_;
 
   mutable std::mutex mutex_;
   std::condition_variable power_changed_;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "common/io.h"
+#include "device/layout.h"
 #include "device/tools.h"
 
 namespace darokleim::phone {
@@ -47,30 +48,49 @@ constexpr char kGroups[] =
     "root:x:0:\nsystem:x:1000:\nlog:x:1007:\nsdcard_rw:x:1015:\nmedia_rw:x:1023:\nsdcard_r:x:1028:\n"
     "shell:x:2000:\ncache:x:2001:\neverybody:x:9997:\n";
 
+void MakeMountPoint(const fs::path& file) {
+  fs::create_directories(file.parent_path());
+  if (!fs::exists(fs::symlink_status(file))) WriteFile(file.string(), "");
+}
+
 void LayOutFileSystem(const fs::path& root) {
-  for (const char* folder :
-       {"system/bin", "system/xbin", "system/etc", "data/local/tmp", "data/media/0", "storage/self",
-        "storage/emulated", "mnt", "cache", "proc", "dev", "etc", "lib", "lib64"}) {
+  for (const char* folder : {"system/bin", "system/xbin", "system/etc", "data/local/tmp", "data/app",
+                             "data/data", "storage/self", "mnt/media_rw", "cache", "proc", "dev", "etc"}) {
     fs::create_directories(root / folder);
+  }
+  WriteFile((root / "etc/passwd").string(), kUsers);
+  WriteFile((root / "etc/group").string(), kGroups);
+  for (const std::string& name : ToyboxCommands()) LinkIfAbsent("toybox", root / "system/bin" / name);
+}
+
+// The internal storage, and a removable card for each name.
+std::vector<StorageVolume> LayOutStorage(const fs::path& root, const std::vector<std::string>& cards) {
+  std::vector<StorageVolume> volumes = {{"/data/media", "/storage/emulated"}};
+  for (const std::string& card : cards) volumes.push_back({"/mnt/media_rw/" + card, "/storage/" + card});
+  for (const StorageVolume& volume : volumes) {
+    for (const std::string& folder : {volume.kept_in, volume.shown_at}) {
+      fs::create_directories(root / folder.substr(1));
+    }
   }
   for (const char* folder : {"Android/data", "DCIM", "Download", "Movies", "Music", "Pictures"}) {
     fs::create_directories(root / "data/media/0" / folder);
   }
-  WriteFile((root / "etc/passwd").string(), kUsers);
-  WriteFile((root / "etc/group").string(), kGroups);
   LinkIfAbsent("/storage/self/primary", root / "sdcard");
   LinkIfAbsent("/storage/emulated/0", root / "storage/self/primary");
-  for (const std::string& name : ToyboxCommands()) LinkIfAbsent("toybox", root / "system/bin" / name);
+  return volumes;
 }
 
 }  // namespace
 
-PhoneFolder::PhoneFolder(const PhoneOptions& options)
+PhoneFolder::PhoneFolder(const PhoneOptions& options, const SandboxParts& parts)
     : path_(options.root.empty() ? MakeTemporaryFolder() : fs::absolute(options.root).string()),
       temporary_(options.root.empty()) {
   fs::create_directories(files());
   fs::create_directories(state());
   LayOutFileSystem(files());
+  volumes_ = LayOutStorage(files(), options.cards);
+  for (const char* file : {kShell, kToybox, kDeviceProgram}) MakeMountPoint(files() + file);
+  for (const std::string& library : parts.libraries) MakeMountPoint(files() + library);
 }
 
 PhoneFolder::~PhoneFolder() {
@@ -78,6 +98,23 @@ PhoneFolder::~PhoneFolder() {
   MakeRemovable(path_);
   std::error_code error;
   fs::remove_all(path_, error);
+}
+
+void PhoneFolder::FollowFaults(const Faults& faults) const {
+  const fs::path commands = files() + "/system/bin";
+  const fs::path hidden = state() + "/hidden-commands";
+  fs::create_directories(hidden);
+  std::error_code error;
+  for (const fs::directory_entry& command : fs::directory_iterator(hidden)) {
+    fs::rename(command.path(), commands / command.path().filename(), error);
+  }
+  for (const Fault& fault : faults.All()) {
+    const std::string name = fault.name.substr(fault::kMissingPrefix.size());
+    if (fault.name.compare(0, fault::kMissingPrefix.size(), fault::kMissingPrefix) == 0 &&
+        fs::is_symlink(fs::symlink_status(commands / name, error))) {
+      fs::rename(commands / name, hidden / name, error);
+    }
+  }
 }
 
 }  // namespace darokleim::phone

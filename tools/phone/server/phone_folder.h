@@ -2,17 +2,26 @@
 #define DAROKLEIM_TOOLS_PHONE_SERVER_PHONE_FOLDER_H
 
 #include <string>
+#include <vector>
 
+#include "common/faults.h"
 #include "server/phone_options.h"
+#include "server/sandbox_parts.h"
 
 namespace darokleim::phone {
+
+// A storage volume: a folder of the phone that appears at a place of its own under /storage.
+struct StorageVolume {
+  std::string kept_in;
+  std::string shown_at;
+};
 
 // The host folder of one phone: its file system and, beside it, what the phone keeps that no file of a real
 // phone shows. A temporary one goes with this object.
 class PhoneFolder {
  public:
   // Throws std::runtime_error when the folder cannot be made.
-  explicit PhoneFolder(const PhoneOptions& options);
+  PhoneFolder(const PhoneOptions& options, const SandboxParts& parts);
   ~PhoneFolder();
   PhoneFolder(const PhoneFolder&) = delete;
   PhoneFolder& operator=(const PhoneFolder&) = delete;
@@ -21,9 +30,15 @@ class PhoneFolder {
   std::string files() const { return path_ + "/files"; }
   std::string state() const { return path_ + "/state"; }
 
+  const std::vector<StorageVolume>& volumes() const { return volumes_; }
+
+  // Takes the commands away that the faults say are missing, and gives back those that they no longer do.
+  void FollowFaults(const Faults& faults) const;
+
  private:
   std::string path_;
   bool temporary_;
+  std::vector<StorageVolume> volumes_;
 };
 
 }  // namespace darokleim::phone

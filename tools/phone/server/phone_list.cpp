@@ -72,12 +72,14 @@ std::string Details(const Transport& transport) {
 
 }  // namespace
 
-void PhoneList::Add(const PhoneOptions& options, const SandboxParts* parts, Reversed reversed) {
+void PhoneList::Add(const PhoneOptions& options, const SandboxParts* parts, Reversed reversed,
+                    Detached detached) {
   if (PhoneWithSerial(options.serial) != nullptr) {
     throw std::runtime_error("two phones have the serial " + options.serial);
   }
-  Phone::Events events{[this] { changes_.Notify(); }, [this] { return ++last_transport_id_; },
-                       std::move(reversed)};
+  Phone::Events events{[this] { changes_.Notify(); },
+                       [detached = std::move(detached), serial = options.serial] { detached(serial); },
+                       [this] { return ++last_transport_id_; }, std::move(reversed)};
   phones_.push_back(std::make_unique<Phone>(options, parts, std::move(events)));
 }
 

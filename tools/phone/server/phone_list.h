@@ -30,9 +30,10 @@ struct Found {
 class PhoneList {
  public:
   using Reversed = std::function<void(const std::string& address, UniqueFd connection)>;
+  using Detached = std::function<void(const std::string& serial)>;
 
-  // Throws std::runtime_error.
-  void Add(const PhoneOptions& options, const SandboxParts* parts, Reversed reversed);
+  // Throws std::runtime_error or std::invalid_argument.
+  void Add(const PhoneOptions& options, const SandboxParts* parts, Reversed reversed, Detached detached);
   // False, after a line on stderr, when a phone does not boot.
   bool SwitchAllOn();
   void SwitchAllOff();

@@ -24,6 +24,10 @@ void SetOption(PhoneOptions* options, const std::string& key, const std::string&
     options->generation = ParseGeneration(value);
   } else if (key == "root") {
     options->root = value;
+  } else if (key == "card") {
+    options->cards.push_back(value);
+  } else if (key == "fault") {
+    options->faults.push_back(ParseFault(value));
   } else {
     throw std::invalid_argument("unknown setting '" + key + "'");
   }

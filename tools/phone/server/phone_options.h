@@ -2,7 +2,9 @@
 #define DAROKLEIM_TOOLS_PHONE_SERVER_PHONE_OPTIONS_H
 
 #include <string>
+#include <vector>
 
+#include "common/faults.h"
 #include "server/connection_state.h"
 
 namespace darokleim::phone {
@@ -19,6 +21,9 @@ struct PhoneOptions {
   Generation generation = Generation::kModern;
   // Where the phone's files and state live; empty: a temporary folder that is removed at the end.
   std::string root;
+  std::vector<Fault> faults;
+  // The names of the SD cards under /storage, such as 1A2B-3C4D.
+  std::vector<std::string> cards;
 };
 
 // Reads "SERIAL[,key=value]…"; throws std::invalid_argument with a text for the user.

@@ -1,11 +1,7 @@
 #include "server/server.h"
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
-#include <netinet/tcp.h>
 #include <poll.h>
 #include <signal.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include <array>
@@ -16,10 +12,11 @@
 #include <stdexcept>
 #include <thread>
 
+#include "common/address.h"
 #include "common/io.h"
 #include "server/client_session.h"
 #include "server/connections.h"
-#include "server/listener.h"
+#include "server/forwards.h"
 #include "server/phone_list.h"
 
 namespace darokleim::phone {
@@ -77,48 +74,92 @@ class LastRequest {
   UniqueFd client_;
 };
 
-void AcceptUntil(int end, const Listener& listener, const std::function<void(UniqueFd)>& serve) {
+void AcceptUntil(int end, int listener, const std::function<void(UniqueFd)>& serve) {
   for (;;) {
-    std::array<pollfd, 2> ends = {{{listener.descriptor(), POLLIN, 0}, {end, POLLIN, 0}}};
+    std::array<pollfd, 2> ends = {{{listener, POLLIN, 0}, {end, POLLIN, 0}}};
     if (poll(ends.data(), ends.size(), -1) < 0 && errno != EINTR) return;
     if (ends[1].revents != 0) return;
-    if (ends[0].revents != 0) {
-      UniqueFd client = listener.Accept();
-      if (client.valid()) serve(std::move(client));
-    }
+    if (ends[0].revents == 0) continue;
+    UniqueFd client = AcceptConnection(listener);
+    if (client.valid()) serve(std::move(client));
   }
+}
+
+class Server {
+ public:
+  explicit Server(const ServerOptions& options) : options_(options), parts_(FindSandboxParts()) {}
+
+  int Run();
+
+ private:
+  void AddPhones();
+  void Serve(UniqueFd client);
+  void Reversed(const std::string& address, UniqueFd connection);
+
+  const ServerOptions& options_;
+  EndSignals end_;
+  LastRequest last_request_;
+  const SandboxParts parts_;
+  PhoneList phones_;
+  Forwards forwards_{&phones_};
+  Connections connections_;
+};
+
+int Server::Run() {
+  uint16_t port = 0;
+  UniqueFd listener = ListenOnLoopback(options_.port, &port);
+  if (!listener.valid()) {
+    std::fprintf(stderr, "darokleim-phone: cannot listen on port %u: %s\n",
+                 static_cast<unsigned>(options_.port), std::strerror(errno));
+    return 1;
+  }
+  AddPhones();
+  if (!phones_.SwitchAllOn()) return 1;
+  std::printf("darokleim-phone: ready on port %u\n", static_cast<unsigned>(port));
+  std::fflush(stdout);
+  AcceptUntil(end_.descriptor(), listener.get(), [this](UniqueFd client) { Serve(std::move(client)); });
+
+  listener.Reset();
+  connections_.StopAll();
+  forwards_.RemoveAll();
+  phones_.SwitchAllOff();
+  last_request_.Answer();
+  return 0;
+}
+
+void Server::AddPhones() {
+  for (const PhoneOptions& phone : options_.phones) {
+    phones_.Add(
+        phone, &parts_,
+        [this](const std::string& address, UniqueFd connection) { Reversed(address, std::move(connection)); },
+        [this](const std::string& serial) { forwards_.RemoveOf(serial); });
+  }
+}
+
+void Server::Serve(UniqueFd client) {
+  connections_.Serve(std::move(client), [this](UniqueFd* connection) {
+    const auto kill_server = [this, connection] {
+      last_request_.Keep(std::move(*connection));
+      end_.Raise();
+    };
+    ClientSession(&phones_, &forwards_, kill_server, connection).Run();
+  });
+}
+
+void Server::Reversed(const std::string& address, UniqueFd connection) {
+  const auto port = ParseTcpAddress(address);
+  if (!port) return;
+  connections_.Serve(std::move(connection), [port = *port](UniqueFd* phone_end) {
+    const UniqueFd host_end = ConnectToLoopback(port);
+    if (host_end.valid()) Relay(phone_end->get(), host_end.get());
+  });
 }
 
 }  // namespace
 
 int RunServer(const ServerOptions& options) {
   signal(SIGPIPE, SIG_IGN);
-  EndSignals end;
-  LastRequest last_request;
-  const SandboxParts parts = FindSandboxParts();
-  Connections connections;
-  PhoneList phones;
-  {
-    Listener listener(options.port);
-    for (const PhoneOptions& phone : options.phones)
-      phones.Add(phone, &parts, [](const std::string&, UniqueFd) {});
-    if (!phones.SwitchAllOn()) return 1;
-    std::printf("darokleim-phone: ready on port %u\n", static_cast<unsigned>(listener.port()));
-    std::fflush(stdout);
-    AcceptUntil(end.descriptor(), listener, [&](UniqueFd client) {
-      connections.Serve(std::move(client), [&](UniqueFd* connection) {
-        const auto kill_server = [&] {
-          last_request.Keep(std::move(*connection));
-          end.Raise();
-        };
-        ClientSession(&phones, kill_server, connection).Run();
-      });
-    });
-  }
-  connections.StopAll();
-  phones.SwitchAllOff();
-  last_request.Answer();
-  return 0;
+  return Server(options).Run();
 }
 
 }  // namespace darokleim::phone

@@ -1,0 +1,16 @@
+#ifndef DAROKLEIM_TOOLS_PHONE_DEVICE_WEAK_CABLE_H
+#define DAROKLEIM_TOOLS_PHONE_DEVICE_WEAK_CABLE_H
+
+#include <cstdint>
+
+#include "common/unique_fd.h"
+
+namespace darokleim::phone {
+
+// Puts a relay between the client and what serves it that breaks the connection after so many bytes, counted in
+// both directions together. The result is the end to serve instead.
+UniqueFd BehindWeakCable(UniqueFd client, uint64_t bytes);
+
+}  // namespace darokleim::phone
+
+#endif  // DAROKLEIM_TOOLS_PHONE_DEVICE_WEAK_CABLE_H

@@ -1,0 +1,55 @@
+#ifndef DAROKLEIM_TOOLS_PHONE_SERVER_FORWARDS_H
+#define DAROKLEIM_TOOLS_PHONE_SERVER_FORWARDS_H
+
+#include <cstdint>
+#include <list>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "common/io.h"
+#include "server/phone_list.h"
+
+namespace darokleim::phone {
+
+// The host ports that reach ports of the phones. Each has a thread that accepts connections and hands them to
+// the phone, which carries the bytes.
+class Forwards {
+ public:
+  explicit Forwards(PhoneList* phones) : phones_(phones) {}
+  ~Forwards() { RemoveAll(); }
+
+  // Listens on `local` ("tcp:PORT"; port 0: one that is free) for the phone. The result is empty or the reason
+  // for refusing; `port` gets the port listened on when it was 0.
+  std::string Add(const std::string& serial, const std::string& local, const std::string& remote, bool rebind,
+                  uint16_t* port);
+  // False when there is none.
+  bool Remove(const std::string& local);
+  void RemoveAll();
+  // A phone's forwards end when it goes away.
+  void RemoveOf(const std::string& serial);
+
+  // "SERIAL LOCAL REMOTE" lines, the form of `adb forward --list`.
+  std::string Listing() const;
+
+ private:
+  struct Forward {
+    std::string serial;
+    std::string local;
+    std::string remote;
+    UniqueFd listener;
+    FdPair stop;
+    std::thread thread;
+  };
+
+  void Accept(const Forward& forward);
+  void Stop(std::list<Forward> forwards);
+
+  PhoneList* phones_;
+  mutable std::mutex mutex_;
+  std::list<Forward> forwards_;
+};
+
+}  // namespace darokleim::phone
+
+#endif  // DAROKLEIM_TOOLS_PHONE_SERVER_FORWARDS_H
