@@ -21,6 +21,15 @@ TEST(HandedOutTest, ABlockKeepsZeroBytes) {
   AdbFreeResource(&block);
 }
 
+TEST(HandedOutTest, ABlockOfBytesAlone) {
+  char* block = NewBlock(std::string_view("a\0b", 3));
+  EXPECT_EQ(std::memcmp(block, "a\0b", 3), 0);
+  AdbFreeResource(&block);
+  block = NewBlock("");
+  EXPECT_NE(block, nullptr);
+  AdbFreeResource(&block);
+}
+
 TEST(HandedOutTest, FreeingSetsTheCallersPointerToNull) {
   char* block = NewTerminatedBlock("");
   AdbFreeResource(&block);

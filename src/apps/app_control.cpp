@@ -1,0 +1,33 @@
+// AdbStartApp, AdbInputStringToDevice: what the user of a device would do by hand.
+#include "apps/error_word.h"
+#include "core/adb_run.h"
+#include "core/argument_text.h"
+#include "core/call_log.h"
+#include "darokleim.h"
+
+namespace darokleim {
+namespace {
+
+constexpr LogWording kStartWording{kLogInfo, "%s Enter ...", "%s Leave %d.", kLogError,
+                                   "%s Param is Invalid"};
+
+}  // namespace
+}  // namespace darokleim
+
+int AdbStartApp(const char* serial, const char* component, const char* extras) {
+  using namespace darokleim;
+  CallLog log("AdbStartApp", kStartWording);
+  if (AnyNull(serial, component)) return log.Leave(log.InvalidParam());
+  // No blank at the front, unlike other commands: part of the interface to the channel.
+  const auto args = extras ? Cut(512, "-s %s shell am start -n %s %s", serial, component, extras)
+                           : Cut(512, "-s %s shell am start -n %s", serial, component);
+  return log.Leave(RunLookingForError(log, args, SilenceMeans::kFailure));
+}
+
+// Nothing is escaped: the device's shell splits the text, as applications expect.
+int AdbInputStringToDevice(const char* serial, const char* text, const bool* cancel) {
+  using namespace darokleim;
+  CallLog log("AdbInputStringToDevice");
+  if (AnyNull(serial, text)) return log.InvalidParam();
+  return log.Leave(AdbRun(Measured(" -s %s shell input text \"%s\"", serial, text), cancel).Classify());
+}

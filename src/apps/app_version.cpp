@@ -1,0 +1,35 @@
+// AdbGetAppVersion: the version of an installed package.
+#include <string_view>
+
+#include "apps/package_output.h"
+#include "apps/unchecked_buffer.h"
+#include "core/adb_run.h"
+#include "core/argument_text.h"
+#include "core/call_log.h"
+#include "core/classifier.h"
+#include "core/text.h"
+#include "darokleim.h"
+
+int AdbGetAppVersion(const char* serial, const char* package, char* buffer, int /*buffer_size*/,
+                     const bool* cancel) {
+  using namespace darokleim;
+  CallLog log("AdbGetAppVersion");
+  if (AnyNull(serial, package, buffer)) return log.InvalidParam();
+  buffer[0] = '\0';
+  // The blank at the end is part of the command.
+  const AdbRun run(Cut(256, " -s %s shell dumpsys package %s ", serial, package), cancel);
+  if (!run.has_output()) return log.Leave(run.status());
+  // Dumps hold the word "Failure" for reasons of their own.
+  constexpr bool kLineFailureOnly = true;
+  int code = Classify(run.output(), run.status(), kLineFailureOnly);
+  if (code != ADB_RESULT_OK) return log.Leave(code);
+  code = ADB_RESULT_NOT_FOUND;
+  ForEachPiece(run.output(), "\n", [&](std::string_view line) {
+    const auto version = FindVersion(line);
+    if (!version) return true;
+    FillUncheckedBuffer(*version, buffer);
+    code = ADB_RESULT_OK;
+    return false;
+  });
+  return log.Leave(code);
+}

@@ -1,0 +1,30 @@
+// AdbBackupApp, AdbRestoreApp, AdbStopDeviceBackupRestoreProcess: application data, as far as the user agrees.
+#include "core/adb_run.h"
+#include "core/argument_text.h"
+#include "core/call_log.h"
+#include "darokleim.h"
+
+using darokleim::AdbRun;
+using darokleim::AnyNull;
+using darokleim::CallLog;
+using darokleim::Cut;
+using darokleim::Measured;
+
+int AdbBackupApp(const char* serial, const char* package, const char* host_path, const bool* cancel) {
+  CallLog log("AdbBackupApp");
+  if (AnyNull(serial, package, host_path)) return log.InvalidParam();
+  const auto args = Measured(" -s %s backup -f \"%s\" -noapk -nosystem %s", serial, host_path, package);
+  return log.Leave(AdbRun(args, cancel).Classify());
+}
+
+int AdbRestoreApp(const char* serial, const char* host_path, const bool* cancel) {
+  CallLog log("AdbRestoreApp");
+  const auto args = Measured(" -s %s restore \"%s\"", serial, host_path);
+  return log.Leave(AdbRun(args, cancel).Classify());
+}
+
+int AdbStopDeviceBackupRestoreProcess(const char* serial, const bool* cancel) {
+  CallLog log("AdbStopDeviceBackupRestoreProcess");
+  const auto args = Cut(128, " -s %s shell am force-stop com.android.backupconfirm", serial);
+  return log.Leave(AdbRun(args, cancel).Classify());
+}

@@ -1,0 +1,33 @@
+#include "apps/error_word.h"
+
+#include "core/adb_run.h"
+#include "core/text.h"
+#include "darokleim.h"
+#include "platform/log_library.h"
+
+namespace darokleim {
+namespace {
+
+// What printf makes of a null text; to hand one over is not everywhere safe.
+constexpr char kNoText[] = "(null)";
+
+bool Failed(const AdbRun& run, SilenceMeans silence_means) {
+  return run.has_output() ? Contains(run.output(), "Error") : silence_means == SilenceMeans::kFailure;
+}
+
+}  // namespace
+
+int RunLookingForError(const CallLog& log, const std::string& args, SilenceMeans silence_means) {
+  const bool never_cancelled = false;
+  const AdbRun run(args, &never_cancelled);
+  if (run.status() != 0) {
+    LogEx(kLogModule, kLogError, "%s Execute Command Failed. Error = %d", log.function(), run.status());
+    return run.status();
+  }
+  if (!Failed(run, silence_means)) return ADB_RESULT_OK;
+  const std::string text = run.has_output() ? std::string(run.output()) : kNoText;
+  LogEx(kLogModule, kLogError, "%s Execute Command Failed. Output = %s", log.function(), text.c_str());
+  return ADB_RESULT_PROTOCOL_FAULT;
+}
+
+}  // namespace darokleim

@@ -1,0 +1,20 @@
+// Commands that are judged by one word, "Error", in place of the classifier.
+#ifndef DAROKLEIM_SRC_APPS_ERROR_WORD_H
+#define DAROKLEIM_SRC_APPS_ERROR_WORD_H
+
+#include <string>
+
+#include "core/call_log.h"
+
+namespace darokleim {
+
+// How a command that the channel ran without handing out any output is taken.
+enum class SilenceMeans { kFailure, kSuccess };
+
+// Runs a command that cannot be cancelled and logs what goes wrong. Returns the channel's value when it is not
+// 0, ADB_RESULT_PROTOCOL_FAULT when the output holds "Error" (or silence means failure), else ADB_RESULT_OK.
+int RunLookingForError(const CallLog& log, const std::string& args, SilenceMeans silence_means);
+
+}  // namespace darokleim
+
+#endif  // DAROKLEIM_SRC_APPS_ERROR_WORD_H

@@ -1,0 +1,36 @@
+#include "apps/package_files.h"
+
+#include <json/reader.h>
+#include <json/value.h>
+
+#include <memory>
+
+namespace darokleim {
+namespace {
+
+std::vector<std::string> FilesIn(const Json::Value& document) {
+  std::vector<std::string> files;
+  for (const Json::Value& member : document) {
+    if (!member.isArray()) continue;
+    for (const Json::Value& file : member) files.push_back(file.asString());
+  }
+  return files;
+}
+
+}  // namespace
+
+std::optional<std::vector<std::string>> ReadPackageFiles(std::string_view json) {
+  const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+  Json::Value document;
+  std::string errors;
+  try {
+    if (!reader->parse(json.data(), json.data() + json.size(), &document, &errors)) return std::nullopt;
+    if (!document.isObject() && !document.isNull()) return std::nullopt;
+    return FilesIn(document);
+  } catch (const Json::Exception&) {
+    // Too deep, or an element that has no text.
+    return std::nullopt;
+  }
+}
+
+}  // namespace darokleim

@@ -1,0 +1,75 @@
+// AdbGetApkPathOfInstatlled, AdbGetApkPathOfInstatlledEx: where the APK files of a package are.
+#include <json/value.h>
+
+#include <string>
+#include <string_view>
+
+#include "apps/package_output.h"
+#include "apps/unchecked_buffer.h"
+#include "core/adb_run.h"
+#include "core/argument_text.h"
+#include "core/call_log.h"
+#include "core/handed_out.h"
+#include "core/text.h"
+#include "darokleim.h"
+#include "filesystem/json_text.h"
+
+namespace darokleim {
+namespace {
+
+AdbRun RunPmPath(const char* serial, const char* package, const bool* cancel) {
+  return AdbRun(Cut(256, " -s %s shell pm path %s", serial, package), cancel);
+}
+
+// A split package has several; visit returns whether to go on.
+template <typename Visit>
+void ForEachPath(std::string_view output, Visit visit) {
+  ForEachPiece(output, "\n", [&](std::string_view line) {
+    const auto path = MatchPackageLine(line);
+    return !path || visit(*path);
+  });
+}
+
+}  // namespace
+}  // namespace darokleim
+
+int AdbGetApkPathOfInstatlled(const char* serial, const char* package, char* buffer, int /*buffer_size*/,
+                              const bool* cancel) {
+  using namespace darokleim;
+  CallLog log("AdbGetApkPathOfInstatlled");
+  if (AnyNull(serial, package, buffer)) return log.InvalidParam();
+  buffer[0] = '\0';
+  const AdbRun run = RunPmPath(serial, package, cancel);
+  int code = run.Classify();
+  if (!run.has_output() || code != ADB_RESULT_OK) return log.Leave(code);
+  code = ADB_RESULT_NOT_FOUND;
+  ForEachPath(run.output(), [&](std::string_view path) {
+    FillUncheckedBuffer(path, buffer);
+    code = ADB_RESULT_OK;
+    return false;
+  });
+  return log.Leave(code);
+}
+
+// Deliberate: whatever the device answered, the caller gets a document, and every failure is "not found".
+int AdbGetApkPathOfInstatlledEx(const char* serial, const char* package, char** json, int* json_len,
+                                const bool* cancel) {
+  using namespace darokleim;
+  CallLog log("AdbGetApkPathOfInstatlledEx");
+  if (AnyNull(serial, package)) return log.InvalidParam();
+  const AdbRun run = RunPmPath(serial, package, cancel);
+  const int code = run.Classify();
+  if (!run.has_output()) return log.Leave(code);
+  Json::Value document;
+  Json::Value& paths = document["path"];
+  if (code == ADB_RESULT_OK) {
+    ForEachPath(run.output(), [&](std::string_view path) {
+      paths.append(std::string(path));
+      return true;
+    });
+  }
+  const std::string text = JsonToString(document);
+  *json_len = static_cast<int>(text.size()) + 1;
+  *json = NewTerminatedBlock(text);
+  return log.Leave(paths.isNull() ? ADB_RESULT_NOT_FOUND : ADB_RESULT_OK);
+}

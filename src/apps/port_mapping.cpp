@@ -1,0 +1,68 @@
+// AdbFowardBind, AdbFowardRemove, AdbReverseBind, AdbReverseRemove: TCP ports between host and device.
+#include <algorithm>
+#include <initializer_list>
+#include <string>
+
+#include "apps/error_word.h"
+#include "core/argument_text.h"
+#include "core/call_log.h"
+#include "darokleim.h"
+#include "platform/log_library.h"
+
+namespace darokleim {
+namespace {
+
+// The two directions differ on purpose, down to a blank in one enter line: applications and log readers rely
+// on each as it is.
+constexpr LogWording kForwardWording{kLogInfo, "%s Enter ...", "%s Leave ...", kLogError,
+                                     "%s Param is Invalid"};
+constexpr LogWording kReverseWording{kLogInfo, "%s Enter ...", "%s Leave %d.", kLogError,
+                                     "%s Param is Invalid"};
+constexpr LogWording kReverseRemoveWording{kLogInfo, "%s Enter ... ", "%s Leave %d.", kLogError,
+                                           "%s Param is Invalid"};
+
+struct Direction {
+  bool echoes_command;
+  SilenceMeans silence_means;
+};
+constexpr Direction kForward{false, SilenceMeans::kFailure};
+constexpr Direction kReverse{true, SilenceMeans::kSuccess};
+
+// The side that listens comes first among the ports.
+int ChangeMapping(CallLog log, const Direction& direction, const char* command, const char* serial,
+                  std::initializer_list<const char*> ports) {
+  const bool lacks_port = std::find(ports.begin(), ports.end(), nullptr) != ports.end();
+  if (AnyNull(serial) || lacks_port) return log.Leave(log.InvalidParam());
+  // No blank at the front, unlike other commands: part of the interface to the channel.
+  std::string args = Measured("-s %s %s", serial, command);
+  for (const char* const port : ports) args.append(" tcp:").append(port);
+  if (direction.echoes_command) LogEx(kLogModule, kLogCommand, "adb %s", args.c_str());
+  return log.Leave(RunLookingForError(log, Cut(512, "%s", args.c_str()), direction.silence_means));
+}
+
+}  // namespace
+}  // namespace darokleim
+
+int AdbFowardBind(const char* serial, const char* host_port, const char* device_port) {
+  using namespace darokleim;
+  return ChangeMapping(CallLog("AdbFowardBind", kForwardWording), kForward, "forward", serial,
+                       {host_port, device_port});
+}
+
+int AdbFowardRemove(const char* serial, const char* host_port) {
+  using namespace darokleim;
+  return ChangeMapping(CallLog("AdbFowardRemove", kForwardWording), kForward, "forward --remove", serial,
+                       {host_port});
+}
+
+int AdbReverseBind(const char* serial, const char* device_port, const char* host_port) {
+  using namespace darokleim;
+  return ChangeMapping(CallLog("AdbReverseBind", kReverseWording), kReverse, "reverse", serial,
+                       {device_port, host_port});
+}
+
+int AdbReverseRemove(const char* serial, const char* device_port) {
+  using namespace darokleim;
+  return ChangeMapping(CallLog("AdbReverseRemove", kReverseRemoveWording), kReverse, "reverse --remove",
+                       serial, {device_port});
+}

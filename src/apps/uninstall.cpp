@@ -1,0 +1,39 @@
+// AdbCheckAppExist, AdbUninstallApp: commands that the package manager answers with "Success".
+#include <string>
+
+#include "core/adb_run.h"
+#include "core/argument_text.h"
+#include "core/call_log.h"
+#include "core/classifier.h"
+#include "darokleim.h"
+
+namespace darokleim {
+namespace {
+
+// Deliberately small: applications rely on longer commands being run as cut.
+constexpr std::size_t kCommandCapacity = 128;
+
+// Unlike elsewhere the channel's value comes first: with any but 0 nobody reads what was printed.
+int Ask(const std::string& args, const bool* cancel) {
+  const AdbRun run(args, cancel);
+  if (run.status() != 0) return run.status();
+  return ReportsSuccess(run.output()) ? ADB_RESULT_OK : run.Classify();
+}
+
+}  // namespace
+}  // namespace darokleim
+
+int AdbCheckAppExist(const char* serial, const char* package, int keep, const bool* cancel) {
+  using namespace darokleim;
+  CallLog log("AdbCheckAppExist");
+  const char* const option = keep != 0 ? " -k" : "";
+  return log.Leave(Ask(Cut(kCommandCapacity, " -s %s shell pm path%s %s", serial, option, package), cancel));
+}
+
+int AdbUninstallApp(const char* serial, const char* package, int keep_data, const bool* cancel) {
+  using namespace darokleim;
+  CallLog log("AdbUninstallApp");
+  const char* const option = keep_data != 0 ? " -k" : "";
+  return log.Leave(
+      Ask(Cut(kCommandCapacity, " -s %s shell pm uninstall%s %s", serial, option, package), cancel));
+}
