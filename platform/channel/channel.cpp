@@ -1,8 +1,8 @@
 // The four functions of the channel.
-#include <cstdlib>
 #include <exception>
 
 #include "platform/channel/channel_log.h"
+#include "platform/channel/output_block.h"
 #include "platform/channel/run.h"
 #include "platform/channel/settings.h"
 #include "platform/channel/status.h"
@@ -76,7 +76,7 @@ DAROKLEIM_CHANNEL_EXPORT int ExecuteAdbCommandAnsynchronization(const char* args
 }
 
 DAROKLEIM_CHANNEL_EXPORT void ReleaseAdbOutBuffer(char* out) {
-  free(out);
+  FreeBlock(out);
 }
 
 }  // extern "C"

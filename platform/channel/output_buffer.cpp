@@ -1,11 +1,11 @@
 #include "platform/channel/output_buffer.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <utility>
 
 #include "platform/channel/line_ends.h"
+#include "platform/channel/output_block.h"
 
 namespace darokleim::channel {
 namespace {
@@ -15,7 +15,7 @@ constexpr size_t kFirstCapacity = 64 * 1024;
 }  // namespace
 
 OutputBuffer::~OutputBuffer() {
-  free(data_);
+  FreeBlock(data_);
 }
 
 std::span<char> OutputBuffer::Room() {
@@ -27,13 +27,13 @@ std::span<char> OutputBuffer::Room() {
 }
 
 bool OutputBuffer::Reserve(size_t capacity) {
-  char* const block = static_cast<char*>(realloc(data_, capacity));
-  if (block == nullptr) {
+  const Block block = GrowBlock(data_, capacity, most_ + 1);
+  if (block.data == nullptr) {
     status_ = kSystemRefused;
     return false;
   }
-  data_ = block;
-  capacity_ = capacity;
+  data_ = block.data;
+  capacity_ = block.capacity;
   return true;
 }
 
@@ -59,9 +59,10 @@ void OutputBuffer::ConvertLineEnds(LineEnds line_ends) {
 
 char* OutputBuffer::Release() {
   if (size_ > most_) status_ = kTooMuchOutput;
-  if (status_ != kDelivered || !Reserve(size_ + 1)) return nullptr;
+  if (status_ != kDelivered) return nullptr;
+  if (size_ == capacity_ && !Reserve(size_ + 1)) return nullptr;
   data_[size_] = '\0';
-  return std::exchange(data_, nullptr);
+  return ShrinkBlock(std::exchange(data_, nullptr), size_ + 1);
 }
 
 }  // namespace darokleim::channel

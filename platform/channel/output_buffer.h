@@ -31,8 +31,8 @@ class OutputBuffer final : public OutputSink {
   void RemoveFirst(size_t count);
   void ConvertLineEnds(LineEnds line_ends);
 
-  // Hands out the block, text() followed by a zero byte, to be given back to free(); null when there is no
-  // memory.
+  // Hands out the block, text() followed by a zero byte, to be given back to FreeBlock; null when there is
+  // no memory.
   char* Release();
 
  private:

@@ -1,0 +1,46 @@
+// The least that running a program can cost: posix_spawn with a pipe, reading, waiting.
+#ifndef DAROKLEIM_BENCH_CHANNEL_FLOOR_H
+#define DAROKLEIM_BENCH_CHANNEL_FLOOR_H
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
+extern char** environ;
+
+namespace darokleim::bench {
+
+// Runs program with one word. Reads into memory until the end; returns the bytes read. pipe_size of 0 keeps the
+// system's.
+inline size_t SpawnReadWait(const char* program, const char* word, char* memory, size_t size,
+                            int pipe_size = 0) {
+  int ends[2];
+  if (pipe(ends) != 0) abort();
+#if defined(__linux__)
+  if (pipe_size > 0) fcntl(ends[0], F_SETPIPE_SZ, pipe_size);
+#endif
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
+  posix_spawn_file_actions_addclose(&actions, ends[0]);
+  posix_spawn_file_actions_addclose(&actions, ends[1]);
+  char* const argv[] = {const_cast<char*>(program), const_cast<char*>(word), nullptr};
+  pid_t pid = -1;
+  if (posix_spawn(&pid, program, &actions, nullptr, argv, environ) != 0) abort();
+  posix_spawn_file_actions_destroy(&actions);
+  close(ends[1]);
+
+  size_t total = 0;
+  ssize_t count = 0;
+  while ((count = read(ends[0], memory + total, size - total)) > 0) total += static_cast<size_t>(count);
+  close(ends[0]);
+  waitpid(pid, nullptr, 0);
+  return total;
+}
+
+}  // namespace darokleim::bench
+
+#endif  // DAROKLEIM_BENCH_CHANNEL_FLOOR_H
