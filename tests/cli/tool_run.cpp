@@ -1,0 +1,59 @@
+#include "tool_run.h"
+
+#include <sys/stat.h>
+
+#include <filesystem>
+
+#include "support/file_content.h"
+
+namespace darokleim {
+
+ToolTest::ToolTest() {
+  for (const char* folder : {"home", "bin", "tmp"}) std::filesystem::create_directory(File(folder));
+  environment_ = {
+      {"HOME", File("home")}, {"PATH", File("bin")}, {"TMPDIR", File("tmp")}, {"TOOL", DAROKLEIM_TOOL}};
+  for (const char* variable : {"XDG_CACHE_HOME", "XDG_STATE_HOME", "ANDROID_HOME", "ANDROID_SDK_ROOT",
+                               "ANDROID_SERIAL", "DAROKLEIM_CHANNEL_ASSIST", "DAROKLEIM_LOG_LEVEL"}) {
+    Set(variable, "");
+  }
+}
+
+void ToolTest::MakeAdb(const std::string& body) const {
+  MakeExecutable(File("bin/adb"), "#!/bin/sh\n" + body);
+}
+
+void ToolTest::MakeExecutable(const std::string& path, const std::string& content) const {
+  WriteFile(path, content);
+  ASSERT_EQ(chmod(path.c_str(), 0755), 0);
+}
+
+void ToolTest::Set(const std::string& variable, const std::string& value) {
+  for (auto& [name, old_value] : environment_) {
+    if (name == variable) {
+      old_value = value;
+      return;
+    }
+  }
+  environment_.emplace_back(variable, value);
+}
+
+Outcome ToolTest::Run(const Words& arguments) const {
+  return Start(arguments)->Finish();
+}
+
+std::unique_ptr<HostProcess> ToolTest::Start(const Words& arguments) const {
+  Words command = {DAROKLEIM_TOOL};
+  command.insert(command.end(), arguments.begin(), arguments.end());
+  return std::make_unique<HostProcess>(command, environment_);
+}
+
+Outcome ToolTest::RunProgram(Words command, const Words& arguments) const {
+  command.insert(command.end(), arguments.begin(), arguments.end());
+  return phone_test::RunProgram(command, environment_);
+}
+
+Outcome ToolTest::RunShell(const std::string& line) const {
+  return RunProgram({"/bin/sh", "-c"}, {line});
+}
+
+}  // namespace darokleim

@@ -1,0 +1,54 @@
+// Runs the tool with a home, a PATH and an adb of the test's own.
+#ifndef DAROKLEIM_TESTS_CLI_TOOL_RUN_H
+#define DAROKLEIM_TESTS_CLI_TOOL_RUN_H
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "host_process.h"
+#include "support/temporary_directory.h"
+
+namespace darokleim {
+
+using phone_test::Environment;
+using phone_test::HostProcess;
+using phone_test::Outcome;
+using phone_test::Words;
+
+class ToolTest : public testing::Test {
+ protected:
+  ToolTest();
+
+  // A path in the test's directory.
+  std::string File(const std::string& name) const { return directory_.File(name); }
+
+  // Puts a shell script into PATH as adb; body follows the line that names the shell.
+  void MakeAdb(const std::string& body) const;
+  void MakeExecutable(const std::string& path, const std::string& content) const;
+
+  // For the environment of the tool; an empty value takes the variable out of it.
+  void Set(const std::string& variable, const std::string& value);
+
+  Outcome Run(const Words& arguments) const;
+  // Runs another program in the tool's environment.
+  Outcome RunProgram(Words command, const Words& arguments) const;
+  std::unique_ptr<HostProcess> Start(const Words& arguments) const;
+  // Runs a line of shell in the tool's environment; $TOOL is the tool.
+  Outcome RunShell(const std::string& line) const;
+
+ private:
+  TemporaryDirectory directory_;
+  Environment environment_;
+};
+
+// An adb that knows `devices` and lists two of them.
+inline constexpr char kTwoDevices[] = R"(
+[ "$*" = devices ] || exit 1
+printf 'List of devices attached\n0123456789ABCDEF\tdevice\nFEDCBA98\tunauthorized\n\n'
+)";
+
+}  // namespace darokleim
+
+#endif  // DAROKLEIM_TESTS_CLI_TOOL_RUN_H
