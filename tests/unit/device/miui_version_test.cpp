@@ -1,0 +1,218 @@
+#include <string>
+
+#include "support/sdk_test.h"
+
+namespace darokleim::testing {
+namespace {
+
+using namespace std::string_literals;
+
+constexpr char kName[] = " -s S1 shell getprop ro.miui.ui.version.name";
+constexpr char kTimeCode[] = " -s S1 shell getprop ro.miui.version.code_time";
+constexpr char kIncremental[] = " -s S1 shell getprop ro.build.version.incremental";
+
+class MiuiVersionTest : public SdkTest {
+ protected:
+  std::string Version(int size, int expected_code) {
+    std::string buffer(200, '#');
+    EXPECT_EQ(AdbGetMiuiVersion("S1", buffer.data(), size, &cancel), expected_code);
+    EXPECT_EQ(journal().back(),
+              Info("AdbGetMiuiVersion Leave, return " + std::to_string(expected_code) + "."));
+    if (buffer == std::string(200, '#')) return "untouched";
+    EXPECT_EQ(buffer.find_first_not_of('#', static_cast<std::size_t>(size)), std::string::npos);
+    return buffer.c_str();
+  }
+  std::string Dated(const std::string& name, const std::string& time_code, int size = 200,
+                    int expected_code = ADB_RESULT_OK) {
+    channel.Expect(kName).Prints(name);
+    channel.Expect(kTimeCode).Prints(time_code);
+    return Version(size, expected_code);
+  }
+  std::string Numbered(const std::string& name, const std::string& incremental, int size = 200,
+                       int expected_code = ADB_RESULT_OK) {
+    channel.Expect(kName).Prints(name);
+    channel.Expect(kIncremental).Prints(incremental);
+    return Version(size, expected_code);
+  }
+};
+
+TEST_F(MiuiVersionTest, FromNameAndBuildDate) {
+  EXPECT_EQ(Dated("V12\r\n", "1583366400\r\n"), "12.10.3.6");
+  EXPECT_THAT(journal(),
+              ElementsAre(Info("AdbGetMiuiVersion Enter."), Ran(kName),
+                          Info("AdbGetMiuiVersion ,version name now have is V12\r\n."), Ran(kTimeCode),
+                          Info("AppendMiuiVersionByTimeCode Enter.With time code:1583366400"),
+                          Info("AppendMiuiVersionByTimeCode Leave.With version output:12.10.3.6"), GaveBack(),
+                          GaveBack(), Info("AdbGetMiuiVersion find version 12.10.3.6 ."),
+                          Info("AdbGetMiuiVersion Leave, return 0.")));
+}
+
+TEST_F(MiuiVersionTest, FromTheBuildNumber) {
+  EXPECT_EQ(Numbered("V130\n", "V13.0.4.0.SKHMIXM\n"), "13.0.4.0");
+  EXPECT_THAT(journal(),
+              ElementsAre(Info("AdbGetMiuiVersion Enter."), Ran(kName),
+                          Info("AdbGetMiuiVersion ,version name now have is V130\n."), Ran(kIncremental),
+                          GaveBack(), GaveBack(), Info("AdbGetMiuiVersion find version 13.0.4.0 ."),
+                          Info("AdbGetMiuiVersion Leave, return 0.")));
+  EXPECT_EQ(Numbered("V125\r\n", "V12.5.3.0.RKHCNXM\r\n"), "12.5.3.0");
+}
+
+TEST_F(MiuiVersionTest, AVersionWith12IsCutBehindItsThirdDot) {
+  EXPECT_EQ(Dated("V12\r\n", "1584230400\r\n"), "12.10.3.1") << "of 12.10.3.16";
+  EXPECT_EQ(Numbered("V125\n", "V12.0.5.10.RKHCNXM\n"), "12.0.5.1");
+  EXPECT_EQ(Numbered("V125\n", "V12.5.X\n"), "12.5") << "fewer than three dots";
+  EXPECT_EQ(Numbered("V125\n", "V12.5.3.\n"), "12.5.3");
+  EXPECT_EQ(Dated("V11\r\n", "1584230400\r\n"), "11.10.3.16") << "no other version";
+  EXPECT_EQ(Dated("V8\r\n", "1482336000\r\n"), "8.6.12.2") << "but any that was built in a December";
+}
+
+TEST_F(MiuiVersionTest, OnALineFeedAloneTheNameKeepsIt) {
+  EXPECT_EQ(Dated("V12\n", "1583366400\n"), "12\n.10.3.6");
+  EXPECT_EQ(Dated("V12\n", "1584230400\n"), "12\n.10.3.16");
+}
+
+TEST_F(MiuiVersionTest, TheNameEndsAtItsFirstCarriageReturnTheTimeCodeAtItsLast) {
+  EXPECT_EQ(Dated("V8\rx\r\n", "1482336000\r\n"), "8.6.12.2");
+  EXPECT_EQ(Dated("V8\r\n", "148\r2336000\r\n"), "8.-40.1.2") << "148 seconds";
+  EXPECT_EQ(log_lines()[log_lines().size() - 4],
+            Info("AppendMiuiVersionByTimeCode Enter.With time code:148\r2336000"));
+}
+
+TEST_F(MiuiVersionTest, NamesDecideTheSource) {
+  EXPECT_EQ(Dated("V100\r\n", "1482336000\r\n"), "100.6.12.2");
+  EXPECT_EQ(Numbered("V101\n", "V1.2.3\n"), "1.2");
+  EXPECT_EQ(Numbered("816\n", "V8.16.x\n"), "8.16");
+  EXPECT_EQ(Numbered("V" + std::string(40, '9') + "\n", "V1.2.3\n"), "1.2");
+  EXPECT_EQ(Dated("\r\n", "1482336000\r\n"), ".6.12.2") << "a phone without such a name";
+  EXPECT_EQ(Dated("", "1482336000"), ".6.12.2") << "an empty text is a text";
+  EXPECT_EQ(Dated("OS2.0 V12\r\n", "1482336000\r\n"), "12.6.12.2");
+}
+
+TEST_F(MiuiVersionTest, ANullTextIsRefused) {
+  char buffer[] = "before";
+  EXPECT_EQ(AdbGetMiuiVersion(nullptr, buffer, sizeof buffer, &cancel), ADB_RESULT_INVALID_PARAM);
+  EXPECT_EQ(AdbGetMiuiVersion("S1", nullptr, 7, &cancel), ADB_RESULT_INVALID_PARAM);
+  EXPECT_THAT(journal(),
+              ElementsAre(Info("AdbGetMiuiVersion Enter."), Error("AdbGetMiuiVersion, invalid param."),
+                          Info("AdbGetMiuiVersion Enter."), Error("AdbGetMiuiVersion, invalid param.")));
+}
+
+TEST_F(MiuiVersionTest, AnUnreadNameIsItsOwnCode) {
+  channel.Expect(kName).Prints("error: device 'S1' not found\n").Returns(1001);
+  EXPECT_EQ(Version(200, ADB_RESULT_MIUI_VERSION_NAME_FAILED), "untouched");
+  EXPECT_THAT(journal(),
+              ElementsAre(Info("AdbGetMiuiVersion Enter."), Ran(kName),
+                          Error("ret is 1001,outbuf is:error: device 'S1' not found\n"),
+                          Error("AdbGetMiuiVersion , get versoin name failed.GetPropInfo return 45"),
+                          GaveBack(), Info("AdbGetMiuiVersion Leave, return 45.")));
+  for (const int value : {0, 3003}) {
+    channel.Expect(kName).Returns(value);
+    EXPECT_EQ(Version(200, ADB_RESULT_MIUI_VERSION_NAME_FAILED), "untouched");
+  }
+}
+
+TEST_F(MiuiVersionTest, AnUnreadTimeCodeIsItsOwnCode) {
+  channel.Expect(kName).Prints("V12\r\n");
+  channel.Expect(kTimeCode).Prints("device unauthorized").Returns(1001);
+  EXPECT_EQ(Version(200, ADB_RESULT_MIUI_TIME_CODE_FAILED), "untouched");
+  EXPECT_THAT(journal(),
+              ElementsAre(Info("AdbGetMiuiVersion Enter."), Ran(kName),
+                          Info("AdbGetMiuiVersion ,version name now have is V12\r\n."), Ran(kTimeCode),
+                          Error("ret is 1001,outbuf is:device unauthorized"),
+                          Error("AdbGetMiuiVersion , get versoin code time failed.GetPropInfo return 42"),
+                          GaveBack(), GaveBack(), Info("AdbGetMiuiVersion Leave, return 44.")));
+  channel.Expect(kName).Prints("V12\r\n");
+  channel.Expect(kTimeCode);
+  EXPECT_EQ(Version(200, ADB_RESULT_MIUI_TIME_CODE_FAILED), "untouched");
+  EXPECT_EQ(log_lines()[log_lines().size() - 2],
+            Error("AdbGetMiuiVersion , get versoin code time failed.GetPropInfo return 0"));
+}
+
+TEST_F(MiuiVersionTest, AnUnreadBuildNumberIsTheSameCode) {
+  channel.Expect(kName).Prints("V130\n");
+  channel.Expect(kIncremental).Prints("odd").Returns(9);
+  EXPECT_EQ(Version(200, ADB_RESULT_MIUI_TIME_CODE_FAILED), "untouched");
+  EXPECT_EQ(log_lines()[log_lines().size() - 2],
+            Error("AdbGetMiuiVersion , get versoin incremental failed.GetPropInfo return 9"));
+  channel.Expect(kName).Prints("V130\n");
+  channel.Expect(kIncremental).Returns(3003);
+  EXPECT_EQ(Version(200, ADB_RESULT_MIUI_TIME_CODE_FAILED), "untouched");
+  EXPECT_EQ(log_lines()[log_lines().size() - 2],
+            Error("AdbGetMiuiVersion , get versoin incremental failed.GetPropInfo return 3003"));
+}
+
+TEST_F(MiuiVersionTest, ATimeCodeThatIsNoTime) {
+  for (const std::string& time_code :
+       {"\r\n"s, ""s, "unknown\n"s, std::string(40, '9'), "9223372036854775807"s, "\xff\xfe\0"s}) {
+    EXPECT_EQ(Dated("V12\r\n", time_code, 200, ADB_RESULT_MIUI_TIME_CODE_FAILED), "untouched");
+    EXPECT_EQ(log_lines()[log_lines().size() - 2].level, 3);
+  }
+}
+
+TEST_F(MiuiVersionTest, ABuildNumberWithoutADot) {
+  for (const char* incremental : {"eng\n", "\n", ""}) {
+    EXPECT_EQ(Numbered("V130\n", incremental, 200, ADB_RESULT_MIUI_TIME_CODE_FAILED), "untouched");
+    EXPECT_EQ(log_lines()[log_lines().size() - 2],
+              Error("AdbGetMiuiVersion , no version in incremental:"s + incremental));
+  }
+}
+
+TEST_F(MiuiVersionTest, AnEmptyVersionLeavesTheBuffer) {
+  EXPECT_EQ(Numbered("V130\n", ".x\n"), "untouched");
+  EXPECT_EQ(Numbered("V130\n", "V.x\n"), "untouched");
+  EXPECT_EQ(log_lines().size(), 6U) << "nothing found, nothing said";
+}
+
+TEST_F(MiuiVersionTest, AroundTheSizeOfTheBuffer) {
+  // "13.0.4.0" has eight characters and, unlike other texts, no line end.
+  EXPECT_EQ(Numbered("V130\n", "V13.0.4.0.X\n", 9), "13.0.4.0");
+  EXPECT_EQ(Numbered("V130\n", "V13.0.4.0.X\n", 8), "13.0.4.");
+  EXPECT_EQ(Numbered("V130\n", "V13.0.4.0.X\n", 7, ADB_RESULT_BUFFER_TOO_SMALL), "13.0.4");
+  EXPECT_EQ(Numbered("V130\n", "V13.0.4.0.X\n", 1, ADB_RESULT_BUFFER_TOO_SMALL), "");
+  EXPECT_EQ(log_lines()[log_lines().size() - 2], Info("AdbGetMiuiVersion find version  ."));
+}
+
+TEST_F(MiuiVersionTest, AroundTheSizeOfTheBufferWithAVersion12) {
+  // "12.0.5.10" has nine characters, of which eight are shown.
+  EXPECT_EQ(Numbered("V125\n", "V12.0.5.10.X\n", 10), "12.0.5.1");
+  EXPECT_EQ(Numbered("V125\n", "V12.0.5.10.X\n", 9), "12.0.5.1");
+  EXPECT_EQ(Numbered("V125\n", "V12.0.5.10.X\n", 8, ADB_RESULT_BUFFER_TOO_SMALL), "12.0.5.");
+  EXPECT_EQ(Numbered("V125\n", "V12.0.5.10.X\n", 4, ADB_RESULT_BUFFER_TOO_SMALL), "12.");
+  EXPECT_EQ(Numbered("V125\n", "V12.0.5.10.X\n", 1, ADB_RESULT_BUFFER_TOO_SMALL), "");
+}
+
+TEST_F(MiuiVersionTest, ABufferWithoutRoomIsLeftAlone) {
+  for (const int size : {0, -1}) {
+    channel.Expect(kName).Prints("V125\n");
+    channel.Expect(kIncremental).Prints("V12.0.5.10.X\n");
+    std::string buffer = "before";
+    EXPECT_EQ(AdbGetMiuiVersion("S1", buffer.data(), size, &cancel), ADB_RESULT_BUFFER_TOO_SMALL);
+    EXPECT_EQ(buffer, "before");
+    EXPECT_EQ(log_lines()[log_lines().size() - 2], Info("AdbGetMiuiVersion find version  ."));
+  }
+}
+
+TEST_F(MiuiVersionTest, TheEndIsTrimmed) {
+  EXPECT_EQ(Numbered("V130\n", "V13.0 \t.x"), "13.0");
+  EXPECT_EQ(Numbered("V130\n", "V13.0\v.x"), "13.0\v");
+}
+
+TEST_F(MiuiVersionTest, LongTexts) {
+  const std::string million(1'000'000, 'x');
+  EXPECT_EQ(Dated("V12" + million + "\r\n", "1583366400\r\n", 5, ADB_RESULT_BUFFER_TOO_SMALL), "12xx");
+  EXPECT_EQ(Numbered("V130" + million, "V1." + million, 5), "1");
+  EXPECT_EQ(Numbered("V130", million + ".x", 5, ADB_RESULT_BUFFER_TOO_SMALL), "xxxx");
+}
+
+// The properties of real phones, as their lists of properties hold them; line ends of their Android releases.
+TEST_F(MiuiVersionTest, RealProperties) {
+  EXPECT_EQ(Dated("V8\r\n", "1482336000\r\n"), "8.6.12.2") << "getprop/miui8.txt, built in a December";
+  EXPECT_EQ(Dated("V8\n", "1482336000\n"), "8\n.6.12.2");
+  EXPECT_EQ(Dated("V9\r\n", "\r\n", 200, ADB_RESULT_MIUI_TIME_CODE_FAILED), "untouched")
+      << "getprop/miui9-kenzo-6.0.1.txt without a time code";
+  EXPECT_EQ(Numbered("V130\n", "V13.0.12.0.SKBCNXM\n"), "13.0.12.0")
+      << "a shortened build of getprop/miui13.txt";
+}
+
+}  // namespace
+}  // namespace darokleim::testing
