@@ -216,7 +216,7 @@ enum AdbResultCode {
   /// The connection to adb or to the device broke: try once more. Some functions also return it for output
   /// that they cannot read, and say so.
   ADB_RESULT_PROTOCOL_FAULT = 1,
-  /// The JSON argument is not JSON.
+  /// The JSON argument cannot be read.
   ADB_RESULT_JSON_PARSE_FAILED = 3,
   /// A required pointer is null, or an argument is empty that must not be.
   ADB_RESULT_INVALID_PARAM = 4,
@@ -1035,7 +1035,7 @@ DAROKLEIM_EXPORT int AdbInstallAppFromPCPath(const char* serial, const char* hos
 
 /// Installs an APK file of the device, replacing an older version and keeping its data (`pm install -r`).
 ///
-/// Command limit: 255 bytes.
+/// Command limit: 255 bytes. After a failure the free space is read, which cannot be cancelled.
 ///
 /// @param[in] serial       Serial.
 /// @param[in] device_path  APK file. It reaches the device in double quotes: anything but quotes, `$`, a
@@ -1057,11 +1057,13 @@ DAROKLEIM_EXPORT int AdbInstallAppFromDevicePath(const char* serial, const char*
 /// @param[in] serial      Serial.
 /// @param[in] json_paths  JSON object whose arrays hold the files as strings, whole paths:
 ///                        `{"apks": ["/tmp/base.apk", "/tmp/split_de.apk"]}`. The arrays are taken in the
-///                        order of their names, and anything else in the object is ignored. The top must be
-///                        an object.
+///                        order of their names, and anything else in the object is ignored. Without any
+///                        file the command is run all the same.
 /// @param[in] cancel      Cancel flag.
 /// @retval ADB_RESULT_OK                 Installed.
-/// @retval ADB_RESULT_JSON_PARSE_FAILED  @p json_paths is not JSON; nothing was run.
+/// @retval ADB_RESULT_JSON_PARSE_FAILED  @p json_paths is not JSON, has anything but an object (or null) at
+///                                       its top, nests more than 500 levels deep, or holds an array or an
+///                                       object in one of its arrays; nothing was run.
 /// @retval ADB_RESULT_NO_SUCH_FILE       A file does not exist.
 /// @retval ADB_RESULT_FAILURE            Failed for a reason that has no code.
 /// @return Otherwise an install code or a common code.

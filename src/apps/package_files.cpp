@@ -8,6 +8,16 @@
 namespace darokleim {
 namespace {
 
+// JsonCpp reads a document with its own stack: its default of 1000 levels takes more than the 512 KiB that
+// macOS gives to every thread but the first.
+constexpr int kDeepestLevel = 500;
+
+std::unique_ptr<Json::CharReader> NewReader() {
+  Json::CharReaderBuilder builder;
+  builder["stackLimit"] = kDeepestLevel;
+  return std::unique_ptr<Json::CharReader>(builder.newCharReader());
+}
+
 std::vector<std::string> FilesIn(const Json::Value& document) {
   std::vector<std::string> files;
   for (const Json::Value& member : document) {
@@ -20,7 +30,7 @@ std::vector<std::string> FilesIn(const Json::Value& document) {
 }  // namespace
 
 std::optional<std::vector<std::string>> ReadPackageFiles(std::string_view json) {
-  const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+  const auto reader = NewReader();
   Json::Value document;
   std::string errors;
   try {

@@ -12,8 +12,8 @@ namespace darokleim {
 // The elements of all arrays that are members of a JSON object, as text: members in the order of their
 // names, elements in theirs. Members of other types are ignored; null stands for an object without members.
 //
-// Nothing when the text is no such document: no JSON, another value at the top, deeper than JsonCpp reads, or
-// an element that is an array or an object.
+// Nothing when the text is no such document: no JSON, another value at the top, nested more than 500
+// levels deep, or an element that is an array or an object.
 std::optional<std::vector<std::string>> ReadPackageFiles(std::string_view json);
 
 }  // namespace darokleim

@@ -1,0 +1,222 @@
+#include <iterator>
+#include <string>
+
+#include "support/device_output.h"
+#include "support/sdk_test.h"
+
+namespace darokleim::testing {
+namespace {
+
+using namespace std::string_literals;
+
+class InstallTest : public SdkTest {
+ protected:
+  const std::string install = " -s S1 shell pm install -r '\"/data/local/tmp/app.apk\"'";
+  const std::string df = " -s S1 shell df /sdcard | grep /";
+
+  void ExpectFreeSpace(const std::string& available) {
+    channel.Expect(df).Prints("/dev/fuse 5.0G 1.2G " + available + " 24% /sdcard\n").WithoutCancelFlag();
+  }
+  int Install() { return AdbInstallAppFromDevicePath("S1", "/data/local/tmp/app.apk", &cancel); }
+};
+
+TEST_F(InstallTest, OfAFileOnTheDevice) {
+  channel.Expect(install).Prints("\tpkg: /data/local/tmp/app.apk\nSuccess\n");
+  EXPECT_EQ(Install(), ADB_RESULT_OK);
+  EXPECT_THAT(journal(), ElementsAre(Info("AdbInstallAppFromDevicePath Enter."), Ran(install), GaveBack(),
+                                     Info("AdbInstallAppFromDevicePath Leave, return 0.")));
+}
+
+TEST_F(InstallTest, AFailureIsOneOfSpaceWhenLittleIsFree) {
+  const struct {
+    const char* available;
+    int code;
+  } cases[] = {
+      {"1.0G", ADB_RESULT_FAILURE},
+      {"100M", ADB_RESULT_NOT_ENOUGH_SPACE},
+      {"200M", ADB_RESULT_FAILURE},
+      {"199M", ADB_RESULT_NOT_ENOUGH_SPACE},
+      {"204800", ADB_RESULT_FAILURE},                      // KiB: 209715200 bytes
+      {"204799", ADB_RESULT_NOT_ENOUGH_SPACE},             // 209714176 bytes
+      {"204799.9990234375", ADB_RESULT_NOT_ENOUGH_SPACE},  // 209715199 bytes
+      {"0", ADB_RESULT_NOT_ENOUGH_SPACE},
+      {"-1", ADB_RESULT_FAILURE},  // compared without a sign
+      {"17179869183G", ADB_RESULT_FAILURE},
+  };
+  for (const auto& c : cases) {
+    channel.Expect(install).Prints("Failure [INSTALL_FAILED_INSUFFICIENT_STORAGE]\n");
+    ExpectFreeSpace(c.available);
+    EXPECT_EQ(Install(), c.code) << c.available;
+  }
+}
+
+TEST_F(InstallTest, FreeSpaceThatCannotBeReadCountsAsNone) {
+  channel.Expect(install).Prints("Failure\n");
+  channel.Expect(df).Returns(3003).WithoutCancelFlag();
+  EXPECT_EQ(Install(), ADB_RESULT_NOT_ENOUGH_SPACE);
+  for (const char* output : {"", "df: /sdcard: No such file or directory", "three words only"}) {
+    channel.Expect(install).Prints("Failure\n");
+    channel.Expect(df).Prints(output).WithoutCancelFlag();
+    EXPECT_EQ(Install(), ADB_RESULT_NOT_ENOUGH_SPACE) << output;
+  }
+}
+
+TEST_F(InstallTest, TheBufferGoesBackBeforeTheFreeSpaceIsRead) {
+  channel.Expect(install).Prints("Failure\n");
+  ExpectFreeSpace("100M");
+  Install();
+  EXPECT_THAT(journal(), ElementsAre(Info("AdbInstallAppFromDevicePath Enter."), Ran(install),
+                                     Info("Failure\n"), GaveBack(), Info("AdbGetStorageFreeSpace Enter."),
+                                     Ran(df), Info("out buf: /dev/fuse 5.0G 1.2G 100M 24% /sdcard\n"),
+                                     GaveBack(), Info("AdbGetStorageFreeSpace Leave, return 0."),
+                                     Info("AdbInstallAppFromDevicePath Leave, return 43.")));
+}
+
+TEST_F(InstallTest, WithoutOutputTheChannelsValueIsTheCode) {
+  for (const int value : {0, 3003}) {
+    channel.Expect(install).Returns(value);
+    EXPECT_EQ(Install(), value);
+  }
+  channel.Expect(install).Returns(ADB_RESULT_FAILURE);
+  ExpectFreeSpace("1G");
+  EXPECT_EQ(Install(), ADB_RESULT_FAILURE) << "31 by number too asks for the free space";
+}
+
+// What each message is to the caller: a failure without a code of its own is 31, of space when that is low.
+TEST_F(InstallTest, RealMessages) {
+  const struct {
+    const char* sample;
+    int code;
+  } messages[] = {
+      {"adb-exe-user-restricted.txt", ADB_RESULT_INSTALL_CANCELED_BY_USER},
+      {"awesome-adb-1.0.36-success.txt", ADB_RESULT_OK},
+      {"existing-package-newer.txt", ADB_RESULT_FAILURE},
+      {"failed-prefix-update-incompatible.txt", ADB_RESULT_FAILURE},
+      {"install-multi-package-apex.txt", ADB_RESULT_OK},  // says "Error", not "Failure"
+      {"install-write-streamed.txt", ADB_RESULT_OK},
+      {"multiple-user-restricted-miui.txt", ADB_RESULT_INSTALL_CANCELED_BY_USER},
+      {"no-matching-abis.txt", ADB_RESULT_FAILURE},
+      {"old-already-exists.txt", ADB_RESULT_INSTALL_ALREADY_EXISTS},
+      {"old-inconsistent-certificates-daemon.txt", ADB_RESULT_FAILURE},
+      {"old-success-2009.txt", ADB_RESULT_OK},
+      {"old-update-incompatible.txt", ADB_RESULT_FAILURE},
+      {"push-install-40.txt", ADB_RESULT_OK},
+      {"streamed-success.txt", ADB_RESULT_OK},
+      {"streamed-user-restricted.txt", ADB_RESULT_INSTALL_CANCELED_BY_USER},
+      {"test-only-failed-to-install.txt", ADB_RESULT_FAILURE},
+      {"test-only-new-text.txt", ADB_RESULT_FAILURE},
+      {"test-only.txt", ADB_RESULT_FAILURE},
+      {"xiaomi-prompt-line-downgrade.txt", ADB_RESULT_INSTALL_VERSION_DOWNGRADE},
+  };
+  EXPECT_EQ(DeviceOutputsIn("pm-install").size(), std::size(messages));
+  for (const auto& c : messages) {
+    SCOPED_TRACE(c.sample);
+    const std::string output = DeviceOutput("pm-install/"s + c.sample);
+    channel.Expect(install).Prints(output);
+    if (c.code == ADB_RESULT_FAILURE) ExpectFreeSpace("1.0G");
+    EXPECT_EQ(Install(), c.code);
+    if (c.code != ADB_RESULT_FAILURE) continue;
+    channel.Expect(install).Prints(output);
+    ExpectFreeSpace("100M");
+    EXPECT_EQ(Install(), ADB_RESULT_NOT_ENOUGH_SPACE);
+  }
+}
+
+TEST_F(InstallTest, NullTextsAreRefused) {
+  EXPECT_EQ(AdbInstallAppFromDevicePath(nullptr, "/a.apk", &cancel), ADB_RESULT_INVALID_PARAM);
+  EXPECT_EQ(AdbInstallAppFromDevicePath("S1", nullptr, &cancel), ADB_RESULT_INVALID_PARAM);
+  const Event enter = Info("AdbInstallAppFromDevicePath Enter.");
+  const Event invalid = Error("AdbInstallAppFromDevicePath, invalid param.");
+  EXPECT_THAT(journal(), ElementsAre(enter, invalid, enter, invalid));
+}
+
+TEST_F(InstallTest, CommandsAreCutAt255CharactersTheQuotesFirst) {
+  const std::string head = " -s S1 shell pm install -r '\"";
+  for (const std::size_t length : {254U, 255U, 256U, 257U, 300U}) {
+    const std::string path = std::string(length - head.size() - 2, 'p');
+    channel.Expect((head + path + "\"'").substr(0, 255)).Returns(7);
+    EXPECT_EQ(AdbInstallAppFromDevicePath("S1", path.c_str(), &cancel), 7) << length;
+  }
+}
+
+class InstallFromHostTest : public InstallTest {
+ protected:
+  const std::string push = " -s S1 push --sync \"/Users/a/Downloads/app.apk\" \"/data/local/tmp/app.apk\"";
+  const std::string remove = " -s S1 shell rm \"/data/local/tmp/app.apk\"";
+
+  int InstallFromHost() { return AdbInstallAppFromPCPath("S1", "/Users/a/Downloads/app.apk", &cancel); }
+};
+
+TEST_F(InstallFromHostTest, PushesInstallsAndRemoves) {
+  channel.Expect(push).Prints("1 file pushed");
+  channel.Expect(install).Prints("Success\n");
+  channel.Expect(remove).Prints("");
+  EXPECT_EQ(InstallFromHost(), ADB_RESULT_OK);
+  EXPECT_THAT(journal(),
+              ElementsAre(Info("AdbInstallAppFromPCPath Enter."), Ran(push), GaveBack(),
+                          Info("AdbInstallAppFromDevicePath Enter."), Ran(install), GaveBack(),
+                          Info("AdbInstallAppFromDevicePath Leave, return 0."), Info("AdbRemoveFile Enter."),
+                          Ran(remove), GaveBack(), Info("AdbRemoveFile Leave, return 0."),
+                          Info("AdbInstallAppFromPCPath Leave, return 0.")));
+}
+
+TEST_F(InstallFromHostTest, AFailedPushInstallsNothingAndIsCleanedUp) {
+  for (const int removal : {0, 1001}) {
+    channel.Expect(push).Returns(3003);
+    channel.Expect(remove).Returns(removal);
+    EXPECT_EQ(InstallFromHost(), 3003);
+  }
+  channel.Expect(push).Prints("adb: error: No space left on device").Returns(1001);
+  channel.Expect(remove).Prints("rm: /data/local/tmp/app.apk: No such file or directory");
+  EXPECT_EQ(InstallFromHost(), ADB_RESULT_NO_SPACE_LEFT);
+}
+
+TEST_F(InstallFromHostTest, AFailedInstallIsCleanedUp) {
+  channel.Expect(push).Prints("1 file pushed");
+  channel.Expect(install).Prints("Failure [INSTALL_FAILED_ALREADY_EXISTS]\n");
+  channel.Expect(remove).Prints("device unauthorized");
+  EXPECT_EQ(InstallFromHost(), ADB_RESULT_INSTALL_ALREADY_EXISTS);
+
+  channel.Expect(push).Prints("1 file pushed");
+  channel.Expect(install).Prints("Failure [INSTALL_FAILED_TEST_ONLY]\n");
+  ExpectFreeSpace("100M");
+  channel.Expect(remove).Prints("");
+  EXPECT_EQ(InstallFromHost(), ADB_RESULT_NOT_ENOUGH_SPACE);
+}
+
+TEST_F(InstallFromHostTest, AFailedRemovalIsNobodysConcern) {
+  channel.Expect(push).Prints("1 file skipped");
+  channel.Expect(install).Prints("Success");
+  channel.Expect(remove).Prints("rm: Permission denied").Returns(1001);
+  EXPECT_EQ(InstallFromHost(), ADB_RESULT_OK);
+}
+
+TEST_F(InstallFromHostTest, TheNameIsWhatFollowsTheLastSlash) {
+  const struct {
+    const char* host_path;
+    const char* staged;
+  } cases[] = {{"app.apk", "/data/local/tmp/app.apk"},
+               {"C:\\apps\\app.apk", "/data/local/tmp/C:\\apps\\app.apk"},
+               {"./a//b c.apk", "/data/local/tmp/b c.apk"},
+               {"/apps/", "/data/local/tmp/"},
+               {"", "/data/local/tmp/"},
+               {"/x/\xe6\xb7\xbb\xff.apk", "/data/local/tmp/\xe6\xb7\xbb\xff.apk"}};
+  for (const auto& c : cases) {
+    channel.Expect(" -s S1 push --sync \""s + c.host_path + "\" \"" + c.staged + "\"").Prints("file pushed");
+    channel.Expect(" -s S1 shell pm install -r '\""s + c.staged + "\"'").Prints("Success");
+    channel.Expect(" -s S1 shell rm \""s + c.staged + "\"").Prints("");
+    EXPECT_EQ(AdbInstallAppFromPCPath("S1", c.host_path, &cancel), ADB_RESULT_OK) << c.host_path;
+  }
+}
+
+TEST_F(InstallFromHostTest, OnlyTheInstallCommandIsCut) {
+  const std::string name(300, 'n');
+  const std::string staged = "/data/local/tmp/" + name;
+  channel.Expect(" -s S1 push --sync \"/" + name + "\" \"" + staged + "\"").Prints("file pushed");
+  channel.Expect((" -s S1 shell pm install -r '\"" + staged).substr(0, 255)).Prints("Success");
+  channel.Expect(" -s S1 shell rm \"" + staged + "\"").Prints("");
+  EXPECT_EQ(AdbInstallAppFromPCPath("S1", ("/" + name).c_str(), &cancel), ADB_RESULT_OK);
+}
+
+}  // namespace
+}  // namespace darokleim::testing
