@@ -1,0 +1,50 @@
+// A JSON text that is written from front to back, without a tree of values in memory.
+#ifndef DAROKLEIM_SRC_FILESYSTEM_JSON_DOCUMENT_H
+#define DAROKLEIM_SRC_FILESYSTEM_JSON_DOCUMENT_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace darokleim {
+
+// Gives byte for byte what JsonToString gives of the same document, in a fraction of its time and memory and at
+// any depth. JsonCpp itself quotes every text that holds more than plain characters and writes the numbers; what
+// is done here is the layout, for documents of one kind: no empty object, arrays of objects only and none empty.
+//
+// Members come in the order of their names, which is JsonCpp's; the caller sees to it.
+class JsonDocument {
+ public:
+  // Room for this many bytes at once; the text grows beyond them on its own.
+  void Reserve(std::size_t bytes) { text_.reserve(bytes); }
+
+  void BeginObject();
+  void EndObject();
+  // For each element of an array: Element(), then BeginObject() to EndObject().
+  void BeginArray();
+  void Element();
+  void EndArray();
+
+  // Begins a member; the name is plain. Its value comes next.
+  void Name(std::string_view name);
+  void Text(const std::string& text);
+  void Number(std::uint64_t number);
+  void Integer(int number);
+  void Null() { text_ += "null"; }
+
+  std::string Take() && { return std::move(text_); }
+
+ private:
+  void NextItem();
+  void NewLine();
+
+  std::string text_;
+  std::size_t indentation_ = 0;
+  bool at_first_item_ = true;
+};
+
+}  // namespace darokleim
+
+#endif  // DAROKLEIM_SRC_FILESYSTEM_JSON_DOCUMENT_H
