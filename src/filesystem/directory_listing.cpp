@@ -1,0 +1,90 @@
+// AdbGetDirFiles, AdbGetDirFilesEx, AdbGetDirFilesAndDirs: the files of a directory as JSON.
+#include <list>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "core/adb_run.h"
+#include "core/argument_text.h"
+#include "core/call_log.h"
+#include "core/handed_out.h"
+#include "darokleim.h"
+#include "filesystem/adb_ls_listing.h"
+#include "filesystem/adb_ls_run.h"
+#include "filesystem/file_info.h"
+#include "filesystem/file_list_json.h"
+#include "filesystem/ls_listing.h"
+
+namespace darokleim {
+namespace {
+
+// No pointer is checked, hence no line for it.
+constexpr LogWording kListingWording{kLogInfo, "%s Enter ...", "%s Leave.", kLogError, nullptr};
+
+// All files below a directory, whose folders are listed one by one: after each of them the folder that was found
+// last. Ends with the first that fails. Returns the channel's value of the last one; what adb prints is no error.
+int ListAllBelow(const char* serial, const char* dir, const bool* cancel, std::list<FileInfo>* files) {
+  std::vector<std::string> waiting{dir};
+  int status = ADB_RESULT_OK;
+  while (status == ADB_RESULT_OK && !waiting.empty()) {
+    const std::string directory = std::move(waiting.back());
+    waiting.pop_back();
+    const AdbRun run = RunAdbLs(serial, directory, cancel);
+    status = run.status();
+    if (!run.has_output()) continue;
+    const std::string_view text = run.output();
+    for (FileInfo& entry : DecodeADBLSOut(directory, text.data(), static_cast<int>(text.size()))) {
+      if (CheckIsDir(entry.mode)) {
+        waiting.push_back(std::move(entry.file));
+      } else {
+        files->push_back(std::move(entry));
+      }
+    }
+  }
+  return status;
+}
+
+}  // namespace
+}  // namespace darokleim
+
+int AdbGetDirFiles(const char* serial, const char* dir, char** json, int* json_len, int recursive, int all,
+                   const bool* cancel) {
+  using namespace darokleim;
+  CallLog log("AdbGetDirFiles", kListingWording);
+  std::list<FileInfo> files;
+  {
+    // An absent flag leaves its blanks.
+    const AdbRun run(
+        Measured(" -s %s shell ls -l %s %s \"\"%s\"\"", serial, recursive ? "-R" : "", all ? "-a" : "", dir),
+        cancel);
+    const int code = run.Classify();
+    if (!run.has_output() || code != ADB_RESULT_OK) return log.Leave(code);
+    DecodeLSOut(run.output().data(), static_cast<int>(run.output().size()), &files);
+  }  // What a million files print is given back before as much is written.
+  HandOut(serialization_file_list(&files, true), json, json_len);
+  return log.Leave(ADB_RESULT_OK);
+}
+
+// recursive and all are without effect here and below: adb ls knows no options, and every folder is listed.
+int AdbGetDirFilesEx(const char* serial, const char* dir, char** json, int* json_len, int /*recursive*/,
+                     int /*all*/, const bool* cancel) {
+  using namespace darokleim;
+  CallLog log("AdbGetDirFilesEx", kListingWording);
+  std::list<FileInfo> files;
+  const int status = ListAllBelow(serial, dir, cancel, &files);
+  if (status == ADB_RESULT_OK) HandOut(serialization_file_list(&files, true), json, json_len);
+  return log.Leave(status);
+}
+
+int AdbGetDirFilesAndDirs(const char* serial, const char* dir, char** json, int* json_len, int /*recursive*/,
+                          int /*all*/, const bool* cancel) {
+  using namespace darokleim;
+  CallLog log("AdbGetDirFilesAndDirs", kListingWording);
+  std::list<FileInfo> files;
+  const int status = ListAllBelow(serial, dir, cancel, &files);
+  if (status == ADB_RESULT_OK) {
+    HandOut(serialization_file_list_keep_folder_structer(&files, dir, true), json, json_len);
+  }
+  return log.Leave(status);
+}

@@ -1,0 +1,99 @@
+// AdbGetFilesBySuffix: searches a directory with the device's find, or with du and grep where it has none.
+#include <cstddef>
+#include <list>
+#include <string>
+#include <string_view>
+
+#include "core/adb_run.h"
+#include "core/argument_text.h"
+#include "core/call_log.h"
+#include "core/handed_out.h"
+#include "core/text.h"
+#include "darokleim.h"
+#include "filesystem/file_info.h"
+#include "filesystem/file_list_json.h"
+#include "filesystem/find_listing.h"
+#include "platform/log_library.h"
+
+namespace darokleim {
+namespace {
+
+// Deliberate: what refuses an argument is the enter line once more.
+constexpr LogWording kSearchWording{kLogInfo, "%s Enter ...", "%s Leave ...", kLogInfo, "%s Enter ..."};
+
+// Deliberate: the probe and find share a buffer of this size and are cut to it; the search with du never is.
+constexpr std::size_t kCommandSize = 1024;
+
+// Calls append with each suffix of a list such as jpg;png, and whether it is the first.
+template <typename Append>
+void ForEachSuffix(const char* suffixes, Append append) {
+  bool first = true;
+  ForEachPiece(suffixes, ";", [&](std::string_view suffix) {
+    append(suffix, first);
+    first = false;
+    return true;
+  });
+}
+
+// -iname *.jpg -or -iname *.png
+std::string FindCommand(const char* serial, const std::string& directory, const char* suffixes) {
+  std::string names;
+  ForEachSuffix(suffixes, [&](std::string_view suffix, bool first) {
+    names.append(first ? "" : " -or ").append("-iname *.").append(suffix);
+  });
+  return Cut(kCommandSize, " -s %s shell find %s -type f -and \\( %s \\)", serial, directory.c_str(),
+             names.c_str());
+}
+
+// /sdcard/.*\.jpg$|/sdcard/.*\.png$
+std::string DuCommand(const char* serial, const std::string& directory, const char* suffixes) {
+  std::string pattern;
+  ForEachSuffix(suffixes, [&](std::string_view suffix, bool first) {
+    pattern.append(first ? "" : "|").append(directory).append(".*\\.").append(suffix).append("$");
+  });
+  return Measured(" -s %s shell du -a %s | grep -oE -i \"'%s'\"", serial, directory.c_str(), pattern.c_str());
+}
+
+int AskForFind(const char* serial, const bool* cancel) {
+  // The blank at the end belongs to it.
+  return AdbRun(Cut(kCommandSize, " -s %s shell ls /system/bin/find ", serial), cancel).Classify();
+}
+
+int Failed(const CallLog& log, int code, const std::string& directory) {
+  LogEx(kLogModule, kLogInfo, "%s Execute Command Failed.Error = %d.Dir = %s", log.function(), code,
+        directory.c_str());
+  return code;
+}
+
+}  // namespace
+}  // namespace darokleim
+
+int AdbGetFilesBySuffix(const char* serial, const char* dir, const char* suffixes, char** json, int* json_len,
+                        const bool* cancel) {
+  using namespace darokleim;
+  *json = nullptr;
+  *json_len = 0;
+  CallLog log("AdbGetFilesBySuffix", kSearchWording);
+  if (AnyNull(serial, dir) || *dir == '\0') return log.Leave(log.InvalidParam());
+  std::string directory = dir;
+  if (directory.back() != '/') directory += '/';
+
+  const int probe = AskForFind(serial, cancel);
+  if (probe != ADB_RESULT_OK && probe != ADB_RESULT_NO_SUCH_FILE) {
+    return log.Leave(Failed(log, probe, directory));
+  }
+  const bool has_find = probe == ADB_RESULT_OK;
+  const AdbRun run(
+      has_find ? FindCommand(serial, directory, suffixes) : DuCommand(serial, directory, suffixes), cancel);
+  const int code = run.Classify();
+  if (code != ADB_RESULT_OK && code != ADB_RESULT_PERMISSION_DENIED) {
+    return log.Leave(Failed(log, code, directory));
+  }
+  std::list<FileInfo> files;
+  if (!DecodeFindOut(run.output().data(), static_cast<int>(run.output().size()), &files)) {
+    return log.Leave(Failed(log, code, directory));
+  }
+  HandOut(serialization_file_list(&files, false), json, json_len);
+  // Folders that the device refused to search count only when nothing was found elsewhere.
+  return log.Leave(files.empty() ? code : ADB_RESULT_OK);
+}
