@@ -1,0 +1,34 @@
+// A current working directory of the test's own, for the copies that file lists leave there.
+#ifndef DAROKLEIM_TESTS_UNIT_FILESYSTEM_OWN_DIRECTORY_H
+#define DAROKLEIM_TESTS_UNIT_FILESYSTEM_OWN_DIRECTORY_H
+
+#include <filesystem>
+#include <string>
+#include <system_error>
+
+#include "support/file_content.h"
+#include "support/temporary_directory.h"
+
+namespace darokleim::testing {
+
+class OwnDirectory {
+ public:
+  OwnDirectory() { std::filesystem::current_path(directory_.path()); }
+  ~OwnDirectory() {
+    std::error_code ignored;
+    std::filesystem::current_path(before_, ignored);
+  }
+
+  const std::filesystem::path& path() const { return directory_.path(); }
+  std::string side_file() const { return directory_.File("F:\\file_list.json"); }
+  // Empty when there is none.
+  std::string SideFileContent() const { return ReadFile(side_file()); }
+
+ private:
+  const std::filesystem::path before_ = std::filesystem::current_path();
+  const TemporaryDirectory directory_;
+};
+
+}  // namespace darokleim::testing
+
+#endif  // DAROKLEIM_TESTS_UNIT_FILESYSTEM_OWN_DIRECTORY_H

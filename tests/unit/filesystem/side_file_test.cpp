@@ -1,0 +1,102 @@
+#include "filesystem/side_file.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+
+#include "filesystem/own_directory.h"
+
+namespace darokleim::testing {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::string_literals;
+
+class SideFileTest : public ::testing::Test {
+ protected:
+  static void Save(const std::string& text) {
+    SaveBuf("file_list.json", text.data(), static_cast<int>(text.size()));
+  }
+
+  static int OpenDescriptors() {
+    int open = 0;
+    for (int descriptor = 0; descriptor < 256; ++descriptor) open += fcntl(descriptor, F_GETFD) != -1;
+    return open;
+  }
+
+  const OwnDirectory directory_;
+};
+
+TEST_F(SideFileTest, TheNameBeginsWithADrive) {
+  SaveBuf("any name", "text", 4);
+  EXPECT_EQ(ReadFile(directory_.path() / "F:\\any name"), "text");
+}
+
+TEST_F(SideFileTest, WritesTheBytesGivenAndNoMore) {
+  Save("a\0b\n\r\xff"s);
+  EXPECT_EQ(directory_.SideFileContent(), "a\0b\n\r\xff"s);
+  SaveBuf("file_list.json", "cut here", 3);
+  EXPECT_EQ(directory_.SideFileContent(), "cut");
+}
+
+TEST_F(SideFileTest, ReplacesTheOneBefore) {
+  Save("a longer text");
+  Save("short");
+  EXPECT_EQ(directory_.SideFileContent(), "short");
+}
+
+TEST_F(SideFileTest, NoBytesLeaveAnEmptyFile) {
+  for (const int len : {0, -1}) {
+    Save("before");
+    SaveBuf("file_list.json", nullptr, len);
+    EXPECT_TRUE(fs::exists(directory_.side_file()));
+    EXPECT_EQ(directory_.SideFileContent(), "") << len;
+  }
+}
+
+TEST_F(SideFileTest, SaysNothingWhereADirectoryHasTheName) {
+  fs::create_directory(directory_.side_file());
+  Save("text");
+  EXPECT_TRUE(fs::is_directory(directory_.side_file()));
+}
+
+TEST_F(SideFileTest, SaysNothingInADirectoryThatMayNotBeWritten) {
+  fs::permissions(directory_.path(), fs::perms::owner_read | fs::perms::owner_exec);
+  Save("text");
+  EXPECT_EQ(fs::exists(directory_.side_file()), geteuid() == 0) << "nothing binds root";
+  fs::permissions(directory_.path(), fs::perms::owner_all);
+}
+
+TEST_F(SideFileTest, SaysNothingInADirectoryThatIsGone) {
+  fs::remove(directory_.path());
+  Save("text");
+  EXPECT_FALSE(fs::exists(directory_.side_file()));
+}
+
+TEST_F(SideFileTest, SaysNothingWhenTheDiskIsFull) {
+  if (!fs::exists("/dev/full")) GTEST_SKIP() << "no /dev/full on this system";
+  fs::create_symlink("/dev/full", directory_.side_file());
+  Save(std::string(1'000'000, 'x'));
+  Save("less than stdio keeps to itself");
+}
+
+TEST_F(SideFileTest, LeavesNoFileOpen) {
+  const int before = OpenDescriptors();
+  for (int i = 0; i < 10; ++i) Save("text");
+  SaveBuf("file_list.json", "", 0);
+  if (fs::exists("/dev/full")) {
+    fs::remove(directory_.side_file());
+    fs::create_symlink("/dev/full", directory_.side_file());
+    for (int i = 0; i < 10; ++i) Save(std::string(100'000, 'x'));
+  }
+  fs::remove(directory_.side_file());
+  fs::create_directory(directory_.side_file());
+  for (int i = 0; i < 10; ++i) Save("text");
+  EXPECT_EQ(OpenDescriptors(), before);
+}
+
+}  // namespace
+}  // namespace darokleim::testing
