@@ -2,10 +2,12 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "device/daemon.h"
+#include "device/programs/programs.h"
 #include "server/control.h"
 #include "server/server.h"
 
@@ -17,6 +19,12 @@ constexpr char kPhoneHelp[] =
     "a phone: SERIAL[,key=value]…, where\n"
     "state=device|offline|unauthorized|authorizing|connecting|recovery|sideload\n"
     "android=modern|legacy: as Android 13, or as Android 6\n"
+    "profile=plain|samsung|miui12|miui125|miui13|harmony: the maker and system in its properties\n"
+    "prop.NAME=VALUE: a property of its own; may be repeated\n"
+    "encryption=file|block|none, su=bin|xbin: a file /system/bin/su or /system/xbin/su\n"
+    "storage=emulated|sdcard0|sdcard1: the internal storage is /storage/emulated/0, /storage/sdcard0 or "
+    "/sdcard1\n"
+    "group=sdcard_rw|sdcard_r|media_rw|everybody: owns the volumes under /storage\n"
     "root=FOLDER: keeps its files there (default: a temporary folder)\n"
     "card=NAME: an SD card /storage/NAME; may be repeated\n"
     "fault=NAME[=VALUE]: has this fault from the start (see ctl --help); may be repeated";
@@ -50,6 +58,8 @@ int Serve(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   try {
+    const std::string name = std::filesystem::path(argv[0]).filename().string();
+    if (const Program program = FindProgram(name)) return program(Words(argv + 1, argv + argc));
     // The phone's first process is this program too, started in the sandbox.
     if (argc == 3 && std::strcmp(argv[1], "--daemon") == 0)
       return RunDaemon(std::strcmp(argv[2], "legacy") == 0);

@@ -14,6 +14,11 @@ inline constexpr char kToybox[] = "/system/bin/toybox";
 inline constexpr char kDeviceProgram[] = "/system/bin/adbd";
 // What the phone keeps that no file of a real phone shows: properties set, faults, packages, typed text.
 inline constexpr char kStateFolder[] = "/dev/.state";
+// Files under the state folder.
+inline constexpr char kSetProperties[] = "set-properties";
+inline constexpr char kSettings[] = "settings";
+// The properties that the phone was built with, as the server lays them down.
+inline constexpr char kBuildProperties[] = "/system/build.prop";
 // The phone's end of the link to the server, open in the daemon from the start.
 inline constexpr int kLinkDescriptor = 3;
 

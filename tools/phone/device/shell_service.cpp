@@ -63,6 +63,9 @@ std::optional<ShellRequest> ParseShellService(std::string_view service, bool leg
   const std::string_view head = service.substr(0, colon);
   const std::string_view rest = service.substr(colon + 1);
   if (head == "shell" || head.substr(0, 6) == "shell,") return ParseShell(head, rest, legacy);
+  if (head == "backup")
+    return ThroughPipes(ShellWords("/system/bin/bu backup " + std::string(rest)), /*packets=*/false);
+  if (head == "restore") return ThroughPipes(ShellWords("/system/bin/bu restore"), /*packets=*/false);
   if (head == "exec") return ThroughPipes(ShellWords(rest), /*packets=*/false);
   if (!legacy && head == "abb") return ThroughPipes(ServiceWords(rest), /*packets=*/true);
   if (!legacy && head == "abb_exec") return ThroughPipes(ServiceWords(rest), /*packets=*/false);

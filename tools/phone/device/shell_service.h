@@ -23,7 +23,7 @@ struct ShellRequest {
   std::string terminal;  // TERM
 };
 
-// shell:…, shell,v2,…:…, exec:…, abb:… and abb_exec:…; nothing for other services.
+// shell:…, shell,v2,…:…, exec:…, abb:…, abb_exec:…, backup:… and restore:; nothing for other services.
 std::optional<ShellRequest> ParseShellService(std::string_view service, bool legacy);
 
 // Runs the command until it and its output have ended, or the client has gone: then the command ends too, with

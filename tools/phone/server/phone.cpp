@@ -5,7 +5,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
+#include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -14,6 +16,7 @@
 
 #include "common/wire.h"
 #include "server/features.h"
+#include "server/profile.h"
 
 namespace darokleim::phone {
 
@@ -42,6 +45,13 @@ void WaitForSandbox(pid_t pid) {
   }
 }
 
+// As the adb server shows a model.
+std::string OnlyLettersAndDigits(std::string text) {
+  const auto is_other = [](unsigned char c) { return std::isalnum(c) == 0; };
+  std::replace_if(text.begin(), text.end(), is_other, '_');
+  return text;
+}
+
 bool IsNetworkSerial(const std::string& serial) {
   return serial.find(':') != std::string::npos || serial.rfind("emulator-", 0) == 0;
 }
@@ -52,7 +62,8 @@ Phone::Phone(PhoneOptions options, const SandboxParts* parts, Events events)
     : options_(std::move(options)),
       parts_(parts),
       events_(std::move(events)),
-      folder_(options_, *parts_),
+      properties_(BuildProperties(options_)),
+      folder_(options_, properties_, *parts_),
       faults_(folder_.state()),
       state_(options_.state) {
   auto wake = MakePipe();
@@ -89,9 +100,9 @@ std::optional<Transport> Phone::transport() const {
   transport.id = transport_id_;
   // adb learns what a phone is from the phone itself, once it is connected.
   if (RefusalOf(state_).empty()) {
-    transport.product = "darokleim";
-    transport.model = options_.generation == Generation::kLegacy ? "Phone_6" : "Phone_13";
-    transport.device = "simulated";
+    transport.product = ValueOf(properties_, "ro.product.name");
+    transport.model = OnlyLettersAndDigits(ValueOf(properties_, "ro.product.model"));
+    transport.device = ValueOf(properties_, "ro.product.device");
     transport.features = FeaturesOf(options_.generation);
   }
   return transport;
@@ -182,6 +193,7 @@ bool Phone::Boot() {
   if (!ends) return false;
   const std::vector<std::string> daemon = {"--daemon",
                                            options_.generation == Generation::kLegacy ? "legacy" : "modern"};
+  folder_.ForgetUntilBoot();
   const pid_t pid = StartSandbox(SandboxCommand(*parts_, folder_, daemon), std::move(ends->second));
   if (pid < 0) {
     std::fprintf(stderr, "darokleim-phone: cannot start %s: %s\n", parts_->bubblewrap.c_str(),

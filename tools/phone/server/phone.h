@@ -89,6 +89,7 @@ class Phone {
   const PhoneOptions options_;
   const SandboxParts* parts_;
   const Events events_;
+  const KeyValues properties_;
   const PhoneFolder folder_;
   const Faults faults_;
 

@@ -10,6 +10,7 @@
 
 #include "common/io.h"
 #include "device/layout.h"
+#include "device/programs/programs.h"
 #include "device/tools.h"
 
 namespace darokleim::phone {
@@ -38,6 +39,12 @@ void LinkIfAbsent(const std::string& target, const fs::path& link) {
   if (!fs::is_symlink(fs::symlink_status(link, error))) fs::create_symlink(target, link);
 }
 
+void SetLink(const std::string& target, const fs::path& link) {
+  std::error_code error;
+  fs::remove(link, error);
+  fs::create_symlink(target, link);
+}
+
 // Users and groups by the numbers and names that every Android knows.
 constexpr char kUsers[] =
     "root:x:0:0::/:/system/bin/sh\n"
@@ -60,13 +67,43 @@ void LayOutFileSystem(const fs::path& root) {
   }
   WriteFile((root / "etc/passwd").string(), kUsers);
   WriteFile((root / "etc/group").string(), kGroups);
-  for (const std::string& name : ToyboxCommands()) LinkIfAbsent("toybox", root / "system/bin" / name);
+}
+
+void LayOutCommands(const fs::path& root, const PhoneOptions& options) {
+  const fs::path commands = root / "system/bin";
+  for (const std::string& name : ToyboxCommands()) LinkIfAbsent("toybox", commands / name);
+  for (const std::string& name : ProgramNames()) {
+    if (name != "su" && (name != "df" || options.generation == Generation::kLegacy))
+      SetLink("adbd", commands / name);
+  }
+  for (const char* place : {"bin", "xbin"}) {
+    const fs::path su = root / "system" / place / "su";
+    std::error_code error;
+    if (options.su == place) {
+      SetLink(kDeviceProgram, su);
+    } else {
+      fs::remove(su, error);
+    }
+  }
 }
 
 // The internal storage, and a removable card for each name.
-std::vector<StorageVolume> LayOutStorage(const fs::path& root, const std::vector<std::string>& cards) {
-  std::vector<StorageVolume> volumes = {{"/data/media", "/storage/emulated"}};
-  for (const std::string& card : cards) volumes.push_back({"/mnt/media_rw/" + card, "/storage/" + card});
+std::vector<StorageVolume> LayOutStorage(const fs::path& root, const PhoneOptions& options) {
+  std::vector<StorageVolume> volumes;
+  std::error_code error;
+  fs::remove(root / "sdcard", error);
+  if (options.storage == "emulated") {
+    volumes.push_back({"/data/media", "/storage/emulated"});
+    SetLink("/storage/emulated/0", root / "storage/self/primary");
+    SetLink("/storage/self/primary", root / "sdcard");
+  } else if (options.storage == "sdcard0") {
+    volumes.push_back({"/data/media/0", "/storage/sdcard0"});
+    SetLink("/storage/sdcard0", root / "sdcard");
+  } else {
+    volumes.push_back({"/data/media/0", "/sdcard1"});
+  }
+  for (const std::string& card : options.cards)
+    volumes.push_back({"/mnt/media_rw/" + card, "/storage/" + card});
   for (const StorageVolume& volume : volumes) {
     for (const std::string& folder : {volume.kept_in, volume.shown_at}) {
       fs::create_directories(root / folder.substr(1));
@@ -75,20 +112,20 @@ std::vector<StorageVolume> LayOutStorage(const fs::path& root, const std::vector
   for (const char* folder : {"Android/data", "DCIM", "Download", "Movies", "Music", "Pictures"}) {
     fs::create_directories(root / "data/media/0" / folder);
   }
-  LinkIfAbsent("/storage/self/primary", root / "sdcard");
-  LinkIfAbsent("/storage/emulated/0", root / "storage/self/primary");
   return volumes;
 }
 
 }  // namespace
 
-PhoneFolder::PhoneFolder(const PhoneOptions& options, const SandboxParts& parts)
+PhoneFolder::PhoneFolder(const PhoneOptions& options, const KeyValues& properties, const SandboxParts& parts)
     : path_(options.root.empty() ? MakeTemporaryFolder() : fs::absolute(options.root).string()),
       temporary_(options.root.empty()) {
   fs::create_directories(files());
   fs::create_directories(state());
   LayOutFileSystem(files());
-  volumes_ = LayOutStorage(files(), options.cards);
+  LayOutCommands(files(), options);
+  WriteKeyValues(files() + kBuildProperties, properties);
+  volumes_ = LayOutStorage(files(), options);
   for (const char* file : {kShell, kToybox, kDeviceProgram}) MakeMountPoint(files() + file);
   for (const std::string& library : parts.libraries) MakeMountPoint(files() + library);
 }
@@ -98,6 +135,15 @@ PhoneFolder::~PhoneFolder() {
   MakeRemovable(path_);
   std::error_code error;
   fs::remove_all(path_, error);
+}
+
+void PhoneFolder::ForgetUntilBoot() const {
+  const std::string path = state() + "/" + kSetProperties;
+  KeyValues kept;
+  for (const auto& [name, value] : ReadKeyValues(path)) {
+    if (name.rfind("persist.", 0) == 0) kept[name] = value;
+  }
+  WriteKeyValues(path, kept);
 }
 
 void PhoneFolder::FollowFaults(const Faults& faults) const {

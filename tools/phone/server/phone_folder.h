@@ -21,7 +21,7 @@ struct StorageVolume {
 class PhoneFolder {
  public:
   // Throws std::runtime_error when the folder cannot be made.
-  PhoneFolder(const PhoneOptions& options, const SandboxParts& parts);
+  PhoneFolder(const PhoneOptions& options, const KeyValues& properties, const SandboxParts& parts);
   ~PhoneFolder();
   PhoneFolder(const PhoneFolder&) = delete;
   PhoneFolder& operator=(const PhoneFolder&) = delete;
@@ -31,6 +31,9 @@ class PhoneFolder {
   std::string state() const { return path_ + "/state"; }
 
   const std::vector<StorageVolume>& volumes() const { return volumes_; }
+
+  // Drops what a phone forgets when it is switched off: set properties other than the persistent ones.
+  void ForgetUntilBoot() const;
 
   // Takes the commands away that the faults say are missing, and gives back those that they no longer do.
   void FollowFaults(const Faults& faults) const;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "common/faults.h"
+#include "common/key_values.h"
 #include "server/connection_state.h"
 
 namespace darokleim::phone {
@@ -21,6 +22,12 @@ struct PhoneOptions {
   Generation generation = Generation::kModern;
   // Where the phone's files and state live; empty: a temporary folder that is removed at the end.
   std::string root;
+  std::string profile = "plain";
+  std::string encryption = "file";   // or "block", "none"
+  std::string su;                    // where su lies: "bin", "xbin", or nowhere
+  std::string storage = "emulated";  // or "sdcard0", "sdcard1": what the internal storage is called
+  std::string storage_group;         // who owns the volumes; empty: as on phones of this generation
+  KeyValues properties;              // in place of those of the profile
   std::vector<Fault> faults;
   // The names of the SD cards under /storage, such as 1A2B-3C4D.
   std::vector<std::string> cards;

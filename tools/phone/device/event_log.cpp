@@ -1,0 +1,43 @@
+#include "device/event_log.h"
+
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+
+#include "common/wire.h"
+#include "device/records.h"
+
+namespace darokleim::phone {
+
+namespace {
+
+// seconds, milliseconds, process, priority, tag, message; separated by tabs, of which only the message may
+// hold more.
+constexpr size_t kFields = 6;
+
+}  // namespace
+
+void WriteLog(char priority, const std::string& tag, const std::string& message) {
+  const auto now = std::chrono::system_clock::now().time_since_epoch();
+  const long long milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
+  AppendRecord(kLogRecord, std::to_string(milliseconds / 1000) + "\t" + std::to_string(milliseconds % 1000) +
+                               "\t" + std::to_string(getpid()) + "\t" + priority + "\t" + tag + "\t" +
+                               message);
+}
+
+std::optional<LogEntry> ParseLogLine(std::string_view line) {
+  std::vector<std::string> fields = Split(line, '\t');
+  if (fields.size() < kFields || fields[3].empty()) return std::nullopt;
+  for (size_t i = kFields; i < fields.size(); ++i) fields[kFields - 1] += "\t" + fields[i];
+  LogEntry entry;
+  entry.seconds = std::atoll(fields[0].c_str());
+  entry.milliseconds = std::atoi(fields[1].c_str());
+  entry.process = std::atoi(fields[2].c_str());
+  entry.priority = fields[3][0];
+  entry.tag = fields[4];
+  entry.message = fields[5];
+  return entry;
+}
+
+}  // namespace darokleim::phone

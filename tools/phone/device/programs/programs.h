@@ -1,0 +1,39 @@
+#ifndef DAROKLEIM_TOOLS_PHONE_DEVICE_PROGRAMS_PROGRAMS_H
+#define DAROKLEIM_TOOLS_PHONE_DEVICE_PROGRAMS_PROGRAMS_H
+
+#include <string>
+#include <vector>
+
+namespace darokleim::phone {
+
+using Words = std::vector<std::string>;
+
+// A command of the phone that is ours: it answers from the phone's state where a real one asks the services of
+// Android. `words` are those after the command's name; the result is the exit status.
+using Program = int (*)(const Words& words);
+
+// Null for a name that is none of ours.
+Program FindProgram(const std::string& name);
+std::vector<std::string> ProgramNames();
+
+int RunAm(const Words& words);
+int RunBu(const Words& words);
+int RunCmd(const Words& words);
+int RunDf(const Words& words);
+int RunDumpsys(const Words& words);
+int RunGetprop(const Words& words);
+int RunInput(const Words& words);
+int RunIp(const Words& words);
+int RunLog(const Words& words);
+int RunLogcat(const Words& words);
+int RunPm(const Words& words);
+int RunReboot(const Words& words);
+int RunScreencap(const Words& words);
+int RunSetprop(const Words& words);
+int RunSettings(const Words& words);
+int RunSu(const Words& words);
+int RunWm(const Words& words);
+
+}  // namespace darokleim::phone
+
+#endif  // DAROKLEIM_TOOLS_PHONE_DEVICE_PROGRAMS_PROGRAMS_H

@@ -1,0 +1,99 @@
+#include <fcntl.h>
+#include <png.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "common/io.h"
+#include "common/wire.h"
+#include "device/packages/package_store.h"
+#include "device/programs/programs.h"
+#include "device/screen.h"
+
+namespace darokleim::phone {
+
+namespace {
+
+// The home screen: a status bar, and a tile for every application.
+Pixels Picture(const Screen& screen) {
+  constexpr uint32_t kWidth = 6;  // tiles in a row
+  constexpr uint32_t kStatusBar = 60;
+  Pixels pixels(screen);
+  for (uint32_t y = 0; y < screen.height; ++y) {
+    const auto shade = static_cast<uint8_t>(40 + 120 * y / screen.height);
+    pixels.Fill(0, y, screen.width, 1, {20, shade, static_cast<uint8_t>(200 - shade / 2)});
+  }
+  pixels.Fill(0, 0, screen.width, kStatusBar, {10, 10, 10});
+  const uint32_t cell = screen.width / kWidth;
+  uint32_t place = 0;
+  for (const Package& package : PackageStore().Installed()) {
+    size_t hash = 5381;
+    for (const char c : package.name) hash = hash * 33 + static_cast<unsigned char>(c);
+    const Color color{static_cast<uint8_t>(hash & 0xff), static_cast<uint8_t>((hash >> 8) & 0xff),
+                      static_cast<uint8_t>((hash >> 16) & 0xff)};
+    pixels.Fill((place % kWidth) * cell + cell / 6, kStatusBar + (place / kWidth) * cell + cell / 6,
+                cell * 2 / 3, cell * 2 / 3, color);
+    ++place;
+  }
+  return pixels;
+}
+
+bool WritePng(const Screen& screen, const Pixels& pixels, std::FILE* out) {
+  png_image image = {};
+  image.version = PNG_IMAGE_VERSION;
+  image.width = screen.width;
+  image.height = screen.height;
+  image.format = PNG_FORMAT_RGBA;
+  return png_image_write_to_stdio(&image, out, 0, pixels.data(), 0, nullptr) != 0;
+}
+
+// Width, height, the number of the pixel format, the colour space, then the pixels.
+bool WriteRaw(const Screen& screen, const Pixels& pixels, std::FILE* out) {
+  constexpr uint32_t kRgba8888 = 1;
+  constexpr uint32_t kSrgb = 1;
+  std::string head;
+  for (const uint32_t number : {screen.width, screen.height, kRgba8888, kSrgb}) PutLe32(&head, number);
+  return std::fwrite(head.data(), 1, head.size(), out) == head.size() &&
+         std::fwrite(pixels.data(), 1, pixels.size(), out) == pixels.size();
+}
+
+}  // namespace
+
+// screencap [-p] [FILE]; without a file to the standard output.
+int RunScreencap(const Words& words) {
+  bool png = false;
+  std::string file;
+  for (size_t i = 0; i < words.size(); ++i) {
+    if (words[i] == "-p") {
+      png = true;
+    } else if (words[i] == "-d") {
+      ++i;  // there is one display
+    } else if (words[i][0] == '-') {
+      std::fprintf(stderr, "usage: screencap [-hp] [-d display-id] [FILENAME]\n");
+      return 1;
+    } else {
+      file = words[i];
+    }
+  }
+  const std::string ending = ".png";
+  if (file.size() >= ending.size() && file.compare(file.size() - ending.size(), ending.size(), ending) == 0)
+    png = true;
+
+  std::FILE* out = file.empty() ? stdout : std::fopen(file.c_str(), "wb");
+  if (out == nullptr) {
+    std::fprintf(stderr, "Error opening file: %s (", file.c_str());
+    std::perror(nullptr);
+    return 1;
+  }
+  const Screen screen = CurrentScreen();
+  const Pixels pixels = Picture(screen);
+  const bool written = png ? WritePng(screen, pixels, out) : WriteRaw(screen, pixels, out);
+  if (std::fclose(out) == 0 && written) return 0;
+  std::perror("screencap");
+  return 1;
+}
+
+}  // namespace darokleim::phone

@@ -1,0 +1,69 @@
+#include <cstdio>
+#include <string>
+
+#include "common/key_values.h"
+#include "device/layout.h"
+#include "device/programs/programs.h"
+#include "device/properties.h"
+#include "device/screen.h"
+
+namespace darokleim::phone {
+
+namespace {
+
+int Usage() {
+  std::fprintf(stderr, "usage: settings get|put|delete|list system|secure|global [KEY [VALUE]]\n");
+  return 255;
+}
+
+int List(const std::string& prefix, const KeyValues& all) {
+  for (const auto& [key, value] : all) {
+    if (key.rfind(prefix, 0) == 0) std::printf("%s=%s\n", key.c_str() + prefix.size(), value.c_str());
+  }
+  return 0;
+}
+
+}  // namespace
+
+int RunSettings(const Words& words) {
+  if (words.size() < 2) return Usage();
+  const std::string path = std::string(kStateFolder) + "/" + kSettings;
+  const StateLock lock(kStateFolder);
+  KeyValues all = ReadKeyValues(path);
+  const std::string prefix = words[1] + "/";
+  if (words[0] == "list") return List(prefix, all);
+  if (words.size() < 3) return Usage();
+  const std::string key = prefix + words[2];
+  if (words[0] == "get") {
+    const auto found = all.find(key);
+    std::printf("%s\n", found == all.end() ? "null" : found->second.c_str());
+    return 0;
+  }
+  if (words[0] == "delete") {
+    std::printf("Deleted %zu rows\n", all.erase(key));
+  } else if (words[0] == "put" && words.size() > 3) {
+    all[key] = words[3];
+  } else {
+    return Usage();
+  }
+  return WriteKeyValues(path, all) ? 0 : 1;
+}
+
+// wm size [WIDTHxHEIGHT|reset] | density
+int RunWm(const Words& words) {
+  if (!words.empty() && words[0] == "density") {
+    std::printf("Physical density: 420\n");
+    return 0;
+  }
+  if (words.empty() || words[0] != "size") {
+    std::fprintf(stderr, "usage: wm size [WIDTHxHEIGHT|reset] | density\n");
+    return 1;
+  }
+  if (words.size() > 1)
+    return SetProperty("persist.sys.screen.size", words[1] == "reset" ? "" : words[1]) ? 0 : 1;
+  const Screen screen = CurrentScreen();
+  std::printf("Physical size: %ux%u\n", screen.width, screen.height);
+  return 0;
+}
+
+}  // namespace darokleim::phone

@@ -1,0 +1,46 @@
+#include "device/properties.h"
+
+#include <cstdlib>
+
+#include "device/layout.h"
+
+namespace darokleim::phone {
+
+namespace {
+
+constexpr int kFirstModernSdk = 24;
+
+const std::string& SetPropertiesPath() {
+  static const std::string path = std::string(kStateFolder) + "/" + kSetProperties;
+  return path;
+}
+
+}  // namespace
+
+KeyValues AllProperties() {
+  KeyValues all = ReadKeyValues(kBuildProperties);
+  for (const auto& [name, value] : ReadKeyValues(SetPropertiesPath())) all[name] = value;
+  return all;
+}
+
+std::string Property(const std::string& name) {
+  return ValueOf(AllProperties(), name);
+}
+
+bool SetProperty(const std::string& name, const std::string& value) {
+  const bool read_only = name.rfind("ro.", 0) == 0;
+  if (name.empty() || name.find_first_of("= \n") != std::string::npos ||
+      (read_only && !Property(name).empty())) {
+    return false;
+  }
+  const StateLock lock(kStateFolder);
+  KeyValues set = ReadKeyValues(SetPropertiesPath());
+  set[name] = value;
+  return WriteKeyValues(SetPropertiesPath(), set);
+}
+
+bool IsLegacyPhone() {
+  return std::atoi(Property("ro.build.version.sdk").c_str()) < kFirstModernSdk;
+}
+
+}  // namespace darokleim::phone

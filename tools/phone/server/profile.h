@@ -1,0 +1,20 @@
+#ifndef DAROKLEIM_TOOLS_PHONE_SERVER_PROFILE_H
+#define DAROKLEIM_TOOLS_PHONE_SERVER_PROFILE_H
+
+#include <string>
+#include <vector>
+
+#include "common/key_values.h"
+#include "server/phone_options.h"
+
+namespace darokleim::phone {
+
+// What the phone says of itself: the properties of its maker and Android release, and those that the user set.
+KeyValues BuildProperties(const PhoneOptions& options);
+
+// The makers and systems that --phone knows as profile=NAME.
+std::vector<std::string> ProfileNames();
+
+}  // namespace darokleim::phone
+
+#endif  // DAROKLEIM_TOOLS_PHONE_SERVER_PROFILE_H
