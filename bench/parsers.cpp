@@ -1,9 +1,5 @@
 // The listing parsers, against programs that only split the lines and make the same allocations: one list node
 // (or place in a vector) and the same strings for each record, copied from any part of the line.
-#if defined(__linux__)
-#include <malloc.h>
-#endif
-
 #include <cstdio>
 #include <cstdlib>
 #include <list>
@@ -16,45 +12,20 @@
 #include "filesystem/adb_ls_listing.h"
 #include "filesystem/find_listing.h"
 #include "filesystem/ls_listing.h"
+#include "listings.h"
 #include "report.h"
 
 namespace {
 
 using namespace darokleim::bench;
 
-constexpr int kLines = 1'000'000;
-constexpr int kFilesPerDirectory = 100;
 constexpr double kGoal = 1.25;
 constexpr int kRepetitions = 15;
-constexpr std::size_t kLsTime = 16;
 constexpr std::size_t kAdbLsTime = 19;
 constexpr std::size_t kAdbLsName = 27;
-constexpr std::size_t kPath = 46;  // as long as most paths of the ls -l text
 
 int Length(const std::string& text) {
   return static_cast<int>(text.size());
-}
-
-// Every name is longer than what a string holds without memory of its own.
-std::string Name(int number) {
-  return "IMG_20200102_" + std::to_string(number) + ".jpg";
-}
-
-std::string Directory(int number) {
-  return "/sdcard/DCIM/album" + std::to_string(number / kFilesPerDirectory);
-}
-
-// columns: what stands between the permissions and the size.
-std::string LsText(const char* columns) {
-  std::string text;
-  for (int i = 0; i < kLines; ++i) {
-    if (i % kFilesPerDirectory == 0) text += "\r\n" + Directory(i) + ":\r\ntotal 4096\r\n";
-    char line[128];
-    snprintf(line, sizeof(line), "-rw-rw---- %s %8d 2020-%02d-%02d %02d:%02d %s\r\n", columns, i * 37,
-             i % 12 + 1, i % 28 + 1, i % 24, i % 60, Name(i).c_str());
-    text += line;
-  }
-  return text;
 }
 
 // Times over the ten years before 2026, in no order.
@@ -77,22 +48,6 @@ std::string FindText() {
   return text;
 }
 
-// Calls visit with each line, its line feed taken off.
-template <typename Visit>
-void SplitLines(std::string_view text, Visit visit) {
-  for (std::size_t end; (end = text.find('\n')) != std::string_view::npos; text.remove_prefix(end + 1)) {
-    visit(text.substr(0, end));
-  }
-}
-
-void LsFloor(std::string_view text, std::list<FileInfo>* files) {
-  SplitLines(text, [&](std::string_view line) {
-    if (line.front() != '-') return;
-    files->push_back(
-        {0, 0, std::string(line.substr(line.size() - kPath)), std::string(line.substr(0, kLsTime)), 0});
-  });
-}
-
 std::vector<FileInfo> AdbLsFloor(const std::string& dir, std::string_view text) {
   std::vector<FileInfo> files;
   files.reserve(kLines);
@@ -110,13 +65,6 @@ void FindFloor(std::string_view text, std::list<FileInfo>* files) {
 
 void Expect(bool right) {
   if (!right) std::abort();
-}
-
-// Each run begins with a heap that the one before did not leave in its own order.
-void TidyHeap() {
-#if defined(__GLIBC__)
-  malloc_trim(0);
-#endif
 }
 
 // Giving the records back is no part of the comparison.
