@@ -9,9 +9,11 @@
 #include <vector>
 
 #include "common/io.h"
+#include "device/filesystem_view/view_paths.h"
 #include "device/layout.h"
 #include "device/programs/programs.h"
 #include "device/tools.h"
+#include "server/file_owners.h"
 
 namespace darokleim::phone {
 
@@ -45,28 +47,20 @@ void SetLink(const std::string& target, const fs::path& link) {
   fs::create_symlink(target, link);
 }
 
-// Users and groups by the numbers and names that every Android knows.
-constexpr char kUsers[] =
-    "root:x:0:0::/:/system/bin/sh\n"
-    "system:x:1000:1000::/:/bin/sh\n"
-    "media_rw:x:1023:1023::/:/bin/sh\n"
-    "shell:x:2000:2000::/:/system/bin/sh\n";
-constexpr char kGroups[] =
-    "root:x:0:\nsystem:x:1000:\nlog:x:1007:\nsdcard_rw:x:1015:\nmedia_rw:x:1023:\nsdcard_r:x:1028:\n"
-    "shell:x:2000:\ncache:x:2001:\neverybody:x:9997:\n";
-
 void MakeMountPoint(const fs::path& file) {
   fs::create_directories(file.parent_path());
   if (!fs::exists(fs::symlink_status(file))) WriteFile(file.string(), "");
 }
 
 void LayOutFileSystem(const fs::path& root) {
-  for (const char* folder : {"system/bin", "system/xbin", "system/etc", "data/local/tmp", "data/app",
-                             "data/data", "storage/self", "mnt/media_rw", "cache", "proc", "dev", "etc"}) {
+  for (const char* folder :
+       {"system/bin", "system/xbin", "system/etc", "system/lib64", "data/local/tmp", "data/app", "data/data",
+        "storage/self", "mnt/media_rw", "cache", "proc", "dev", "etc"}) {
     fs::create_directories(root / folder);
   }
-  WriteFile((root / "etc/passwd").string(), kUsers);
-  WriteFile((root / "etc/group").string(), kGroups);
+  WriteFile((root / "etc/passwd").string(), PasswdFile());
+  WriteFile((root / "etc/group").string(), GroupFile());
+  WriteFile(root.string() + VIEW_PRELOAD, VIEW_LIBRARY "\n");
 }
 
 void LayOutCommands(const fs::path& root, const PhoneOptions& options) {
@@ -126,7 +120,9 @@ PhoneFolder::PhoneFolder(const PhoneOptions& options, const KeyValues& propertie
   LayOutCommands(files(), options);
   WriteKeyValues(files() + kBuildProperties, properties);
   volumes_ = LayOutStorage(files(), options);
-  for (const char* file : {kShell, kToybox, kDeviceProgram}) MakeMountPoint(files() + file);
+  WriteFile(state() + "/owners", OwnersFile(options, volumes_));
+  WriteFile(state() + "/mounts", MountsFile(volumes_));
+  for (const char* file : {kShell, kToybox, kDeviceProgram, VIEW_LIBRARY}) MakeMountPoint(files() + file);
   for (const std::string& library : parts.libraries) MakeMountPoint(files() + library);
 }
 

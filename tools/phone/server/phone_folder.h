@@ -7,14 +7,9 @@
 #include "common/faults.h"
 #include "server/phone_options.h"
 #include "server/sandbox_parts.h"
+#include "server/storage_volume.h"
 
 namespace darokleim::phone {
-
-// A storage volume: a folder of the phone that appears at a place of its own under /storage.
-struct StorageVolume {
-  std::string kept_in;
-  std::string shown_at;
-};
 
 // The host folder of one phone: its file system and, beside it, what the phone keeps that no file of a real
 // phone shows. A temporary one goes with this object.

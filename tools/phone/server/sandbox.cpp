@@ -5,6 +5,7 @@
 #include <spawn.h>
 #include <unistd.h>
 
+#include "device/filesystem_view/view_paths.h"
 #include "device/layout.h"
 
 extern char** environ;
@@ -45,6 +46,7 @@ std::vector<std::string> SandboxCommand(const SandboxParts& parts, const PhoneFo
   add("--ro-bind", parts.shell, kShell);
   add("--ro-bind", parts.toybox, kToybox);
   add("--ro-bind", parts.program, kDeviceProgram);
+  add("--ro-bind", parts.view, VIEW_LIBRARY);
   for (const std::string& library : parts.libraries) add("--ro-bind", library, library);
   command.push_back("--");
   command.push_back(kDeviceProgram);

@@ -34,6 +34,17 @@ std::string ThisProgram() {
 #endif
 }
 
+// Beside the program, as it is built and as it is installed.
+std::string FindView(const std::string& program) {
+  const fs::path folder = fs::path(program).parent_path();
+  for (const char* place : {"../lib", DAROKLEIM_PHONE_LIBRARY_FOLDER}) {
+    const fs::path candidate = folder / place / DAROKLEIM_PHONE_VIEW;
+    std::error_code error;
+    if (fs::exists(candidate, error)) return fs::canonical(candidate).string();
+  }
+  throw std::runtime_error(std::string(DAROKLEIM_PHONE_VIEW) + " is not beside " + program);
+}
+
 // The absolute paths among the words of what ldd prints: "name => /path (address)" and the loader's own line.
 void AddLibrariesOf(const std::string& program, std::set<std::string>* libraries) {
   FILE* listing = popen(("ldd '" + program + "' 2>/dev/null").c_str(), "r");
@@ -53,6 +64,7 @@ void AddLibrariesOf(const std::string& program, std::set<std::string>* libraries
 SandboxParts FindSandboxParts() {
   SandboxParts parts;
   parts.program = ThisProgram();
+  parts.view = FindView(parts.program);
   parts.bubblewrap = FindInPath("bwrap");
   parts.shell = FindInPath("mksh");
   parts.toybox = FindInPath("toybox");

@@ -12,6 +12,7 @@ struct SandboxParts {
   std::string shell;  // mksh
   std::string toybox;
   std::string program;  // this program, which is the phone's daemon and its own programs
+  std::string view;     // the library of the phone's file system view
   std::vector<std::string> libraries;
 };
 
