@@ -14,7 +14,7 @@ namespace darokleim {
 namespace {
 
 // adb_sdk.log and the older adb_sdk.1.log to adb_sdk.4.log: at most 50 MiB, but for a longer single line.
-constexpr std::size_t kMaxFileBytes = 10 * 1024 * 1024;
+constexpr std::size_t kMaxFileBytes = std::size_t{10} * 1024 * 1024;
 constexpr std::size_t kMaxOldFiles = 4;
 
 constexpr std::chrono::seconds kReopenInterval{1};

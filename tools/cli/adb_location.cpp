@@ -107,7 +107,7 @@ std::vector<fs::path> InstallFolders() {
 fs::path SearchAdb() {
   for (const auto& folders : {BundledFolders(), PathFolders(), InstallFolders()}) {
     for (const auto& folder : folders) {
-      const auto candidate = folder / "adb";
+      auto candidate = folder / "adb";
       if (!ReasonNotToRun(candidate)) return candidate;
     }
   }

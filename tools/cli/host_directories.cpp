@@ -49,7 +49,7 @@ constexpr char kCacheBelowHome[] = ".cache";
 }  // namespace
 
 std::optional<fs::path> HomeDirectory() {
-  if (const auto home = AbsolutePathFromEnvironment("HOME")) return home;
+  if (auto home = AbsolutePathFromEnvironment("HOME")) return home;
   const passwd* user = getpwuid(getuid());
   if (user == nullptr || user->pw_dir == nullptr || *user->pw_dir != '/') return std::nullopt;
   return user->pw_dir;

@@ -50,7 +50,7 @@ void PlaceLink(const fs::path& link, const fs::path& target) {
 
 fs::path MakeBelow(const fs::path& parent, const fs::path& adb, const fs::path& busybox) {
   MakePrivateDirectory(parent);
-  const fs::path directory = parent / DirectoryName(adb, busybox);
+  fs::path directory = parent / DirectoryName(adb, busybox);
   MakePrivateDirectory(directory);
   PlaceLink(directory / "adb", adb);
   PlaceLink(directory / "busybox", busybox);

@@ -48,7 +48,7 @@ std::vector<Device> ListDevices(const Session& session) {
   char* list = nullptr;
   int length = 0;
   const int code = AdbGetDevicesEx(&list, &length, session.cancel());
-  const auto devices = ParseDeviceList(list == nullptr ? "" : list);
+  auto devices = ParseDeviceList(list == nullptr ? "" : list);
   AdbFreeResource(&list);
   session.Check(code, "list devices");
   return devices;
