@@ -25,8 +25,12 @@ std::string_view StreamFilter::Pass(std::string_view piece) {
   if (!leads_ && line_ends_ == LineEnds::kAsPrinted) return piece;
   kept_ += piece;
   if (leads_) {
-    if (kept_.size() <= kLongestLead && MayContinueNotices(kept_)) return {};
-    DropNotices();
+    if (!MayContinueNotices(kept_)) {
+      DropNotices();
+    } else if (kept_.size() <= kLongestLead) {
+      return {};
+    }
+    leads_ = false;
   }
   passed_ = std::move(kept_);
   kept_.clear();
@@ -44,7 +48,6 @@ void StreamFilter::DropNotices() {
   const size_t length = LengthOfLeadingNotices(kept_);
   LogNotices(std::string_view(kept_).substr(0, length));
   kept_.erase(0, length);
-  leads_ = false;
 }
 
 std::string_view StreamFilter::Finish() {

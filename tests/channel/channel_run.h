@@ -1,0 +1,137 @@
+// Commands through the channel, as its tests run them.
+#ifndef DAROKLEIM_TESTS_CHANNEL_CHANNEL_RUN_H
+#define DAROKLEIM_TESTS_CHANNEL_CHANNEL_RUN_H
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+
+#include "platform/command_channel.h"
+#include "support/temporary_directory.h"
+
+namespace darokleim::channel {
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+inline milliseconds Since(Clock::time_point start) {
+  return std::chrono::duration_cast<milliseconds>(Clock::now() - start);
+}
+
+struct Result {
+  int status = -1;
+  bool handed_out = false;  // a buffer, be it empty
+  std::string output;
+};
+
+inline Result RunAdb(const std::string& args, const bool* cancel = nullptr) {
+  char* out = nullptr;
+  int length = 0;
+  Result result;
+  result.status = ExecuteAdbCommandSynchronization(args.c_str(), cancel, &out, &length);
+  result.handed_out = out != nullptr;
+  if (out == nullptr) {
+    EXPECT_EQ(length, 0);
+    return result;
+  }
+  result.output.assign(out, static_cast<size_t>(length));
+  EXPECT_EQ(out[length], '\0');
+  ReleaseAdbOutBuffer(out);
+  return result;
+}
+
+// One log for all tests of a process: the first file that is opened stays.
+inline const TemporaryDirectory& LogDirectory() {
+  static const TemporaryDirectory directory;
+  return directory;
+}
+
+// What adb is to do while a command has other words.
+class Misbehaviour {
+ public:
+  explicit Misbehaviour(const std::string& orders) { setenv("MISBEHAVE", orders.c_str(), 1); }
+  ~Misbehaviour() { unsetenv("MISBEHAVE"); }
+  Misbehaviour(const Misbehaviour&) = delete;
+  Misbehaviour& operator=(const Misbehaviour&) = delete;
+};
+
+inline Result RunAdbWhere(const std::string& orders, const std::string& args) {
+  const Misbehaviour misbehaviour(orders);
+  return RunAdb(args);
+}
+
+// Waits for a process id in a file, for at most ten seconds. Never anything but the id of one process: what kill
+// takes beside that reaches many.
+inline pid_t PidIn(const std::string& file) {
+  for (const Clock::time_point start = Clock::now(); Since(start) < milliseconds(10000);) {
+    pid_t pid = -1;
+    if (std::ifstream(file) >> pid && pid > 1) return pid;
+    std::this_thread::sleep_for(milliseconds(2));
+  }
+  throw std::runtime_error("no process id in " + file);
+}
+
+// A zombie, as what nobody has collected yet, runs no more.
+inline bool Runs(pid_t pid) {
+  if (kill(pid, 0) != 0) return false;
+#if defined(__linux__)
+  std::string stat;
+  std::getline(std::ifstream("/proc/" + std::to_string(pid) + "/stat"), stat);
+  return stat.find(") Z ") == std::string::npos;
+#else
+  return true;
+#endif
+}
+
+inline bool EndsWithin(pid_t pid, milliseconds time) {
+  const Clock::time_point start = Clock::now();
+  while (Runs(pid)) {
+    if (Since(start) > time) return false;
+    std::this_thread::sleep_for(milliseconds(2));
+  }
+  return true;
+}
+
+// For what changes a whole process. The body's expectations count.
+template <typename Body>
+void InProcessOfItsOwn(Body body) {
+  fflush(nullptr);
+  const pid_t pid = fork();
+  ASSERT_NE(pid, -1);
+  if (pid == 0) {
+    try {
+      body();
+    } catch (const std::exception& e) {
+      ADD_FAILURE() << e.what();
+    }
+    fflush(nullptr);
+    _exit(testing::Test::HasFailure() ? 1 : 0);
+  }
+  int status = 0;
+  ASSERT_EQ(waitpid(pid, &status, 0), pid);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "wait status " << status;
+}
+
+class ChannelTest : public testing::Test {
+ protected:
+  ChannelTest() { UseAdb(DAROKLEIM_MISBEHAVING_ADB); }
+
+  void UseAdb(const std::string& path) {
+    EXPECT_EQ(InitAdbCommuncation2Server(path.c_str(), LogDirectory().path().c_str(), this), 0);
+  }
+  std::string File(const std::string& name) const { return directory_.File(name); }
+
+  TemporaryDirectory directory_;
+};
+
+}  // namespace darokleim::channel
+
+#endif  // DAROKLEIM_TESTS_CHANNEL_CHANNEL_RUN_H

@@ -1,0 +1,104 @@
+#include "platform/channel/command.h"
+
+#include <gmock/gmock.h>
+
+namespace darokleim::channel {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+Command Plain(std::string_view arguments) {
+  return ReadCommand(arguments, Assist::kOff);
+}
+Command Assisted(std::string_view arguments) {
+  return ReadCommand(arguments, Assist::kOn);
+}
+
+TEST(Command, IsTheFirstWordAfterAdbsOwnOptions) {
+  for (const char* arguments :
+       {"shell ls", " -s X shell ls", "-s shell shell ls", "-d shell ls", "-e shell ls", "-a shell ls",
+        "-t 4 shell ls", "-t4 shell ls", "-P 5038 shell ls", "-P5038 shell ls", "-H host -P 1 -s X shell ls",
+        "-Hhost shell ls", "-L tcp:host:1 shell ls", "-p product shell ls", "--one-device X shell ls",
+        "--exit-on-write-error shell ls"}) {
+    EXPECT_EQ(Plain(arguments).name, "shell") << arguments;
+    EXPECT_EQ(Plain(arguments).words.back(), "ls") << arguments;
+    EXPECT_TRUE(Plain(arguments).AnswersByText()) << arguments;
+  }
+}
+
+TEST(Command, MayBeMissing) {
+  for (const char* arguments : {"", " ", "-s", "-s X", "-d"})
+    EXPECT_EQ(Plain(arguments).name, "") << arguments;
+  EXPECT_THAT(Plain("").words, IsEmpty());
+  EXPECT_THAT(Plain(" -s").words, ElementsAre("-s"));
+}
+
+TEST(Command, IsSplitAtItsFirstBlank) {
+  EXPECT_THAT(Plain(R"( -s X 'shell date +"%Y-%m-%d %H:%M:%S"')").words,
+              ElementsAre("-s", "X", "shell", R"(date +"%Y-%m-%d %H:%M:%S")"));
+  EXPECT_TRUE(Plain(R"( -s X 'shell date +"%Y"')").AnswersByText());
+  EXPECT_THAT(Plain("'shell '").words, ElementsAre("shell"));
+  EXPECT_THAT(Plain("' shell ls'").words, ElementsAre("shell", "ls"));
+  EXPECT_THAT(Plain("push 'a b'").words, ElementsAre("push", "a b"));
+  EXPECT_THAT(Plain("''").words, ElementsAre(""));
+}
+
+TEST(Command, KnowsWhichAnswerByText) {
+  for (const char* word :
+       {"ls", "find", "du", "df", "stat", "getprop", "ip", "date", "pm", "am", "dumpsys"}) {
+    EXPECT_TRUE(Plain(std::string("-s X shell ") + word + " x").AnswersByText()) << word;
+    EXPECT_FALSE(Plain(std::string("-s X ") + word + " x").AnswersByText()) << word;
+  }
+  for (const char* word : {"cp", "rm", "mv", "mkdir", "chmod", "screencap", "input", "unheard-of", ""}) {
+    EXPECT_FALSE(Plain(std::string("-s X shell ") + word).AnswersByText()) << word;
+  }
+  EXPECT_TRUE(Plain("shell -T -n ls").AnswersByText());
+  EXPECT_TRUE(Plain("shell -e none ls").AnswersByText());
+}
+
+TEST(Command, IsNotTouchedWithoutTheAssist) {
+  const Command command = Plain(R"(shell mv "'/a b'" ""/c"")");
+  EXPECT_THAT(command.words, ElementsAre("shell", "mv", "'/a b'", "/c"));
+  EXPECT_EQ(command.line_ends, LineEnds::kAsPrinted);
+}
+
+TEST(AssistedCommand, QuotesWhatWasQuoted) {
+  EXPECT_THAT(Assisted(R"(-s X shell rm "/my photo.jpg")").words,
+              ElementsAre("-s", "X", "shell", "rm", "'/my photo.jpg'"));
+  EXPECT_THAT(Assisted(R"(shell mkdir -p ""/a $b (c) & d"")").words,
+              ElementsAre("shell", "mkdir", "-p", "'/a $b (c) & d'"));
+  EXPECT_THAT(Assisted(R"(shell mv "'/a b'" "'/it's'")").words,
+              ElementsAre("shell", "mv", "'/a b'", R"('/it'\''s')"));
+  EXPECT_THAT(Assisted(R"(shell pm install -r '"/a b.apk"')").words,
+              ElementsAre("shell", "pm", "install", "-r", "'/a b.apk'"));
+  EXPECT_THAT(Assisted(R"(shell ls "")").words, ElementsAre("shell", "ls", "''"));
+}
+
+TEST(AssistedCommand, LeavesTheRestAlone) {
+  EXPECT_THAT(Assisted(R"(shell find /x/ -type f -and \( -iname *.jpg \))").words,
+              ElementsAre("shell", "find", "/x/", "-type", "f", "-and", R"(\()", "-iname", "*.jpg", R"(\))"));
+  EXPECT_THAT(Assisted(R"( -s X 'shell date +"%Y %H"')").words,
+              ElementsAre("-s", "X", "shell", R"(date +"%Y %H")"));
+  EXPECT_THAT(Assisted(R"(push "/a b" "/c'd")").words, ElementsAre("push", "/a b", "/c'd"));
+  EXPECT_EQ(Assisted("push a b").line_ends, LineEnds::kAsPrinted);
+  EXPECT_EQ(Assisted("logcat").line_ends, LineEnds::kAsPrinted);
+}
+
+TEST(AssistedCommand, HasTheLineEndsThatAreRead) {
+  for (const char* arguments :
+       {R"(shell ls -l   ""/sdcard"")", R"(shell ls -l -R -a ""/sdcard"")", "shell ls -la /x",
+        R"(shell ls -l   ""/storage"")", R"(shell stat ""/x"")", R"(shell stat -c %Y ""/x"")",
+        "shell getprop ro.x", "shell getprop", "'shell getprop ro.x'"}) {
+    EXPECT_EQ(Assisted(arguments).line_ends, LineEnds::kCrLf) << arguments;
+  }
+  for (const char* arguments :
+       {"shell ls -l /storage", R"(shell ls ""/sdcard"")", "shell ls /system/bin/find ",
+        "shell df /x | grep /", "shell pm path x", "shell find /x", "shell rm x", "shell",
+        R"('shell date +"%Y"')", "shell ls /a | wc -l"}) {
+    EXPECT_EQ(Assisted(arguments).line_ends, LineEnds::kLf) << arguments;
+  }
+}
+
+}  // namespace
+}  // namespace darokleim::channel

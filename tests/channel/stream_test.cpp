@@ -1,0 +1,216 @@
+// Commands whose output is passed on while they run.
+#include <condition_variable>
+#include <mutex>
+#include <optional>
+
+#include "channel_run.h"
+
+namespace darokleim::channel {
+namespace {
+
+// Collects what a stream passes on.
+class Collector {
+ public:
+  static void Receive(void* context, const char* data, int length) {
+    auto* const self = static_cast<Collector*>(context);
+    const std::lock_guard lock(self->mutex_);
+    EXPECT_FALSE(self->status_.has_value()) << "a call after the last one";
+    if (data == nullptr) {
+      self->status_ = length;
+    } else {
+      EXPECT_GT(length, 0);
+      self->output_.append(data, static_cast<size_t>(length));
+    }
+    self->change_.notify_all();
+  }
+
+  // -1 when it does not come in time.
+  int Status() {
+    std::unique_lock lock(mutex_);
+    change_.wait_for(lock, std::chrono::seconds(30), [this] { return status_.has_value(); });
+    return status_.value_or(-1);
+  }
+  bool WaitForOutput(const std::string& text) {
+    std::unique_lock lock(mutex_);
+    return change_.wait_for(lock, std::chrono::seconds(30),
+                            [&] { return output_.find(text) != std::string::npos; });
+  }
+  std::string Output() {
+    const std::lock_guard lock(mutex_);
+    return output_;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable change_;
+  std::string output_;
+  std::optional<int> status_;
+};
+
+class StreamTest : public ChannelTest {
+ protected:
+  static int Start(const std::string& args, Collector* collector, const bool* cancel = nullptr) {
+    // The text need not outlive the call.
+    return ExecuteAdbCommandAnsynchronization(std::string(args).c_str(), cancel, collector,
+                                              reinterpret_cast<void*>(&Collector::Receive));
+  }
+};
+
+TEST_F(StreamTest, PassesOnEverythingAndThenTheStatus) {
+  Collector collector;
+  ASSERT_EQ(Start(" print:a\\n sleep:30 error:b\\n flood:1000000 exit:3", &collector), 0);
+  EXPECT_EQ(collector.Status(), 1003);
+  EXPECT_EQ(collector.Output(), "a\nb\n" + std::string(1000000, 'x'));
+}
+
+TEST_F(StreamTest, PassesOnAtOnce) {
+  Collector collector;
+  bool cancel = false;
+  ASSERT_EQ(Start(" print:line\\n sleep:60000", &collector, &cancel), 0);
+  EXPECT_TRUE(collector.WaitForOutput("line\n"));
+  __atomic_store_n(&cancel, true, __ATOMIC_RELEASE);
+  EXPECT_EQ(collector.Status(), 3003);
+}
+
+TEST_F(StreamTest, EndsWhenItIsCancelled) {
+  for (const char* orders :
+       {" sleep:60000", " flood-for-ever", " ignore:15 sleep:60000", " close sleep:60000"}) {
+    Collector collector;
+    bool cancel = false;
+    ASSERT_EQ(Start(" pid:" + File("pid") + orders, &collector, &cancel), 0);
+    const pid_t pid = PidIn(File("pid"));
+    __atomic_store_n(&cancel, true, __ATOMIC_RELEASE);
+    EXPECT_EQ(collector.Status(), 3003) << orders;
+    EXPECT_EQ(kill(pid, 0), -1) << orders;
+    unlink(File("pid").c_str());
+  }
+}
+
+TEST_F(StreamTest, ThrowsTheOutputAwayWithoutAReceiver) {
+  ASSERT_EQ(ExecuteAdbCommandAnsynchronization((" flood:1000000 pid:" + File("pid")).c_str(), nullptr,
+                                               nullptr, nullptr),
+            0);
+  EXPECT_GT(PidIn(File("pid")), 0);  // it has got past a million bytes
+}
+
+TEST_F(StreamTest, DoesNotStartWhatIsNoProgram) {
+  UseAdb(File("missing"));
+  Collector collector;
+  EXPECT_EQ(Start(" devices", &collector), 3002);
+  EXPECT_EQ(collector.Output(), "");
+}
+
+TEST_F(StreamTest, LeavesOutNotices) {
+  Collector collector;
+  const Misbehaviour misbehaviour("error:*\\sdaemon\\sstarted\\ssuccessfully\\n print:line\\n");
+  ASSERT_EQ(Start(" logcat", &collector), 0);
+  EXPECT_EQ(collector.Status(), 0);
+  EXPECT_EQ(collector.Output(), "line\n");
+}
+
+TEST_F(StreamTest, HasTheStatusOfTheTextWhereItDecides) {
+  Collector listing, failure;
+  {
+    const Misbehaviour misbehaviour("print:a\\n exit:1");
+    ASSERT_EQ(Start(" shell ls /x", &listing), 0);
+  }
+  EXPECT_EQ(listing.Status(), 0);
+  {
+    const Misbehaviour misbehaviour("print:a\\n error:error:\\sclosed\\n exit:1");
+    ASSERT_EQ(Start(" shell ls /x", &failure), 0);
+  }
+  EXPECT_EQ(failure.Status(), 1001);
+}
+
+TEST_F(StreamTest, RunsBesideOthers) {
+  std::vector<Collector> collectors(32);
+  for (size_t i = 0; i < collectors.size(); ++i) {
+    ASSERT_EQ(Start(" flood:" + std::to_string(1000 * i) + " exit:" + std::to_string(i), &collectors[i]), 0);
+  }
+  for (size_t i = 0; i < collectors.size(); ++i) {
+    EXPECT_EQ(collectors[i].Status(), i == 0 ? 0 : 1000 + static_cast<int>(i));
+    EXPECT_EQ(collectors[i].Output().size(), 1000 * i);
+  }
+}
+
+TEST_F(StreamTest, MayStartAnotherFromItsLastCall) {
+  struct Chain {
+    Collector next;
+    std::atomic<int> started = -1;
+  } chain;
+  ASSERT_EQ(
+      ExecuteAdbCommandAnsynchronization(" exit:0", nullptr, &chain,
+                                         reinterpret_cast<void*>(+[](void* context, const char* data, int) {
+                                           auto* const self = static_cast<Chain*>(context);
+                                           if (data == nullptr)
+                                             self->started = Start(" print:next", &self->next);
+                                         })),
+      0);
+  EXPECT_EQ(chain.next.Status(), 0);
+  EXPECT_EQ(chain.started, 0);
+  EXPECT_EQ(chain.next.Output(), "next");
+}
+
+TEST_F(StreamTest, TakesNoneOfTheHostsSignals) {
+  struct Seen {
+    std::atomic<int> blocked = -1;
+    Collector collector;
+  } seen;
+  ASSERT_EQ(ExecuteAdbCommandAnsynchronization(
+                " exit:0", nullptr, &seen,
+                reinterpret_cast<void*>(+[](void* context, const char* data, int length) {
+                  auto* const self = static_cast<Seen*>(context);
+                  sigset_t mask;
+                  pthread_sigmask(SIG_SETMASK, nullptr, &mask);
+                  self->blocked = sigismember(&mask, SIGUSR1) && sigismember(&mask, SIGCHLD) &&
+                                  !sigismember(&mask, SIGSEGV);
+                  Collector::Receive(&self->collector, data, length);
+                })),
+            0);
+  EXPECT_EQ(seen.collector.Status(), 0);
+  EXPECT_EQ(seen.blocked, 1);
+}
+
+TEST_F(StreamTest, LeavesNoProcessWhenTheHostExits) {
+  const std::string file = File("pid");
+  const pid_t host = fork();
+  if (host == 0) {
+    ExecuteAdbCommandAnsynchronization((" ignore:15 pid:" + file + " sleep:60000").c_str(), nullptr, nullptr,
+                                       nullptr);
+    exit(PidIn(file) > 0 ? 0 : 1);
+  }
+  int status = 0;
+  ASSERT_EQ(waitpid(host, &status, 0), host);
+  EXPECT_EQ(status, 0);
+  EXPECT_TRUE(EndsWithin(PidIn(file), milliseconds(5000)));
+}
+
+TEST_F(StreamTest, MayEndTheHostFromACall) {
+  const pid_t host = fork();
+  if (host == 0) {
+    ExecuteAdbCommandAnsynchronization(" print:line\\n sleep:60000", nullptr, nullptr,
+                                       reinterpret_cast<void*>(+[](void*, const char*, int) { exit(7); }));
+    for (;;) pause();
+  }
+  int status = 0;
+  ASSERT_EQ(waitpid(host, &status, 0), host);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 7) << status;
+}
+
+TEST_F(StreamTest, OutlivesAForkOfTheHostThatExits) {
+  Collector collector;
+  bool cancel = false;
+  ASSERT_EQ(Start(" print:line\\n pid:" + File("pid") + " sleep:60000", &collector, &cancel), 0);
+  ASSERT_TRUE(collector.WaitForOutput("line\n"));
+  const pid_t fork_of_host = fork();
+  if (fork_of_host == 0) exit(0);
+  int status = 0;
+  ASSERT_EQ(waitpid(fork_of_host, &status, 0), fork_of_host);
+  EXPECT_EQ(status, 0);
+  EXPECT_TRUE(Runs(PidIn(File("pid"))));
+  __atomic_store_n(&cancel, true, __ATOMIC_RELEASE);
+  EXPECT_EQ(collector.Status(), 3003);
+}
+
+}  // namespace
+}  // namespace darokleim::channel

@@ -1,0 +1,136 @@
+// The library as something that is loaded and unloaded, and what it shows to those who load it.
+#include <dlfcn.h>
+
+#include <atomic>
+#include <set>
+#include <sstream>
+
+#include "channel_run.h"
+
+namespace darokleim::channel {
+namespace {
+
+class LoadedChannel {
+ public:
+  LoadedChannel() : handle_(dlopen(DAROKLEIM_CHANNEL_LIBRARY, RTLD_NOW | RTLD_LOCAL)) {
+    EXPECT_NE(handle_, nullptr) << dlerror();
+  }
+  ~LoadedChannel() { Unload(); }
+
+  template <typename Function>
+  Function* Get(const char* name) {
+    return reinterpret_cast<Function*>(dlsym(handle_, name));
+  }
+  void Unload() {
+    if (handle_ != nullptr) dlclose(handle_);
+    handle_ = nullptr;
+  }
+
+ private:
+  void* handle_;
+};
+
+class UnloadTest : public testing::Test {
+ protected:
+  int Start(LoadedChannel* channel, const std::string& args, void* context,
+            void (*receiver)(void*, const char*, int)) {
+    channel->Get<decltype(InitAdbCommuncation2Server)>("InitAdbCommuncation2Server")(
+        DAROKLEIM_MISBEHAVING_ADB, directory_.path().c_str(), this);
+    return channel->Get<decltype(ExecuteAdbCommandAnsynchronization)>("ExecuteAdbCommandAnsynchronization")(
+        args.c_str(), nullptr, context, reinterpret_cast<void*>(receiver));
+  }
+
+  TemporaryDirectory directory_;
+};
+
+TEST_F(UnloadTest, StopsEveryStream) {
+  for (const char* orders :
+       {" sleep:60000", " flood-for-ever", " ignore:15 sleep:60000", " ignore:15 close sleep:60000"}) {
+    const std::string file = directory_.File("pid");
+    std::atomic<int> last = 0;
+    LoadedChannel channel;
+    ASSERT_EQ(Start(&channel, " pid:" + file + orders, &last,
+                    [](void* context, const char* data, int length) {
+                      if (data == nullptr) *static_cast<std::atomic<int>*>(context) = length;
+                    }),
+              0);
+    const pid_t pid = PidIn(file);
+    ASSERT_GT(pid, 0);
+    channel.Unload();
+    EXPECT_EQ(last, 3003) << orders;
+    EXPECT_EQ(kill(pid, 0), -1) << orders;
+    unlink(file.c_str());
+  }
+  EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+}
+
+TEST_F(UnloadTest, LeavesNothingInitialised) {
+  for (int load = 0; load < 2; ++load) {
+    LoadedChannel channel;
+    char* out = nullptr;
+    int length = 0;
+    EXPECT_EQ(channel.Get<decltype(ExecuteAdbCommandSynchronization)>("ExecuteAdbCommandSynchronization")(
+                  " devices", nullptr, &out, &length),
+              3001);
+    EXPECT_EQ(out, nullptr);
+    EXPECT_EQ(channel.Get<decltype(ExecuteAdbCommandAnsynchronization)>("ExecuteAdbCommandAnsynchronization")(
+                  " devices", nullptr, nullptr, nullptr),
+              3001);
+    EXPECT_EQ(Start(&channel, " exit:0", nullptr, nullptr), 0);
+  }
+}
+
+TEST_F(UnloadTest, ReallyUnloads) {
+  {
+    LoadedChannel channel;
+    ASSERT_EQ(Start(&channel, " flood:100000", nullptr, nullptr), 0);
+  }
+  EXPECT_EQ(dlopen(DAROKLEIM_CHANNEL_LIBRARY, RTLD_NOW | RTLD_NOLOAD), nullptr);
+}
+
+TEST_F(UnloadTest, DoesNotWaitForEverForAReceiver) {
+  InProcessOfItsOwn([&] {
+    LoadedChannel channel;
+    std::atomic<bool> called = false;
+    ASSERT_EQ(Start(&channel, " print:line\\n sleep:60000", &called,
+                    [](void* context, const char*, int) {
+                      *static_cast<std::atomic<bool>*>(context) = true;
+                      for (;;) pause();
+                    }),
+              0);
+    while (!called) std::this_thread::sleep_for(milliseconds(1));
+    const Clock::time_point start = Clock::now();
+    channel.Unload();
+    EXPECT_LT(Since(start), milliseconds(20000));
+  });
+}
+
+std::string OutputOf(const std::string& command) {
+  std::string output;
+  FILE* const pipe = popen(command.c_str(), "r");
+  if (pipe == nullptr) return output;
+  char piece[4096];
+  while (const size_t length = fread(piece, 1, sizeof piece, pipe)) output.append(piece, length);
+  pclose(pipe);
+  return output;
+}
+
+TEST(ExportedSymbols, AreTheFourFunctionsAndNothingElse) {
+  const std::string functions[] = {"InitAdbCommuncation2Server", "ExecuteAdbCommandSynchronization",
+                                   "ExecuteAdbCommandAnsynchronization", "ReleaseAdbOutBuffer"};
+#if defined(__APPLE__)
+  const std::string prefix = "_";
+  const std::string list = OutputOf(DAROKLEIM_NM " -gU '" DAROKLEIM_CHANNEL_LIBRARY "'");
+#else
+  const std::string prefix;
+  const std::string list = OutputOf(DAROKLEIM_NM " -D --defined-only '" DAROKLEIM_CHANNEL_LIBRARY "'");
+#endif
+  std::set<std::string> expected, found;
+  for (const std::string& function : functions) expected.insert(prefix + function);
+  std::istringstream lines(list);
+  for (std::string line; std::getline(lines, line);) found.insert(line.substr(line.rfind(' ') + 1));
+  EXPECT_EQ(found, expected);
+}
+
+}  // namespace
+}  // namespace darokleim::channel
