@@ -109,7 +109,7 @@
 /// given, there is none.
 ///
 /// **Errors are codes.** Nothing else is reported, except that running out of memory leaves a call as the
-/// C++ exception `std::bad_alloc`.
+/// C++ exception `std::bad_alloc`, and a text too long for the `int` of its length as `std::length_error`.
 ///
 /// ## Result codes
 ///
@@ -709,9 +709,13 @@ DAROKLEIM_EXPORT int AdbScreencapToDevice(const char* serial, const char* device
 /// @defgroup directories Directories
 /// The listings are JSON documents. Besides handing the document out, each listing leaves a copy of it in
 /// the current working directory, in a file named `F:\file_list.json` (no drive is meant), replacing the
-/// one before.
+/// one before; without a word where it cannot be written.
 ///
-/// A flat listing:
+/// Any number of files and any depth of folders will do: time and memory grow with the document alone, and
+/// no more stack is needed. A million files take about 500 MB and a few seconds besides what the device
+/// needs; in the tree each line is indented by six blanks for each folder that it is in.
+///
+/// A flat listing (line breaks left out):
 ///
 /// @code{.json}
 /// {
@@ -800,8 +804,8 @@ DAROKLEIM_EXPORT int AdbGetDirFilesAndDirs(const char* serial, const char* dir, 
 /// `du` and `grep` on a device without `/system/bin/find`).
 ///
 /// Each file has `file` only. @p json and @p json_len are not checked for null and always written: null and
-/// 0 when no listing is handed out. @p suffixes is not checked for null. Command limit of the search: 1023
-/// bytes.
+/// 0 when no listing is handed out. @p suffixes is not checked for null. Command limit: 1023 bytes; none of
+/// the search with `du` and `grep`.
 ///
 /// @param[in]  serial    Serial.
 /// @param[in]  dir       Directory; a bare path.
