@@ -1,9 +1,9 @@
 // The listing parsers, against programs that only split the lines and make the same allocations: one list node
 // (or place in a vector) and the same strings for each record, copied from any part of the line.
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <list>
-#include <random>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -24,22 +24,32 @@ constexpr int kRepetitions = 15;
 constexpr std::size_t kAdbLsTime = 19;
 constexpr std::size_t kAdbLsName = 27;
 
+constexpr int kSecondsBetweenFiles = 315;
+
 int Length(const std::string& text) {
   return static_cast<int>(text.size());
 }
 
-// Times over the ten years before 2026, in no order.
-std::string AdbLsText() {
-  std::mt19937 random(1);
+// Times over the ten years before 2026, by the number of a file.
+std::string AdbLsText(unsigned (*time)(int)) {
   std::string text;
   for (int i = 0; i < kLines; ++i) {
     char line[128];
     snprintf(line, sizeof(line), "%08x %08x %08x %s\n", i % 50 == 0 ? 0x41F9U : 0x81B0U,
-             static_cast<unsigned>(i) * 37, 1451606400U + static_cast<unsigned>(random() % 315'000'000),
-             Name(i).c_str());
+             static_cast<unsigned>(i) * 37, 1451606400U + time(i), Name(i).c_str());
     text += line;
   }
   return text;
+}
+
+unsigned InOrder(int number) {
+  return static_cast<unsigned>(number) * kSecondsBetweenFiles;
+}
+
+// Neighbours are years apart, as a directory without an order of its own gives them.
+unsigned InNoOrder(int number) {
+  constexpr std::int64_t kPrime = 618'033'989;
+  return InOrder(static_cast<int>(number * kPrime % kLines));
 }
 
 std::string FindText() {
@@ -48,9 +58,12 @@ std::string FindText() {
   return text;
 }
 
+// Counts the lines first, to allocate the vector once.
 std::vector<FileInfo> AdbLsFloor(const std::string& dir, std::string_view text) {
+  std::size_t lines = 0;
+  SplitLines(text, [&](std::string_view) { ++lines; });
   std::vector<FileInfo> files;
-  files.reserve(kLines);
+  files.reserve(lines);
   SplitLines(text, [&](std::string_view line) {
     FileInfo& info = files.emplace_back();
     info.time = std::string(line.substr(0, kAdbLsTime));
@@ -95,11 +108,11 @@ Row CompareLists(const std::string& name, const std::string& text,
       [&] { return SecondsToFill([&](auto* files) { floor(text, files); }); });
 }
 
-Row CompareAdbLs() {
-  const std::string text = AdbLsText();
+Row CompareAdbLs(const std::string& name, unsigned (*time)(int)) {
+  const std::string text = AdbLsText(time);
   const std::string dir = "/sdcard/DCIM";
   return CompareSeconds(
-      "DecodeADBLSOut, a million entries", kGoal, kRepetitions,
+      name, kGoal, kRepetitions,
       [&] { return SecondsToMake([&] { return DecodeADBLSOut(dir, text.data(), Length(text)); }); },
       [&] { return SecondsToMake([&] { return AdbLsFloor(dir, text); }); });
 }
@@ -107,10 +120,11 @@ Row CompareAdbLs() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  Print(
-      argc, argv,
-      {CompareLists("DecodeLSOut, a million files", LsText("1 root sdcard_rw"), DecodeLSOut, LsFloor),
-       CompareLists("DecodeLSOut, a million files without link count", LsText("root     sdcard_rw"),
-                    DecodeLSOut, LsFloor),
-       CompareAdbLs(), CompareLists("DecodeFindOut, a million paths", FindText(), DecodeFindOut, FindFloor)});
+  Print(argc, argv,
+        {CompareLists("DecodeLSOut, a million files", LsText("1 root sdcard_rw"), DecodeLSOut, LsFloor),
+         CompareLists("DecodeLSOut, a million files without link count", LsText("root     sdcard_rw"),
+                      DecodeLSOut, LsFloor),
+         CompareAdbLs("DecodeADBLSOut, a million entries", InOrder),
+         CompareAdbLs("DecodeADBLSOut, a million entries, times in no order", InNoOrder),
+         CompareLists("DecodeFindOut, a million paths", FindText(), DecodeFindOut, FindFloor)});
 }

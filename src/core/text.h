@@ -19,7 +19,8 @@ template <typename Visit>
 void ForEachPiece(std::string_view text, std::string_view separator, Visit visit) {
   if (separator.empty()) return;
   while (!text.empty()) {
-    const std::size_t end = text.find(separator);
+    // One character is found many times faster as such.
+    const std::size_t end = separator.size() == 1 ? text.find(separator.front()) : text.find(separator);
     const std::string_view piece = text.substr(0, end);
     if (!piece.empty() && !visit(piece)) return;
     if (end == std::string_view::npos) return;

@@ -11,11 +11,9 @@ namespace darokleim {
 namespace {
 
 constexpr int kBase = 16;
-// Three numbers of eight digits with a blank behind each, and a name of one character.
 constexpr std::size_t kDigits = 8;
 constexpr std::size_t kColumn = kDigits + 1;
 constexpr std::size_t kNameAt = 3 * kColumn;
-constexpr std::size_t kShortest = kNameAt + 1;
 
 constexpr std::uint32_t kNoDigit = 0x80000000U;
 
@@ -37,9 +35,9 @@ std::optional<std::uint32_t> EightDigits(const char* text) {
   for (std::size_t i = 0; i < kDigits; ++i) {
     const std::uint32_t value = DigitValue(text[i]);
     all |= value;
-    number = number << 4 | (value & 0xFU);
+    number = number << 4 | value;
   }
-  if (all & kNoDigit) return std::nullopt;
+  if ((all & kNoDigit) != 0) return std::nullopt;
   return number;
 }
 
@@ -69,10 +67,10 @@ AdbLsLine ReadAnyLine(std::string_view line) {
 }  // namespace
 
 bool IsSkippedAdbLsLine(std::string_view line) {
-  if (line.size() < kShortest) return true;
-  if (line.size() == kShortest) return line.back() == '.';
+  if (line.size() < kShortestAdbLsLine) return true;
+  if (line.size() == kShortestAdbLsLine) return line.back() == '.';
   // A dot anywhere: meant for "..", but required of every line of this length.
-  return line.size() == kShortest + 1 && Contains(line, ".");
+  return line.size() == kShortestAdbLsLine + 1 && Contains(line, ".");
 }
 
 AdbLsLine ReadAdbLsLine(std::string_view line) {

@@ -2,6 +2,7 @@
 #ifndef DAROKLEIM_SRC_FILESYSTEM_ADB_LS_LINE_H
 #define DAROKLEIM_SRC_FILESYSTEM_ADB_LS_LINE_H
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -13,6 +14,9 @@ struct AdbLsLine {
   std::uint64_t time;
   std::string_view name;  // a piece of the line
 };
+
+// Three numbers of eight digits with a blank behind each, and a name of one character.
+inline constexpr std::size_t kShortestAdbLsLine = 3 * (8 + 1) + 1;
 
 // Whether the line is too short, or one of "." or ".." or of a name that looks like them by its length.
 bool IsSkippedAdbLsLine(std::string_view line);

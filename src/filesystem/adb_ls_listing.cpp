@@ -1,8 +1,7 @@
 #include "filesystem/adb_ls_listing.h"
 
-#include <cstdlib>
+#include <algorithm>
 #include <string_view>
-#include <utility>
 
 #include "core/text.h"
 #include "filesystem/adb_ls_line.h"
@@ -11,26 +10,23 @@
 
 namespace {
 
-// Calls visit with every line that gives a record.
-template <typename Visit>
-void ForEachEntry(std::string_view text, Visit visit) {
-  darokleim::ForEachPiece(text, "\n", [&](std::string_view line) {
-    if (!darokleim::IsSkippedAdbLsLine(line)) visit(line);
-    return true;
-  });
+// An upper limit, close to the number of records: the vector is allocated once.
+std::size_t LineCount(std::string_view text) {
+  std::size_t lines = 1;
+  for (std::size_t end = 0; (end = text.find('\n', end)) != std::string_view::npos; ++end) ++lines;
+  return std::min(lines, text.size() / darokleim::kShortestAdbLsLine);
 }
 
 }  // namespace
 
 std::vector<FileInfo> DecodeADBLSOut(const std::string& dir, const char* out, int len) {
   const std::string_view text = darokleim::ListingText(out, len);
-  std::size_t count = 0;
-  ForEachEntry(text, [&](std::string_view) { ++count; });
+  const std::size_t most = LineCount(text);
   std::vector<FileInfo> files;
-  files.reserve(count);
-  if (count == 0) return files;
-  darokleim::LocalTimeText local_time(count);
-  ForEachEntry(text, [&](std::string_view line) {
+  files.reserve(most);
+  darokleim::LocalTimeText local_time(most);
+  darokleim::ForEachPiece(text, "\n", [&](std::string_view line) {
+    if (darokleim::IsSkippedAdbLsLine(line)) return true;
     const darokleim::AdbLsLine columns = darokleim::ReadAdbLsLine(line);
     FileInfo& info = files.emplace_back();
     info.mode = columns.mode;
@@ -38,6 +34,7 @@ std::vector<FileInfo> DecodeADBLSOut(const std::string& dir, const char* out, in
     info.utc_timestamp = columns.time;
     info.time = local_time.Of(columns.time);
     info.file = darokleim::JoinListed(dir, columns.name);
+    return true;
   });
   return files;
 }

@@ -3,6 +3,8 @@
 #include <time.h>
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cstring>
 
 namespace darokleim {
@@ -37,14 +39,34 @@ bool IsSteady(const tm& first, const tm& last) {
          SecondOfDay(last) == (SecondOfDay(first) + kDay - 1) % kDay;
 }
 
-void PutTwoDigits(char* to, std::int32_t number) {
-  to[0] = static_cast<char>('0' + number / 10);
-  to[1] = static_cast<char>('0' + number % 10);
+using TwoDigits = std::array<char, 2>;
+constexpr std::array<TwoDigits, 100> kTwoDigits = [] {
+  std::array<TwoDigits, 100> numbers{};
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
+    numbers[i] = {static_cast<char>('0' + i / 10), static_cast<char>('0' + i % 10)};
+  }
+  return numbers;
+}();
+
+// number: below 100.
+void PutTwoDigits(char* to, std::uint32_t number) {
+  std::memcpy(to, kTwoDigits[number].data(), sizeof(TwoDigits));
+}
+
+// YYYY-MM-DD, of a year of four digits.
+void PutDate(char* to, const tm& local) {
+  const auto year = static_cast<std::uint32_t>(local.tm_year + 1900);
+  PutTwoDigits(to, year / 100);
+  PutTwoDigits(to + 2, year % 100);
+  to[4] = to[7] = '-';
+  PutTwoDigits(to + 5, static_cast<std::uint32_t>(local.tm_mon + 1));
+  PutTwoDigits(to + 8, static_cast<std::uint32_t>(local.tm_mday));
 }
 
 }  // namespace
 
-LocalTimeText::LocalTimeText(std::size_t times) : days_(std::clamp<std::size_t>(times, 1, kMostDays)) {
+LocalTimeText::LocalTimeText(std::size_t times)
+    : days_(std::bit_ceil(std::clamp<std::size_t>(times, 1, kMostDays))) {
   // localtime_r alone reads it only the first time.
   tzset();
 }
@@ -53,19 +75,20 @@ std::string LocalTimeText::Of(std::uint64_t timestamp) {
   if (timestamp >= kEndOfShortYears) return FormatOne(timestamp);
   const Day& day = DayOf(static_cast<std::int32_t>(timestamp / kDay));
   if (day.clock != Day::Clock::kSteady) return FormatOne(timestamp);
-  const std::int32_t since_first_date = day.first_second + static_cast<std::int32_t>(timestamp % kDay);
+  const auto since_first_date =
+      static_cast<std::uint32_t>(day.first_second) + static_cast<std::uint32_t>(timestamp % kDay);
   const bool next_date = since_first_date >= kDay;
-  const std::int32_t second = next_date ? since_first_date - kDay : since_first_date;
-  char text[] = "YYYY-MM-DD HH:MM:SS";
-  std::memcpy(text, day.dates[next_date], kDateLength);
-  PutTwoDigits(text + 11, second / kHour);
-  PutTwoDigits(text + 14, second / kMinute % kMinute);
-  PutTwoDigits(text + 17, second % kMinute);
-  return {text, sizeof(text) - 1};
+  const std::uint32_t second = next_date ? since_first_date - kDay : since_first_date;
+  std::string text = "YYYY-MM-DD HH:MM:SS";
+  std::memcpy(text.data(), day.dates[next_date], kDateLength);
+  PutTwoDigits(&text[11], second / kHour);
+  PutTwoDigits(&text[14], second / kMinute % kMinute);
+  PutTwoDigits(&text[17], second % kMinute);
+  return text;
 }
 
 const LocalTimeText::Day& LocalTimeText::DayOf(std::int32_t number) {
-  Day& day = days_[static_cast<std::size_t>(number) % days_.size()];
+  Day& day = days_[static_cast<std::size_t>(number) & (days_.size() - 1)];
   if (day.clock != Day::Clock::kUnknown && day.number == number) return day;
   const time_t begin = static_cast<time_t>(number) * kDay;
   const time_t end = begin + kDay - 1;
@@ -77,8 +100,8 @@ const LocalTimeText::Day& LocalTimeText::DayOf(std::int32_t number) {
   if (!IsSteady(first, last)) return day;
   day.clock = Day::Clock::kSteady;
   day.first_second = SecondOfDay(first);
-  strftime(day.dates[0], sizeof(day.dates[0]), "%Y-%m-%d", &first);
-  strftime(day.dates[1], sizeof(day.dates[1]), "%Y-%m-%d", &last);
+  PutDate(day.dates[0], first);
+  PutDate(day.dates[1], last);
   return day;
 }
 

@@ -26,13 +26,13 @@ class LocalTimeText {
     enum class Clock : unsigned char { kUnknown, kSteady, kChanges };
     std::int32_t number;  // since 1970-01-01
     std::int32_t first_second;
-    char dates[2][11];  // YYYY-MM-DD
+    char dates[2][10];  // YYYY-MM-DD
     Clock clock;
   };
 
   const Day& DayOf(std::int32_t number);
 
-  std::vector<Day> days_;  // each day in the place of its number modulo the size
+  std::vector<Day> days_;  // each day in the place of its number modulo their number, a power of two
 };
 
 }  // namespace darokleim

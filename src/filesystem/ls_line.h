@@ -19,7 +19,16 @@ struct LsLine {
 // or, as old phones print no link count,
 //     ^-[rwx-]{9}\s+\S+\s+\S+\s+(\d+)\s(\d{4}-\d{2}-\d{2}\s\d{1,2}:\d{1,2})\s+(.*)\s*$
 // as std::regex_match does in the "C" locale, but in one pass and without a line's length in stack.
-std::optional<LsLine> MatchLsLine(std::string_view line);
+class LsLineMatcher {
+ public:
+  // The text of a line that matched must live as long as the matcher.
+  std::optional<LsLine> Match(std::string_view text);
+
+ private:
+  // What the line that matched last begins with, permissions to the first blank behind the group: most of the
+  // next lines begin with the same.
+  std::string_view usual_;
+};
 
 }  // namespace darokleim
 

@@ -2,11 +2,12 @@
 
 #include <stdio.h>
 
+#include <charconv>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <utility>
 
-#include "core/numbers.h"
 #include "core/text.h"
 #include "filesystem/listing_text.h"
 #include "filesystem/ls_line.h"
@@ -32,11 +33,17 @@ void UnescapeBlanks(std::string& path, std::size_t begin) {
   path.resize(to);
 }
 
+// As atoll reads them: too many are the largest.
+std::uint64_t SizeOf(std::string_view digits) {
+  long long size = std::numeric_limits<long long>::max();
+  std::from_chars(digits.data(), digits.data() + digits.size(), size);
+  return static_cast<std::uint64_t>(size);
+}
+
 FileInfo Record(std::string_view directory, const darokleim::LsLine& line) {
-  const auto size = static_cast<std::uint64_t>(darokleim::LeadingInteger(line.size));
   std::string path = darokleim::JoinListed(directory, line.name);
   UnescapeBlanks(path, directory.size() + 1);
-  return {size, 0, std::move(path), std::string(line.time), 0};
+  return {SizeOf(line.size), 0, std::move(path), std::string(line.time), 0};
 }
 
 // As one piece, whatever other threads print.
@@ -53,11 +60,12 @@ bool DecodeLSOut(const char* out, int len, std::list<FileInfo>* files) {
   const std::string_view text = darokleim::ListingText(out, len);
   if (!HasTwoLines(text)) return false;
   std::string_view directory;
+  darokleim::LsLineMatcher matcher;
   darokleim::ForEachPiece(text, kLineEnd, [&](std::string_view line) {
     if (line.front() == '/') {
       directory = line.substr(0, line.size() - 1);
     } else if (line.front() == '-') {
-      if (const auto match = darokleim::MatchLsLine(line)) {
+      if (const auto match = matcher.Match(line)) {
         files->push_back(Record(directory, *match));
       } else {
         Trace(line);
