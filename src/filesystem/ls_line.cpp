@@ -20,7 +20,7 @@ constexpr bool IsDigit(char c) {
 
 constexpr std::array<bool, 256> kPermissions = [] {
   std::array<bool, 256> permissions{};
-  for (const unsigned char c : {'-', 'r', 'w', 'x'}) permissions[c] = true;
+  for (const char c : {'-', 'r', 'w', 'x'}) permissions[static_cast<unsigned char>(c)] = true;
   return permissions;
 }();
 
