@@ -34,6 +34,8 @@ std::string DottedDate(const std::tm& date) {
 }  // namespace
 }  // namespace darokleim
 
+// By value: the types are part of the linkage name.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 bool AppendMiuiVersionByTimeCode(std::string time_code, std::string& version) {
   using namespace darokleim;
   constexpr char kFunction[] = "AppendMiuiVersionByTimeCode";
