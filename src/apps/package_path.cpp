@@ -69,7 +69,7 @@ int AdbGetApkPathOfInstatlledEx(const char* serial, const char* package, char** 
     });
   }
   const std::string text = JsonToString(document);
-  *json_len = static_cast<int>(text.size()) + 1;
-  *json = NewTerminatedBlock(text);
+  // Here the terminating zero is part of the length.
+  HandOut({text.c_str(), text.size() + 1}, json, json_len);
   return log.Leave(paths.isNull() ? ADB_RESULT_NOT_FOUND : ADB_RESULT_OK);
 }
