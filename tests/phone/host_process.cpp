@@ -41,6 +41,7 @@ HostProcess::HostProcess(const Words& command, const Environment& variables) {
   const Pipe output = MakePipe();
   const Pipe errors = MakePipe();
   pid_ = fork();
+  if (pid_ < 0) throw std::runtime_error("no process left");
   if (pid_ == 0) {
     dup2(input.read_end, STDIN_FILENO);
     dup2(output.write_end, STDOUT_FILENO);
@@ -77,8 +78,9 @@ HostProcess::~HostProcess() {
   }
 }
 
+// Without a process to go to, the signal would go to every process there is.
 void HostProcess::Signal(int signal) const {
-  kill(pid_, signal);
+  if (pid_ > 0) kill(pid_, signal);
 }
 
 std::string HostProcess::ReadLine() {
@@ -104,6 +106,7 @@ void HostProcess::CloseInput() {
 Outcome HostProcess::Finish() {
   Close(&input_);
   Outcome outcome;
+  if (pid_ <= 0) return outcome;
   std::array<pollfd, 2> ends = {{{output_, POLLIN, 0}, {errors_, POLLIN, 0}}};
   std::array<std::string*, 2> texts = {&outcome.output, &outcome.errors};
   std::array<char, 65536> buffer;

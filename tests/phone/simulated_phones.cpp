@@ -1,5 +1,7 @@
 #include "simulated_phones.h"
 
+#include <signal.h>
+
 #include <stdexcept>
 
 namespace darokleim::phone_test {
@@ -27,6 +29,11 @@ SimulatedPhones::SimulatedPhones(const Words& phones, const Words& options)
     throw std::runtime_error("the simulated phones do not start: " + process_->Finish().errors);
   }
   port_ = line.substr(prefix.size());
+}
+
+SimulatedPhones::~SimulatedPhones() {
+  process_->Signal(SIGTERM);
+  process_->Finish();
 }
 
 Outcome SimulatedPhones::Adb(const Words& words, const std::string& input) const {

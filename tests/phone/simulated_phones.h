@@ -14,6 +14,9 @@ class SimulatedPhones {
   // `phones` as after --phone; `options` are further words of the command line. Throws when they do not start.
   explicit SimulatedPhones(const Words& phones, const Words& options = {});
 
+  // Ends them as Ctrl-C does, so that their temporary folders go too.
+  ~SimulatedPhones();
+
   const std::string& port() const { return port_; }
   HostProcess& process() { return *process_; }
 

@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <cstring>
@@ -7,6 +9,7 @@
 #include <vector>
 
 #include "device/daemon.h"
+#include "device/layout.h"
 #include "device/programs/programs.h"
 #include "server/control.h"
 #include "server/server.h"
@@ -59,7 +62,8 @@ int Serve(int argc, char** argv) {
 int main(int argc, char** argv) {
   try {
     const std::string name = std::filesystem::path(argv[0]).filename().string();
-    if (const Program program = FindProgram(name)) return program(Words(argv + 1, argv + argc));
+    const bool on_a_phone = access(kStateFolder, F_OK) == 0;
+    if (const Program program = on_a_phone ? FindProgram(name) : nullptr) return program(Words(argv + 1, argv + argc));
     // The phone's first process is this program too, started in the sandbox.
     if (argc == 3 && std::strcmp(argv[1], "--daemon") == 0)
       return RunDaemon(std::strcmp(argv[2], "legacy") == 0);

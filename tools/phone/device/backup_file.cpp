@@ -1,5 +1,6 @@
 #include "device/backup_file.h"
 
+#include <poll.h>
 #include <zlib.h>
 
 #include <string>
@@ -37,13 +38,37 @@ int PassThrough(int (*step)(z_stream*, int), z_stream* stream, int flush, std::v
   return result == Z_BUF_ERROR ? Z_OK : result;
 }
 
+// The client ends every file with this many zero bytes and then waits for the phone. Inside a file they may stand
+// too, but more follows them at once.
+class EndMark {
+ public:
+  void Count(const char* bytes, size_t count) {
+    size_t zeros = 0;
+    while (zeros < count && bytes[count - 1 - zeros] == '\0') ++zeros;
+    zeros_ = zeros == count ? zeros_ + zeros : zeros;
+  }
+  bool WasTheLast(int input) const {
+    pollfd end = {input, POLLIN, 0};
+    return zeros_ >= kMarkSize && poll(&end, 1, kPatienceMilliseconds) == 0;
+  }
+
+ private:
+  static constexpr size_t kMarkSize = 1024;
+  static constexpr int kPatienceMilliseconds = 500;
+
+  size_t zeros_ = 0;
+};
+
 // Until the stream ends, or the input does.
 int PassAll(int (*step)(z_stream*, int), z_stream* stream, int from, int to, int flush_at_end) {
   std::vector<char> in(kChunk);
   std::vector<char> out(kChunk);
+  EndMark mark;
   for (;;) {
+    if (mark.WasTheLast(from)) return Z_DATA_ERROR;
     const ssize_t count = ReadSome(from, in.data(), in.size());
     if (count < 0) return Z_ERRNO;
+    mark.Count(in.data(), static_cast<size_t>(count));
     stream->next_in = reinterpret_cast<Bytef*>(in.data());
     stream->avail_in = static_cast<uInt>(count);
     const int result = PassThrough(step, stream, count == 0 ? flush_at_end : Z_NO_FLUSH, &out, to);

@@ -6,6 +6,7 @@
 #include "common/address.h"
 #include "common/io.h"
 #include "common/wire.h"
+#include "device/records.h"
 
 namespace darokleim::phone {
 
@@ -45,6 +46,13 @@ std::string Describe(const Phone& phone) {
   return text + "\n";
 }
 
+// What a phone recorded: "input" or "activities".
+std::string Show(const Phone& phone, const std::string& record) {
+  if (record != kInputRecord && record != kActivityRecord)
+    throw std::invalid_argument("unknown record '" + record + "'");
+  return ReadFile(phone.folder().state() + "/" + record).value_or("");
+}
+
 std::string Obey(PhoneList* phones, const std::vector<std::string>& words) {
   if (words.size() == 1 && words[0] == "list") {
     std::string text;
@@ -55,7 +63,9 @@ std::string Obey(PhoneList* phones, const std::vector<std::string>& words) {
     throw std::invalid_argument("expected: SERIAL ACTION [VALUE], or list");
   Phone* phone = phones->PhoneWithSerial(words[0]);
   if (phone == nullptr) throw std::invalid_argument("no phone has the serial '" + words[0] + "'");
-  Act(phone, words[1], words.size() == 3 ? words[2] : "");
+  const std::string value = words.size() == 3 ? words[2] : "";
+  if (words[1] == "show") return Show(*phone, value);
+  Act(phone, words[1], value);
   return "";
 }
 
@@ -101,6 +111,7 @@ std::string ControlHelp() {
       "list: every phone with its state, folder and faults\n"
       "SERIAL unplug | plug | reconnect | reboot\n"
       "SERIAL state STATE: as after --phone\n"
+      "SERIAL show input | show activities: what was typed, what was started\n"
       "SERIAL fault NAME[=VALUE] | mend NAME: switches a fault on or off, where NAME is\n";
   for (const auto& [name, meaning] : DescribedFaults()) help += "  " + name + ": " + meaning + "\n";
   return help;

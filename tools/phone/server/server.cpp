@@ -8,7 +8,9 @@
 #include <cerrno>
 #include <condition_variable>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <stdexcept>
 #include <thread>
 
@@ -155,9 +157,19 @@ void Server::Reversed(const std::string& address, UniqueFd connection) {
   });
 }
 
+// What the starting program left open is no business of the phones.
+void CloseOnExecAll() {
+  std::error_code error;
+  for (const auto& entry : std::filesystem::directory_iterator("/dev/fd", error)) {
+    const int fd = std::atoi(entry.path().filename().c_str());
+    if (fd > STDERR_FILENO) SetCloseOnExec(fd);
+  }
+}
+
 }  // namespace
 
 int RunServer(const ServerOptions& options) {
+  CloseOnExecAll();
   signal(SIGPIPE, SIG_IGN);
   return Server(options).Run();
 }

@@ -141,7 +141,7 @@ static void SetOwner(const char* path, struct stat* status) {
   if (mount >= 0) status->st_dev = makedev(kDeviceMajor, (unsigned)mount);
 }
 
-#define NEXT(name) (__extension__(__typeof__(&(name)))dlsym(RTLD_NEXT, #name))
+#define NEXT(name) (__extension__(__typeof__(&(name))) dlsym(RTLD_NEXT, #name))
 
 static int StatAt(int folder, const char* name, struct stat* status, int flags) {
   const int result = NEXT(fstatat)(folder, name, status, flags);
@@ -270,6 +270,56 @@ EXPORTED ssize_t write(int fd, const void* data, size_t size) {
     return -1;
   }
   return next(fd, data, size);
+}
+
+// A full storage has no room for a new folder entry either.
+static bool HasNoRoomForNew(int folder, const char* name) {
+  if (!StorageIsFull()) return false;
+  const int saved = errno;
+  char path[PATH_MAX];
+  const bool refused = faccessat(folder, name, F_OK, AT_SYMLINK_NOFOLLOW) != 0 &&
+                       CanonicalPath(folder, name, false, path) && strncmp(path, "/dev/", 5) != 0 &&
+                       strncmp(path, "/proc/", 6) != 0;
+  errno = refused ? ENOSPC : saved;
+  return refused;
+}
+
+static int OpenAt(int folder, const char* name, int flags, mode_t mode) {
+  if ((flags & O_CREAT) != 0 && HasNoRoomForNew(folder, name)) return -1;
+  return NEXT(openat)(folder, name, flags, mode);
+}
+
+// The mode follows only where a file may be made.
+#define MODE_OF(flags, mode)                    \
+  mode_t mode = 0;                              \
+  if (((flags) & (O_CREAT | O_TMPFILE)) != 0) { \
+    va_list list;                               \
+    va_start(list, flags);                      \
+    mode = (mode_t)va_arg(list, unsigned);      \
+    va_end(list);                               \
+  }
+
+EXPORTED int open(const char* name, int flags, ...) {
+  MODE_OF(flags, mode)
+  return OpenAt(AT_FDCWD, name, flags, mode);
+}
+EXPORTED int openat(int folder, const char* name, int flags, ...) {
+  MODE_OF(flags, mode)
+  return OpenAt(folder, name, flags, mode);
+}
+EXPORTED int open64(const char* name, int flags, ...) {
+  MODE_OF(flags, mode)
+  return OpenAt(AT_FDCWD, name, flags | O_LARGEFILE, mode);
+}
+EXPORTED int openat64(int folder, const char* name, int flags, ...) {
+  MODE_OF(flags, mode)
+  return OpenAt(folder, name, flags | O_LARGEFILE, mode);
+}
+EXPORTED int mkdirat(int folder, const char* name, mode_t mode) {
+  return HasNoRoomForNew(folder, name) ? -1 : NEXT(mkdirat)(folder, name, mode);
+}
+EXPORTED int mkdir(const char* name, mode_t mode) {
+  return mkdirat(AT_FDCWD, name, mode);
 }
 
 // How toybox copies between files.

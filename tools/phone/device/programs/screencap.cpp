@@ -2,8 +2,9 @@
 #include <png.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
-#include <cstdlib>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -41,23 +42,28 @@ Pixels Picture(const Screen& screen) {
   return pixels;
 }
 
-bool WritePng(const Screen& screen, const Pixels& pixels, std::FILE* out) {
+std::string AsPng(const Screen& screen, const Pixels& pixels) {
   png_image image = {};
   image.version = PNG_IMAGE_VERSION;
   image.width = screen.width;
   image.height = screen.height;
   image.format = PNG_FORMAT_RGBA;
-  return png_image_write_to_stdio(&image, out, 0, pixels.data(), 0, nullptr) != 0;
+  png_alloc_size_t size = 0;
+  png_image_write_to_memory(&image, nullptr, &size, 0, pixels.data(), 0, nullptr);
+  std::string bytes(size, '\0');
+  const bool written =
+      png_image_write_to_memory(&image, bytes.data(), &size, 0, pixels.data(), 0, nullptr) != 0;
+  bytes.resize(written ? size : 0);
+  return bytes;
 }
 
 // Width, height, the number of the pixel format, the colour space, then the pixels.
-bool WriteRaw(const Screen& screen, const Pixels& pixels, std::FILE* out) {
+std::string AsRaw(const Screen& screen, const Pixels& pixels) {
   constexpr uint32_t kRgba8888 = 1;
   constexpr uint32_t kSrgb = 1;
-  std::string head;
-  for (const uint32_t number : {screen.width, screen.height, kRgba8888, kSrgb}) PutLe32(&head, number);
-  return std::fwrite(head.data(), 1, head.size(), out) == head.size() &&
-         std::fwrite(pixels.data(), 1, pixels.size(), out) == pixels.size();
+  std::string bytes;
+  for (const uint32_t number : {screen.width, screen.height, kRgba8888, kSrgb}) PutLe32(&bytes, number);
+  return bytes.append(reinterpret_cast<const char*>(pixels.data()), pixels.size());
 }
 
 }  // namespace
@@ -82,16 +88,16 @@ int RunScreencap(const Words& words) {
   if (file.size() >= ending.size() && file.compare(file.size() - ending.size(), ending.size(), ending) == 0)
     png = true;
 
-  std::FILE* out = file.empty() ? stdout : std::fopen(file.c_str(), "wb");
-  if (out == nullptr) {
-    std::fprintf(stderr, "Error opening file: %s (", file.c_str());
-    std::perror(nullptr);
+  UniqueFd out(file.empty() ? dup(STDOUT_FILENO)
+                            : open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
+  if (!out.valid()) {
+    std::fprintf(stderr, "Error opening file: %s (%s)\n", file.c_str(), std::strerror(errno));
     return 1;
   }
   const Screen screen = CurrentScreen();
   const Pixels pixels = Picture(screen);
-  const bool written = png ? WritePng(screen, pixels, out) : WriteRaw(screen, pixels, out);
-  if (std::fclose(out) == 0 && written) return 0;
+  const std::string bytes = png ? AsPng(screen, pixels) : AsRaw(screen, pixels);
+  if (!bytes.empty() && WriteAll(out.get(), bytes.data(), bytes.size())) return 0;
   std::perror("screencap");
   return 1;
 }
