@@ -72,21 +72,29 @@ Phone::Phone(PhoneOptions options, const SandboxParts* parts, Events events)
   for (const Fault& fault : options_.faults) SwitchFaultOn(fault);
 }
 
-bool Phone::SwitchOn() {
-  std::unique_lock lock(mutex_);
+void Phone::BeginToSwitchOn() {
+  std::lock_guard lock(mutex_);
   power_ = Power::kStarting;
   life_ = std::thread([this] { Live(); });
+}
+
+bool Phone::WaitUntilOn() {
+  std::unique_lock lock(mutex_);
   power_changed_.wait(lock, [this] { return power_ != Power::kStarting; });
   return power_ == Power::kOn;
 }
 
-void Phone::SwitchOff() {
+void Phone::BeginToSwitchOff() {
   {
     std::lock_guard lock(mutex_);
     power_ = Power::kOff;
   }
   power_changed_.notify_all();
   [[maybe_unused]] const ssize_t count = write(wake_.second.get(), "x", 1);
+}
+
+void Phone::SwitchOff() {
+  BeginToSwitchOff();
   if (life_.joinable()) life_.join();
 }
 

@@ -48,8 +48,11 @@ class Phone {
   Phone(PhoneOptions options, const SandboxParts* parts, Events events);
   ~Phone() { SwitchOff(); }
 
+  // Each begins and is then waited for, so that many phones boot at once.
+  void BeginToSwitchOn();
   // True once the phone has booted; false when it cannot.
-  bool SwitchOn();
+  bool WaitUntilOn();
+  void BeginToSwitchOff();
   void SwitchOff();
 
   const std::string& serial() const { return options_.serial; }

@@ -84,14 +84,16 @@ void PhoneList::Add(const PhoneOptions& options, const SandboxParts* parts, Reve
 }
 
 bool PhoneList::SwitchAllOn() {
+  for (const auto& phone : phones_) phone->BeginToSwitchOn();
   return std::all_of(phones_.begin(), phones_.end(), [](const auto& phone) {
-    if (phone->SwitchOn()) return true;
+    if (phone->WaitUntilOn()) return true;
     std::fprintf(stderr, "darokleim-phone: %s does not start\n", phone->serial().c_str());
     return false;
   });
 }
 
 void PhoneList::SwitchAllOff() {
+  for (const auto& phone : phones_) phone->BeginToSwitchOff();
   for (const auto& phone : phones_) phone->SwitchOff();
 }
 

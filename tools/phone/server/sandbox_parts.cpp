@@ -45,9 +45,10 @@ std::string FindView(const std::string& program) {
   throw std::runtime_error(std::string(DAROKLEIM_PHONE_VIEW) + " is not beside " + program);
 }
 
-// The absolute paths among the words of what ldd prints: "name => /path (address)" and the loader's own line.
+// The absolute paths among the words of what the loader prints of a program that it is to trace, as ldd has it do:
+// "name => /path (address)", and the loader's own line.
 void AddLibrariesOf(const std::string& program, std::set<std::string>* libraries) {
-  FILE* listing = popen(("ldd '" + program + "' 2>/dev/null").c_str(), "r");
+  FILE* listing = popen(("LD_TRACE_LOADED_OBJECTS=1 exec '" + program + "' 2>/dev/null").c_str(), "r");
   if (listing == nullptr) return;
   char line[4096];
   while (std::fgets(line, sizeof(line), listing) != nullptr) {
