@@ -10,6 +10,8 @@
 #include <crt_externs.h>
 #endif
 
+#include <array>
+
 #include "platform/channel/channel_log.h"
 
 namespace darokleim::channel {
@@ -25,17 +27,10 @@ char** Environment() {
 }
 #endif
 
-// Numbers below this one belong to the standard streams: were the pipe to take one that the host has closed,
-// whatever the host prints would end up among adb's output.
+// Numbers below this one belong to the standard streams.
 constexpr int kFirstFreeFd = STDERR_FILENO + 1;
 
-bool MoveAboveStandardStreams(UniqueFd* fd) {
-  if (fd->get() >= kFirstFreeFd) return true;
-  fd->Reset(fcntl(fd->get(), F_DUPFD_CLOEXEC, kFirstFreeFd));
-  return fd->valid();
-}
-
-bool OpenPipe(UniqueFd* read_end, UniqueFd* write_end) {
+bool OpenPipeAnywhere(UniqueFd* read_end, UniqueFd* write_end) {
   int ends[2];
 #if defined(__linux__)
   if (pipe2(ends, O_CLOEXEC) != 0) return false;
@@ -45,8 +40,18 @@ bool OpenPipe(UniqueFd* read_end, UniqueFd* write_end) {
 #endif
   read_end->Reset(ends[0]);
   write_end->Reset(ends[1]);
-  return MoveAboveStandardStreams(read_end) && MoveAboveStandardStreams(write_end) &&
-         fcntl(read_end->get(), F_SETFL, O_NONBLOCK) == 0;
+  return true;
+}
+
+// Were the pipe to take the number of a standard stream that the host has closed, be it for a moment, whatever
+// the host prints then would end up among adb's output: those numbers are held by the null device meanwhile.
+bool OpenPipe(UniqueFd* read_end, UniqueFd* write_end) {
+  std::array<UniqueFd, kFirstFreeFd> held;
+  for (int stream = 0; stream < kFirstFreeFd; ++stream) {
+    if (fcntl(stream, F_GETFD) < 0)
+      held[static_cast<size_t>(stream)].Reset(open("/dev/null", O_RDWR | O_CLOEXEC));
+  }
+  return OpenPipeAnywhere(read_end, write_end) && fcntl(read_end->get(), F_SETFL, O_NONBLOCK) == 0;
 }
 
 class Attributes {

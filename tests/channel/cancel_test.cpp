@@ -79,7 +79,7 @@ TEST_F(CancelTest, SparesTheServer) {
   other.join();
   ASSERT_GT(server, 0);
   EXPECT_TRUE(Runs(server));
-  kill(server, SIGKILL);
+  EndProcess(server);
 }
 
 TEST_F(CancelTest, AFlagThatStaysUnsetChangesNothing) {

@@ -79,6 +79,11 @@ inline pid_t PidIn(const std::string& file) {
   throw std::runtime_error("no process id in " + file);
 }
 
+// kill, which takes what is no process id for many processes, only ever sees one.
+inline void EndProcess(pid_t pid) {
+  if (pid > 1) kill(pid, SIGKILL);
+}
+
 // A zombie, as what nobody has collected yet, runs no more.
 inline bool Runs(pid_t pid) {
   if (kill(pid, 0) != 0) return false;

@@ -8,9 +8,7 @@ namespace {
 
 class ServerTest : public ChannelTest {
  protected:
-  ~ServerTest() override {
-    if (server_ > 0) kill(server_, SIGKILL);
-  }
+  ~ServerTest() override { EndProcess(server_); }
   Result RunWithServer(const std::string& kind, const std::string& rest, const bool* cancel = nullptr) {
     const Result result = RunAdb(" " + kind + ":" + File("server") + rest, cancel);
     server_ = PidIn(File("server"));

@@ -171,32 +171,6 @@ TEST_F(StreamTest, TakesNoneOfTheHostsSignals) {
   EXPECT_EQ(seen.blocked, 1);
 }
 
-TEST_F(StreamTest, LeavesNoProcessWhenTheHostExits) {
-  const std::string file = File("pid");
-  const pid_t host = fork();
-  if (host == 0) {
-    ExecuteAdbCommandAnsynchronization((" ignore:15 pid:" + file + " sleep:60000").c_str(), nullptr, nullptr,
-                                       nullptr);
-    exit(PidIn(file) > 0 ? 0 : 1);
-  }
-  int status = 0;
-  ASSERT_EQ(waitpid(host, &status, 0), host);
-  EXPECT_EQ(status, 0);
-  EXPECT_TRUE(EndsWithin(PidIn(file), milliseconds(5000)));
-}
-
-TEST_F(StreamTest, MayEndTheHostFromACall) {
-  const pid_t host = fork();
-  if (host == 0) {
-    ExecuteAdbCommandAnsynchronization(" print:line\\n sleep:60000", nullptr, nullptr,
-                                       reinterpret_cast<void*>(+[](void*, const char*, int) { exit(7); }));
-    for (;;) pause();
-  }
-  int status = 0;
-  ASSERT_EQ(waitpid(host, &status, 0), host);
-  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 7) << status;
-}
-
 TEST_F(StreamTest, OutlivesAForkOfTheHostThatExits) {
   Collector collector;
   bool cancel = false;

@@ -105,6 +105,43 @@ TEST_F(UnloadTest, DoesNotWaitForEverForAReceiver) {
   });
 }
 
+// The wait status of a process of its own that runs body.
+template <typename Body>
+int StatusOfHost(Body body) {
+  const pid_t host = fork();
+  if (host == 0) {
+    body();
+    _exit(99);
+  }
+  int status = -1;
+  EXPECT_EQ(waitpid(host, &status, 0), host);
+  return status;
+}
+
+TEST_F(UnloadTest, HappensWhenTheHostExits) {
+  const std::string file = directory_.File("pid");
+  const int status = StatusOfHost([&] {
+    LoadedChannel channel;
+    Start(&channel, " ignore:15 pid:" + file + " sleep:60000", nullptr, nullptr);
+    PidIn(file);
+    exit(5);
+  });
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 5) << status;
+  EXPECT_TRUE(EndsWithin(PidIn(file), milliseconds(5000)));
+}
+
+TEST_F(UnloadTest, HappensWhenAReceiverEndsTheHost) {
+  const std::string file = directory_.File("pid");
+  const int status = StatusOfHost([&] {
+    LoadedChannel channel;
+    Start(&channel, " pid:" + file + " print:line\\n sleep:60000", nullptr,
+          [](void*, const char*, int) { exit(7); });
+    for (;;) pause();
+  });
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 7) << status;
+  EXPECT_TRUE(EndsWithin(PidIn(file), milliseconds(5000)));
+}
+
 std::string OutputOf(const std::string& command) {
   std::string output;
   FILE* const pipe = popen(command.c_str(), "r");
