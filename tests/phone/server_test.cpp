@@ -100,6 +100,17 @@ TEST(Server, EndsOnKillServer) {
   EXPECT_EQ(phones.process().Finish().status, 0);
 }
 
+TEST(Server, ComesBackAfterKillServerWhenAsked) {
+  const SimulatedPhones phones({"ALFA1"}, {"--restart-on-kill"});
+  const auto command = phones.StartAdb({"shell", "echo started; sleep 1000"});
+  EXPECT_EQ(command->ReadLine(), "started");
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(phones.Adb({"kill-server"}).status, 0);
+  command->Finish();
+  const Outcome start = phones.Adb({"start-server"});
+  EXPECT_EQ(start.output + start.errors, "");
+  EXPECT_EQ(phones.Adb({"wait-for-device", "shell", "echo here"}).output, "here\n");
+}
+
 TEST(Server, EndsOnInterruptInTheMiddleOfACommand) {
   SimulatedPhones phones({"ALFA1"});
   const auto command = phones.StartAdb({"shell", "echo started; sleep 1000"});

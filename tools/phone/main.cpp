@@ -39,6 +39,8 @@ int Serve(int argc, char** argv) {
   std::vector<std::string> phones;
   app.add_option("--port", options.port, "the server's TCP port; 0: one that is free")->capture_default_str();
   app.add_option("--phone", phones, kPhoneHelp)->allow_extra_args(false);
+  app.add_flag("--restart-on-kill", options.restart_on_kill,
+               "adb kill-server ends every connection; then the server is there again, with its phones");
   CLI::App* control =
       app.add_subcommand("ctl", "Changes a phone of the running server on this port.\n" + ControlHelp());
   uint16_t control_port = options.port;
@@ -63,7 +65,8 @@ int main(int argc, char** argv) {
   try {
     const std::string name = std::filesystem::path(argv[0]).filename().string();
     const bool on_a_phone = access(kStateFolder, F_OK) == 0;
-    if (const Program program = on_a_phone ? FindProgram(name) : nullptr) return program(Words(argv + 1, argv + argc));
+    if (const Program program = on_a_phone ? FindProgram(name) : nullptr)
+      return program(Words(argv + 1, argv + argc));
     // The phone's first process is this program too, started in the sandbox.
     if (argc == 3 && std::strcmp(argv[1], "--daemon") == 0)
       return RunDaemon(std::strcmp(argv[2], "legacy") == 0);

@@ -37,6 +37,12 @@ void Connections::StopAll() {
   }
 }
 
+void Connections::Reopen() {
+  std::lock_guard lock(mutex_);
+  open_.clear();
+  stopped_ = false;
+}
+
 void Connections::JoinFinished() {
   std::list<Connection> finished;
   {

@@ -20,6 +20,8 @@ class Connections {
   void Serve(UniqueFd connection, std::function<void(UniqueFd*)> serve);
   // Shuts every connection down and waits for its thread. Not to be called from `serve`.
   void StopAll();
+  // Afterwards connections are served again.
+  void Reopen();
 
  private:
   struct Connection {

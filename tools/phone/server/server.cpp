@@ -25,7 +25,7 @@ namespace darokleim::phone {
 
 namespace {
 
-// Turns the signals that end the server into a byte in a pipe. They stay blocked in every other thread.
+// Turns the signals that end the server, and the wish of a client, into a byte in a pipe. They stay blocked in every other thread.
 class EndSignals {
  public:
   EndSignals() {
@@ -38,7 +38,7 @@ class EndSignals {
     waiter_ = std::thread([this] {
       int signal = 0;
       sigwait(&signals_, &signal);
-      Raise();
+      Write(kFromSignal);
     });
   }
   ~EndSignals() {
@@ -47,10 +47,21 @@ class EndSignals {
   }
 
   int descriptor() const { return pipe_.first.get(); }
-  void Raise() { [[maybe_unused]] const ssize_t count = write(pipe_.second.get(), "e", 1); }
+  // A client asked for the end.
+  void RequestFromClient() { Write(kFromClient); }
+  // After the descriptor became readable: true when a client asked, false for a signal.
+  bool TakeRequestFromClient() {
+    char reason = kFromSignal;
+    ReadSome(pipe_.first.get(), &reason, 1);
+    return reason == kFromClient;
+  }
 
  private:
   static constexpr int kWakeSignal = SIGUSR1;
+  static constexpr char kFromClient = 'c';
+  static constexpr char kFromSignal = 's';
+
+  void Write(char reason) { [[maybe_unused]] const ssize_t count = write(pipe_.second.get(), &reason, 1); }
 
   sigset_t signals_;
   FdPair pipe_;
@@ -66,12 +77,11 @@ class LastRequest {
   }
   void Answer() {
     std::lock_guard lock(mutex_);
-    if (client_.valid()) SendOkayTo(client_.get());
+    if (client_.valid()) WriteAll(client_.get(), "OKAY", 4);
+    client_.Reset();
   }
 
  private:
-  static void SendOkayTo(int fd) { WriteAll(fd, "OKAY", 4); }
-
   std::mutex mutex_;
   UniqueFd client_;
 };
@@ -95,6 +105,8 @@ class Server {
 
  private:
   void AddPhones();
+  // Until the end is asked for; true when by a client.
+  bool ServeClients(UniqueFd listener);
   void Serve(UniqueFd client);
   void Reversed(const std::string& address, UniqueFd connection);
 
@@ -119,14 +131,26 @@ int Server::Run() {
   if (!phones_.SwitchAllOn()) return 1;
   std::printf("darokleim-phone: ready on port %u\n", static_cast<unsigned>(port));
   std::fflush(stdout);
-  AcceptUntil(end_.descriptor(), listener.get(), [this](UniqueFd client) { Serve(std::move(client)); });
-
-  listener.Reset();
-  connections_.StopAll();
-  forwards_.RemoveAll();
+  while (ServeClients(std::move(listener)) && options_.restart_on_kill) {
+    // As with a new server, every phone is attached anew.
+    for (const auto& phone : phones_.phones()) phone->Reconnect();
+    connections_.Reopen();
+    listener = ListenOnLoopback(port, &port);
+    if (!listener.valid()) break;
+    last_request_.Answer();
+  }
   phones_.SwitchAllOff();
   last_request_.Answer();
   return 0;
+}
+
+bool Server::ServeClients(UniqueFd listener) {
+  AcceptUntil(end_.descriptor(), listener.get(), [this](UniqueFd client) { Serve(std::move(client)); });
+  const bool asked = end_.TakeRequestFromClient();
+  listener.Reset();
+  connections_.StopAll();
+  forwards_.RemoveAll();
+  return asked;
 }
 
 void Server::AddPhones() {
@@ -142,7 +166,7 @@ void Server::Serve(UniqueFd client) {
   connections_.Serve(std::move(client), [this](UniqueFd* connection) {
     const auto kill_server = [this, connection] {
       last_request_.Keep(std::move(*connection));
-      end_.Raise();
+      end_.RequestFromClient();
     };
     ClientSession(&phones_, &forwards_, kill_server, connection).Run();
   });

@@ -11,6 +11,8 @@ namespace darokleim::phone {
 struct ServerOptions {
   uint16_t port = 5037;  // 0: one that is free
   std::vector<PhoneOptions> phones;
+  // What a client takes for a server that was started anew: every connection ends, the phones stay.
+  bool restart_on_kill = false;
 };
 
 // Serves until a client asks for the end or the process gets SIGINT or SIGTERM, and leaves nothing behind. The
