@@ -20,12 +20,14 @@ class Registry {
     added.push_back(std::make_unique<Stream>(settings, arguments, cancel, receiver));
     const std::lock_guard lock(mutex_);
     if (closed_) return kNotInitialised;
-    JoinFinished();
-    const Status started = added.front()->Start();
-    if (started != kDelivered) return started;
+    if (owner_ != getpid()) Abandon(&streams_);
     owner_ = getpid();
+    JoinFinished();
+    // Listed before it runs: its receiver may end the process at its first call.
     streams_.splice(streams_.end(), added);
-    return kDelivered;
+    const Status started = streams_.back()->Start();
+    if (started != kDelivered) streams_.pop_back();
+    return started;
   }
 
  private:
@@ -43,7 +45,7 @@ class Registry {
     constexpr std::chrono::milliseconds kGrace{40};
     constexpr std::chrono::seconds kPatience{3};
 
-    if (owner_ != getpid()) return Abandon(&streams_);  // a fork has neither the threads nor the children
+    if (owner_ != getpid()) return Abandon(&streams_);
     StreamList streams = Close();
     const Stream::Clock::time_point start = Stream::Clock::now();
     for (const auto& stream : streams) stream->Stop();
@@ -64,6 +66,8 @@ class Registry {
     return std::move(streams_);
   }
 
+  // Streams whose receiver does not return, or those of the process that this one is a fork of, which has neither
+  // their threads nor their children.
   static void Abandon(StreamList* streams) {
     for (auto& stream : *streams) static_cast<void>(stream.release());
     streams->clear();

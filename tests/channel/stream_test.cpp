@@ -147,6 +147,7 @@ TEST_F(StreamTest, MayStartAnotherFromItsLastCall) {
                                          })),
       0);
   EXPECT_EQ(chain.next.Status(), 0);
+  while (chain.started == -1) std::this_thread::sleep_for(milliseconds(1));
   EXPECT_EQ(chain.started, 0);
   EXPECT_EQ(chain.next.Output(), "next");
 }
