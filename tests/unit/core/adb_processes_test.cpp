@@ -95,6 +95,12 @@ TEST_F(AdbProcessesTest, WhatTheLimitStillHoldsIsKilled) {
   }
 }
 
+TEST_F(AdbProcessesTest, ANumberThatEndsBehindTheLimitIsSpared) {
+  const ListedProcesses listed(Padding(kLimit + 1 - sleeper_.id().size()) + sleeper_.id() + " adb\n");
+  EXPECT_EQ(KillListenNetProcess(5037), 0);
+  EXPECT_FALSE(sleeper_.WasKilled());
+}
+
 TEST_F(AdbProcessesTest, WhatComesAfterTheLimitIsSpared) {
   const ListedProcesses listed(Padding(kLimit) + sleeper_.id() + " adb\n");
   EXPECT_EQ(KillListenNetProcess(5037), 0);
@@ -126,6 +132,8 @@ TEST_F(AdbProcessesTest, WithoutTheToolsNothingHappens) {
 }
 
 TEST_F(AdbProcessesTest, APipeThatCannotBeOpenedIsLogged) {
+  // Before the descriptors are gone: the undefined-behaviour sanitizer needs some when it first meets a type.
+  ASSERT_THAT(SdkTest::Current().journal(), IsEmpty());
   rlimit before;
   ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
   const rlimit none = {0, before.rlim_max};

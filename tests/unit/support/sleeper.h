@@ -2,6 +2,7 @@
 #ifndef DAROKLEIM_TESTS_UNIT_SUPPORT_SLEEPER_H
 #define DAROKLEIM_TESTS_UNIT_SUPPORT_SLEEPER_H
 
+#include <fcntl.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -12,18 +13,25 @@
 
 namespace darokleim::testing {
 
-// Lives as long as this object. Its process id stays its own until then, also when it was killed.
+// Lives as long as this object, or two minutes when the test dies before. Its process id stays its own until
+// then, also when it was killed. Holds none of the test's streams open.
 class Sleeper {
  public:
   // command_line: what `ps` shows of it.
   explicit Sleeper(std::string command_line) : command_line_(std::move(command_line)) {
-    char seconds[] = "1000";
+    char seconds[] = "120";
     char* argv[] = {command_line_.data(), seconds, nullptr};
     char* environment[] = {nullptr};
     posix_spawnattr_t own_group;
     posix_spawnattr_init(&own_group);
     posix_spawnattr_setflags(&own_group, POSIX_SPAWN_SETPGROUP);
-    const int failure = posix_spawn(&id_, "/bin/sleep", nullptr, &own_group, argv, environment);
+    posix_spawn_file_actions_t silent;
+    posix_spawn_file_actions_init(&silent);
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+      posix_spawn_file_actions_addopen(&silent, stream, "/dev/null", O_RDWR, 0);
+    }
+    const int failure = posix_spawn(&id_, "/bin/sleep", &silent, &own_group, argv, environment);
+    posix_spawn_file_actions_destroy(&silent);
     posix_spawnattr_destroy(&own_group);
     if (failure != 0) throw std::runtime_error("cannot start /bin/sleep");
   }
