@@ -20,6 +20,8 @@ class PhoneUnderTest : public testing::TestWithParam<std::string> {
 
   const std::string& serial() const { return serial_; }
   bool is_simulated() const { return phones_ != nullptr; }
+  // Of the simulated phone's server.
+  const std::string& port() const { return phones_->port(); }
   // Before Android 7: one stream, no exit status.
   bool is_legacy() const { return legacy_; }
 

@@ -1,8 +1,8 @@
 #include "device/daemon.h"
 
-#include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
+#include <sys/signalfd.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -24,15 +24,6 @@ namespace darokleim::phone {
 
 namespace {
 
-volatile sig_atomic_t g_wake_write_end = -1;
-
-void OnSignal(int signal) {
-  const int saved = errno;
-  const char byte = signal == SIGUSR1 ? 'r' : 'c';
-  [[maybe_unused]] const ssize_t count = write(g_wake_write_end, &byte, 1);
-  errno = saved;
-}
-
 class Daemon {
  public:
   Daemon(int link, bool legacy) : link_(link), legacy_(legacy) {}
@@ -47,7 +38,7 @@ class Daemon {
 
   UniqueFd link_;
   const bool legacy_;
-  FdPair wake_;
+  UniqueFd signals_;
   ReverseForwards reverse_;
   // The stream of each running service. Kept only to cut it off when the cable is pulled.
   std::map<pid_t, UniqueFd> services_;
@@ -55,22 +46,20 @@ class Daemon {
 
 bool Daemon::Prepare() {
   SetCloseOnExec(link_.get());
-  auto ends = MakePipe();
-  if (!ends) return false;
-  wake_ = std::move(*ends);
-  fcntl(wake_.first.get(), F_SETFL, O_NONBLOCK);
-  fcntl(wake_.second.get(), F_SETFL, O_NONBLOCK);
-  g_wake_write_end = wake_.second.get();
   signal(SIGPIPE, SIG_IGN);
-  struct sigaction action = {};
-  action.sa_handler = OnSignal;
-  for (const int number : {SIGCHLD, SIGUSR1}) sigaction(number, &action, nullptr);
-  return SendPacket(link_.get(), LinkMessage::kReady, "");
+  sigset_t heard;
+  sigemptyset(&heard);
+  for (const int number : {SIGCHLD, SIGUSR1}) sigaddset(&heard, number);
+  sigprocmask(SIG_BLOCK, &heard, nullptr);
+  // The first process of a namespace only gets the signals that it asks for, blocked or not.
+  for (const int number : {SIGCHLD, SIGUSR1}) signal(number, [](int) {});
+  signals_.Reset(signalfd(-1, &heard, SFD_CLOEXEC | SFD_NONBLOCK));
+  return signals_.valid() && SendPacket(link_.get(), LinkMessage::kReady, "");
 }
 
 void Daemon::Run() {
   for (;;) {
-    std::vector<pollfd> waits = {{link_.get(), POLLIN, 0}, {wake_.first.get(), POLLIN, 0}};
+    std::vector<pollfd> waits = {{link_.get(), POLLIN, 0}, {signals_.get(), POLLIN, 0}};
     reverse_.AddTo(&waits);
     if (poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR) return;
     if (waits[1].revents != 0) HearSignals();
@@ -102,6 +91,9 @@ void Daemon::Take(LinkPacket packet) {
     return;
   }
   for (const int number : {SIGCHLD, SIGUSR1}) signal(number, SIG_DFL);
+  sigset_t none;
+  sigemptyset(&none);
+  sigprocmask(SIG_SETMASK, &none, nullptr);
   services_.clear();
   reverse_.RemoveAll();
   if (packet.message == LinkMessage::kConnect) {
@@ -113,11 +105,9 @@ void Daemon::Take(LinkPacket packet) {
 }
 
 void Daemon::HearSignals() {
-  char bytes[64];
-  ssize_t count;
-  while ((count = read(wake_.first.get(), bytes, sizeof(bytes))) > 0) {
-    const std::string heard(bytes, static_cast<size_t>(count));
-    if (heard.find('r') != std::string::npos) SendPacket(link_.get(), LinkMessage::kReboot, "");
+  signalfd_siginfo heard;
+  while (read(signals_.get(), &heard, sizeof(heard)) == static_cast<ssize_t>(sizeof(heard))) {
+    if (heard.ssi_signo == SIGUSR1) SendPacket(link_.get(), LinkMessage::kReboot, "");
   }
   BuryTheDead();
 }

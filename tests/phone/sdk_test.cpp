@@ -1,0 +1,373 @@
+#include <darokleim.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <filesystem>
+
+#include "phone_under_test.h"
+
+namespace darokleim::phone_test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using testing::Not;
+using testing::StartsWith;
+
+constexpr int kOk = 0;
+
+std::string PathOf(const std::string& program) {
+  const std::string path = RunProgram({"sh", "-c", "command -v " + program}, {}).output;
+  return path.substr(0, path.find('\n'));
+}
+
+// The library is started once in a process and keeps the adb that it was given.
+class StartedLibrary : public testing::Environment {
+ public:
+  void SetUp() override {
+    folder_ = (fs::temp_directory_path() / "darokleim-sdk-test-XXXXXX").string();
+    ASSERT_NE(mkdtemp(folder_.data()), nullptr);
+    for (const char* program : {"adb", "busybox"})
+      fs::create_symlink(PathOf(program), folder_ + "/" + program);
+    setenv("DAROKLEIM_CHANNEL_ASSIST", "1", 1);
+    ASSERT_EQ(AdbSdkInit(folder_.c_str(), "phone_sdk_test", folder_.c_str()), kOk);
+  }
+  void TearDown() override { fs::remove_all(folder_); }
+
+ private:
+  std::string folder_;
+};
+
+const testing::Environment* const kStartedLibrary = testing::AddGlobalTestEnvironment(new StartedLibrary);
+
+// The whole way: the library, our channel, the real adb client, a phone.
+class Sdk : public PhoneUnderTest {
+ protected:
+  void SetUp() override {
+    PhoneUnderTest::SetUp();
+    if (is_simulated()) setenv("ANDROID_ADB_SERVER_PORT", port().c_str(), 1);
+  }
+
+  const char* phone() const { return serial().c_str(); }
+  std::string OnPhone(const std::string& name) const { return storage_folder() + "/" + name; }
+  std::string OnHost(const std::string& name) const { return host_folder() + "/" + name; }
+
+  // A text that the library handed out, given back.
+  static std::string Taken(char** text, int length) {
+    std::string taken = *text == nullptr ? "" : std::string(*text, static_cast<size_t>(length));
+    while (!taken.empty() && taken.back() == '\0') taken.pop_back();
+    AdbFreeResource(text);
+    return taken;
+  }
+
+  const bool running_ = false;
+  const bool* cancel_ = &running_;
+  char buffer_[256] = {};
+  char* text_ = nullptr;
+  int length_ = 0;
+};
+
+TEST_P(Sdk, ListsThePhone) {
+  EXPECT_EQ(AdbGetDevices(buffer_, sizeof(buffer_), cancel_), kOk);
+  EXPECT_THAT(buffer_, HasSubstr(serial() + "-device;"));
+  EXPECT_EQ(AdbGetDevicesEx(&text_, &length_, cancel_), kOk);
+  EXPECT_THAT(Taken(&text_, length_), HasSubstr(serial() + "-device;"));
+}
+
+TEST_P(Sdk, ReadsWhatThePhoneSaysOfItself) {
+  REQUIRE_SIMULATED_PHONE("says other things");
+  EXPECT_EQ(AdbGetPhoneManufacturer(phone(), buffer_, sizeof(buffer_), cancel_), kOk);
+  EXPECT_STREQ(buffer_, "Google");
+  EXPECT_EQ(AdbGetPhoneProductModel(phone(), buffer_, sizeof(buffer_), cancel_), kOk);
+  EXPECT_STREQ(buffer_, "Pixel 7");
+  EXPECT_EQ(AdbGetPhoneSoftVersion(phone(), buffer_, sizeof(buffer_), cancel_), kOk);
+  EXPECT_STREQ(buffer_, is_legacy() ? "6.0.1" : "13");
+  bool locked = false;
+  EXPECT_EQ(AdbCheckLockedState(phone(), &locked, cancel_), kOk);
+  EXPECT_TRUE(locked);
+  bool encrypted = false;
+  EXPECT_EQ(AdbCheckEncryptState(phone(), &encrypted, cancel_), kOk);
+  EXPECT_TRUE(encrypted);
+  int type = -1;
+  EXPECT_EQ(AdbGetEncryptType(phone(), &type, cancel_), kOk);
+  EXPECT_EQ(type, 0);
+  bool harmony = true;
+  EXPECT_EQ(AdbCheckIsHarmony(phone(), &harmony, cancel_), kOk);
+  EXPECT_FALSE(harmony);
+  bool rooted = true;
+  EXPECT_EQ(IsDeviceHadBeenRooted(phone(), &rooted, cancel_), kOk);
+  EXPECT_FALSE(rooted);
+}
+
+TEST_P(Sdk, ReadsAddressAndClock) {
+  EXPECT_EQ(AdbGetDeviceCurrentTime(phone(), buffer_, sizeof(buffer_), cancel_), kOk);
+  EXPECT_THAT(buffer_, MatchesRegex("[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}"));
+  REQUIRE_SIMULATED_PHONE("may have no wireless address");
+  EXPECT_EQ(AdbGetIPAddress(phone(), &text_, &length_, cancel_), kOk);
+  EXPECT_THAT(Taken(&text_, length_), MatchesRegex("192\\.168\\.1\\.[0-9]+/24"));
+  SwitchOn("no-wifi");
+  EXPECT_EQ(AdbGetIPAddress(phone(), &text_, &length_, cancel_), 30);
+}
+
+TEST_P(Sdk, WorksOnFilesWithBlanksInTheirNames) {
+  WriteHostFile(OnHost("my photo.jpg"), "1234567");
+  const std::string file = OnPhone("my photo.jpg");
+  const std::string copy = OnPhone("a copy.jpg");
+  const std::string moved = OnPhone("it is moved.jpg");
+  EXPECT_EQ(AdbPushFile(phone(), OnHost("my photo.jpg").c_str(), file.c_str(), cancel_), kOk);
+  bool exists = false;
+  EXPECT_EQ(AdbCheckFileExisted(phone(), file.c_str(), &exists, cancel_), kOk);
+  EXPECT_TRUE(exists);
+  EXPECT_EQ(AdbCopyFile(phone(), file.c_str(), copy.c_str(), cancel_), kOk);
+  EXPECT_EQ(AdbRenameFile(phone(), copy.c_str(), moved.c_str(), cancel_), kOk);
+  unsigned long long number = 0;
+  EXPECT_EQ(AdbGetFileSize(phone(), moved.c_str(), &number, cancel_), kOk);
+  EXPECT_EQ(number, 7u);
+  EXPECT_EQ(AdbGetFileCreateTime(phone(), moved.c_str(), &number, cancel_), kOk);
+  EXPECT_GT(number, 1000000000u);
+  EXPECT_EQ(AdbPullFile(phone(), moved.c_str(), OnHost("back").c_str(), cancel_), kOk);
+  EXPECT_EQ(ReadHostFile(OnHost("back")), "1234567");
+  EXPECT_EQ(AdbRemoveFile(phone(), moved.c_str(), cancel_), kOk);
+  exists = true;
+  EXPECT_EQ(AdbCheckFileExisted(phone(), moved.c_str(), &exists, cancel_), kOk);
+  EXPECT_FALSE(exists);
+  EXPECT_EQ(AdbCreateDir(phone(), OnPhone("new folder/in").c_str(), cancel_), kOk);
+  EXPECT_EQ(Text("ls -d '" + OnPhone("new folder/in") + "' >/dev/null && echo there"), "there\n");
+  Shell("touch " + phone_folder() + "/file");
+  EXPECT_EQ(AdbChmodFile(phone(), (phone_folder() + "/file").c_str(), "750", cancel_), kOk);
+  EXPECT_EQ(Text("stat -c %a " + phone_folder() + "/file"), "750\n");
+}
+
+TEST_P(Sdk, NamesWhatIsWrongWithAFile) {
+  // Of an old phone the client says "does not exist", which is none of the known texts.
+  EXPECT_EQ(AdbPullFile(phone(), OnPhone("none").c_str(), OnHost("back").c_str(), cancel_),
+            is_legacy() ? 1001 : 25);
+  EXPECT_EQ(AdbCopyFile(phone(), OnPhone("none").c_str(), OnPhone("copy").c_str(), cancel_), 25);
+  REQUIRE_SIMULATED_PHONE("would have to be filled");
+  WriteHostFile(OnHost("file"), std::string(200000, 'x'));
+  AdbPushFile(phone(), OnHost("file").c_str(), OnPhone("file").c_str(), cancel_);
+  SwitchOn("full-storage");
+  EXPECT_EQ(AdbPushFile(phone(), OnHost("file").c_str(), OnPhone("more").c_str(), cancel_), 47);
+  EXPECT_EQ(AdbCopyFile(phone(), OnPhone("file").c_str(), OnPhone("copy").c_str(), cancel_), 47);
+}
+
+TEST_P(Sdk, ReadsTheTimeOfAFileWithoutStat) {
+  REQUIRE_SIMULATED_PHONE("has its stat");
+  Shell("touch -d 2020-01-02T03:04:05 " + OnPhone("file"));
+  SwitchOn("no-stat");
+  unsigned long long time = 0;
+  EXPECT_EQ(AdbGetFileCreateTime(phone(), OnPhone("file").c_str(), &time, cancel_), kOk);
+  EXPECT_EQ(time, 1577934245u);
+}
+
+TEST_P(Sdk, ListsFolders) {
+  Shell("cd " + storage_folder() +
+        " && mkdir -p in && printf 123 > a.jpg && printf 1 > in/b.JPG && printf 1 > 'c d.txt'");
+  EXPECT_EQ(AdbGetDirFiles(phone(), storage_folder().c_str(), &text_, &length_, 1, 1, cancel_), kOk);
+  std::string json = Taken(&text_, length_);
+  EXPECT_THAT(json, HasSubstr("/a.jpg"));
+  EXPECT_THAT(json, HasSubstr("/in/b.JPG"));
+  EXPECT_THAT(json, HasSubstr("/c d.txt"));
+  EXPECT_EQ(AdbGetDirFilesEx(phone(), storage_folder().c_str(), &text_, &length_, 1, 1, cancel_), kOk);
+  EXPECT_THAT(Taken(&text_, length_), HasSubstr("/in/b.JPG"));
+  EXPECT_EQ(AdbGetDirFilesAndDirs(phone(), storage_folder().c_str(), &text_, &length_, 1, 1, cancel_), kOk);
+  EXPECT_THAT(Taken(&text_, length_), HasSubstr("c d.txt"));
+  long long size = 0;
+  EXPECT_EQ(AdbGetDirSize(phone(), storage_folder().c_str(), &size, cancel_), kOk);
+  EXPECT_GT(size, 0);
+}
+
+TEST_P(Sdk, FindsFilesBySuffixWithAndWithoutFind) {
+  Shell("cd " + storage_folder() + " && mkdir -p in && touch a.jpg in/b.JPG c.txt");
+  EXPECT_EQ(AdbGetFilesBySuffix(phone(), storage_folder().c_str(), "jpg;png", &text_, &length_, cancel_),
+            kOk);
+  std::string json = Taken(&text_, length_);
+  EXPECT_THAT(json, HasSubstr("/a.jpg"));
+  EXPECT_THAT(json, HasSubstr("/in/b.JPG"));
+  EXPECT_THAT(json, Not(HasSubstr("c.txt")));
+  REQUIRE_SIMULATED_PHONE("has its find");
+  SwitchOn("no-find");
+  EXPECT_EQ(AdbGetFilesBySuffix(phone(), storage_folder().c_str(), "jpg", &text_, &length_, cancel_), kOk);
+  EXPECT_THAT(Taken(&text_, length_), HasSubstr("/in/b.JPG"));
+}
+
+TEST_P(Sdk, FindsTheStorage) {
+  EXPECT_EQ(AdbGetFirstSDCardPath(phone(), buffer_, sizeof(buffer_), cancel_), kOk);
+  EXPECT_STREQ(buffer_, "/sdcard");
+  unsigned long long free_bytes = 0;
+  EXPECT_EQ(AdbGetStorageFreeSpace(phone(), "/sdcard", &free_bytes, cancel_), kOk);
+  EXPECT_GT(free_bytes, 0u);
+  REQUIRE_SIMULATED_PHONE("may have no card");
+  EXPECT_EQ(AdbSearchSDCardPath(phone(), &text_, &length_, cancel_), kOk);
+  const std::string paths = Taken(&text_, length_);
+  EXPECT_THAT(paths, HasSubstr("/storage/1A2B-3C4D\""));
+  EXPECT_THAT(paths, HasSubstr("/storage/emulated/0\""));
+  EXPECT_THAT(paths, Not(HasSubstr("self")));
+  EXPECT_EQ(AdbSearchExternalSDCardPath(phone(), &text_, &length_, cancel_), kOk);
+  EXPECT_EQ(Taken(&text_, length_), is_legacy() ? "/storage/1A2B-3C4D" : "");
+  SwitchOn("free-space=100M");
+  EXPECT_EQ(AdbGetStorageFreeSpace(phone(), "/sdcard", &free_bytes, cancel_), kOk);
+  EXPECT_EQ(free_bytes, 100u * 1024 * 1024);
+}
+
+TEST_P(Sdk, TakesPictures) {
+  EXPECT_EQ(AdbScreencapToPC(phone(), OnHost("screen.png").c_str(), cancel_), kOk);
+  EXPECT_THAT(ReadHostFile(OnHost("screen.png")), StartsWith("\x89PNG"));
+  EXPECT_EQ(AdbScreencapToDevice(phone(), OnPhone("the screen.png").c_str(), cancel_), kOk);
+  EXPECT_EQ(Text("head -c 4 '" + OnPhone("the screen.png") + "' | tail -c 3"), "PNG");
+}
+
+TEST_P(Sdk, InstallsAsksAboutAndRemovesAnApplication) {
+  const std::string apk = DataFile("notes-1.apk");
+  const char* name = "com.example.notes";
+  bool installed = true;
+  EXPECT_EQ(AdbCheckAppInstalled(phone(), name, &installed, cancel_), kOk);
+  EXPECT_FALSE(installed);
+  EXPECT_EQ(AdbInstallAppFromPCPath(phone(), apk.c_str(), cancel_), kOk);
+  EXPECT_EQ(AdbCheckAppInstalled(phone(), name, &installed, cancel_), kOk);
+  EXPECT_TRUE(installed);
+  EXPECT_EQ(AdbGetAppVersion(phone(), name, buffer_, sizeof(buffer_), cancel_), kOk);
+  EXPECT_STREQ(buffer_, "1.2.0");
+  EXPECT_EQ(AdbGetApkPathOfInstatlled(phone(), name, buffer_, sizeof(buffer_), cancel_), kOk);
+  EXPECT_THAT(buffer_, testing::EndsWith("/base.apk"));
+  EXPECT_EQ(AdbGetApkPathOfInstatlledEx(phone(), name, &text_, &length_, cancel_), kOk);
+  EXPECT_THAT(Taken(&text_, length_), HasSubstr("/base.apk"));
+  EXPECT_EQ(AdbGetPackagesNameOfInstalled(phone(), "-3", &text_, &length_, cancel_), kOk);
+  EXPECT_THAT(Taken(&text_, length_), HasSubstr("package:com.example.notes"));
+  EXPECT_EQ(AdbGetPackagesNameList(phone(), nullptr, &text_, &length_), kOk);
+  EXPECT_THAT(Taken(&text_, length_), HasSubstr("package:com.android.settings"));
+  EXPECT_EQ(AdbStartApp(phone(), "com.example.notes/.MainActivity", nullptr), kOk);
+  EXPECT_EQ(AdbStartApp(phone(), "com.example.notes/.Missing", nullptr), 1);
+  EXPECT_EQ(AdbCheckAppExist(phone(), name, 0, cancel_), kOk);
+  EXPECT_EQ(AdbUninstallApp(phone(), name, 0, cancel_), kOk);
+  EXPECT_EQ(AdbUninstallApp(phone(), name, 0, cancel_), 31);
+  EXPECT_EQ(AdbGetApkPathOfInstatlledEx(phone(), name, &text_, &length_, cancel_), 28);
+  Taken(&text_, length_);
+  const std::string files =
+      "{\"files\": [\"" + DataFile("notes-1.apk") + "\", \"" + DataFile("notes-1-split.apk") + "\"]}";
+  EXPECT_EQ(AdbInstallMultipleAppFromPCPath(phone(), files.c_str(), cancel_), kOk);
+  EXPECT_EQ(AdbUninstallApp(phone(), name, 0, cancel_), kOk);
+}
+
+TEST_P(Sdk, NamesWhyAnInstallationFails) {
+  REQUIRE_SIMULATED_PHONE("fails in its own ways");
+  const std::string apk = DataFile("notes-1.apk");
+  SwitchOn("install-failure=INSTALL_FAILED_TEST_ONLY: installPackageLI");
+  EXPECT_EQ(AdbInstallAppFromPCPath(phone(), apk.c_str(), cancel_), 31);
+  SwitchOn("free-space=100M");
+  EXPECT_EQ(AdbInstallAppFromPCPath(phone(), apk.c_str(), cancel_), 43);
+}
+
+TEST_P(Sdk, AsksForTheCurrentUserWhenRefused) {
+  REQUIRE_SIMULATED_PHONE("has the users that it has");
+  AdbInstallAppFromPCPath(phone(), DataFile("notes-1.apk").c_str(), cancel_);
+  SwitchOn("user-restricted=10");
+  bool installed = false;
+  EXPECT_EQ(AdbCheckAppInstalled(phone(), "com.example.notes", &installed, cancel_), kOk);
+  EXPECT_TRUE(installed);
+}
+
+TEST_P(Sdk, BacksUpAndRestores) {
+  REQUIRE_SIMULATED_PHONE("asks its user first");
+  AdbInstallAppFromPCPath(phone(), DataFile("notes-1.apk").c_str(), cancel_);
+  const std::string note = "/data/data/com.example.notes/files/note";
+  Shell("echo precious > " + note);
+  EXPECT_EQ(AdbBackupApp(phone(), "com.example.notes", OnHost("my notes.ab").c_str(), cancel_), kOk);
+  Shell("rm " + note);
+  EXPECT_EQ(AdbRestoreApp(phone(), OnHost("my notes.ab").c_str(), cancel_), kOk);
+  EXPECT_EQ(Text("cat " + note), "precious\n");
+  EXPECT_EQ(AdbStopDeviceBackupRestoreProcess(phone(), cancel_), kOk);
+}
+
+TEST_P(Sdk, TypesIntoThePhone) {
+  REQUIRE_SIMULATED_PHONE("types it into whatever has the focus");
+  EXPECT_EQ(AdbInputStringToDevice(phone(), "it's $5 & more", cancel_), kOk);
+  EXPECT_EQ(Control({"show", "input"}).output, "text it's $5 & more\n");
+}
+
+struct Heard {
+  std::atomic<bool> line{false};
+  std::atomic<bool> end{false};
+};
+
+TEST_P(Sdk, FollowsAndClearsTheLog) {
+  Heard heard;
+  bool stop = false;
+  void (*on_output)(void*, const char*, int) = [](void* context, const char* data, int length) {
+    auto* to = static_cast<Heard*>(context);
+    if (data == nullptr) {
+      to->end = true;
+    } else if (std::string(data, static_cast<size_t>(length)).find("a line for the test") !=
+               std::string::npos) {
+      to->line = true;
+    }
+  };
+  EXPECT_EQ(AdbClearLogcat(phone(), cancel_), kOk);
+  EXPECT_EQ(AdbLogcatAnsync(phone(), "DarokleimTest:I", reinterpret_cast<void*>(on_output), &heard, &stop),
+            kOk);
+  EXPECT_TRUE(Eventually([&] {
+    Shell("log -t DarokleimTest a line for the test");
+    return heard.line.load();
+  }));
+  __atomic_store_n(&stop, true, __ATOMIC_SEQ_CST);
+  EXPECT_TRUE(Eventually([&] { return heard.end.load(); }));
+}
+
+TEST_P(Sdk, MapsPorts) {
+  EXPECT_EQ(AdbFowardBind(phone(), "18799", "8799"), kOk);
+  EXPECT_THAT(Adb({"forward", "--list"}).output, HasSubstr("tcp:18799 tcp:8799"));
+  // Silence from adb counts as a failure here, and a removal is silent.
+  AdbFowardRemove(phone(), "18799");
+  EXPECT_THAT(Adb({"forward", "--list"}).output, Not(HasSubstr("tcp:18799")));
+  EXPECT_EQ(AdbReverseBind(phone(), "8798", "18798"), kOk);
+  EXPECT_THAT(Adb({"reverse", "--list"}).output, HasSubstr("tcp:8798 tcp:18798"));
+  EXPECT_EQ(AdbReverseRemove(phone(), "8798"), kOk);
+  EXPECT_THAT(Adb({"reverse", "--list"}).output, Not(HasSubstr("tcp:8798")));
+}
+
+TEST_P(Sdk, SeesThePhoneGoAndCome) {
+  REQUIRE_SIMULATED_PHONE("takes minutes to reboot");
+  EXPECT_EQ(AdbAuthenticateShow(phone(), cancel_), 1);
+  EXPECT_TRUE(Eventually([this] { return Text("echo here") == "here\n"; }));
+  EXPECT_EQ(AdbReboot(phone(), cancel_), kOk);
+  EXPECT_TRUE(Eventually(
+      [this] { return AdbGetPhoneSoftVersion(phone(), buffer_, sizeof(buffer_), cancel_) != kOk; }));
+  EXPECT_TRUE(Eventually(
+      [this] { return AdbGetPhoneSoftVersion(phone(), buffer_, sizeof(buffer_), cancel_) == kOk; }));
+  Control({"state", "unauthorized"});
+  EXPECT_EQ(AdbCreateDir(phone(), "/sdcard/x", cancel_), 42);
+  Control({"unplug"});
+  EXPECT_EQ(AdbCreateDir(phone(), "/sdcard/x", cancel_), 24);
+}
+
+TEST_P(Sdk, ReconnectsAndSetsBusyboxUp) {
+  REQUIRE_SIMULATED_PHONE("would be left with another program");
+  EXPECT_EQ(AdbConfigDeviceBusybox(phone(), cancel_), kOk);
+  EXPECT_THAT(Text("/data/local/tmp/busybox echo runs"), StartsWith("runs"));
+  EXPECT_EQ(AdbReconnectDevice(), kOk);
+  EXPECT_EQ(AdbStartDaemon(false, cancel_), kOk);
+  EXPECT_TRUE(Eventually([this] { return Text("echo here") == "here\n"; }));
+}
+
+INSTANTIATE_FOR_PHONES(Sdk);
+
+TEST(SdkMiui, ReadsTheVersionOfEachKind) {
+  for (const auto& [profile, version] : std::vector<std::pair<std::string, std::string>>{
+           {"miui12", "12.10.6.1"}, {"miui125", "12.5.3.0"}, {"miui13", "13.0.4.0"}}) {
+    const SimulatedPhones phones({"XIAOMI1,profile=" + profile + ",su=xbin,android=legacy"});
+    setenv("ANDROID_ADB_SERVER_PORT", phones.port().c_str(), 1);
+    char text[64] = {};
+    EXPECT_EQ(AdbGetMiuiVersion("XIAOMI1", text, sizeof(text), nullptr), kOk);
+    EXPECT_EQ(text, version);
+    EXPECT_EQ(AdbGetMiuiBuildRegin("XIAOMI1", text, sizeof(text), nullptr), kOk);
+    EXPECT_STREQ(text, "cn");
+    bool rooted = false;
+    EXPECT_EQ(IsDeviceHadBeenRooted("XIAOMI1", &rooted, nullptr), kOk);
+    EXPECT_TRUE(rooted);
+  }
+}
+
+}  // namespace
+}  // namespace darokleim::phone_test
