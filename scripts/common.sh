@@ -30,7 +30,7 @@ processors() { getconf _NPROCESSORS_ONLN 2>/dev/null || echo 2; }
 # build_tree DIRECTORY [CMake argument]…: configures a build tree and builds everything in it.
 build_tree() {
   configure_tree "$@"
-  cmake --build "$1" --parallel "$(processors)"
+  show cmake --build "$1" --parallel "$(processors)"
 }
 
 configure_tree() {
@@ -40,7 +40,7 @@ configure_tree() {
   if have ccache; then
     launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
   fi
-  cmake -S "$root" -B "$tree" -G Ninja --log-level=NOTICE -DDAROKLEIM_WERROR=ON \
+  show cmake -S "$root" -B "$tree" -G Ninja --log-level=NOTICE -DDAROKLEIM_WERROR=ON \
     ${launcher[@]+"${launcher[@]}"} "$@"
 }
 
@@ -48,5 +48,5 @@ configure_tree() {
 run_tests() {
   local tree=$1
   shift
-  ctest --test-dir "$tree" --parallel "$(processors)" --output-on-failure --no-tests=error "$@"
+  show ctest --test-dir "$tree" --parallel "$(processors)" --output-on-failure --no-tests=error "$@"
 }
