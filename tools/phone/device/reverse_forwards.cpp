@@ -40,7 +40,7 @@ std::string ReverseForwards::Add(std::string_view addresses) {
   const std::vector<std::string> pieces = Split(addresses, ';');
   if (pieces.size() != 2 || pieces[1].empty()) return Fail("bad forward: " + std::string(addresses));
   const auto wanted = ParseTcpAddress(pieces[0]);
-  if (!wanted) return Fail("cannot bind listener: unknown socket specification: " + pieces[0]);
+  if (!wanted) return Fail("cannot bind listener: only tcp: addresses are known here, not " + pieces[0]);
   for (Forward& existing : forwards_) {
     if (existing.local != pieces[0]) continue;
     if (!rebind) return Fail("cannot rebind existing socket");

@@ -16,7 +16,7 @@ std::string Forwards::Add(const std::string& serial, const std::string& local, c
                           bool rebind, uint16_t* port) {
   *port = 0;
   const auto wanted = ParseTcpAddress(local);
-  if (!wanted) return "cannot bind listener: unknown socket specification: " + local;
+  if (!wanted) return "cannot bind listener: only tcp: addresses are known here, not " + local;
   std::lock_guard lock(mutex_);
   for (Forward& existing : forwards_) {
     if (existing.local != local) continue;
