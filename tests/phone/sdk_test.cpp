@@ -316,11 +316,14 @@ TEST_P(Sdk, FollowsAndClearsTheLog) {
 }
 
 TEST_P(Sdk, MapsPorts) {
-  EXPECT_EQ(AdbFowardBind(phone(), "18799", "8799"), kOk);
-  EXPECT_THAT(Adb({"forward", "--list"}).output, HasSubstr("tcp:18799 tcp:8799"));
+  // A host port of this process's own: other tests run at the same time.
+  const std::string host_port = std::to_string(20000 + getpid() % 10000);
+  const std::string local = "tcp:" + host_port;
+  EXPECT_EQ(AdbFowardBind(phone(), host_port.c_str(), "8799"), kOk);
+  EXPECT_THAT(Adb({"forward", "--list"}).output, HasSubstr(local + " tcp:8799"));
   // Silence from adb counts as a failure here, and a removal is silent.
-  AdbFowardRemove(phone(), "18799");
-  EXPECT_THAT(Adb({"forward", "--list"}).output, Not(HasSubstr("tcp:18799")));
+  AdbFowardRemove(phone(), host_port.c_str());
+  EXPECT_THAT(Adb({"forward", "--list"}).output, Not(HasSubstr(local)));
   EXPECT_EQ(AdbReverseBind(phone(), "8798", "18798"), kOk);
   EXPECT_THAT(Adb({"reverse", "--list"}).output, HasSubstr("tcp:8798 tcp:18798"));
   EXPECT_EQ(AdbReverseRemove(phone(), "8798"), kOk);
