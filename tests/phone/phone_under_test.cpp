@@ -96,7 +96,7 @@ std::string ReadHostFile(const std::string& path) {
 }
 
 std::string DataFile(const std::string& name) {
-  return std::string(DAROKLEIM_PHONE_TEST_DATA) + "/" + name;
+  return DAROKLEIM_PHONE_TEST_DATA "/" + name;
 }
 
 }  // namespace darokleim::phone_test
