@@ -14,23 +14,10 @@ else()
   target_link_libraries(darokleim_gtest INTERFACE GTest::gmock_main GTest::gmock GTest::gtest)
 endif()
 
-# GCC 12 sees `"text" + std::string` write out of bounds where it does not.
-target_compile_options(darokleim_gtest INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds>
-                                                 $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
-
-# What every test includes, compiled once: it is half of the time that tests take to build. Owned by a program,
-# since programs and libraries differ in how their code may be placed.
-file(WRITE "${PROJECT_BINARY_DIR}/empty.cpp" "")
-add_executable(darokleim_test_headers EXCLUDE_FROM_ALL "${PROJECT_BINARY_DIR}/empty.cpp")
-target_link_libraries(darokleim_test_headers PRIVATE darokleim_options darokleim_gtest)
-target_precompile_headers(darokleim_test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h> <filesystem> <functional>
-                          <regex> <string> <vector>)
-
 function(darokleim_test)
   cmake_parse_arguments(ARG "" "NAME" "SOURCES;LIBRARIES;PROPERTIES" ${ARGN})
   add_executable(${ARG_NAME} ${ARG_SOURCES})
   target_link_libraries(${ARG_NAME} PRIVATE darokleim_options darokleim_gtest ${ARG_LIBRARIES})
-  target_precompile_headers(${ARG_NAME} REUSE_FROM darokleim_test_headers)
   set_target_properties(${ARG_NAME} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests")
   gtest_discover_tests(${ARG_NAME} TEST_PREFIX "${ARG_NAME}." DISCOVERY_TIMEOUT 60
                        PROPERTIES TIMEOUT 120 ${ARG_PROPERTIES})
