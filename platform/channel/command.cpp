@@ -2,10 +2,13 @@
 
 #include <algorithm>
 
+#include "platform/channel/adb_commands.h"
 #include "platform/channel/device_quoting.h"
 
 namespace darokleim::channel {
 namespace {
+
+constexpr std::string_view kShell = "shell";
 
 enum class OptionForm { kNone, kAlone, kTakesNextWord };
 
@@ -47,6 +50,25 @@ bool ReadUpToCommandWord(WordSplitter* splitter, Command* command) {
   return false;
 }
 
+void ReadPlainly(WordSplitter* splitter, std::vector<Word>* words) {
+  for (Word word; splitter->Next(&word);) words->push_back(std::move(word));
+}
+
+// Where the SDK puts paths between quotes, they are read as they are; everything else by the rules. words: what
+// came before, of a shell command.
+void ReadAsMeant(WordSplitter* splitter, const Command& command, std::vector<Word>* words) {
+  Word word;
+  while (!splitter->AtQuote() && splitter->Next(&word)) words->push_back(std::move(word));
+  const bool shell = command.name == kShell;
+  const OperandForm form = shell ? FindDeviceCommand(*words).operands : FindAdbOperands(command.name);
+  const size_t first = words->size();
+  splitter->NextOperands(form, words);
+  if (shell && form.quotes.opening == kDoubleQuotes.opening) {
+    for (size_t i = first; i < words->size(); ++i) RemoveOwnQuotes(&(*words)[i].text);
+  }
+  while (shell ? splitter->NextAsMeant(&word) : splitter->Next(&word)) words->push_back(std::move(word));
+}
+
 }  // namespace
 
 Command ReadCommand(std::string_view arguments, Assist assist) {
@@ -54,18 +76,23 @@ Command ReadCommand(std::string_view arguments, Assist assist) {
   WordSplitter splitter(arguments);
   if (!ReadUpToCommandWord(&splitter, &command)) return command;
 
-  const bool shell = command.name == "shell";
-  const bool assisted = shell && assist == Assist::kOn;
-  std::vector<Word> device_words;
-  if (shell && command.words.back() != command.name) device_words = SplitWords(command.words.back());
-
-  Word word;
-  while (assisted ? splitter.NextAsMeant(&word) : splitter.Next(&word)) {
-    command.words.push_back(assisted && word.quoted ? QuoteForDevice(word.text) : word.text);
-    if (shell) device_words.push_back(std::move(word));
+  const bool shell = command.name == kShell;
+  const bool assisted = assist == Assist::kOn;
+  std::vector<Word> words;
+  if (shell && command.words.back() != command.name) words = SplitWords(command.words.back());
+  const size_t first = words.size();
+  if (assisted) {
+    ReadAsMeant(&splitter, command, &words);
+  } else {
+    ReadPlainly(&splitter, &words);
   }
-  if (shell) command.device = FindDeviceCommand(device_words);
-  if (assisted) command.line_ends = command.device.line_ends;
+
+  if (shell) command.device = FindDeviceCommand(words);
+  if (shell && assisted) command.line_ends = command.device.line_ends;
+  for (size_t i = first; i < words.size(); ++i) {
+    const bool quote = shell && assisted && words[i].quoted;
+    command.words.push_back(quote ? QuoteForDevice(words[i].text) : std::move(words[i].text));
+  }
   return command;
 }
 

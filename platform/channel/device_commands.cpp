@@ -15,27 +15,30 @@ struct KnownCommand {
   DeviceCommand properties;
 };
 
+constexpr OperandForm kOnePath = {OperandCount::kOne, kDoubleQuotes};
+constexpr OperandForm kOneJoinedPath = {OperandCount::kOne, kDoubledDoubleQuotes};
+
 // Every other command is taken for one that is silent when it succeeds.
 constexpr KnownCommand kKnownCommands[] = {
     {"am", {Answer::kText, LineEnds::kLf}},
     {"date", {Answer::kText, LineEnds::kLf}},
     {"df", {Answer::kText, LineEnds::kLf}},
-    {"du", {Answer::kText, LineEnds::kLf}},
+    {"du", {Answer::kText, LineEnds::kLf, kOneJoinedPath}},
     {"dumpsys", {Answer::kText, LineEnds::kLf}},
     {"find", {Answer::kText, LineEnds::kLf}},
     {"getprop", {Answer::kText, LineEnds::kCrLf}},
     {"ip", {Answer::kText, LineEnds::kLf}},
-    {"ls", {Answer::kText, LineEnds::kLf}},  // but see LineEndsOfListing
-    {"pm", {Answer::kText, LineEnds::kLf}},
-    {"stat", {Answer::kText, LineEnds::kCrLf}},
+    {"ls", {Answer::kText, LineEnds::kLf, kOneJoinedPath}},  // but see LineEndsOfListing
+    {"pm", {Answer::kText, LineEnds::kLf, {OperandCount::kOne, kDoubleInSingleQuotes}}},
+    {"stat", {Answer::kText, LineEnds::kCrLf, kOneJoinedPath}},
 
     {"chmod", {Answer::kExitStatus, LineEnds::kLf}},
-    {"cp", {Answer::kExitStatus, LineEnds::kLf}},
-    {"input", {Answer::kExitStatus, LineEnds::kLf}},
-    {"mkdir", {Answer::kExitStatus, LineEnds::kLf}},
-    {"mv", {Answer::kExitStatus, LineEnds::kLf}},
-    {"rm", {Answer::kExitStatus, LineEnds::kLf}},
-    {"screencap", {Answer::kExitStatus, LineEnds::kLf}},
+    {"cp", {Answer::kExitStatus, LineEnds::kLf, {OperandCount::kTwo, kDoubleQuotes}}},
+    {"input", {Answer::kExitStatus, LineEnds::kLf, kOnePath}},
+    {"mkdir", {Answer::kExitStatus, LineEnds::kLf, kOneJoinedPath}},
+    {"mv", {Answer::kExitStatus, LineEnds::kLf, {OperandCount::kTwo, kSingleInDoubleQuotes}}},
+    {"rm", {Answer::kExitStatus, LineEnds::kLf, kOnePath}},
+    {"screencap", {Answer::kExitStatus, LineEnds::kLf, kOnePath}},
 };
 
 bool IsOption(const Word& word) {

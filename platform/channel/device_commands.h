@@ -1,10 +1,11 @@
-// What is known of the commands of the device's shell: whether they answer by what they print, and which line
-// ends the SDK reads their output with.
+// What is known of the commands of the device's shell: whether they answer by what they print, which line ends
+// the SDK reads their output with, and how it writes their paths.
 #ifndef DAROKLEIM_PLATFORM_CHANNEL_DEVICE_COMMANDS_H
 #define DAROKLEIM_PLATFORM_CHANNEL_DEVICE_COMMANDS_H
 
 #include <vector>
 
+#include "platform/channel/quoted_operands.h"
 #include "platform/channel/word_splitter.h"
 
 namespace darokleim::channel {
@@ -23,6 +24,7 @@ enum class LineEnds {
 struct DeviceCommand {
   Answer answer = Answer::kExitStatus;
   LineEnds line_ends = LineEnds::kLf;
+  OperandForm operands = {};
 };
 
 // words: what follows adb's `shell`, one or more commands; the first one counts.

@@ -26,10 +26,6 @@ size_t FindClosingQuote(std::string_view text) {
   return kNone;
 }
 
-bool EndsWordAt(std::string_view text, size_t position) {
-  return position == text.size() || IsBlank(text[position]);
-}
-
 void UnescapeDoubleQuoted(std::string_view inside, std::string* text) {
   for (size_t i = 0; i < inside.size(); ++i) {
     if (inside[i] == '\\' && i + 1 < inside.size() && (inside[i + 1] == '"' || inside[i + 1] == '\\')) ++i;
@@ -37,17 +33,9 @@ void UnescapeDoubleQuoted(std::string_view inside, std::string* text) {
   }
 }
 
-// `'…'` and `"…"`, as the text of a word: quotes meant for the device's shell.
-bool HasQuotesOfItsOwn(std::string_view text) {
-  return text.size() >= 2 && (text.front() == '\'' || text.front() == '"') && text.front() == text.back();
-}
-
-struct QuotePair {
-  std::string_view opening, closing;
-};
 // Longest first: `""/a""` opens with two quotes, not with an empty pair.
 constexpr std::array<QuotePair, 4> kQuotePairs = {
-    {{"\"\"", "\"\""}, {"\"'", "'\""}, {"'\"", "\"'"}, {"\"", "\""}}};
+    {kDoubledDoubleQuotes, kSingleInDoubleQuotes, kDoubleInSingleQuotes, kDoubleQuotes}};
 
 size_t FindClosingBeforeBlank(std::string_view text, const QuotePair& pair) {
   size_t at = text.find(pair.closing, pair.opening.size());
@@ -56,6 +44,10 @@ size_t FindClosingBeforeBlank(std::string_view text, const QuotePair& pair) {
 }
 
 }  // namespace
+
+bool EndsWordAt(std::string_view text, size_t position) {
+  return position == text.size() || IsBlank(text[position]);
+}
 
 bool WordSplitter::SkipBlanks() {
   rest_.remove_prefix(std::min(rest_.find_first_not_of(kBlanks), rest_.size()));
@@ -106,7 +98,7 @@ bool WordSplitter::ReadQuotedWhole(Word* word) {
   const size_t closing = FindClosingQuote(rest_);
   if (closing == kNone || !EndsWordAt(rest_, closing + 1)) return false;
   ReadPlain(word);
-  if (HasQuotesOfItsOwn(word->text)) word->text = word->text.substr(1, word->text.size() - 2);
+  RemoveOwnQuotes(&word->text);
   return true;
 }
 
@@ -125,6 +117,21 @@ bool WordSplitter::ReadMeant(Word* word) {
     return true;
   }
   return false;
+}
+
+bool WordSplitter::AtQuote() {
+  return SkipBlanks() && (rest_.front() == '\'' || rest_.front() == '"');
+}
+
+void WordSplitter::NextOperands(const OperandForm& form, std::vector<Word>* words) {
+  const QuotedOperands found = ReadQuotedOperands(rest_, form);
+  for (const std::string_view operand : found.operands) words->push_back({std::string(operand), true});
+  rest_.remove_prefix(found.length);
+}
+
+void RemoveOwnQuotes(std::string* text) {
+  if (text->size() < 2 || text->front() != text->back()) return;
+  if (text->front() == '\'' || text->front() == '"') *text = text->substr(1, text->size() - 2);
 }
 
 std::vector<Word> SplitWords(std::string_view text) {

@@ -11,9 +11,14 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/channel/quoted_operands.h"
+
 namespace darokleim::channel {
 
 constexpr std::string_view kBlanks = " \t\n";
+
+// Whether position is a blank or the end of text.
+bool EndsWordAt(std::string_view text, size_t position);
 
 struct Word {
   std::string text;     // quotes and escapes removed
@@ -34,6 +39,11 @@ class WordSplitter {
   // has no such end, is read by them.
   bool NextAsMeant(Word* word);
 
+  // Whether the next word begins with a quote.
+  bool AtQuote();
+  // Appends the operands that come next, if they have this form; leaves the text as it is otherwise.
+  void NextOperands(const OperandForm& form, std::vector<Word>* words);
+
  private:
   bool SkipBlanks();
   void ReadPlain(Word* word);
@@ -44,6 +54,9 @@ class WordSplitter {
   // For each kind of quote of NextAsMeant: no closing one stands in the rest, so looking again is useless.
   std::array<bool, 4> closed_no_more_ = {};
 };
+
+// Takes `'…'` or `"…"` off a text: quotes that were meant for the device's shell.
+void RemoveOwnQuotes(std::string* text);
 
 std::vector<Word> SplitWords(std::string_view text);
 

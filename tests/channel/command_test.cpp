@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include "platform/channel/device_quoting.h"
+
 namespace darokleim::channel {
 namespace {
 
@@ -73,6 +75,80 @@ TEST(AssistedCommand, QuotesWhatWasQuoted) {
   EXPECT_THAT(Assisted(R"(shell pm install -r '"/a b.apk"')").words,
               ElementsAre("shell", "pm", "install", "-r", "'/a b.apk'"));
   EXPECT_THAT(Assisted(R"(shell ls "")").words, ElementsAre("shell", "ls", "''"));
+}
+
+// The text of each command that the SDK makes around a path, and where the path stands among the words.
+struct Form {
+  std::string before, after;
+  size_t word;
+};
+
+TEST(AssistedCommand, KeepsAPathWhole) {
+  const Form shell_forms[] = {{"shell rm \"", "\"", 2},
+                              {"shell screencap -p \"", "\"", 3},
+                              {"shell input text \"", "\"", 3},
+                              {"shell mkdir -p \"\"", "\"\"", 3},
+                              {"shell ls \"\"", "\"\"", 2},
+                              {"shell ls -l -R  \"\"", "\"\"", 4},
+                              {"shell stat \"\"", "\"\"", 2},
+                              {"shell stat -c %Y \"\"", "\"\"", 4},
+                              {"shell du -s \"\"", "\"\"", 3},
+                              {"shell pm install -r '\"", "\"'", 4},
+                              {"shell cp \"", "\" \"/to\"", 2},
+                              {"shell cp \"/from\" \"", "\"", 3},
+                              {"shell mv \"'", "'\" \"'/to'\"", 2},
+                              {"shell mv \"'/from'\" \"'", "'\"", 3}};
+  const Form adb_forms[] = {{"push --sync \"", "\" \"/to\"", 2},
+                            {"push --sync \"/from\" \"", "\"", 3},
+                            {"pull -a \"", "\" \"/to\"", 2},
+                            {"pull -a \"/from\" \"", "\"", 3},
+                            {"ls \"", "\"", 1},
+                            {"backup -f \"", "\" -noapk -nosystem com.example", 2},
+                            {"restore \"", "\"", 1},
+                            {"install-multiple -r \"", "\" \"/split.apk\"", 2},
+                            {"install-multiple -r \"/base.apk\" \"", "\"", 3}};
+  for (const char* path :
+       {"/a", "/5\" disk", "/5\" disk \"x", "/a\"", "/a\" ", "/\"a\" b", "/it's", "/'a' b", "/a\\", "/a\\\\b",
+        "/a\\\" b", "/a $x & (b); *", "/a\nb\"\nc", "/ ", "/a\"\" b", "/a'\" b", "/a\"' b", "/a\xff"}) {
+    for (const Form& form : shell_forms) {
+      const Command command = Assisted("-s X " + form.before + path + form.after);
+      ASSERT_GT(command.words.size(), form.word + 2) << form.before << path;
+      EXPECT_EQ(command.words[form.word + 2], QuoteForDevice(path)) << form.before;
+    }
+    for (const Form& form : adb_forms) {
+      // Of any number of paths nobody can tell where one ends that ends like this.
+      if (form.before.rfind("install-multiple", 0) == 0 && std::string_view(path) == "/a\" ") continue;
+      const Command command = Assisted("-s X " + form.before + path + form.after);
+      ASSERT_GT(command.words.size(), form.word + 2) << form.before << path;
+      EXPECT_EQ(command.words[form.word + 2], path) << form.before;
+    }
+  }
+}
+
+TEST(AssistedCommand, KeepsTheWordsBehindAPath) {
+  EXPECT_THAT(Assisted(R"(backup -f "/my "5" b.ab" -noapk -nosystem com.example)").words,
+              ElementsAre("backup", "-f", R"(/my "5" b.ab)", "-noapk", "-nosystem", "com.example"));
+  EXPECT_THAT(Assisted(R"(install-multiple -r "/a" b" "/c d" "/e")").words,
+              ElementsAre("install-multiple", "-r", R"(/a" b)", "/c d", "/e"));
+  EXPECT_THAT(Assisted(R"(shell rm "/a b" )").words, ElementsAre("shell", "rm", "'/a b'"));
+}
+
+TEST(AssistedCommand, HasOneOperandWhereTheSdkGivesOne) {
+  EXPECT_THAT(Assisted(R"(shell rm "/a" "/b")").words, ElementsAre("shell", "rm", R"('/a" "/b')"))
+      << "no other file is removed";
+  EXPECT_THAT(Assisted(R"(shell rm "'/a b'")").words, ElementsAre("shell", "rm", "'/a b'"))
+      << "but quotes around it are for the device";
+  EXPECT_THAT(Assisted(R"(shell rm "" "")").words, ElementsAre("shell", "rm", "' '"));
+}
+
+TEST(AssistedCommand, PartsTwoPathsWhereOnlyOnePlaceCanBeMeant) {
+  EXPECT_THAT(Assisted(R"(shell cp "/a" "b" "/c")").words, ElementsAre("shell", "cp", R"('/a" "b')", "'/c'"))
+      << "both are absolute";
+  EXPECT_THAT(Assisted(R"(shell cp "a" "b")").words, ElementsAre("shell", "cp", "'a'", "'b'"));
+  EXPECT_THAT(Assisted(R"(shell cp "/a" "/b" "/c")").words,
+              ElementsAre("shell", "cp", "'/a'", "'/b'", "'/c'"))
+      << "as it stands: nobody can tell";
+  EXPECT_THAT(Assisted(R"(shell cp "/a b" /c)").words, ElementsAre("shell", "cp", "'/a b'", "/c"));
 }
 
 TEST(AssistedCommand, LeavesTheRestAlone) {

@@ -23,11 +23,24 @@ void RequireThatQuotedWordsSplitBack(const std::vector<Word>& words) {
   for (size_t i = 0; i < words.size(); ++i) Require(again[i].text == words[i].text && again[i].quoted);
 }
 
-void RequireThatDoubledQuotesKeepAPath(const std::string& path) {
-  if (path.find("\"\"") != std::string::npos || path.find_first_of(kBlanks) == 0) return;
-  if (!path.empty() && (path.front() == '"' || path.back() == '"')) return;
-  const Command command = ReadCommand("shell rm \"\"" + path + "\"\"", Assist::kOn);
-  Require(command.words.size() == 3 && command.words[2] == QuoteForDevice(path));
+// Whatever it holds, quotes included; but those around the whole path are taken off where the SDK uses just a pair.
+void RequireThatAPathStaysWhole(const std::string& path) {
+  for (const char* quotes : {"shell ls \"\"", "shell stat -c %Y \"\""}) {
+    Require(ReadCommand(quotes + path + "\"\"", Assist::kOn).words.back() == QuoteForDevice(path));
+  }
+  for (const char* command : {"ls", "restore"}) {
+    Require(ReadCommand(command + (" \"" + path) + '"', Assist::kOn).words.back() == path);
+  }
+  std::string unquoted = path;
+  RemoveOwnQuotes(&unquoted);
+  Require(ReadCommand("shell rm \"" + path + '"', Assist::kOn).words.back() == QuoteForDevice(unquoted));
+}
+
+// Two paths, where the text says where the first one ends.
+void RequireThatTwoPathsStayWhole(const std::string& path) {
+  if (("\"" + path + "\"").find("\" \"") != std::string::npos) return;
+  const Command command = ReadCommand("push --sync \"" + path + "\" \"/" + path + '"', Assist::kOn);
+  Require(command.words.size() == 4 && command.words[2] == path && command.words[3] == '/' + path);
 }
 
 }  // namespace
@@ -45,6 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   for (const Assist assist : {Assist::kOff, Assist::kOn}) {
     for (const char* prefix : {"", " -s X shell "}) ReadCommand(prefix + text, assist);
   }
-  RequireThatDoubledQuotesKeepAPath(text);
+  RequireThatAPathStaysWhole(text);
+  RequireThatTwoPathsStayWhole(text);
   return 0;
 }
