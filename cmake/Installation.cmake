@@ -1,0 +1,53 @@
+# What `cmake --install` puts where, for the libraries and what their users build with; the tools install themselves
+# beside their sources. The tree may be moved as a whole: nothing in it names the place it was installed to.
+include(CMakePackageConfigHelpers)
+
+# The channel and the log keep the bare file names under which others can take their place.
+set_target_properties(darokleim PROPERTIES VERSION "${PROJECT_VERSION}" SOVERSION "${PROJECT_VERSION_MAJOR}")
+set_target_properties(_adb_communcation PROPERTIES EXPORT_NAME channel)
+set_target_properties(VexoLogSDK PROPERTIES EXPORT_NAME log)
+
+if(APPLE)
+  set(own_folder "@loader_path")
+else()
+  set(own_folder "$ORIGIN")
+endif()
+file(RELATIVE_PATH bin_to_lib "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+set_target_properties(darokleim _adb_communcation VexoLogSDK PROPERTIES INSTALL_RPATH "${own_folder}")
+if(TARGET darokleim_cli)
+  set_target_properties(darokleim_cli PROPERTIES INSTALL_RPATH "${own_folder}/${bin_to_lib}")
+endif()
+
+set(package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/darokleim")
+set(header_folder "${CMAKE_INSTALL_INCLUDEDIR}/darokleim")
+
+install(TARGETS darokleim _adb_communcation VexoLogSDK EXPORT darokleimTargets
+        LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+install(EXPORT darokleimTargets NAMESPACE darokleim:: DESTINATION "${package_folder}")
+
+# The archive's users bring JsonCpp, which must be of the kind that it was compiled with.
+if(NOT DAROKLEIM_JSONCPP_SOURCE)
+  install(TARGETS darokleim_static EXPORT darokleimStaticTargets
+          ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+  install(EXPORT darokleimStaticTargets NAMESPACE darokleim:: DESTINATION "${package_folder}")
+endif()
+
+install(FILES "${PROJECT_SOURCE_DIR}/include/darokleim.h" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+# In a folder of its own: Clang reads every file of that name that it finds on its way.
+install(FILES "${PROJECT_SOURCE_DIR}/cmake/package/module.modulemap" DESTINATION "${header_folder}")
+# For those who write a channel or a log of their own.
+install(FILES "${PROJECT_SOURCE_DIR}/src/platform/command_channel.h"
+              "${PROJECT_SOURCE_DIR}/src/platform/log_library.h" DESTINATION "${header_folder}")
+
+configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/package/darokleimConfig.cmake.in"
+                              "${PROJECT_BINARY_DIR}/package/darokleimConfig.cmake"
+                              INSTALL_DESTINATION "${package_folder}")
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/package/darokleimConfigVersion.cmake"
+                                 COMPATIBILITY SameMajorVersion)
+install(FILES "${PROJECT_BINARY_DIR}/package/darokleimConfig.cmake"
+              "${PROJECT_BINARY_DIR}/package/darokleimConfigVersion.cmake" DESTINATION "${package_folder}")
+
+file(RELATIVE_PATH pkgconfig_to_prefix "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+string(REGEX REPLACE "/$" "" pkgconfig_to_prefix "${pkgconfig_to_prefix}")
+configure_file("${PROJECT_SOURCE_DIR}/cmake/package/darokleim.pc.in" "${PROJECT_BINARY_DIR}/package/darokleim.pc" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/package/darokleim.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
