@@ -30,6 +30,13 @@ TEST(Table, CountsCharactersNotBytes) {
   EXPECT_EQ(table.Text(), "f\xc3\xbcr   1\nabcd  2\n");
 }
 
+TEST(Table, CountsNoPlacesForColours) {
+  Table table;
+  table.AddRow({"\x1b[1;34mab\x1b[0m", "1"});
+  table.AddRow({"abcd", "2"});
+  EXPECT_EQ(table.Text(), "\x1b[1;34mab\x1b[0m    1\nabcd  2\n");
+}
+
 TEST(Table, OfNothingIsEmpty) {
   EXPECT_EQ(Table().Text(), "");
 }

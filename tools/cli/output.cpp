@@ -1,14 +1,56 @@
 #include "output.h"
 
 #include <errno.h>
+#include <stdlib.h>
 #include <unistd.h>
 
 #include "cancel_on_signal.h"
 #include "errors.h"
 #include "json.h"
 #include "system_error.h"
+#include "terminal_text.h"
 
 namespace darokleim {
+namespace {
+
+bool ColoursAreWanted() {
+  const char* no_color = getenv("NO_COLOR");
+  const char* terminal = getenv("TERM");
+  return (no_color == nullptr || *no_color == '\0') && terminal != nullptr &&
+         std::string_view(terminal) != "dumb";
+}
+
+const char* SequenceFor(Colour colour) {
+  switch (colour) {
+    case Colour::kFolder:
+      return "\x1b[1;34m";
+    case Colour::kFaint:
+      return "\x1b[2m";
+    case Colour::kGood:
+      return "\x1b[32m";
+    case Colour::kBad:
+      return "\x1b[31m";
+  }
+  return "";
+}
+
+constexpr char kEndOfColour[] = "\x1b[0m";
+
+}  // namespace
+
+Output::Output(int descriptor)
+    : descriptor_(descriptor),
+      is_terminal_(isatty(descriptor) == 1),
+      has_colours_(is_terminal_ && ColoursAreWanted()) {}
+
+std::string Output::Shown(std::string_view text) const {
+  return is_terminal_ ? EscapeControls(text) : std::string(text);
+}
+
+std::string Output::Painted(Colour colour, std::string_view text) const {
+  if (!has_colours_) return std::string(text);
+  return SequenceFor(colour) + std::string(text) + kEndOfColour;
+}
 
 void Output::Write(std::string_view text) {
   while (!text.empty()) {

@@ -132,7 +132,7 @@ std::string DescribeSignal(int code) {
 std::string DescribeResult(int code) {
   if (const auto* text = Find(kResultTexts, code)) return Describe(*text);
   if (const auto* text = Find(kChannelTexts, code)) return Describe(*text);
-  if (code >= kExitStatusBase && code < kSignalBase) return DescribeExitStatus(code);
+  if (IsExitStatus(code)) return DescribeExitStatus(code);
   if (code >= kSignalBase && code < kFirstOwnStatus) return DescribeSignal(code);
   return "unknown result (" + std::to_string(code) +
          "): a command channel that is not this tool's own may have such numbers.";
@@ -140,6 +140,10 @@ std::string DescribeResult(int code) {
 
 bool IsChannelStatus(int code) {
   return code >= kExitStatusBase;
+}
+
+bool IsExitStatus(int code) {
+  return code >= kExitStatusBase && code < kSignalBase;
 }
 
 }  // namespace darokleim

@@ -13,6 +13,9 @@ std::string DescribeResult(int code);
 // Whether the code is a status of the command channel, which says how running adb itself went.
 bool IsChannelStatus(int code);
 
+// Whether the code is the exit status of adb, or of the command on the device, and nothing more is known.
+bool IsExitStatus(int code);
+
 }  // namespace darokleim
 
 #endif  // DAROKLEIM_TOOLS_CLI_RESULT_TEXT_H

@@ -10,6 +10,7 @@ namespace darokleim {
 
 // As given on the command line; empty where not.
 struct SessionOptions {
+  std::string serial;
   std::string adb;
   std::string busybox;
   std::string log_directory;

@@ -5,6 +5,9 @@
 #include <unistd.h>
 
 #include <iostream>
+#include <string>
+
+#include "terminal_text.h"
 
 namespace darokleim {
 
@@ -29,7 +32,9 @@ int TakeStandardOutput() {
 }
 
 void PrintError(std::string_view message) {
-  std::cerr << "darokleim: " << message << std::endl;
+  const bool on_terminal = isatty(STDERR_FILENO) == 1;
+  std::cerr << "darokleim: " << (on_terminal ? EscapeControls(message, "\n") : std::string(message))
+            << std::endl;
 }
 
 }  // namespace darokleim

@@ -8,9 +8,24 @@ namespace {
 
 constexpr std::size_t kGap = 2;  // blanks between two columns
 
+constexpr char kEscape = '\x1b';
+
+bool StartsCharacter(char byte) {
+  return (static_cast<unsigned char>(byte) & 0xc0) != 0x80;
+}
+
+// Colours, "ESC [ … m", take no place.
 std::size_t Width(std::string_view cell) {
-  const auto starts_character = [](char byte) { return (static_cast<unsigned char>(byte) & 0xc0) != 0x80; };
-  return static_cast<std::size_t>(std::count_if(cell.begin(), cell.end(), starts_character));
+  std::size_t width = 0;
+  for (std::size_t i = 0; i < cell.size(); ++i) {
+    const auto end = cell[i] == kEscape ? cell.find('m', i) : std::string_view::npos;
+    if (end != std::string_view::npos) {
+      i = end;
+    } else if (StartsCharacter(cell[i])) {
+      ++width;
+    }
+  }
+  return width;
 }
 
 }  // namespace

@@ -7,7 +7,8 @@
 
 namespace darokleim {
 
-// Rows of text in aligned columns. Each character of a UTF-8 text counts as one place.
+// Rows of text in aligned columns. Each character of a UTF-8 text counts as one place, colours as
+// none.
 class Table {
  public:
   void AddRow(std::vector<std::string> cells) { rows_.push_back(std::move(cells)); }

@@ -22,6 +22,11 @@ Exit status: 0 done, 1 failed, 2 wrong usage, 130 cancelled with Ctrl-C.)";
 void AddGlobalOptions(CLI::App& app, Tool& tool) {
   auto& options = tool.session_options();
   app.set_version_flag("--version", "darokleim " DAROKLEIM_VERSION, "Print the version and exit");
+  app.add_option("-s,--serial", options.serial,
+                 "The device, as `darokleim devices` shows it; otherwise that of ANDROID_SERIAL, or the only "
+                 "one that is ready")
+      ->type_name("SERIAL");
+  app.add_flag("-q,--quiet", tool.quiet(), "Print neither progress nor reports of success");
   app.add_option(
          "--adb", options.adb,
          "The adb executable; otherwise looked for beside the tool, in PATH, and where the Android SDK and "
@@ -62,6 +67,15 @@ void Tool::OnRun(CLI::App& command, std::function<void()> action) {
 Session& Tool::session() {
   if (!session_) session_.emplace(session_options_);
   return *session_;
+}
+
+const Device& Tool::device() {
+  if (!device_) device_.emplace(ChooseDevice(session(), session_options_.serial));
+  return *device_;
+}
+
+void Tool::Report(std::string_view line) {
+  if (!quiet_) output_.Write(std::string(line) + "\n");
 }
 
 int RunTool(int argc, const char* const* argv) try {

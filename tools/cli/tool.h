@@ -6,7 +6,9 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
+#include "device.h"
 #include "output.h"
 #include "session.h"
 
@@ -22,15 +24,24 @@ class Tool {
 
   // The library, started at the first call.
   Session& session();
+  // The device that the user chose, or the only one.
+  const Device& device();
   Output& output() { return output_; }
   SessionOptions& session_options() { return session_options_; }
+
+  // Whether progress and reports of success are unwanted.
+  bool& quiet() { return quiet_; }
+  // Prints a line about what was done, unless that is unwanted.
+  void Report(std::string_view line);
 
   void RunChosenCommand() const { action_(); }
 
  private:
   Output output_;
   SessionOptions session_options_;
+  bool quiet_ = false;
   std::optional<Session> session_;
+  std::optional<Device> device_;
   std::function<void()> action_;
 };
 

@@ -1,0 +1,43 @@
+#include "terminal_text.h"
+
+#include <gtest/gtest.h>
+
+namespace darokleim {
+namespace {
+
+TEST(EscapeControls, LeavesTextOfAnyLanguage) {
+  EXPECT_EQ(EscapeControls("a b\\c"), "a b\\c");
+  EXPECT_EQ(EscapeControls("f\xc3\xbcr \xe7\x85\xa7\xe7\x89\x87 \xf0\x9f\x93\xb7"),
+            "f\xc3\xbcr \xe7\x85\xa7\xe7\x89\x87 \xf0\x9f\x93\xb7");
+}
+
+TEST(EscapeControls, DisarmsControlCharacters) {
+  EXPECT_EQ(EscapeControls("a\nb\tc\rd"), "a\\nb\\tc\\rd");
+  EXPECT_EQ(EscapeControls("\x1b[2J"), "\\x1b[2J");
+  EXPECT_EQ(EscapeControls(std::string_view("\0\x7f", 2)), "\\x00\\x7f");
+  EXPECT_EQ(EscapeControls("\xc2\x9b"), "\\xc2\\x9b");
+}
+
+TEST(EscapeControls, KeepsThoseThatAreAskedFor) {
+  EXPECT_EQ(EscapeControls("a\nb\t", "\n"), "a\nb\\t");
+}
+
+TEST(EscapeControls, ShowsBytesThatAreNotUtf8) {
+  EXPECT_EQ(EscapeControls("\xff"), "\\xff");
+  EXPECT_EQ(EscapeControls("caf\xe9"), "caf\\xe9");
+  EXPECT_EQ(EscapeControls("\xe7\x85"), "\\xe7\\x85");
+}
+
+TEST(LengthOfCharacter, KnowsNoOverlongFormsAndSurrogates) {
+  EXPECT_EQ(LengthOfCharacter(""), 0u);
+  EXPECT_EQ(LengthOfCharacter("\xc3\xbc"), 2u);
+  EXPECT_EQ(LengthOfCharacter("\xc0\xaf"), 0u);
+  EXPECT_EQ(LengthOfCharacter("\xe0\x80\xaf"), 0u);
+  EXPECT_EQ(LengthOfCharacter("\xed\xa0\x80"), 0u);
+  EXPECT_EQ(LengthOfCharacter("\xf0\x80\x80\x80"), 0u);
+  EXPECT_EQ(LengthOfCharacter("\xf4\x90\x80\x80"), 0u);
+  EXPECT_EQ(LengthOfCharacter("\xf0\x9f\x93\xb7"), 4u);
+}
+
+}  // namespace
+}  // namespace darokleim

@@ -1,0 +1,84 @@
+#include "device.h"
+
+#include <stdlib.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "cancel_on_signal.h"
+#include "device_list.h"
+#include "errors.h"
+#include "result_text.h"
+
+namespace darokleim {
+namespace {
+
+constexpr char kHowToName[] = "Name one with -s SERIAL or in ANDROID_SERIAL.";
+constexpr char kUnlisted[] =
+    "Emulators and devices reached over the network are not listed; they have to be named.";
+
+bool IsAsciiLetterOrDigit(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+
+// Whether the library lists devices with such serial numbers.
+bool IsListed(const std::string& serial) {
+  return std::all_of(serial.begin(), serial.end(), IsAsciiLetterOrDigit);
+}
+
+// The serial number goes into adb's command as it is, so it must be one word and no option.
+void CheckSerial(const std::string& serial, const std::string& source) {
+  const auto allowed = [](char c) {
+    return IsAsciiLetterOrDigit(c) || std::string("._:-[]%@+=/,#~").find(c) != std::string::npos;
+  };
+  if (serial.empty() || serial.front() == '-' || !std::all_of(serial.begin(), serial.end(), allowed)) {
+    throw ToolError("\"" + serial + "\" (from " + source + ") is no serial number. See `darokleim devices`.");
+  }
+}
+
+std::string TheOnlyUsable(const Session& session) {
+  const auto devices = ListDevices(session);
+  if (devices.empty()) {
+    throw ToolError(std::string(kNoDeviceAdvice) + kUnlisted + " " + kHowToName);
+  }
+  const auto usable = std::count_if(devices.begin(), devices.end(), IsUsable);
+  if (usable == 1) return std::find_if(devices.begin(), devices.end(), IsUsable)->serial;
+  if (usable == 0) throw ToolError("no attached device is ready:\n" + DeviceTable(devices) + kUnlisted);
+  throw ToolError("several devices are attached. " + std::string(kHowToName) + "\n" + DeviceTable(devices));
+}
+
+}  // namespace
+
+void Device::Check(int code, const std::string& action) const {
+  if (IsExitStatus(code) && !IsCancelled()) CheckState(action);
+  session_->Check(code, action);
+}
+
+void Device::CheckState(const std::string& action) const {
+  if (!IsListed(serial_)) return;
+  const auto devices = ListDevices(*session_);
+  const auto found = std::find_if(devices.begin(), devices.end(),
+                                  [this](const AttachedDevice& device) { return device.serial == serial_; });
+  if (found == devices.end()) {
+    throw ToolError("cannot " + action + ": no device " + serial_ + " is attached. See `darokleim devices`.");
+  }
+  if (!IsUsable(*found)) {
+    throw ToolError("cannot " + action + ": the device " + serial_ + " is " + found->state + ". " +
+                    AdviceForState(found->state));
+  }
+}
+
+Device ChooseDevice(const Session& session, const std::string& named) {
+  if (!named.empty()) {
+    CheckSerial(named, "-s");
+    return {session, named};
+  }
+  const char* from_environment = getenv("ANDROID_SERIAL");
+  if (from_environment != nullptr && *from_environment != '\0') {
+    CheckSerial(from_environment, "ANDROID_SERIAL");
+    return {session, from_environment};
+  }
+  return {session, TheOnlyUsable(session)};
+}
+
+}  // namespace darokleim

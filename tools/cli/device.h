@@ -1,0 +1,36 @@
+#ifndef DAROKLEIM_TOOLS_CLI_DEVICE_H
+#define DAROKLEIM_TOOLS_CLI_DEVICE_H
+
+#include <string>
+#include <utility>
+
+#include "session.h"
+
+namespace darokleim {
+
+// The device that a command works with. The session must outlive it.
+class Device {
+ public:
+  Device(const Session& session, std::string serial) : session_(&session), serial_(std::move(serial)) {}
+
+  // For the library's calls.
+  const char* serial() const { return serial_.c_str(); }
+  const bool* cancel() const { return session_->cancel(); }
+
+  // As Session::Check. Where the code does not tell that the device is absent or not ready, the message does.
+  void Check(int code, const std::string& action) const;
+
+ private:
+  void CheckState(const std::string& action) const;
+
+  const Session* session_;
+  std::string serial_;
+};
+
+// The named one; without a name that of ANDROID_SERIAL; without that the only usable one. Throws ToolError, with
+// the list of devices, when that does not tell which.
+Device ChooseDevice(const Session& session, const std::string& named);
+
+}  // namespace darokleim
+
+#endif  // DAROKLEIM_TOOLS_CLI_DEVICE_H

@@ -1,0 +1,71 @@
+#include "device_words.h"
+
+#include <algorithm>
+
+#include "errors.h"
+
+namespace darokleim {
+namespace {
+
+constexpr int kLastPort = 65535;
+
+bool IsAsciiLetterOrDigit(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+
+bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+bool IsPort(const std::string& text) {
+  const bool is_number = !text.empty() && text.size() <= 5 && std::all_of(text.begin(), text.end(), IsDigit);
+  return is_number && std::stoi(text) >= 1 && std::stoi(text) <= kLastPort;
+}
+
+}  // namespace
+
+CLI::Validator WordOf(const std::string& others, const std::string& what) {
+  const auto check = [others, what](const std::string& word) -> std::string {
+    const auto allowed = [&others](char c) {
+      return IsAsciiLetterOrDigit(c) || others.find(c) != std::string::npos;
+    };
+    const bool fits = !word.empty() && word.front() != '-' && std::all_of(word.begin(), word.end(), allowed);
+    return fits ? "" : "\"" + word + "\" is no " + what;
+  };
+  return CLI::Validator(check, "");
+}
+
+void AddPackageArgument(CLI::App& command, std::string& package) {
+  command.add_option("package", package, "Full name of the application's package, as com.example.app")
+      ->required()
+      ->type_name("PACKAGE")
+      ->check(WordOf("._-", "name of a package"));
+}
+
+void AddPortArgument(CLI::App& command, const std::string& name, std::string& port,
+                     const std::string& description) {
+  const auto check = [](const std::string& text) -> std::string {
+    return IsPort(text) ? "" : "\"" + text + "\" is no TCP port: 1 to 65535";
+  };
+  command.add_option(name, port, description)
+      ->required()
+      ->type_name("PORT")
+      ->check(CLI::Validator(check, ""));
+}
+
+void CheckLength(const std::string& command, std::size_t limit, const std::string& what) {
+  if (command.size() <= limit) return;
+  throw ToolError(what + " is too long: " + std::to_string(command.size() - limit) +
+                  " bytes more than fit into the command.");
+}
+
+std::string Quoted(const std::string& text) {
+  std::string quoted = "\"";
+  for (const char c : text) {
+    if (c == '"' || c == '\\') quoted += '\\';
+    quoted += c;
+  }
+  return quoted + "\"";
+}
+
+}  // namespace darokleim
