@@ -111,6 +111,8 @@ TEST_F(InputTextTest, IsOneCommand) {
                                      Info("AdbInputStringToDevice Leave, return 0.")));
   channel.Expect(command).Prints("/system/bin/sh: no closing quote").Returns(1001);
   EXPECT_EQ(AdbInputStringToDevice("S1", "hello", &cancel), ADB_RESULT_NO_CLOSING_QUOTE);
+  channel.Expect(command).Prints("Failure");
+  EXPECT_EQ(AdbInputStringToDevice("S1", "hello", &cancel), ADB_RESULT_FAILURE);
   for (const int value : {0, 3003}) {
     channel.Expect(command).Returns(value);
     EXPECT_EQ(AdbInputStringToDevice("S1", "hello", &cancel), value);

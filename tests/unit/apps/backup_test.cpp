@@ -44,6 +44,12 @@ TEST_F(BackupTest, MessagesAreClassified) {
   EXPECT_EQ(Stop(), ADB_RESULT_NO_DEVICE);
   channel.Expect(stop).Prints("unknown").Returns(1255);
   EXPECT_EQ(Stop(), 1255);
+  channel.Expect(backup).Prints("Failure");
+  EXPECT_EQ(Backup(), ADB_RESULT_FAILURE);
+  channel.Expect(restore).Prints("Failure");
+  EXPECT_EQ(Restore(), ADB_RESULT_FAILURE);
+  channel.Expect(stop).Prints("Failure");
+  EXPECT_EQ(Stop(), ADB_RESULT_FAILURE);
 }
 
 TEST_F(BackupTest, WithoutOutputTheChannelsValueIsTheCode) {

@@ -83,6 +83,12 @@ TEST_F(InstallMultipleTest, TheCommandHasNoLimit) {
   EXPECT_EQ(Install((json + "]}").c_str()), ADB_RESULT_OK);
 }
 
+TEST_F(InstallMultipleTest, TheListEndsAtItsZeroByte) {
+  channel.Expect("-s S1 install-multiple -r \"/a\"").Prints("Success");
+  EXPECT_EQ(Install("{\"a\": [\"/a\"]}\0{\"a\": [\"/b\"]}"), ADB_RESULT_OK);
+  EXPECT_EQ(Install("{\"a\": [\"/a\0\"]}"), ADB_RESULT_JSON_PARSE_FAILED);
+}
+
 // No path holds a zero byte; a command is a text that ends at one.
 TEST_F(InstallMultipleTest, AZeroByteInAPathEndsTheCommand) {
   channel.Expect("-s S1 install-multiple -r \"/a\" \"/b").Returns(1001);

@@ -122,6 +122,73 @@ TEST_F(InstallTest, RealMessages) {
   }
 }
 
+// Every reason that package managers know, alone and with an explanation.
+TEST_F(InstallTest, OnlyAFewReasonsHaveACodeOfTheirOwn) {
+  const std::string all_31[] = {
+      "INSTALL_FAILED_INVALID_APK", "INSTALL_FAILED_INVALID_URI", "INSTALL_FAILED_INSUFFICIENT_STORAGE",
+      "INSTALL_FAILED_DUPLICATE_PACKAGE", "INSTALL_FAILED_NO_SHARED_USER",
+      "INSTALL_FAILED_UPDATE_INCOMPATIBLE", "INSTALL_FAILED_SHARED_USER_INCOMPATIBLE",
+      "INSTALL_FAILED_MISSING_SHARED_LIBRARY", "INSTALL_FAILED_REPLACE_COULDNT_DELETE",
+      "INSTALL_FAILED_DEXOPT", "INSTALL_FAILED_OLDER_SDK", "INSTALL_FAILED_CONFLICTING_PROVIDER",
+      "INSTALL_FAILED_NEWER_SDK", "INSTALL_FAILED_TEST_ONLY", "INSTALL_FAILED_CPU_ABI_INCOMPATIBLE",
+      "INSTALL_FAILED_MISSING_FEATURE", "INSTALL_FAILED_CONTAINER_ERROR",
+      "INSTALL_FAILED_INVALID_INSTALL_LOCATION", "INSTALL_FAILED_MEDIA_UNAVAILABLE",
+      "INSTALL_FAILED_VERIFICATION_TIMEOUT", "INSTALL_FAILED_VERIFICATION_FAILURE",
+      "INSTALL_FAILED_PACKAGE_CHANGED", "INSTALL_FAILED_UID_CHANGED",
+      "INSTALL_FAILED_PERMISSION_MODEL_DOWNGRADE", "INSTALL_FAILED_SANDBOX_VERSION_DOWNGRADE",
+      "INSTALL_FAILED_MISSING_SPLIT", "INSTALL_FAILED_ABORTED", "INSTALL_FAILED_INTERNAL_ERROR",
+      "INSTALL_FAILED_NO_MATCHING_ABIS", "INSTALL_FAILED_DUPLICATE_PERMISSION",
+      "INSTALL_FAILED_BAD_DEX_METADATA", "INSTALL_FAILED_BAD_SIGNATURE", "INSTALL_PARSE_FAILED_NOT_APK",
+      "INSTALL_PARSE_FAILED_BAD_MANIFEST", "INSTALL_PARSE_FAILED_UNEXPECTED_EXCEPTION",
+      "INSTALL_PARSE_FAILED_INCONSISTENT_CERTIFICATES", "INSTALL_PARSE_FAILED_CERTIFICATE_ENCODING",
+      "INSTALL_PARSE_FAILED_BAD_PACKAGE_NAME", "INSTALL_PARSE_FAILED_BAD_SHARED_USER_ID",
+      "INSTALL_PARSE_FAILED_MANIFEST_MALFORMED", "INSTALL_PARSE_FAILED_MANIFEST_EMPTY",
+      // With a reason these are not what they are without one.
+      "INSTALL_FAILED_ALREADY_EXISTS: Attempt to re-install com.a without first uninstalling.",
+      "INSTALL_FAILED_USER_RESTRICTED: Invalid apk", "INSTALL_FAILED_CANCELLED_BY_USER: no",
+      "INSTALL_CANCELED_BY_USER: no", "INSTALL_PARSE_FAILED_NO_CERTIFICATES: Failed to collect certificates",
+      "-200", "-98"};
+  for (const std::string& reason : all_31) {
+    for (const std::string& text : {"Failure [" + reason + "]\n", "Failure [" + reason + ": why not]\r\n"}) {
+      channel.Expect(install).Prints(text);
+      ExpectFreeSpace("1.0G");
+      EXPECT_EQ(Install(), ADB_RESULT_FAILURE) << text;
+    }
+  }
+  const struct {
+    const char* reason;
+    int code;
+  } others[] = {
+      {"INSTALL_FAILED_ALREADY_EXISTS", ADB_RESULT_INSTALL_ALREADY_EXISTS},
+      {"-99", ADB_RESULT_INSTALL_FAILURE_99},
+      {"INSTALL_FAILED_VERSION_DOWNGRADE", ADB_RESULT_INSTALL_VERSION_DOWNGRADE},
+      {"INSTALL_FAILED_VERSION_DOWNGRADE: Downgrade detected", ADB_RESULT_INSTALL_VERSION_DOWNGRADE},
+      {"INSTALL_FAILED_USER_RESTRICTED", ADB_RESULT_INSTALL_USER_RESTRICTED},
+      {"INSTALL_FAILED_USER_RESTRICTED: Install canceled by user", ADB_RESULT_INSTALL_CANCELED_BY_USER},
+      {"INSTALL_CANCELED_BY_USER", ADB_RESULT_INSTALL_USER_RESTRICTED},
+      {"INSTALL_FAILED_CANCELLED_BY_USER", ADB_RESULT_INSTALL_CANCELLED_BY_USER},
+      {"INSTALL_PARSE_FAILED_NO_CERTIFICATES", ADB_RESULT_INSTALL_NO_CERTIFICATES},
+  };
+  for (const auto& c : others) {
+    channel.Expect(install).Prints("Failure ["s + c.reason + "]\n");
+    EXPECT_EQ(Install(), c.code) << c.reason << " is not asked for the free space";
+  }
+}
+
+TEST_F(InstallTest, AValueOfTheChannelStandsUnlessTheTextIsKnown) {
+  channel.Expect(install).Prints("Error: Unable to open file: /data/local/tmp/app.apk\n").Returns(1001);
+  EXPECT_EQ(Install(), 1001);
+  EXPECT_EQ(log_lines()[1],
+            Error("ret is 1001,outbuf is:Error: Unable to open file: /data/local/tmp/app.apk\n"));
+  channel.Expect(install).Prints("Success\n").Returns(1001);
+  EXPECT_EQ(Install(), 1001) << "success in the text is not looked for";
+  channel.Expect(install).Prints("Failure [INSTALL_FAILED_ALREADY_EXISTS]\n").Returns(1001);
+  EXPECT_EQ(Install(), ADB_RESULT_INSTALL_ALREADY_EXISTS);
+  channel.Expect(install).Prints("Failure\n").Returns(1001);
+  ExpectFreeSpace("199M");
+  EXPECT_EQ(Install(), ADB_RESULT_NOT_ENOUGH_SPACE);
+}
+
 TEST_F(InstallTest, NullTextsAreRefused) {
   EXPECT_EQ(AdbInstallAppFromDevicePath(nullptr, "/a.apk", &cancel), ADB_RESULT_INVALID_PARAM);
   EXPECT_EQ(AdbInstallAppFromDevicePath("S1", nullptr, &cancel), ADB_RESULT_INVALID_PARAM);

@@ -18,6 +18,8 @@ TEST_F(LogcatTest, ClearIsOneCommand) {
   EXPECT_EQ(AdbClearLogcat("S1", &cancel), ADB_RESULT_DEVICE_UNAUTHORIZED);
   channel.Expect(" -s S1 logcat -c").Prints("failed to clear the 'main' log").Returns(1001);
   EXPECT_EQ(AdbClearLogcat("S1", &cancel), 1001);
+  channel.Expect(" -s S1 logcat -c").Prints("Failure");
+  EXPECT_EQ(AdbClearLogcat("S1", &cancel), ADB_RESULT_FAILURE);
   for (const int value : {0, 3003}) {
     channel.Expect(" -s S1 logcat -c").Returns(value);
     EXPECT_EQ(AdbClearLogcat("S1", &cancel), value);

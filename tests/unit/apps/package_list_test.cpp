@@ -1,5 +1,6 @@
 // AdbCheckAppInstalled, AdbGetPackagesNameOfInstalled, AdbGetPackagesNameList, and the second attempt that
 // they share when the device refuses the first.
+#include <cstring>
 #include <functional>
 #include <optional>
 #include <string>
@@ -132,6 +133,15 @@ TEST_F(PackageListTest, ARefusedListingIsAskedAgainForTheCurrentUser) {
                                      Ran(user_command), GaveBack(), Ran(user_list_command),
                                      Info("AdbCheckAppInstalled  com.a is installed."), GaveBack(),
                                      Info("AdbCheckAppInstalled Leave, return 0.")));
+}
+
+TEST_F(PackageListTest, TheCurrentUserIsAText) {
+  for (const std::string user : {"0", "007", "99999999999999999999999"}) {
+    channel.Expect(list_command).Prints(kRefusal);
+    channel.Expect(user_command).Prints("Current user: " + user + "x\nCurrent user: 1\n");
+    channel.Expect(" -s S1 shell pm list packages --user " + user + " com.a").Prints("package:com.a\n");
+    EXPECT_EQ(Check(), "installed");
+  }
 }
 
 // One of the three functions on package com.a, told apart by what it does with a listing.
@@ -374,6 +384,10 @@ TEST_F(PackageNamesTest, CommandsAreCutAt255Characters) {
     EXPECT_EQ(AdbGetPackagesNameOfInstalled("S1", filter.c_str(), &list, &length, &cancel), 7) << size;
     channel.Expect(command.substr(0, 255)).Returns(7).Uncancellable();
     EXPECT_EQ(AdbGetPackagesNameList("S1", filter.c_str(), &list, &length), 7) << size;
+    const std::string rest = " shell pm list packages";
+    const std::string serial = std::string(size - rest.size() - std::strlen(" -s "), 'S');
+    channel.Expect((" -s " + serial + rest).substr(0, 255)).Returns(7).Uncancellable();
+    EXPECT_EQ(AdbGetPackagesNameList(serial.c_str(), nullptr, &list, &length), 7) << size;
   }
 }
 
