@@ -5,13 +5,11 @@
 #include "core/adb_run.h"
 #include "core/argument_text.h"
 #include "core/call_log.h"
+#include "core/device_temp_dir.h"
 #include "darokleim.h"
 
 namespace darokleim {
 namespace {
-
-// Where a file of the host waits on the device to be installed.
-constexpr char kStagingDir[] = "/data/local/tmp/";
 
 // Package managers often do not say that it was the space; with less than this, applications are told so.
 constexpr unsigned long long kRoomForInstall = 200ULL * 1024 * 1024;
@@ -30,7 +28,7 @@ int AdbInstallAppFromPCPath(const char* serial, const char* host_path, const boo
   using namespace darokleim;
   CallLog log("AdbInstallAppFromPCPath");
   const std::string_view path = host_path;
-  const std::string staged = std::string(kStagingDir).append(path.substr(path.rfind('/') + 1));
+  const std::string staged = std::string(kDeviceTempDir).append(path.substr(path.rfind('/') + 1));
   int code = AdbPushFile(serial, host_path, staged.c_str(), cancel);
   if (code == ADB_RESULT_OK) code = AdbInstallAppFromDevicePath(serial, staged.c_str(), cancel);
   // Also after a failed push, which may have left a part.

@@ -5,6 +5,7 @@
 #include "core/adb_run.h"
 #include "core/argument_text.h"
 #include "core/call_log.h"
+#include "core/device_temp_dir.h"
 #include "core/text.h"
 #include "darokleim.h"
 
@@ -13,9 +14,6 @@ namespace {
 
 // A transfer shows in the channel's log; here only a null argument does.
 constexpr LogWording kTransferWording{kLogInfo, nullptr, nullptr, kLogError, "%s, invalid param."};
-
-// Where a screenshot waits on the device until it is pulled; two with the same host file name share it.
-constexpr char kScreenshotDir[] = "/data/local/tmp/";
 
 }  // namespace
 }  // namespace darokleim
@@ -49,7 +47,7 @@ int AdbScreencapToPC(const char* serial, const char* host_path, const bool* canc
   if (AnyNull(serial, host_path)) return log.InvalidParam();
   const std::string name = std::filesystem::path(host_path).filename().string();
   if (name.empty()) return ADB_RESULT_INVALID_PARAM;
-  const std::string device_path = kScreenshotDir + name;
+  const std::string device_path = kDeviceTempDir + name;
   int code = AdbScreencapToDevice(serial, device_path.c_str(), cancel);
   if (code == ADB_RESULT_OK) code = AdbPullFile(serial, device_path.c_str(), host_path, cancel);
   if (code == ADB_RESULT_OK) code = AdbRemoveFile(serial, device_path.c_str(), cancel);
