@@ -72,6 +72,13 @@ void PhoneUnderTest::SwitchOn(const std::string& fault) const {
   ASSERT_EQ(outcome.status, 0) << outcome.errors;
 }
 
+std::string PhoneUnderTest::SeenFromHost(const std::string& phone_path) const {
+  const std::string list = phones_->Control({"list"}).output;
+  const std::string mark = "\tfiles=";
+  const size_t at = list.find(mark) + mark.size();
+  return list.substr(at, list.find_first_of("\t\n", at) - at) + phone_path;
+}
+
 std::vector<std::string> PhonesToTest() {
   if (RealSerial() != nullptr) return {kRealPhone};
   return {"modern", "legacy"};

@@ -1,73 +1,14 @@
-#include <darokleim.h>
-#include <unistd.h>
-
-#include <atomic>
-#include <cstdlib>
-#include <filesystem>
-
-#include "phone_under_test.h"
+#include "sdk_on_phone.h"
 
 namespace darokleim::phone_test {
 namespace {
 
-namespace fs = std::filesystem;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::Not;
 using testing::StartsWith;
 
-constexpr int kOk = 0;
-
-std::string PathOf(const std::string& program) {
-  const std::string path = RunProgram({"sh", "-c", "command -v " + program}, {}).output;
-  return path.substr(0, path.find('\n'));
-}
-
-// The library is started once in a process and keeps the adb that it was given.
-class StartedLibrary : public testing::Environment {
- public:
-  void SetUp() override {
-    folder_ = (fs::temp_directory_path() / "darokleim-sdk-test-XXXXXX").string();
-    ASSERT_NE(mkdtemp(folder_.data()), nullptr);
-    for (const char* program : {"adb", "busybox"})
-      fs::create_symlink(PathOf(program), folder_ + "/" + program);
-    setenv("DAROKLEIM_CHANNEL_ASSIST", "1", 1);
-    ASSERT_EQ(AdbSdkInit(folder_.c_str(), "phone_sdk_test", folder_.c_str()), kOk);
-  }
-  void TearDown() override { fs::remove_all(folder_); }
-
- private:
-  std::string folder_;
-};
-
-const testing::Environment* const kStartedLibrary = testing::AddGlobalTestEnvironment(new StartedLibrary);
-
-// The whole way: the library, our channel, the real adb client, a phone.
-class Sdk : public PhoneUnderTest {
- protected:
-  void SetUp() override {
-    PhoneUnderTest::SetUp();
-    if (is_simulated()) setenv("ANDROID_ADB_SERVER_PORT", port().c_str(), 1);
-  }
-
-  const char* phone() const { return serial().c_str(); }
-  std::string OnPhone(const std::string& name) const { return storage_folder() + "/" + name; }
-  std::string OnHost(const std::string& name) const { return host_folder() + "/" + name; }
-
-  // A text that the library handed out, given back.
-  static std::string Taken(char** text, int length) {
-    std::string taken = *text == nullptr ? "" : std::string(*text, static_cast<size_t>(length));
-    while (!taken.empty() && taken.back() == '\0') taken.pop_back();
-    AdbFreeResource(text);
-    return taken;
-  }
-
-  const bool running_ = false;
-  const bool* cancel_ = &running_;
-  char buffer_[256] = {};
-  char* text_ = nullptr;
-  int length_ = 0;
-};
+class Sdk : public SdkOnPhone {};
 
 TEST_P(Sdk, ListsThePhone) {
   EXPECT_EQ(AdbGetDevices(buffer_, sizeof(buffer_), cancel_), kOk);
@@ -217,117 +158,6 @@ TEST_P(Sdk, TakesPictures) {
   EXPECT_THAT(ReadHostFile(OnHost("screen.png")), StartsWith("\x89PNG"));
   EXPECT_EQ(AdbScreencapToDevice(phone(), OnPhone("the screen.png").c_str(), cancel_), kOk);
   EXPECT_EQ(Text("head -c 4 '" + OnPhone("the screen.png") + "' | tail -c 3"), "PNG");
-}
-
-TEST_P(Sdk, InstallsAsksAboutAndRemovesAnApplication) {
-  const std::string apk = DataFile("notes-1.apk");
-  const char* name = "com.example.notes";
-  bool installed = true;
-  EXPECT_EQ(AdbCheckAppInstalled(phone(), name, &installed, cancel_), kOk);
-  EXPECT_FALSE(installed);
-  EXPECT_EQ(AdbInstallAppFromPCPath(phone(), apk.c_str(), cancel_), kOk);
-  EXPECT_EQ(AdbCheckAppInstalled(phone(), name, &installed, cancel_), kOk);
-  EXPECT_TRUE(installed);
-  EXPECT_EQ(AdbGetAppVersion(phone(), name, buffer_, sizeof(buffer_), cancel_), kOk);
-  EXPECT_STREQ(buffer_, "1.2.0");
-  EXPECT_EQ(AdbGetApkPathOfInstatlled(phone(), name, buffer_, sizeof(buffer_), cancel_), kOk);
-  EXPECT_THAT(buffer_, testing::EndsWith("/base.apk"));
-  EXPECT_EQ(AdbGetApkPathOfInstatlledEx(phone(), name, &text_, &length_, cancel_), kOk);
-  EXPECT_THAT(Taken(&text_, length_), HasSubstr("/base.apk"));
-  EXPECT_EQ(AdbGetPackagesNameOfInstalled(phone(), "-3", &text_, &length_, cancel_), kOk);
-  EXPECT_THAT(Taken(&text_, length_), HasSubstr("package:com.example.notes"));
-  EXPECT_EQ(AdbGetPackagesNameList(phone(), nullptr, &text_, &length_), kOk);
-  EXPECT_THAT(Taken(&text_, length_), HasSubstr("package:com.android.settings"));
-  EXPECT_EQ(AdbStartApp(phone(), "com.example.notes/.MainActivity", nullptr), kOk);
-  EXPECT_EQ(AdbStartApp(phone(), "com.example.notes/.Missing", nullptr), 1);
-  EXPECT_EQ(AdbCheckAppExist(phone(), name, 0, cancel_), kOk);
-  EXPECT_EQ(AdbUninstallApp(phone(), name, 0, cancel_), kOk);
-  EXPECT_EQ(AdbUninstallApp(phone(), name, 0, cancel_), 31);
-  EXPECT_EQ(AdbGetApkPathOfInstatlledEx(phone(), name, &text_, &length_, cancel_), 28);
-  Taken(&text_, length_);
-  const std::string files =
-      "{\"files\": [\"" + DataFile("notes-1.apk") + "\", \"" + DataFile("notes-1-split.apk") + "\"]}";
-  EXPECT_EQ(AdbInstallMultipleAppFromPCPath(phone(), files.c_str(), cancel_), kOk);
-  EXPECT_EQ(AdbUninstallApp(phone(), name, 0, cancel_), kOk);
-}
-
-TEST_P(Sdk, NamesWhyAnInstallationFails) {
-  REQUIRE_SIMULATED_PHONE("fails in its own ways");
-  const std::string apk = DataFile("notes-1.apk");
-  SwitchOn("install-failure=INSTALL_FAILED_TEST_ONLY: installPackageLI");
-  EXPECT_EQ(AdbInstallAppFromPCPath(phone(), apk.c_str(), cancel_), 31);
-  SwitchOn("free-space=100M");
-  EXPECT_EQ(AdbInstallAppFromPCPath(phone(), apk.c_str(), cancel_), 43);
-}
-
-TEST_P(Sdk, AsksForTheCurrentUserWhenRefused) {
-  REQUIRE_SIMULATED_PHONE("has the users that it has");
-  AdbInstallAppFromPCPath(phone(), DataFile("notes-1.apk").c_str(), cancel_);
-  SwitchOn("user-restricted=10");
-  bool installed = false;
-  EXPECT_EQ(AdbCheckAppInstalled(phone(), "com.example.notes", &installed, cancel_), kOk);
-  EXPECT_TRUE(installed);
-}
-
-TEST_P(Sdk, BacksUpAndRestores) {
-  REQUIRE_SIMULATED_PHONE("asks its user first");
-  AdbInstallAppFromPCPath(phone(), DataFile("notes-1.apk").c_str(), cancel_);
-  const std::string note = "/data/data/com.example.notes/files/note";
-  Shell("echo precious > " + note);
-  EXPECT_EQ(AdbBackupApp(phone(), "com.example.notes", OnHost("my notes.ab").c_str(), cancel_), kOk);
-  Shell("rm " + note);
-  EXPECT_EQ(AdbRestoreApp(phone(), OnHost("my notes.ab").c_str(), cancel_), kOk);
-  EXPECT_EQ(Text("cat " + note), "precious\n");
-  EXPECT_EQ(AdbStopDeviceBackupRestoreProcess(phone(), cancel_), kOk);
-}
-
-TEST_P(Sdk, TypesIntoThePhone) {
-  REQUIRE_SIMULATED_PHONE("types it into whatever has the focus");
-  EXPECT_EQ(AdbInputStringToDevice(phone(), "it's $5 & more", cancel_), kOk);
-  EXPECT_EQ(Control({"show", "input"}).output, "text it's $5 & more\n");
-}
-
-struct Heard {
-  std::atomic<bool> line{false};
-  std::atomic<bool> end{false};
-};
-
-TEST_P(Sdk, FollowsAndClearsTheLog) {
-  Heard heard;
-  bool stop = false;
-  void (*on_output)(void*, const char*, int) = [](void* context, const char* data, int length) {
-    auto* to = static_cast<Heard*>(context);
-    if (data == nullptr) {
-      to->end = true;
-    } else if (std::string(data, static_cast<size_t>(length)).find("a line for the test") !=
-               std::string::npos) {
-      to->line = true;
-    }
-  };
-  EXPECT_EQ(AdbClearLogcat(phone(), cancel_), kOk);
-  EXPECT_EQ(AdbLogcatAnsync(phone(), "DarokleimTest:I", reinterpret_cast<void*>(on_output), &heard, &stop),
-            kOk);
-  EXPECT_TRUE(Eventually([&] {
-    Shell("log -t DarokleimTest a line for the test");
-    return heard.line.load();
-  }));
-  __atomic_store_n(&stop, true, __ATOMIC_SEQ_CST);
-  EXPECT_TRUE(Eventually([&] { return heard.end.load(); }));
-}
-
-TEST_P(Sdk, MapsPorts) {
-  // A host port of this process's own: other tests run at the same time.
-  const std::string host_port = std::to_string(20000 + getpid() % 10000);
-  const std::string local = "tcp:" + host_port;
-  EXPECT_EQ(AdbFowardBind(phone(), host_port.c_str(), "8799"), kOk);
-  EXPECT_THAT(Adb({"forward", "--list"}).output, HasSubstr(local + " tcp:8799"));
-  // Silence from adb counts as a failure here, and a removal is silent.
-  AdbFowardRemove(phone(), host_port.c_str());
-  EXPECT_THAT(Adb({"forward", "--list"}).output, Not(HasSubstr(local)));
-  EXPECT_EQ(AdbReverseBind(phone(), "8798", "18798"), kOk);
-  EXPECT_THAT(Adb({"reverse", "--list"}).output, HasSubstr("tcp:8798 tcp:18798"));
-  EXPECT_EQ(AdbReverseRemove(phone(), "8798"), kOk);
-  EXPECT_THAT(Adb({"reverse", "--list"}).output, Not(HasSubstr("tcp:8798")));
 }
 
 TEST_P(Sdk, SeesThePhoneGoAndCome) {

@@ -1,0 +1,35 @@
+#ifndef DAROKLEIM_TESTS_PHONE_SDK_ON_PHONE_H
+#define DAROKLEIM_TESTS_PHONE_SDK_ON_PHONE_H
+
+#include <darokleim.h>
+
+#include <string>
+
+#include "phone_under_test.h"
+
+namespace darokleim::phone_test {
+
+inline constexpr int kOk = ADB_RESULT_OK;
+
+// The whole way: the library, our channel with its assistance, the real adb client, a phone.
+class SdkOnPhone : public PhoneUnderTest {
+ protected:
+  void SetUp() override;
+
+  const char* phone() const { return serial().c_str(); }
+  std::string OnPhone(const std::string& name) const { return storage_folder() + "/" + name; }
+  std::string OnHost(const std::string& name) const { return host_folder() + "/" + name; }
+
+  // A text that the library handed out, given back.
+  static std::string Taken(char** text, int length);
+
+  const bool running_ = false;
+  const bool* cancel_ = &running_;
+  char buffer_[256] = {};
+  char* text_ = nullptr;
+  int length_ = 0;
+};
+
+}  // namespace darokleim::phone_test
+
+#endif  // DAROKLEIM_TESTS_PHONE_SDK_ON_PHONE_H
