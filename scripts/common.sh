@@ -38,6 +38,8 @@ configure_tree() {
   shift
   local launcher=()
   if have ccache; then
+    # Without this ccache leaves alone whatever uses a precompiled header.
+    export CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
     launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
   fi
   show cmake -S "$root" -B "$tree" -G Ninja --log-level=NOTICE -DDAROKLEIM_WERROR=ON \
