@@ -35,8 +35,10 @@ set(CMAKE_CXX_COMPILER "${wrappers}/c++")
 set(CMAKE_AR "${wrappers}/ar")
 set(CMAKE_RANLIB "${wrappers}/ranlib")
 
-# CMake insists on one, though only an installation runs it; nothing is installed from a cross build.
+# CMake insists on a program that changes paths in what was linked. There is none on Linux, and none is needed where
+# the libraries are linked as they are installed, from the start.
 set(CMAKE_INSTALL_NAME_TOOL "/bin/true")
+set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)

@@ -1354,8 +1354,8 @@ DAROKLEIM_EXPORT int AdbConfigDeviceBusybox(const char* serial, const bool* canc
 DAROKLEIM_EXPORT int GetPropInfo(const char* serial, const char* prop_name, char** out, int* out_len,
                                  const bool* cancel);
 
-/// Appends the date of a MIUI build to its version: `.`-separated year - 2010, month, day of the month + 1,
-/// in UTC. 1583366400 (2020-03-05) appends `10.3.6`.
+/// Appends the date of a MIUI build to its version, with dots between: year - 2010, month, day of the
+/// month + 1, in UTC. 1583366400 (2020-03-05) appends `10.3.6`.
 ///
 /// @param[in]     time_code  Decimal seconds since 1970-01-01 00:00 UTC; what follows the digits is
 ///                           ignored.
