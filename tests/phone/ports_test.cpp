@@ -1,3 +1,7 @@
+#include <unistd.h>
+
+#include <filesystem>
+
 #include "host_sockets.h"
 #include "phone_under_test.h"
 
@@ -53,6 +57,53 @@ TEST_P(Ports, ReverseReachesTheHost) {
   EXPECT_EQ(Text("echo hi | nc 127.0.0.1 8716"), "[hi\n]");
   EXPECT_EQ(Adb({"reverse", "--remove", "tcp:8716"}).status, 0);
   EXPECT_EQ(Adb({"reverse", "--remove", "tcp:8716"}).errors, "adb: error: listener 'tcp:8716' not found\n");
+}
+
+// A reverse listens for the program on the phone that a forward would reach, so both ends are the host's.
+TEST_P(Ports, LeadToSocketsWithoutAPort) {
+  const std::string name = "darokleim-test-" + std::to_string(getpid());
+  for (const std::string& socket :
+       {"localabstract:" + name, "localfilesystem:" + phone_folder() + "/socket"}) {
+    if (!is_simulated() && socket.find("localfilesystem") == 0) continue;  // SELinux keeps the daemon from it
+    const HostEcho host;
+    EXPECT_EQ(Adb({"reverse", socket, host.address()}).errors, "");
+    const int port = std::atoi(Adb({"forward", "tcp:0", socket}).output.c_str());
+    EXPECT_EQ(Exchange(port, "hello"), "[hello]") << socket;
+    EXPECT_EQ(Adb({"forward", "--remove", "tcp:" + std::to_string(port)}).errors, "");
+    EXPECT_EQ(Adb({"reverse", "--remove", socket}).errors, "");
+  }
+}
+
+TEST_P(Ports, AFileThatIsASocketGoesWithItsReverse) {
+  REQUIRE_SIMULATED_PHONE("does not let the daemon make sockets where the shell may look");
+  const HostEcho host;
+  const std::string path = phone_folder() + "/socket";
+  Adb({"reverse", "localfilesystem:" + path, host.address()});
+  EXPECT_EQ(Text("echo hi | nc -U " + path), "[hi\n]");
+  EXPECT_EQ(Text("ls " + path), path + "\n");
+  Adb({"reverse", "--remove-all"});
+  EXPECT_EQ(Text("ls " + phone_folder()), "");
+}
+
+TEST_P(Ports, ForwardListensAtAFileOfTheHost) {
+  REQUIRE_SIMULATED_PHONE("needs a program on it that listens");
+  const std::string socket = "localfilesystem:" + host_folder() + "/socket";
+  EXPECT_EQ(Adb({"forward", socket, "tcp:8717"}).errors, "");
+  EXPECT_TRUE(std::filesystem::is_socket(host_folder() + "/socket"));
+  EXPECT_THAT(Adb({"forward", "--list"}).output, HasSubstr(serial() + " " + socket + " tcp:8717\n"));
+  EXPECT_EQ(Adb({"forward", "--remove", socket}).errors, "");
+  EXPECT_FALSE(std::filesystem::exists(host_folder() + "/socket"));
+}
+
+TEST_P(Ports, RefuseWhatIsNoAddress) {
+  REQUIRE_SIMULATED_PHONE("has the words of its own server");
+  for (const std::string& address :
+       {std::string("tcp:70000"), std::string("pigeon:1"), std::string("localabstract:"),
+        "localfilesystem:/" + std::string(200, 'x')}) {
+    const std::string refusal = "adb: error: cannot bind listener: no address of a socket: " + address + "\n";
+    EXPECT_EQ(Adb({"forward", address, "tcp:1"}).errors, refusal);
+    EXPECT_EQ(Adb({"reverse", address, "tcp:1"}).errors, refusal);
+  }
 }
 
 INSTANTIATE_FOR_PHONES(Ports);

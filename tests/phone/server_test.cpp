@@ -21,10 +21,17 @@ TEST(Server, ListsItsPhonesSortedWithTheirStates) {
 }
 
 TEST(Server, ShowsDetailsOnlyOfPhonesThatAreConnected) {
-  const SimulatedPhones phones({"ALFA1", "BETA1,state=offline"});
+  const SimulatedPhones phones({"ALFA1", "BETA1,state=offline", "10.0.0.7:5555"});
   const std::string output = phones.Adb({"devices", "-l"}).output;
-  EXPECT_THAT(output, HasSubstr("ALFA1                  device product:"));
-  EXPECT_THAT(output, testing::ContainsRegex("BETA1                  offline transport_id:[0-9]+\n"));
+  EXPECT_THAT(output, HasSubstr("ALFA1                  device usb:1-1 product:"));
+  EXPECT_THAT(output, testing::ContainsRegex("BETA1                  offline usb:1-2 transport_id:[0-9]+\n"));
+  EXPECT_THAT(output, HasSubstr("10.0.0.7:5555          device product:"));
+}
+
+TEST(Server, FindsAPhoneByItsUsbSocket) {
+  const SimulatedPhones phones({"ALFA1", "BETA1"});
+  EXPECT_EQ(phones.Adb({"-s", "usb:1-2", "get-serialno"}).output, "BETA1\n");
+  EXPECT_EQ(phones.Adb({"-s", "BETA1", "get-devpath"}).output, "usb:1-2\n");
 }
 
 TEST(Server, SpeaksTheVersionThatTheClientExpects) {

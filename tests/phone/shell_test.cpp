@@ -68,8 +68,8 @@ TEST(LegacyShell, HasOneStreamThroughATerminalAndNoExitStatus) {
   EXPECT_EQ(outcome.status, 0);
 }
 
-TEST(LegacyShell, EscapesBlanksInNames) {
-  const SimulatedPhones phones({"OLD1,android=legacy", "NEW1"});
+TEST(LegacyShell, EscapesBlanksInNamesWhenItsToolsAreToyboxs) {
+  const SimulatedPhones phones({"OLD1,android=legacy,tools=toybox", "NEW1"});
   const std::string command = "mkdir /data/local/tmp/d; touch '/data/local/tmp/d/a b'; ls /data/local/tmp/d";
   EXPECT_EQ(phones.Adb({"-s", "OLD1", "shell", command}).output, "a\\ b\r\n");
   EXPECT_EQ(phones.Adb({"-s", "NEW1", "shell", command}).output, "a b\n");

@@ -25,6 +25,7 @@ constexpr char kPhoneHelp[] =
     "profile=plain|samsung|miui12|miui125|miui13|harmony: the maker and system in its properties\n"
     "prop.NAME=VALUE: a property of its own; may be repeated\n"
     "encryption=file|block|none, su=bin|xbin: a file /system/bin/su or /system/xbin/su\n"
+    "tools=toolbox|toybox: whose ls and df it has (default: toolbox's on a legacy phone)\n"
     "storage=emulated|sdcard0|sdcard1: the internal storage is /storage/emulated/0, /storage/sdcard0 or "
     "/sdcard1\n"
     "group=sdcard_rw|sdcard_r|media_rw|everybody: owns the volumes under /storage\n"

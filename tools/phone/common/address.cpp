@@ -3,9 +3,13 @@
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
-#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
 
+#include <cerrno>
 #include <charconv>
+#include <cstddef>
+#include <cstring>
 
 #include "common/io.h"
 #include "common/wire.h"
@@ -16,55 +20,107 @@ namespace {
 
 constexpr int kBacklog = 128;
 
-sockaddr_in Loopback(uint16_t port) {
-  sockaddr_in address = {};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(port);
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  return address;
-}
-
-UniqueFd MakeTcpSocket() {
+UniqueFd MakeSocket(int family) {
 #if defined(__linux__)
-  return UniqueFd(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  return UniqueFd(socket(family, SOCK_STREAM | SOCK_CLOEXEC, 0));
 #else
-  UniqueFd made(socket(AF_INET, SOCK_STREAM, 0));
+  UniqueFd made(socket(family, SOCK_STREAM, 0));
   SetCloseOnExec(made.get());
   return made;
 #endif
 }
 
-}  // namespace
+// What a server that has gone left behind; anything but a socket stays.
+void RemoveSocketFile(const char* path) {
+  struct stat status;
+  if (lstat(path, &status) == 0 && S_ISSOCK(status.st_mode)) unlink(path);
+}
 
-std::optional<uint16_t> ParseTcpAddress(std::string_view address) {
-  if (!TakePrefix(&address, "tcp:")) return std::nullopt;
+std::optional<uint16_t> ParsePort(std::string_view text) {
   uint16_t port = 0;
-  const auto [end, error] = std::from_chars(address.data(), address.data() + address.size(), port);
-  if (error != std::errc() || end != address.data() + address.size()) return std::nullopt;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
   return port;
 }
 
-UniqueFd ConnectToLoopback(uint16_t port) {
-  UniqueFd connection = MakeTcpSocket();
-  const sockaddr_in address = Loopback(port);
-  if (connect(connection.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0)
-    return UniqueFd();
+}  // namespace
+
+std::optional<SocketAddress> SocketAddress::Parse(std::string_view text) {
+  if (TakePrefix(&text, "tcp:")) {
+    const auto port = ParsePort(text);
+    return port ? std::optional(OfPort(*port)) : std::nullopt;
+  }
+  if (TakePrefix(&text, "localfilesystem:") || TakePrefix(&text, "local:")) return OfName(text, false);
+#if defined(__linux__)
+  if (TakePrefix(&text, "localabstract:")) return OfName(text, true);
+#endif
+  return std::nullopt;
+}
+
+SocketAddress SocketAddress::OfPort(uint16_t port) {
+  sockaddr_in internet = {};
+  internet.sin_family = AF_INET;
+  internet.sin_port = htons(port);
+  internet.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  SocketAddress address;
+  std::memcpy(&address.bytes_, &internet, sizeof(internet));
+  address.length_ = sizeof(internet);
+  return address;
+}
+
+// An abstract name begins with a zero byte and is as long as the length says; a path ends in one.
+std::optional<SocketAddress> SocketAddress::OfName(std::string_view name, bool abstract) {
+  sockaddr_un local = {};
+  local.sun_family = AF_UNIX;
+  if (name.empty() || name.size() >= sizeof(local.sun_path) || name.find('\0') != std::string_view::npos)
+    return std::nullopt;
+  std::memcpy(local.sun_path + (abstract ? 1 : 0), name.data(), name.size());
+  SocketAddress address;
+  std::memcpy(&address.bytes_, &local, sizeof(local));
+  address.length_ = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + name.size() + 1);
+  return address;
+}
+
+UniqueFd SocketAddress::Connect() const {
+  UniqueFd connection = MakeSocket(bytes_.ss_family);
+  if (connect(connection.get(), reinterpret_cast<const sockaddr*>(&bytes_), length_) != 0) return UniqueFd();
   return connection;
 }
 
-UniqueFd ListenOnLoopback(uint16_t port, uint16_t* bound) {
-  UniqueFd listener = MakeTcpSocket();
+UniqueFd SocketAddress::Listen() const {
+  UniqueFd listener = MakeSocket(bytes_.ss_family);
   const int on = 1;
   setsockopt(listener.get(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof(on));
-  sockaddr_in address = Loopback(port);
-  socklen_t length = sizeof(address);
-  if (bind(listener.get(), reinterpret_cast<sockaddr*>(&address), length) != 0 ||
-      listen(listener.get(), kBacklog) != 0 ||
-      getsockname(listener.get(), reinterpret_cast<sockaddr*>(&address), &length) != 0) {
+  RemoveFile();
+  if (bind(listener.get(), reinterpret_cast<const sockaddr*>(&bytes_), length_) != 0 ||
+      listen(listener.get(), kBacklog) != 0) {
     return UniqueFd();
   }
-  *bound = ntohs(address.sin_port);
   return listener;
+}
+
+bool SocketAddress::IsAnyFreePort() const {
+  return bytes_.ss_family == AF_INET && reinterpret_cast<const sockaddr_in*>(&bytes_)->sin_port == 0;
+}
+
+void SocketAddress::RemoveFile() const {
+  const char* path = reinterpret_cast<const sockaddr_un*>(&bytes_)->sun_path;
+  if (bytes_.ss_family == AF_UNIX && path[0] != '\0') RemoveSocketFile(path);
+}
+
+Listener::Listener(const SocketAddress& address) : address_(address), fd_(address.Listen()) {}
+
+Listener::~Listener() {
+  if (valid()) address_.RemoveFile();
+}
+
+uint16_t Listener::port() const {
+  sockaddr_in bound = {};
+  socklen_t length = sizeof(bound);
+  if (getsockname(fd_.get(), reinterpret_cast<sockaddr*>(&bound), &length) != 0 ||
+      bound.sin_family != AF_INET)
+    return 0;
+  return ntohs(bound.sin_port);
 }
 
 UniqueFd AcceptConnection(int listener) {

@@ -1,6 +1,8 @@
 #ifndef DAROKLEIM_TOOLS_PHONE_COMMON_ADDRESS_H
 #define DAROKLEIM_TOOLS_PHONE_COMMON_ADDRESS_H
 
+#include <sys/socket.h>
+
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -9,15 +11,50 @@
 
 namespace darokleim::phone {
 
-// The port of "tcp:PORT"; nothing for another address.
-std::optional<uint16_t> ParseTcpAddress(std::string_view address);
+// A place to listen at or connect to, as adb writes it: "tcp:PORT" (of this side's loopback),
+// "localfilesystem:PATH" or its short form "local:PATH", and on Linux "localabstract:NAME".
+class SocketAddress {
+ public:
+  // Nothing for a text that is no address, or a name that no socket can have.
+  static std::optional<SocketAddress> Parse(std::string_view text);
+  static SocketAddress OfPort(uint16_t port);
 
-// A connection to a port of this side's loopback; not valid when nobody listens.
-UniqueFd ConnectToLoopback(uint16_t port);
+  // Both are not valid, with errno set, when it cannot be had.
+  UniqueFd Connect() const;
+  UniqueFd Listen() const;
 
-// A socket listening on the loopback. Port 0: one that is free. Not valid, with errno set, when it cannot be had;
-// otherwise `bound` gets the port.
-UniqueFd ListenOnLoopback(uint16_t port, uint16_t* bound);
+  bool IsAnyFreePort() const;
+  // Takes the file of a listener away; nothing to do for other addresses.
+  void RemoveFile() const;
+
+ private:
+  static std::optional<SocketAddress> OfName(std::string_view name, bool abstract);
+
+  sockaddr_storage bytes_ = {};
+  socklen_t length_ = 0;
+};
+
+// What a forward or reverse listens at. Its file goes with it.
+class Listener {
+ public:
+  Listener() = default;
+  // Not valid, with errno set, when the address cannot be had.
+  explicit Listener(const SocketAddress& address);
+  ~Listener();
+  Listener(Listener&& other) noexcept = default;
+  Listener& operator=(Listener&& other) noexcept = default;
+
+  bool valid() const { return fd_.valid(); }
+  int get() const { return fd_.get(); }
+  // Closes it and leaves its file, which is another process's now.
+  void Abandon() { fd_.Reset(); }
+  // The TCP port; 0 for a listener of another kind.
+  uint16_t port() const;
+
+ private:
+  SocketAddress address_;
+  UniqueFd fd_;
+};
 
 // The next connection, without delay for small packets; not valid when it has gone again.
 UniqueFd AcceptConnection(int listener);

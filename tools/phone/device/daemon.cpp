@@ -95,7 +95,7 @@ void Daemon::Take(LinkPacket packet) {
   sigemptyset(&none);
   sigprocmask(SIG_SETMASK, &none, nullptr);
   services_.clear();
-  reverse_.RemoveAll();
+  reverse_.Abandon();
   if (packet.message == LinkMessage::kConnect) {
     ConnectToPhoneAddress(request, std::move(packet.descriptor));
   } else {

@@ -4,7 +4,6 @@
 #include <cstring>
 #include <utility>
 
-#include "common/address.h"
 #include "common/device_link.h"
 #include "common/wire.h"
 
@@ -39,20 +38,25 @@ std::string ReverseForwards::Add(std::string_view addresses) {
   const bool rebind = !TakePrefix(&addresses, "norebind:");
   const std::vector<std::string> pieces = Split(addresses, ';');
   if (pieces.size() != 2 || pieces[1].empty()) return Fail("bad forward: " + std::string(addresses));
-  const auto wanted = ParseTcpAddress(pieces[0]);
-  if (!wanted) return Fail("cannot bind listener: only tcp: addresses are known here, not " + pieces[0]);
+  const auto wanted = SocketAddress::Parse(pieces[0]);
+  if (!wanted) return Fail("cannot bind listener: no address of a socket: " + pieces[0]);
   for (Forward& existing : forwards_) {
     if (existing.local != pieces[0]) continue;
     if (!rebind) return Fail("cannot rebind existing socket");
     existing.remote = pieces[1];
     return kOkay;
   }
-  uint16_t bound = 0;
-  UniqueFd listener = ListenOnLoopback(*wanted, &bound);
+  Listener listener(*wanted);
   if (!listener.valid()) return Fail(std::string("cannot bind listener: ") + std::strerror(errno));
-  const std::string port = std::to_string(bound);
-  forwards_.push_back({"tcp:" + port, pieces[1], std::move(listener)});
-  return *wanted == 0 ? kOkay + WithLength(port) : kOkay;
+  const std::string port = std::to_string(listener.port());
+  const bool chosen = wanted->IsAnyFreePort();
+  forwards_.push_back({chosen ? "tcp:" + port : pieces[0], pieces[1], std::move(listener)});
+  return chosen ? kOkay + WithLength(port) : kOkay;
+}
+
+void ReverseForwards::Abandon() {
+  for (Forward& forward : forwards_) forward.listener.Abandon();
+  forwards_.clear();
 }
 
 // adb shows "(reverse)" where a forward has the phone's serial.

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "common/unique_fd.h"
+#include "common/address.h"
 
 namespace darokleim::phone {
 
@@ -20,6 +20,8 @@ class ReverseForwards {
   std::string Answer(std::string_view service);
 
   void RemoveAll() { forwards_.clear(); }
+  // In a process that inherited them: closes them, and leaves their files to the daemon.
+  void Abandon();
 
   // For the daemon's poll: what to wait for, and what to do then. Accepted connections go to the server.
   void AddTo(std::vector<pollfd>* waits) const;
@@ -29,7 +31,7 @@ class ReverseForwards {
   struct Forward {
     std::string local;   // on the phone
     std::string remote;  // on the host
-    UniqueFd listener;
+    Listener listener;
   };
 
   std::string Add(std::string_view addresses);

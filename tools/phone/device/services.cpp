@@ -68,8 +68,8 @@ void RunService(const Request& request, UniqueFd stream) {
     SyncService(std::move(stream)).Run();
   } else if (!request.answer.empty()) {
     Say(std::move(stream), request.answer);
-  } else if (const auto port = ParseTcpAddress(request.service)) {
-    const UniqueFd program = ConnectToLoopback(*port);
+  } else if (const auto address = SocketAddress::Parse(request.service)) {
+    const UniqueFd program = address->Connect();
     if (!program.valid()) {
       SendFail(stream.get(), "closed");
     } else if (SendOkay(stream.get())) {
@@ -81,10 +81,10 @@ void RunService(const Request& request, UniqueFd stream) {
 }
 
 void ConnectToPhoneAddress(const Request& request, UniqueFd stream) {
-  const auto port = ParseTcpAddress(request.service);
-  if (!port) return;
+  const auto address = SocketAddress::Parse(request.service);
+  if (!address) return;
   stream = WithFaults(std::move(stream));
-  const UniqueFd program = ConnectToLoopback(*port);
+  const UniqueFd program = address->Connect();
   if (program.valid()) Relay(stream.get(), program.get());
 }
 

@@ -7,7 +7,7 @@
 namespace darokleim::phone {
 
 // The commands of /system/bin that are toybox on a phone. Those that a phone has under the same name but that
-// answer from the phone's own services (df, getprop, logcat …) are not among them.
+// answer from the phone's own services (getprop, logcat …) are not among them.
 const std::vector<std::string>& ToyboxCommands();
 
 }  // namespace darokleim::phone

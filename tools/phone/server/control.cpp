@@ -89,7 +89,7 @@ void AnswerControl(PhoneList* phones, std::string_view words, int client) {
 }
 
 int RunControl(uint16_t port, const std::vector<std::string>& words) {
-  const UniqueFd server = ConnectToLoopback(port);
+  const UniqueFd server = SocketAddress::OfPort(port).Connect();
   const std::string request = "host:" + std::string(kControlPrefix) + Joined(words);
   char verdict[4];
   if (!server.valid() || !SendText(server.get(), request) ||

@@ -8,15 +8,13 @@
 #include <cstring>
 #include <utility>
 
-#include "common/address.h"
-
 namespace darokleim::phone {
 
 std::string Forwards::Add(const std::string& serial, const std::string& local, const std::string& remote,
                           bool rebind, uint16_t* port) {
   *port = 0;
-  const auto wanted = ParseTcpAddress(local);
-  if (!wanted) return "cannot bind listener: only tcp: addresses are known here, not " + local;
+  const auto wanted = SocketAddress::Parse(local);
+  if (!wanted) return "cannot bind listener: no address of a socket: " + local;
   std::lock_guard lock(mutex_);
   for (Forward& existing : forwards_) {
     if (existing.local != local) continue;
@@ -26,13 +24,12 @@ std::string Forwards::Add(const std::string& serial, const std::string& local, c
     return "";
   }
   Forward forward;
-  uint16_t bound = 0;
-  forward.listener = ListenOnLoopback(*wanted, &bound);
+  forward.listener = Listener(*wanted);
   auto stop = MakePipe();
   if (!forward.listener.valid() || !stop) return std::string("cannot bind listener: ") + std::strerror(errno);
-  if (*wanted == 0) *port = bound;
+  if (wanted->IsAnyFreePort()) *port = forward.listener.port();
   forward.serial = serial;
-  forward.local = "tcp:" + std::to_string(bound);
+  forward.local = *port != 0 ? "tcp:" + std::to_string(*port) : local;
   forward.remote = remote;
   forward.stop = std::move(*stop);
   Forward& kept = forwards_.emplace_back(std::move(forward));

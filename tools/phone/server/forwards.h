@@ -7,20 +7,21 @@
 #include <string>
 #include <thread>
 
+#include "common/address.h"
 #include "common/io.h"
 #include "server/phone_list.h"
 
 namespace darokleim::phone {
 
-// The host ports that reach ports of the phones. Each has a thread that accepts connections and hands them to
-// the phone, which carries the bytes.
+// The host's ports and sockets that reach those of the phones. Each has a thread that accepts connections and hands
+// them to the phone, which carries the bytes.
 class Forwards {
  public:
   explicit Forwards(PhoneList* phones) : phones_(phones) {}
   ~Forwards() { RemoveAll(); }
 
-  // Listens on `local` ("tcp:PORT"; port 0: one that is free) for the phone. The result is empty or the reason
-  // for refusing; `port` gets the port listened on when it was 0.
+  // Listens at `local` ("tcp:0": a port that is free) for the phone. The result is empty or the reason for
+  // refusing; `port` gets the port listened on when any would do, and 0 otherwise.
   std::string Add(const std::string& serial, const std::string& local, const std::string& remote, bool rebind,
                   uint16_t* port);
   // False when there is none.
@@ -37,7 +38,7 @@ class Forwards {
     std::string serial;
     std::string local;
     std::string remote;
-    UniqueFd listener;
+    Listener listener;
     FdPair stop;
     std::thread thread;
   };

@@ -56,10 +56,16 @@ bool IsNetworkSerial(const std::string& serial) {
   return serial.find(':') != std::string::npos || serial.rfind("emulator-", 0) == 0;
 }
 
+// As the adb server of a Linux host names a socket of its first bus.
+std::string Bus(const std::string& serial, size_t socket) {
+  return IsNetworkSerial(serial) ? "" : "usb:1-" + std::to_string(socket);
+}
+
 }  // namespace
 
-Phone::Phone(PhoneOptions options, const SandboxParts* parts, Events events)
+Phone::Phone(PhoneOptions options, size_t socket, const SandboxParts* parts, Events events)
     : options_(std::move(options)),
+      bus_(Bus(options_.serial, socket)),
       parts_(parts),
       events_(std::move(events)),
       properties_(BuildProperties(options_)),
@@ -104,7 +110,8 @@ std::optional<Transport> Phone::transport() const {
   Transport transport;
   transport.serial = options_.serial;
   transport.state = state_;
-  transport.over_network = IsNetworkSerial(options_.serial);
+  transport.over_network = bus_.empty();
+  transport.bus = bus_;
   transport.id = transport_id_;
   // adb learns what a phone is from the phone itself, once it is connected.
   if (RefusalOf(state_).empty()) {

@@ -25,7 +25,7 @@ struct Transport {
   ConnectionState state;
   bool over_network;  // a serial such as 192.168.1.5:5555 or emulator-5554
   uint64_t id;        // new each time the phone is attached
-  std::string bus;
+  std::string bus;    // where it is plugged in; empty over the network
   std::string product;
   std::string model;
   std::string device;
@@ -44,8 +44,9 @@ class Phone {
     std::function<void(const std::string& address, UniqueFd connection)> reversed;
   };
 
-  // Throws std::runtime_error when its folder cannot be made.
-  Phone(PhoneOptions options, const SandboxParts* parts, Events events);
+  // `socket` is the number of the USB socket that it is plugged into when it is. Throws std::runtime_error when its
+  // folder cannot be made.
+  Phone(PhoneOptions options, size_t socket, const SandboxParts* parts, Events events);
   ~Phone() { SwitchOff(); }
 
   // Each begins and is then waited for, so that many phones boot at once.
@@ -90,6 +91,7 @@ class Phone {
   bool AttachIfDue();
 
   const PhoneOptions options_;
+  const std::string bus_;
   const SandboxParts* parts_;
   const Events events_;
   const KeyValues properties_;

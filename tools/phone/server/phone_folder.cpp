@@ -36,11 +36,6 @@ void MakeRemovable(const fs::path& folder) {
   }
 }
 
-void LinkIfAbsent(const std::string& target, const fs::path& link) {
-  std::error_code error;
-  if (!fs::is_symlink(fs::symlink_status(link, error))) fs::create_symlink(target, link);
-}
-
 void SetLink(const std::string& target, const fs::path& link) {
   std::error_code error;
   fs::remove(link, error);
@@ -65,10 +60,11 @@ void LayOutFileSystem(const fs::path& root) {
 
 void LayOutCommands(const fs::path& root, const PhoneOptions& options) {
   const fs::path commands = root / "system/bin";
-  for (const std::string& name : ToyboxCommands()) LinkIfAbsent("toybox", commands / name);
+  const bool toolbox =
+      options.tools.empty() ? options.generation == Generation::kLegacy : options.tools == "toolbox";
+  for (const std::string& name : ToyboxCommands()) SetLink("toybox", commands / name);
   for (const std::string& name : ProgramNames()) {
-    if (name != "su" && (name != "df" || options.generation == Generation::kLegacy))
-      SetLink("adbd", commands / name);
+    if (name != "su" && (toolbox || !IsToolboxProgram(name))) SetLink("adbd", commands / name);
   }
   for (const char* place : {"bin", "xbin"}) {
     const fs::path su = root / "system" / place / "su";

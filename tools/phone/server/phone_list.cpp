@@ -80,7 +80,7 @@ void PhoneList::Add(const PhoneOptions& options, const SandboxParts* parts, Reve
   Phone::Events events{[this] { changes_.Notify(); },
                        [detached = std::move(detached), serial = options.serial] { detached(serial); },
                        [this] { return ++last_transport_id_; }, std::move(reversed)};
-  phones_.push_back(std::make_unique<Phone>(options, parts, std::move(events)));
+  phones_.push_back(std::make_unique<Phone>(options, phones_.size() + 1, parts, std::move(events)));
 }
 
 bool PhoneList::SwitchAllOn() {

@@ -63,6 +63,10 @@ const std::map<std::string, Setter>& Setters() {
        [](PhoneOptions* options, const std::string& value) {
          options->su = OneOf("su", value, {"bin", "xbin"});
        }},
+      {"tools",
+       [](PhoneOptions* options, const std::string& value) {
+         options->tools = OneOf("tools", value, {"toolbox", "toybox"});
+       }},
       {"storage",
        [](PhoneOptions* options, const std::string& value) {
          options->storage = OneOf("storage", value, {"emulated", "sdcard0", "sdcard1"});

@@ -25,6 +25,7 @@ struct PhoneOptions {
   std::string profile = "plain";
   std::string encryption = "file";   // or "block", "none"
   std::string su;                    // where su lies: "bin", "xbin", or nowhere
+  std::string tools;                 // "toolbox" or "toybox": whose ls and df; empty: as in this generation
   std::string storage = "emulated";  // or "sdcard0", "sdcard1": what the internal storage is called
   std::string storage_group;         // who owns the volumes; empty: as on phones of this generation
   KeyValues properties;              // in place of those of the profile

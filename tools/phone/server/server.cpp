@@ -106,7 +106,7 @@ class Server {
  private:
   void AddPhones();
   // Until the end is asked for; true when by a client.
-  bool ServeClients(UniqueFd listener);
+  bool ServeClients(Listener listener);
   void Serve(UniqueFd client);
   void Reversed(const std::string& address, UniqueFd connection);
 
@@ -120,13 +120,13 @@ class Server {
 };
 
 int Server::Run() {
-  uint16_t port = 0;
-  UniqueFd listener = ListenOnLoopback(options_.port, &port);
+  Listener listener(SocketAddress::OfPort(options_.port));
   if (!listener.valid()) {
     std::fprintf(stderr, "darokleim-phone: cannot listen on port %u: %s\n",
                  static_cast<unsigned>(options_.port), std::strerror(errno));
     return 1;
   }
+  const uint16_t port = listener.port();
   AddPhones();
   if (!phones_.SwitchAllOn()) return 1;
   std::printf("darokleim-phone: ready on port %u\n", static_cast<unsigned>(port));
@@ -135,7 +135,7 @@ int Server::Run() {
     // As with a new server, every phone is attached anew.
     for (const auto& phone : phones_.phones()) phone->Reconnect();
     connections_.Reopen();
-    listener = ListenOnLoopback(port, &port);
+    listener = Listener(SocketAddress::OfPort(port));
     if (!listener.valid()) break;
     last_request_.Answer();
   }
@@ -144,10 +144,10 @@ int Server::Run() {
   return 0;
 }
 
-bool Server::ServeClients(UniqueFd listener) {
+bool Server::ServeClients(Listener listener) {
   AcceptUntil(end_.descriptor(), listener.get(), [this](UniqueFd client) { Serve(std::move(client)); });
   const bool asked = end_.TakeRequestFromClient();
-  listener.Reset();
+  listener = Listener();
   connections_.StopAll();
   forwards_.RemoveAll();
   return asked;
@@ -173,10 +173,10 @@ void Server::Serve(UniqueFd client) {
 }
 
 void Server::Reversed(const std::string& address, UniqueFd connection) {
-  const auto port = ParseTcpAddress(address);
-  if (!port) return;
-  connections_.Serve(std::move(connection), [port = *port](UniqueFd* phone_end) {
-    const UniqueFd host_end = ConnectToLoopback(port);
+  const auto host = SocketAddress::Parse(address);
+  if (!host) return;
+  connections_.Serve(std::move(connection), [host = *host](UniqueFd* phone_end) {
+    const UniqueFd host_end = host.Connect();
     if (host_end.valid()) Relay(phone_end->get(), host_end.get());
   });
 }

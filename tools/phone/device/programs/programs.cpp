@@ -18,6 +18,7 @@ const std::map<std::string, Program>& Programs() {
       {"ip", RunIp},
       {"log", RunLog},
       {"logcat", RunLogcat},
+      {"ls", RunLs},
       {"pm", RunPm},
       {"reboot", RunReboot},
       {"screencap", RunScreencap},
@@ -40,6 +41,10 @@ std::vector<std::string> ProgramNames() {
   std::vector<std::string> names;
   for (const auto& program : Programs()) names.push_back(program.first);
   return names;
+}
+
+bool IsToolboxProgram(const std::string& name) {
+  return name == "df" || name == "ls";
 }
 
 }  // namespace darokleim::phone

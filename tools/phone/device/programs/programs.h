@@ -15,6 +15,8 @@ using Program = int (*)(const Words& words);
 // Null for a name that is none of ours.
 Program FindProgram(const std::string& name);
 std::vector<std::string> ProgramNames();
+// True for those that were toolbox's until Android 6 and are toybox's since.
+bool IsToolboxProgram(const std::string& name);
 
 int RunAm(const Words& words);
 int RunBu(const Words& words);
@@ -26,6 +28,7 @@ int RunInput(const Words& words);
 int RunIp(const Words& words);
 int RunLog(const Words& words);
 int RunLogcat(const Words& words);
+int RunLs(const Words& words);
 int RunPm(const Words& words);
 int RunReboot(const Words& words);
 int RunScreencap(const Words& words);
