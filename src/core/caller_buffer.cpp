@@ -26,7 +26,8 @@ int FillCallerBuffer(std::string_view text, char* buffer, int capacity, std::siz
     *std::copy(copied.begin(), copied.end(), buffer) = '\0';
     RemoveEndingSpace(buffer, static_cast<int>(copied.size()));
   }
-  return text.size() > room ? ADB_RESULT_BUFFER_TOO_SMALL : ADB_RESULT_OK;
+  const bool fits = capacity >= 0 && text.size() <= room;
+  return fits ? ADB_RESULT_OK : ADB_RESULT_BUFFER_TOO_SMALL;
 }
 
 }  // namespace darokleim

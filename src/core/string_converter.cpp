@@ -10,7 +10,7 @@ static_assert(sizeof(wchar_t) == 4, "one wide character holds any UTF-8 sequence
 
 constexpr std::uint32_t kStrayByte = 0x80000000U;
 
-// The forms of a UTF-8 sequence, by length: how its first byte begins and the least value that needs it.
+// The forms of a UTF-8 sequence, by length: how its first byte begins, and the least value that needs it.
 struct Form {
   unsigned char lead;
   unsigned char lead_mask;
@@ -38,7 +38,6 @@ Sequence FirstSequence(std::string_view text) {
     if ((byte & 0xC0U) != 0x80U) return {0, 0};
     value = (value << kBitsPerByte) | (byte & 0x3FU);
   }
-  if (value < kForms[length - 1].least) return {0, 0};
   return {length, value};
 }
 

@@ -12,9 +12,9 @@ class StringConverter {
   static std::wstring AnsiToWide(const std::string& text);
   static std::string WideToAnsi(const std::wstring& text);
 
-  // Sequences of one to six bytes. A byte that belongs to no whole, shortest sequence becomes a wide
-  // character of its own, above the largest that six bytes can say, and WideToUTF8 turns it back into that
-  // byte: there and back leaves any text as it was.
+  // One wide character for each sequence of one to six bytes, also for one that is longer than it need be. A
+  // byte that belongs to no whole sequence becomes a wide character of its own, above the largest that six
+  // bytes can say, and WideToUTF8, which writes the shortest sequences, turns it back into that byte.
   static std::wstring UTF8ToWide(const std::string& text);
   static std::string WideToUTF8(const std::wstring& text);
 

@@ -14,8 +14,8 @@ class StringHelper {
                           const std::string& separator);
 
   // Replaces from by to, going on *at* each replacement, not after it: a replacement that makes from anew,
-  // alone or with the text behind it, is replaced again. Does not end when to begins with from and is
-  // longer. Returns the new length.
+  // alone or with the text behind it, is replaced again. Does not end when to begins with from.
+  // Returns the new length.
   static long StringReplace(std::string& text, std::string from, std::string to);
 
   // Remove the run of c at one end; return the length that is left.

@@ -74,8 +74,8 @@ int AdbGetDevicesEx(char** list, int* list_len, const bool* cancel) {
     return true;
   });
   if (!entries.empty()) {
-    *list_len = static_cast<int>(entries.size()) + 1;
     *list = NewTerminatedBlock(entries);
+    *list_len = static_cast<int>(entries.size()) + 1;
   }
   return log.Leave(code);
 }

@@ -1,12 +1,18 @@
 #include "core/classifier.h"
 
+#include <map>
 #include <string>
+#include <type_traits>
 #include <vector>
 
+#include "support/device_output.h"
 #include "support/sdk_test.h"
 
 namespace darokleim::testing {
 namespace {
+
+static_assert(std::is_same_v<decltype(CheckOutbufErrorWithRet), int(const std::string&, int, bool)>);
+static_assert(std::is_same_v<decltype(IsOutbufSuccess), bool(const std::string&)>);
 
 class ClassifierTest : public SdkTest {};
 
@@ -146,6 +152,24 @@ TEST_F(ClassifierTest, TextsAreBytes) {
   using namespace std::string_literals;
   EXPECT_EQ(CheckOutbufErrorWithRet("\xff\0\xfe No space left on device"s, 0, false),
             ADB_RESULT_NO_SPACE_LEFT);
+}
+
+// What adb says of its server.
+TEST_F(ClassifierTest, RealOutputs) {
+  constexpr int kNothingKnown = 1001;
+  const std::map<std::string, int> codes = {
+      {"adb-server/awesome-adb-protocol-fault.txt", ADB_RESULT_PROTOCOL_FAULT},
+      {"adb-server/awesome-adb-unauthorized-hint.txt", ADB_RESULT_DEVICE_UNAUTHORIZED},
+      {"adb-server/mismatch-cannot-connect.txt", ADB_RESULT_CANNOT_CONNECT_DAEMON},
+      {"adb-server/out-of-date-device-offline.txt", kNothingKnown},
+      {"adb-server/protocol-fault-no-error.txt", ADB_RESULT_PROTOCOL_FAULT},
+      {"adb-server/protocol-fault-success.txt", ADB_RESULT_PROTOCOL_FAULT},
+      {"adb-server/root-production.txt", kNothingKnown},
+  };
+  EXPECT_EQ(DeviceOutputsIn("adb-server").size(), codes.size());
+  for (const auto& [sample, code] : codes) {
+    EXPECT_EQ(CheckOutbufErrorWithRet(DeviceOutput(sample), kNothingKnown, false), code) << sample;
+  }
 }
 
 TEST_F(ClassifierTest, SuccessIsFoundAnywhereAsItIsWritten) {

@@ -47,6 +47,26 @@ TEST_F(DeviceBusyboxTest, TheFirstStepThatFailsEndsIt) {
   EXPECT_EQ(AdbConfigDeviceBusybox("S1", &cancel), 1001);
 }
 
+TEST_F(DeviceBusyboxTest, APhoneThatVanishesOnTheWay) {
+  const std::string vanished = "error: device 'S1' not found\n";
+  channel.Expect(kLook).Returns(3003);
+  EXPECT_EQ(AdbConfigDeviceBusybox("S1", &cancel), 3003);
+
+  channel.Expect(kLook).Prints("ls: /data/local/tmp/busybox: No such file or directory\n");
+  channel.Expect(kLookAgain).Returns(3003);
+  channel.Expect(kPush).Prints("adb: " + vanished).Returns(1001);
+  EXPECT_EQ(AdbConfigDeviceBusybox("S1", &cancel), ADB_RESULT_NO_DEVICE) << "the second look is not heeded";
+
+  ExpectAbsent();
+  channel.Expect(kPush).Returns(3002);
+  EXPECT_EQ(AdbConfigDeviceBusybox("S1", &cancel), 3002);
+
+  ExpectAbsent();
+  channel.Expect(kPush).Prints("1 file pushed\n");
+  channel.Expect(kChmod).Prints(vanished).Returns(1001);
+  EXPECT_EQ(AdbConfigDeviceBusybox("S1", &cancel), ADB_RESULT_NO_DEVICE);
+}
+
 TEST_F(DeviceBusyboxTest, ANullSerialIsTheFirstStepsAffair) {
   EXPECT_EQ(AdbConfigDeviceBusybox(nullptr, &cancel), ADB_RESULT_INVALID_PARAM);
   EXPECT_THAT(journal(), ElementsAre(Error("AdbCheckFileExisted, invalid param."))) << "no line of its own";

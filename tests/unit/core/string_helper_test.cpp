@@ -4,15 +4,29 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
+#include <cstdlib>
 #include <limits>
 #include <random>
 #include <string>
+#include <type_traits>
 #include <vector>
+
+#include "support/temporary_directory.h"
 
 namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+
+using Text = const std::string&;
+static_assert(
+    std::is_same_v<decltype(StringHelper::StringSplit), long(std::vector<std::string>&, Text, Text)>);
+static_assert(
+    std::is_same_v<decltype(StringHelper::StringReplace), long(std::string&, std::string, std::string)>);
+static_assert(std::is_same_v<decltype(StringHelper::StringTrimLeft), long(std::string&, char)>);
+static_assert(std::is_same_v<decltype(StringHelper::StringTrimRight), long(std::string&, char)>);
+static_assert(std::is_same_v<decltype(StringHelper::StorageToNumber), unsigned long long(Text)>);
+static_assert(std::is_same_v<decltype(replace), void(std::string&, Text, Text)>);
 
 std::vector<std::string> Split(const std::string& text, const std::string& separator) {
   std::vector<std::string> pieces;
@@ -189,12 +203,40 @@ TEST(StorageToNumberTest, StaysInRange) {
   StringHelper::StorageToNumber(std::string(400, '9'));  // saturates, then wraps: any value, no fault
 }
 
-TEST(StorageToNumberTest, TheHostsDecimalCommaDoesNotMatter) {
-  for (const char* locale : {"de_DE.UTF-8", "fr_FR.UTF-8", "C.UTF-8"}) {
-    std::setlocale(LC_ALL, locale);
-    EXPECT_EQ(StringHelper::StorageToNumber("1.5G"), 1610612736ULL) << locale;
+// A host whose locale writes fractions with a comma. Where the system has no such locale, one is made.
+class DecimalCommaTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (!HasComma()) MakeLocale();
+    if (IsSkipped() || HasFatalFailure()) return;
+    ASSERT_TRUE(HasComma()) << "no locale with a decimal comma";
+    ASSERT_EQ(std::strtod("1.5", nullptr), 1.0) << "the locale does not work";
   }
-  std::setlocale(LC_ALL, "C");
+  void TearDown() override {
+    std::setlocale(LC_ALL, "C");
+    unsetenv("LOCPATH");
+  }
+
+ private:
+  static constexpr char kName[] = "de_DE.UTF-8";
+
+  static bool HasComma() {
+    return std::setlocale(LC_ALL, kName) && std::string(std::localeconv()->decimal_point) == ",";
+  }
+  void MakeLocale() {
+    if (std::system("command -v localedef >/dev/null") != 0) GTEST_SKIP() << "there is no localedef";
+    const std::string command = "localedef -i de_DE -f UTF-8 '" + locales_.File(kName) + "' 2>&1";
+    ASSERT_EQ(std::system(command.c_str()), 0) << "scripts/setup installs what localedef reads";
+    setenv("LOCPATH", locales_.path().c_str(), 1);
+  }
+
+  darokleim::TemporaryDirectory locales_;
+};
+
+TEST_F(DecimalCommaTest, SizesHaveAPointAllTheSame) {
+  EXPECT_EQ(StringHelper::StorageToNumber("1.5G"), 1610612736ULL);
+  EXPECT_EQ(StringHelper::StorageToNumber("2.5K"), 2560ULL);
+  EXPECT_EQ(StringHelper::StorageToNumber("1,5G"), 1073741824ULL) << "a comma ends the number";
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include <string>
 
+#include "support/device_output.h"
 #include "support/sdk_test.h"
 
 namespace darokleim::testing {
@@ -27,6 +28,21 @@ TEST_F(ConnectionTest, AReconnectReportsKnownErrors) {
   EXPECT_EQ(AdbAuthenticateShow("S1", &cancel), ADB_RESULT_NO_DEVICE);
   channel.Expect(" -s S1 reconnect").Prints("error: device unauthorized.\n");
   EXPECT_EQ(AdbAuthenticateShow("S1", &cancel), ADB_RESULT_DEVICE_UNAUTHORIZED);
+}
+
+TEST_F(ConnectionTest, RealAnswersToAReconnect) {
+  for (const std::string& sample : DeviceOutputsIn("adb-reconnect")) {
+    channel.Expect(" -s S1 reconnect").Prints(DeviceOutput(sample));
+    EXPECT_EQ(AdbAuthenticateShow("S1", &cancel), 1) << sample;
+    channel.Expect(" reconnect").Prints(DeviceOutput(sample)).Uncancellable();
+    EXPECT_EQ(AdbReconnectDevice(), 0) << sample;
+  }
+}
+
+TEST_F(ConnectionTest, TheSerialOfAReconnectIsNotChecked) {
+  channel.Expect(" -s (null) reconnect").Prints("error: device '(null)' not found\n");
+  EXPECT_EQ(AdbAuthenticateShow(nullptr, &cancel), ADB_RESULT_NO_DEVICE);
+  EXPECT_EQ(journal().front(), Info("AdbAuthenticateShow Enter, serial (null)."));
 }
 
 TEST_F(ConnectionTest, TheReconnectCommandIsCutAt255Characters) {

@@ -1,4 +1,5 @@
 #include <cstring>
+#include <iterator>
 #include <map>
 #include <string>
 
@@ -142,6 +143,32 @@ TEST_F(DeviceListTest, TheListEndsAtAZeroByte) {
   EXPECT_STREQ(buffer, "A-device;");
   channel.Expect(" devices").Prints("A\tdevice\nB\tdevice\0\nC\tdevice\n"s);
   EXPECT_EQ(ListEx(), "A-device;B-device;");
+}
+
+TEST_F(DeviceListTest, ALineThatIsCutInTheMiddle) {
+  const std::string listing = "List of devices attached\nA1\tdevice\nB2\tunauthorized";
+  const std::map<std::size_t, std::string> changes = {
+      {0, "null"}, {34, "A1-device;"}, {50, "A1-device;B2-unauthorized;"}};
+  // At every place, the outcome is that of the last change before it.
+  ASSERT_EQ(listing.substr(0, 34), "List of devices attached\nA1\tdevice");
+  for (std::size_t length = 0; length <= listing.size(); ++length) {
+    channel.Expect(" devices").Prints(listing.substr(0, length));
+    const std::string expected = std::prev(changes.upper_bound(length))->second;
+    EXPECT_EQ(ListEx(), expected) << length;
+  }
+}
+
+TEST_F(DeviceListTest, ALengthThatIsNotTheTextsIsNeverExceeded) {
+  char buffer[64] = "before";
+  const std::string listing = "A\tdevice\nB\tdevice\n";
+  channel.Expect(" devices").Prints(listing).Claims(0);
+  EXPECT_EQ(AdbGetDevices(buffer, sizeof buffer, &cancel), ADB_RESULT_OK);
+  EXPECT_STREQ(buffer, "before");
+  channel.Expect(" devices").Prints(listing).Claims(12);
+  EXPECT_EQ(AdbGetDevices(buffer, sizeof buffer, &cancel), ADB_RESULT_OK);
+  EXPECT_STREQ(buffer, "A-device;");
+  channel.Expect(" devices").Claims(12);
+  EXPECT_EQ(ListEx(), "null") << "a length without a text";
 }
 
 TEST_F(DeviceListTest, TenThousandDevices) {

@@ -60,6 +60,25 @@ TEST_F(IpAddressTest, AnErrorIsTheCodeAlsoBesideAnAddress) {
   EXPECT_EQ(Address(1001), "untouched");
 }
 
+TEST_F(IpAddressTest, ALineThatIsCutInTheMiddle) {
+  const std::string line = "    inet 10.0.0.7/24 brd 10.0.0.255 scope global wlan0\n";
+  const std::size_t slash = line.find('/');
+  for (std::size_t length = 0; length < line.size(); ++length) {
+    channel.Expect(kCommand).Prints(line.substr(0, length));
+    if (length <= slash + 1) {
+      EXPECT_EQ(Address(ADB_RESULT_NO_IP_ADDRESS), "untouched") << length;
+    } else {
+      EXPECT_EQ(Address(ADB_RESULT_OK), length == slash + 2 ? "10.0.0.7/2" : "10.0.0.7/24") << length;
+    }
+  }
+}
+
+TEST_F(IpAddressTest, NumbersOfFortyDigits) {
+  const std::string address = std::string(40, '9') + ".0.0.7/" + std::string(40, '8');
+  channel.Expect(kCommand).Prints("inet " + address + " brd\n");
+  EXPECT_EQ(Address(ADB_RESULT_OK), address);
+}
+
 TEST_F(IpAddressTest, TheCommandIsCutAt255Characters) {
   const std::string rest = " shell ip address | grep wlan | grep inet";
   for (const std::size_t length : {254U, 255U, 256U, 1'000U}) {

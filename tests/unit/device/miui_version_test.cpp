@@ -1,5 +1,7 @@
 #include <string>
+#include <utility>
 
+#include "support/device_output.h"
 #include "support/sdk_test.h"
 
 namespace darokleim::testing {
@@ -204,14 +206,40 @@ TEST_F(MiuiVersionTest, LongTexts) {
   EXPECT_EQ(Numbered("V130", million + ".x", 5, ADB_RESULT_BUFFER_TOO_SMALL), "xxxx");
 }
 
-// The properties of real phones, as their lists of properties hold them; line ends of their Android releases.
+// What becomes of the phone between two commands.
+TEST_F(MiuiVersionTest, APhoneThatVanishes) {
+  const std::string vanished = "error: device 'S1' not found\n";
+  for (const auto& [name, second] : {std::pair("V12\r\n", kTimeCode), std::pair("V130\r\n", kIncremental)}) {
+    channel.Expect(kName).Prints(name);
+    channel.Expect(second).Prints(vanished).Returns(1001);
+    EXPECT_EQ(Version(200, ADB_RESULT_MIUI_TIME_CODE_FAILED), "untouched");
+    EXPECT_THAT(log_lines()[log_lines().size() - 2].text, ::testing::EndsWith("GetPropInfo return 24"));
+    channel.Expect(kName).Prints(name);
+    channel.Expect(second).Returns(3003);
+    EXPECT_EQ(Version(200, ADB_RESULT_MIUI_TIME_CODE_FAILED), "untouched");
+  }
+}
+
+TEST_F(MiuiVersionTest, ZeroBytesArePartOfTheTexts) {
+  EXPECT_EQ(Dated("V12\0\r\n"s, "1583366400\r\n"), "12") << "the version goes on behind the zero";
+  EXPECT_EQ(Dated("V\000125\r\n"s, "1583366400\r\n"), "") << "no number stands before it";
+  EXPECT_EQ(Numbered("V130\0\n"s, "V13.0\0.4.0\n"s), "13.0");
+}
+
+// The properties of real phones; the line ends are those of their Android releases.
 TEST_F(MiuiVersionTest, RealProperties) {
-  EXPECT_EQ(Dated("V8\r\n", "1482336000\r\n"), "8.6.12.2") << "getprop/miui8.txt, built in a December";
-  EXPECT_EQ(Dated("V8\n", "1482336000\n"), "8\n.6.12.2");
-  EXPECT_EQ(Dated("V9\r\n", "\r\n", 200, ADB_RESULT_MIUI_TIME_CODE_FAILED), "untouched")
-      << "getprop/miui9-kenzo-6.0.1.txt without a time code";
-  EXPECT_EQ(Numbered("V130\n", "V13.0.12.0.SKBCNXM\n"), "13.0.12.0")
-      << "a shortened build of getprop/miui13.txt";
+  const std::string miui8 = "getprop/miui8.txt";
+  const std::string name8 = DeviceProperty(miui8, "ro.miui.ui.version.name");
+  const std::string time8 = DeviceProperty(miui8, "ro.miui.version.code_time");
+  EXPECT_EQ(Dated(name8 + "\r\n", time8 + "\r\n"), "8.6.12.2") << "built on 21 December 2016";
+  EXPECT_EQ(Dated(name8 + "\n", time8 + "\n"), "8\n.6.12.2");
+  const std::string name9 = DeviceProperty("getprop/miui9-kenzo-6.0.1.txt", "ro.miui.ui.version.name");
+  EXPECT_EQ(Dated(name9 + "\r\n", "\r\n", 200, ADB_RESULT_MIUI_TIME_CODE_FAILED), "untouched")
+      << "it has no time code";
+  const std::string name13 = DeviceProperty("getprop/miui13.txt", "ro.miui.ui.version.name");
+  const std::string incremental9 =
+      DeviceProperty("getprop/miui9-kenzo-6.0.1.txt", "ro.build.version.incremental");
+  EXPECT_EQ(Numbered(name13 + "\n", incremental9 + "\n"), "9.6.1.0") << "of two phones";
 }
 
 }  // namespace

@@ -138,6 +138,27 @@ TEST_F(PropertyFlagsTest, LongTexts) {
   EXPECT_EQ(EncryptType(std::string(1'000'000, 'f')), -1);
 }
 
+TEST_F(PropertyFlagsTest, NoPointerIsChecked) {
+  bool answer = false;
+  channel.Expect(" -s (null) shell getprop ro.crypto.state").Prints("encrypted\n");
+  EXPECT_EQ(AdbCheckEncryptState(nullptr, &answer, &cancel), ADB_RESULT_OK);
+  EXPECT_TRUE(answer);
+  channel.Expect(" -s S1 shell getprop ro.crypto.state").Prints("\n");
+  EXPECT_EQ(AdbCheckEncryptState("S1", nullptr, &cancel), ADB_RESULT_OK) << "nothing to write";
+}
+
+// One property of a real phone.
+TEST_F(PropertyFlagsTest, RealProperties) {
+  for (const char* list : {"getprop/automotive-qcom-9.txt", "getprop/emulator10-grep-crypto.txt",
+                           "getprop/wsa-crypto-lines.txt"}) {
+    for (const char* line_end : {"\n", "\r\n"}) {
+      EXPECT_TRUE(Encrypted(DeviceProperty(list, "ro.crypto.state") + line_end, false)) << list;
+      EXPECT_EQ(EncryptType(DeviceProperty(list, "ro.crypto.type") + line_end), 0) << list;
+    }
+  }
+  EXPECT_FALSE(Harmony(DeviceProperty("getprop/automotive-qcom-9.txt", "ro.config.ringtone") + "\n", true));
+}
+
 // The words as real devices print them, in the list of all properties.
 TEST_F(PropertyFlagsTest, RealOutputs) {
   const std::map<std::string, int> type_of = {

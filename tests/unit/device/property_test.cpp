@@ -69,6 +69,22 @@ TEST_F(GetPropInfoTest, WithoutABufferTheChannelsValueIsTheCode) {
   EXPECT_THAT(log_lines(), IsEmpty());
 }
 
+TEST_F(GetPropInfoTest, WithoutAPlaceForTheTextTheChannelsValueIsTheCode) {
+  for (const int value : {0, 7, 1001}) {
+    int length = 0;
+    channel.Expect(" -s S1 shell getprop ro.x").Prints("error: device 'S1' not found\n").Returns(value);
+    EXPECT_EQ(GetPropInfo("S1", "ro.x", nullptr, &length, &cancel), value);
+  }
+  EXPECT_THAT(log_lines(), IsEmpty());
+}
+
+TEST_F(GetPropInfoTest, TheRefusalOfARealShell) {
+  channel.Expect(" -s S1 shell getprop ro.x")
+      .Prints(DeviceOutput("getprop/harmony-next-refused.txt"))
+      .Returns(1);
+  EXPECT_EQ(Text(ADB_RESULT_SHELL_NOT_FOUND), DeviceOutput("getprop/harmony-next-refused.txt"));
+}
+
 TEST_F(GetPropInfoTest, TheCommandIsCutAt255Characters) {
   const std::string whole = " -s S1 shell getprop ";
   for (const std::size_t length : {254U, 255U, 256U, 300U, 1'000'000U}) {

@@ -1,4 +1,5 @@
 #include <ostream>
+#include <stdexcept>
 #include <string>
 
 #include "support/device_output.h"
@@ -136,6 +137,33 @@ TEST_P(PropertyTextTest, BytesAndLengthsDoNotMatter) {
   EXPECT_EQ(buffer.substr(0, 10), "J\xab\xe2 a\0b\0\0x"s);
 }
 
+TEST_P(PropertyTextTest, ALengthThatIsNotTheTextsIsTheLength) {
+  char buffer[64];
+  channel.Expect(command).Prints("Pixel 7\n").Claims(5);
+  EXPECT_EQ(GetParam().read("S1", buffer, sizeof buffer, &cancel), ADB_RESULT_OK);
+  EXPECT_STREQ(buffer, "Pixel");
+  channel.Expect(command).Prints("Pixel 7\n").Claims(0);
+  EXPECT_EQ(GetParam().read("S1", buffer, sizeof buffer, &cancel), ADB_RESULT_OK);
+  EXPECT_STREQ(buffer, "");
+}
+
+TEST_P(PropertyTextTest, ALengthWithoutATextIsNoText) {
+  char buffer[] = "before";
+  for (const int value : {0, 1001}) {
+    channel.Expect(command).Claims(5).Returns(value);
+    EXPECT_EQ(GetParam().read("S1", buffer, sizeof buffer, &cancel), value);
+    EXPECT_STREQ(buffer, "before");
+  }
+}
+
+TEST_P(PropertyTextTest, ALengthBelowZeroLeavesAsAnExceptionAndKeepsNoBuffer) {
+  char buffer[] = "before";
+  channel.Expect(command).Prints("Pixel 7\n").Claims(-1);
+  EXPECT_THROW(GetParam().read("S1", buffer, sizeof buffer, &cancel), std::length_error);
+  EXPECT_STREQ(buffer, "before");
+  EXPECT_EQ(journal().back(), GaveBack());
+}
+
 // A notice of adb around the value stays: it cannot be told from one.
 TEST_P(PropertyTextTest, ARealTextOfThreeLines) {
   char buffer[128];
@@ -143,6 +171,31 @@ TEST_P(PropertyTextTest, ARealTextOfThreeLines) {
   EXPECT_EQ(GetParam().read("S1", buffer, sizeof buffer, &cancel), ADB_RESULT_OK);
   EXPECT_STREQ(buffer,
                "* daemon not running; starting now at tcp:5037\n8.0.0\n* daemon started successfully");
+}
+
+class RealPropertyTextTest : public SdkTest {};
+
+// Of one property each; no list holds a maker.
+TEST_F(RealPropertyTextTest, AsTheyAreListed) {
+  const struct {
+    int (*read)(const char* serial, char* buffer, int buffer_size, const bool* cancel);
+    std::string property;
+    std::string list;
+    std::string text;
+  } cases[] = {
+      {AdbGetPhoneSoftVersion, "ro.build.version.release", "getprop/huawei-matepad-emui14.txt", "12"},
+      {AdbGetPhoneProductModel, "ro.product.model", "getprop/huawei-matepad-emui14.txt", "WGR-W09"},
+      {AdbGetMiuiBuildRegin, "ro.miui.build.region", "getprop/miui13.txt", "cn"},
+  };
+  for (const auto& c : cases) {
+    for (const char* line_end : {"\n", "\r\n"}) {
+      char buffer[64];
+      channel.Expect(" -s S1 shell getprop " + c.property)
+          .Prints(DeviceProperty(c.list, c.property) + line_end);
+      EXPECT_EQ(c.read("S1", buffer, sizeof buffer, &cancel), ADB_RESULT_OK);
+      EXPECT_EQ(buffer, c.text);
+    }
+  }
 }
 
 }  // namespace

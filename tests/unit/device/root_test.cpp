@@ -69,6 +69,15 @@ TEST_F(RootTest, ASecondProbeThatFailsIsTheCode) {
   }
 }
 
+TEST_F(RootTest, APhoneThatVanishesBetweenTheProbes) {
+  channel.Expect(kFirst).Prints(kAbsent);
+  channel.Expect(kSecond).Prints("error: device 'S1' not found\n").Returns(1001);
+  EXPECT_FALSE(Rooted(ADB_RESULT_NO_DEVICE));
+  channel.Expect(kFirst).Prints("error: device 'S1' not found\n").Returns(1001);
+  channel.Expect(kSecond).Prints("error: device 'S1' not found\n").Returns(1001);
+  EXPECT_FALSE(Rooted(ADB_RESULT_NO_DEVICE)) << "from the start";
+}
+
 TEST_F(RootTest, EverythingButADenialMeansThereIsOne) {
   channel.Expect(kFirst).Prints("");
   EXPECT_TRUE(Rooted());

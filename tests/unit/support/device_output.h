@@ -11,6 +11,10 @@ namespace darokleim::testing {
 // The sample of this name, e.g. "adb-devices/recovery.txt". A missing one fails the test.
 std::string DeviceOutput(const std::string& name);
 
+// The value of one property in a list of properties, e.g. of "ro.product.model" in "getprop/miui8.txt". A missing
+// one fails the test.
+std::string DeviceProperty(const std::string& name, const std::string& property);
+
 // The names of all samples in one folder, so that a test can tell that it knows each.
 std::set<std::string> DeviceOutputsIn(const std::string& folder);
 

@@ -23,6 +23,8 @@ class Answer {
   Answer& Prints(std::string_view output) { return output_ = std::string(output), *this; }
   // Leaves out the zero byte: for functions that must go by the length alone.
   Answer& Unterminated() { return terminated_ = false, *this; }
+  // Says another length than that of the bytes, also without any.
+  Answer& Claims(int length) { return claimed_length_ = length, *this; }
   // The channel's value.
   Answer& Returns(int status) { return status_ = status, *this; }
   // The command comes with a flag of the SDK's own that is false.
@@ -39,6 +41,7 @@ class Answer {
   std::string args_;
   std::optional<std::string> output_;
   bool terminated_ = true;
+  std::optional<int> claimed_length_;
   int status_ = 0;
   Cancel cancel_ = Cancel::kOfTheTest;
   std::function<void()> action_;
