@@ -911,9 +911,10 @@ DAROKLEIM_EXPORT int AdbSearchExternalSDCardPath(const char* serial, char** path
 
 /// @}
 /// @defgroup packages Installed packages
-/// Command limit of each command here: 255 bytes. Where adb's shell may not act for all users of the
-/// device, the first three functions ask for the current user and list that user's packages instead;
-/// AdbGetApkPathOfInstatlled() and AdbGetAppVersion() return #ADB_RESULT_USER_ACCESS_DENIED.
+/// Command limit of each command here: 255 bytes. Package names are read by the device's shell, as a bare
+/// path is. Where adb's shell may not act for all users of the device, the first three functions ask for
+/// the current user and list that user's packages instead; AdbGetApkPathOfInstatlled() and
+/// AdbGetAppVersion() return #ADB_RESULT_USER_ACCESS_DENIED.
 /// @{
 
 /// Asks whether a package is installed (`pm list packages`).
@@ -1021,20 +1022,27 @@ DAROKLEIM_EXPORT int AdbGetAppVersion(const char* serial, const char* package, c
 /// @}
 /// @defgroup install Install and uninstall
 /// Besides the codes listed, an install returns the `ADB_RESULT_INSTALL_` code that the package manager's
-/// message stands for. #ADB_RESULT_OK means that no known failure was printed.
+/// message stands for. #ADB_RESULT_OK means that no known failure was printed; AdbCheckAppInstalled() tells
+/// for sure. Package names are read by the device's shell, as a bare path is.
 /// @{
 
 /// Installs an APK file of the host, replacing an older version and keeping its data: copies it to
 /// `/data/local/tmp/`, installs it as AdbInstallAppFromDevicePath() does, deletes the copy.
 ///
-/// The copy stays on the device after a cancel, and without assistance when the file name has a blank. The
-/// name is what follows the last slash. No pointer is checked for null.
+/// The name of the copy is what follows the last slash. It stays on the device when the call is cancelled or
+/// the connection breaks after the transfer, until a file of that name is installed again; and, without
+/// assistance, when the name is no bare path. No pointer is checked for null.
 ///
 /// @param[in] serial     Serial.
-/// @param[in] host_path  APK file; a whole path.
+/// @param[in] host_path  APK file, no directory; a whole path. Its file name must leave room for the command
+///                       limit of AdbInstallAppFromDevicePath() and, without assistance, do for the
+///                       @p device_path of that function.
 /// @param[in] cancel     Cancel flag.
-/// @retval ADB_RESULT_OK  Installed.
-/// @return Otherwise a code of AdbPushFile() or AdbInstallAppFromDevicePath().
+/// @retval ADB_RESULT_OK             Installed.
+/// @retval ADB_RESULT_NO_SUCH_FILE   There is no such file on the host.
+/// @retval ADB_RESULT_NO_SPACE_LEFT  The device has no room for the copy.
+/// @return Otherwise a code of AdbInstallAppFromDevicePath(), also for a transfer that failed; 1001 for one
+///         that broke off.
 DAROKLEIM_EXPORT int AdbInstallAppFromPCPath(const char* serial, const char* host_path, const bool* cancel);
 
 /// Installs an APK file of the device, replacing an older version and keeping its data (`pm install -r`).
@@ -1043,9 +1051,10 @@ DAROKLEIM_EXPORT int AdbInstallAppFromPCPath(const char* serial, const char* hos
 ///
 /// @param[in] serial       Serial.
 /// @param[in] device_path  APK file. It reaches the device in double quotes: anything but quotes, `$`, a
-///                         backquote and backslashes is fine in it.
+///                         backquote and backslashes is fine in it. Assistance makes it a whole path.
 /// @param[in] cancel       Cancel flag.
-/// @retval ADB_RESULT_OK                Installed.
+/// @retval ADB_RESULT_OK                Installed. Also when a newer phone cannot open the file: its message
+///                                      is none of the known ones.
 /// @retval ADB_RESULT_INVALID_PARAM     A text is null.
 /// @retval ADB_RESULT_FAILURE           Failed for a reason that has no code.
 /// @retval ADB_RESULT_NOT_ENOUGH_SPACE  The same while less than 200 MiB are free on `/sdcard`, or when the
@@ -1054,22 +1063,24 @@ DAROKLEIM_EXPORT int AdbInstallAppFromPCPath(const char* serial, const char* hos
 DAROKLEIM_EXPORT int AdbInstallAppFromDevicePath(const char* serial, const char* device_path,
                                                  const bool* cancel);
 
-/// Installs the APK files of one split package from the host (`adb install-multiple -r`).
+/// Installs the APK files of one split package from the host, replacing an older version and keeping its
+/// data (`adb install-multiple -r`).
 ///
 /// No pointer is checked for null.
 ///
 /// @param[in] serial      Serial.
 /// @param[in] json_paths  JSON object whose arrays hold the files as strings, whole paths:
-///                        `{"apks": ["/tmp/base.apk", "/tmp/split_de.apk"]}`. The arrays are taken in the
-///                        order of their names, and anything else in the object is ignored. Without any
-///                        file the command is run all the same.
+///                        `{"apks": ["/tmp/base.apk", "/tmp/split_de.apk"]}`. adb hands their names, without
+///                        the directories, to the device's shell: these are bare paths. The arrays are
+///                        taken in the order of their names, and anything else in the object is ignored.
+///                        Without any file the command is run all the same.
 /// @param[in] cancel      Cancel flag.
 /// @retval ADB_RESULT_OK                 Installed.
 /// @retval ADB_RESULT_JSON_PARSE_FAILED  @p json_paths is not JSON, has anything but an object (or null) at
 ///                                       its top, nests more than 500 levels deep, or holds an array or an
 ///                                       object in one of its arrays; nothing was run.
-/// @retval ADB_RESULT_NO_SUCH_FILE       A file does not exist.
-/// @retval ADB_RESULT_FAILURE            Failed for a reason that has no code.
+/// @retval ADB_RESULT_NO_SUCH_FILE       A file does not exist, or its name has a blank.
+/// @retval ADB_RESULT_FAILURE            Failed for a reason that has no code; free space is not looked at.
 /// @return Otherwise an install code or a common code.
 DAROKLEIM_EXPORT int AdbInstallMultipleAppFromPCPath(const char* serial, const char* json_paths,
                                                      const bool* cancel);
@@ -1110,11 +1121,12 @@ DAROKLEIM_EXPORT int AdbUninstallApp(const char* serial, const char* package, in
 /// Saves an application's data to a file of the host (`adb backup -noapk -nosystem`).
 ///
 /// Waits until the user has confirmed on the device; AdbStopDeviceBackupRestoreProcess() or the cancel flag
-/// ends the wait. #ADB_RESULT_OK does not say that data was saved: the user may have refused, and an
-/// application may forbid backups. Look at the size of the file.
+/// ends the wait. #ADB_RESULT_OK does not say that data was saved: the user may have refused, or the wait
+/// have been ended, which leaves an empty file; the application may forbid backups, or not be there, which
+/// gives a file without its data. A file that exists is overwritten.
 ///
 /// @param[in] serial     Serial.
-/// @param[in] package    Full package name.
+/// @param[in] package    Full package name, for the device's shell: a bare path.
 /// @param[in] host_path  File to write; a whole path.
 /// @param[in] cancel     Cancel flag.
 /// @retval ADB_RESULT_OK             adb has ended without a known error.
@@ -1124,8 +1136,9 @@ DAROKLEIM_EXPORT int AdbUninstallApp(const char* serial, const char* package, in
 DAROKLEIM_EXPORT int AdbBackupApp(const char* serial, const char* package, const char* host_path,
                                   const bool* cancel);
 
-/// Brings the data of an AdbBackupApp() file back (`adb restore`). Waits for the user as AdbBackupApp()
-/// does.
+/// Brings the data of an AdbBackupApp() file back (`adb restore`), to applications that are installed. Waits
+/// for the user as AdbBackupApp() does; #ADB_RESULT_OK does not say that the user agreed, or that the file
+/// was a backup.
 ///
 /// No pointer is checked for null.
 ///
@@ -1164,7 +1177,8 @@ DAROKLEIM_EXPORT int AdbClearLogcat(const char* serial, const bool* cancel);
 /// @param[in] context  The pointer that was given to AdbLogcatAnsync().
 /// @param[in] data     Bytes of the log, not zero-terminated, valid during the call; a piece may begin and
 ///                     end in the middle of a line. Null in the last call of the stream.
-/// @param[in] length   Number of bytes in @p data; in the last call the status that the stream ended with.
+/// @param[in] length   Number of bytes in @p data; in the last call the status that the stream ended with:
+///                     3003 when its cancel flag was set.
 typedef void (*DarokleimOutputCallback)(void* context, const char* data, int length);
 
 /// Starts a stream of the device's log and returns at once (`adb logcat -s FILTER`).
@@ -1225,9 +1239,9 @@ DAROKLEIM_EXPORT int AdbInputStringToDevice(const char* serial, const char* text
 
 /// @}
 /// @defgroup ports Port mappings
-/// Ports are decimal texts, `"8080"`, and are not checked here. A mapping lasts until it is removed, the
-/// device goes or the adb server ends. These functions cannot be cancelled. Command limit of them all: 511
-/// bytes.
+/// Ports are decimal texts, `"8080"`, not checked here: adb refuses any other. A mapping lasts until it is
+/// removed, the device goes or the adb server ends. These functions cannot be cancelled. Command limit of
+/// them all: 511 bytes.
 /// @{
 
 /// Maps a TCP port of the host to one of the device (`adb forward`): what connects to @p host_port on the
