@@ -51,3 +51,7 @@ file(RELATIVE_PATH pkgconfig_to_prefix "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" 
 string(REGEX REPLACE "/$" "" pkgconfig_to_prefix "${pkgconfig_to_prefix}")
 configure_file("${PROJECT_SOURCE_DIR}/cmake/package/darokleim.pc.in" "${PROJECT_BINARY_DIR}/package/darokleim.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/package/darokleim.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+
+install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md" DESTINATION "${CMAKE_INSTALL_DOCDIR}")
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples" DESTINATION "${CMAKE_INSTALL_DOCDIR}"
+        PATTERN __pycache__ EXCLUDE)
