@@ -6,6 +6,7 @@
 #include <random>
 #include <stdexcept>
 
+#include "core/string_converter.h"
 #include "core/string_helper.h"
 #include "filesystem/plain_listing.h"
 #include "support/device_output.h"
@@ -304,23 +305,51 @@ TEST(LsListingTest, SameAsThePlainForm) {
   EXPECT_GT(traces, 20'000);
 }
 
-// Joined in wide characters or as bytes: any bytes come out the same.
-TEST(LsListingTest, PathsOfAnyBytesAsInWideCharacters) {
-  const std::string alphabet = "a\\ \x80\xbf\xc0\xc2\xdf\xe0\xe6\xb7\xbb\xf0\x9f\x98\xfc\xfd\xfe\xff"s + '\0';
+std::string JoinedInWideCharacters(const std::string& directory, const std::string& name) {
+  return StringConverter::WideToUTF8(StringConverter::UTF8ToWide(directory) + L"/" +
+                                     StringConverter::UTF8ToWide(name));
+}
+
+// The shortest form of a character, of any length that there is.
+std::string CharacterOf(std::mt19937& random) {
+  const std::uint32_t bits = random() % 32;
+  const auto value = static_cast<std::uint32_t>(random()) & ((std::uint32_t{1} << bits) - 1);
+  const std::string character = StringConverter::WideToUTF8(std::wstring(1, static_cast<wchar_t>(value)));
+  return character.find_first_of("\r\n") == std::string::npos ? character : "x";
+}
+
+// Joined in wide characters or as bytes, a path of UTF-8 is the same.
+TEST(LsListingTest, PathsOfUtf8AsInWideCharacters) {
   std::mt19937 random(1);
   const auto text_of = [&](std::size_t most) {
-    std::string text(random() % most, ' ');
-    for (char& c : text) c = alphabet[random() % alphabet.size()];
+    std::string text;
+    for (auto left = random() % most; left > 0; --left) text += CharacterOf(random);
     return text;
   };
-  for (int i = 0; i < 100'000; ++i) {
+  for (int i = 0; i < 50'000; ++i) {
     const std::string directory = "/" + text_of(8);
     const std::string name = "n" + text_of(12);
     std::string unescaped = name;
     replace(unescaped, "\\ ", " ");
-    ASSERT_EQ(Decoded(directory + ":\r\n" + kLine + name).front().file, PlainJoin(directory, unescaped))
+    ASSERT_EQ(Decoded(directory + ":\r\n" + kLine + name).front().file,
+              JoinedInWideCharacters(directory, unescaped))
         << ::testing::PrintToString(name);
   }
+}
+
+TEST(LsListingTest, OtherBytesComeOutAsTheyWentIn) {
+  const std::string alphabet = "a\\ \x80\xbf\xc0\xc2\xdf\xe0\xe6\xb7\xbb\xf0\x9f\x98\xfc\xfd\xfe\xff"s + '\0';
+  std::mt19937 random(1);
+  for (int i = 0; i < 50'000; ++i) {
+    std::string name = "n";
+    for (auto left = random() % 12; left > 0; --left) name += alphabet[random() % alphabet.size()];
+    std::string unescaped = name;
+    replace(unescaped, "\\ ", " ");
+    ASSERT_EQ(Decoded("/\xc0\x80\xff:\r\n" + kLine + name).front().file, "/\xc0\x80\xff/" + unescaped)
+        << ::testing::PrintToString(name);
+  }
+  EXPECT_EQ(Decoded("/d:\r\n" + kLine + "\xc1\xa1\xe0\x81\xa1").front().file, "/d/\xc1\xa1\xe0\x81\xa1")
+      << "longer forms than need be";
 }
 
 }  // namespace

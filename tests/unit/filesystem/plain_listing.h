@@ -13,7 +13,6 @@
 #include <tuple>
 #include <vector>
 
-#include "core/string_converter.h"
 #include "core/string_helper.h"
 #include "filesystem/file_info.h"
 
@@ -38,11 +37,6 @@ inline bool PlainMatchLsLine(const std::string& line, std::smatch& match) {
   return std::regex_match(line, match, with_links) || std::regex_match(line, match, without_links);
 }
 
-inline std::string PlainJoin(const std::string& directory, const std::string& name) {
-  return StringConverter::WideToUTF8(StringConverter::UTF8ToWide(directory) + L"/" +
-                                     StringConverter::UTF8ToWide(name));
-}
-
 // What it would print goes to trace.
 inline bool PlainDecodeLSOut(const std::string& text, std::list<FileInfo>* files, std::string* trace) {
   std::vector<std::string> lines;
@@ -57,7 +51,7 @@ inline bool PlainDecodeLSOut(const std::string& text, std::list<FileInfo>* files
       replace(name, "\\ ", " ");
       FileInfo info;
       info.size = static_cast<std::uint64_t>(atoll(match[1].str().c_str()));
-      info.file = PlainJoin(directory, name);
+      info.file = directory + "/" + name;
       info.time = match[2].str();
       files->push_back(info);
     } else if (line[0] == '-') {
