@@ -122,7 +122,7 @@
 /// | 1000 + N | adb, or the command on the device, failed with exit status N; 1001 is the usual one |
 /// | 2000 + S | signal S ended adb |
 /// | 3001 | the library is not started: no AdbSdkInit(), or it returned #ADB_RESULT_RESOURCE_INCOMPLETE |
-/// | 3002 | the adb executable cannot be started |
+/// | 3002 | the adb executable cannot be started, or the command is longer than the host allows |
 /// | 3003 | cancelled |
 /// | 3005 | more output than an `int` can count |
 /// | 3006 | the system refused a pipe, a process or memory |

@@ -16,6 +16,9 @@ using testing::MatchesRegex;
 constexpr char kNotes[] = "com.example.notes";
 constexpr char kNote[] = "/data/data/com.example.notes/files/note";
 
+// The channel's status when adb cannot be started.
+constexpr int kNotStarted = 3002;
+
 std::string WithoutBlanks(std::string text) {
   text.erase(std::remove_if(text.begin(), text.end(), [](char c) { return c == ' ' || c == '\n'; }),
              text.end());
@@ -143,6 +146,12 @@ TEST_P(SdkPackages, OfSeveralFilesNoneMayHaveABlankOrAQuoteInItsOwnName) {
   EXPECT_EQ(InstallSet({PackageNamed("my notes.apk")}), ADB_RESULT_NO_SUCH_FILE);
   EXPECT_EQ(InstallSet({PackageNamed("it's.apk")}), ADB_RESULT_NO_CLOSING_QUOTE);
   EXPECT_FALSE(IsInstalled());
+}
+
+TEST_P(SdkPackages, MoreFilesThanACommandOfTheHostCanHoldAreRefused) {
+  const Words files(40'000, OnHost(std::string(200, 'n')));
+  EXPECT_EQ(InstallSet(files), kNotStarted);
+  EXPECT_EQ(Install(), kOk) << "the next one is fine";
 }
 
 TEST_P(SdkPackages, OfTwoVersionsTheNewerStays) {
@@ -287,6 +296,7 @@ TEST_P(SdkInterruptedInstall, ATransferThatBreaksLeavesNothing) {
   WriteHostFile(OnHost("large.apk"), package + std::string(4000000, 'x'));
   SwitchOn("drop-after=1M");
   EXPECT_EQ(Install(OnHost("large.apk")), 1001);
+  EXPECT_NE(InstallSet({OnHost("large.apk")}), kOk);
   Control({"mend", "drop-after"});
   EXPECT_FALSE(IsInstalled());
   EXPECT_EQ(Staged(), "");

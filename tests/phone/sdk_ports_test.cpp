@@ -54,6 +54,12 @@ TEST_P(SdkPorts, AMappingReplacesTheOneBefore) {
   EXPECT_EQ(AdbReverseRemove(phone(), "8723"), kOk);
 }
 
+TEST_P(SdkPorts, PortZeroLetsAdbChooseOne) {
+  REQUIRE_SIMULATED_PHONE("may have forwards of others");
+  EXPECT_EQ(AdbFowardBind(phone(), "0", "8729"), kOk);
+  EXPECT_THAT(Forwards(), testing::MatchesRegex(serial() + " tcp:[1-9][0-9]* tcp:8729\n+"));
+}
+
 TEST_P(SdkPorts, WhatIsNotThereCannotBeRemoved) {
   EXPECT_EQ(AdbFowardRemove(phone(), host_port_), kAdbFailed);
   EXPECT_EQ(AdbReverseRemove(phone(), "8725"), kAdbFailed);
