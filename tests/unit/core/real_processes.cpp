@@ -1,14 +1,11 @@
 // Runs AdbKillDaemon with real processes and the real `ps`, and prints what became of each. Only as the first
 // process of a PID namespace of its own: it would kill what others run.
-#include <unistd.h>
-
-#include <array>
 #include <cstdio>
-#include <string>
 
 #include "darokleim.h"
 #include "platform/command_channel.h"
 #include "platform/log_library.h"
+#include "support/process_namespace.h"
 #include "support/sleeper.h"
 
 bool InitLogEx(const void*, const char*, const char*) {
@@ -26,18 +23,8 @@ int ExecuteAdbCommandAnsynchronization(const char*, const bool*, void*, void*) {
 }
 void ReleaseAdbOutBuffer(char*) {}
 
-namespace {
-
-// Also /proc, where `ps` looks, must be the namespace's.
-bool IsFirstProcess() {
-  std::array<char, 16> self{};
-  return getpid() == 1 && readlink("/proc/self", self.data(), self.size() - 1) == 1 && self[0] == '1';
-}
-
-}  // namespace
-
 int main() {
-  if (!IsFirstProcess()) {
+  if (!darokleim::IsFirstProcessOfNamespace()) {
     std::fputs("not in a PID namespace of its own\n", stderr);
     return 2;
   }
