@@ -352,8 +352,8 @@ DAROKLEIM_EXPORT int AdbAuthenticateShow(const char* serial, const bool* cancel)
 
 /// Re-opens the connection to the attached device (`adb reconnect`, without a serial).
 ///
-/// Which device is meant is left to adb, which may refuse when several are attached; AdbAuthenticateShow()
-/// names one. Cannot be cancelled.
+/// Which device is meant is left to adb, which refuses when none or several are attached;
+/// AdbAuthenticateShow() names one. Cannot be cancelled.
 ///
 /// @return The status only; 0: adb did it.
 DAROKLEIM_EXPORT int AdbReconnectDevice(void);
@@ -372,7 +372,10 @@ DAROKLEIM_EXPORT int AdbReboot(const char* serial, const bool* cancel);
 /// @}
 /// @defgroup properties Device properties
 /// One fact of one device for each call, most of them an Android system property (`getprop NAME`). A
-/// property that the device does not have reads as an empty text. Command limit of them all: 255 bytes.
+/// property that the device does not have reads as an empty text. With the status 0 the text is the value,
+/// whatever it says: only with another one are known messages looked for. (AdbGetIPAddress(),
+/// AdbGetDeviceCurrentTime() and IsDeviceHadBeenRooted(), which read no property, always look for them.)
+/// Command limit of them all: 255 bytes.
 /// @{
 
 /// Reads the maker (`ro.product.manufacturer`), for example `Xiaomi`.
@@ -427,10 +430,11 @@ DAROKLEIM_EXPORT int AdbGetMiuiBuildRegin(const char* serial, char* buffer, int 
 /// - below 101, such as `V12`: the name's number, then the build date of `ro.miui.version.code_time` in UTC
 ///   as year - 2010, month, day of the month + 1. `V11` built on 2020-03-15 gives `11.10.3.16`. Reads CR
 ///   LF: without it the newline after the name stays inside the text.
-/// - 101 and above, such as `V130`: `ro.build.version.incremental` between its first `V` and its last dot.
-///   `V13.0.4.0.SKHMIXM` gives `13.0.4.0`.
+/// - 101 and above, such as `V130`: `ro.build.version.incremental` between its first `V`, or its start when
+///   it has none, and its last dot. `V13.0.4.0.SKHMIXM` gives `13.0.4.0`.
 ///
-/// A version that holds `12.` is cut one digit after its third dot: `12.0.5.10` gives `12.0.5.1`.
+/// A version that holds `12.`, wherever, is cut one character after its third dot: `12.0.5.10` gives
+/// `12.0.5.1`.
 ///
 /// @param[in]  serial       Serial.
 /// @param[out] buffer       Receives the version (see Caller buffers); untouched on failure.
@@ -494,8 +498,8 @@ DAROKLEIM_EXPORT int AdbCheckIsHarmony(const char* serial, bool* is_harmony, con
 
 /// Asks whether the device is rooted: whether `/system/bin/su` or `/system/xbin/su` exists (`ls`).
 ///
-/// Every answer but "No such file" counts as existing, a refusal to look included. When the first place
-/// cannot be asked, the second alone decides.
+/// Every answer without "No such file" in its first 255 bytes counts as existing: a refusal to look and an
+/// empty answer, too. When the first place cannot be asked, the second alone decides.
 ///
 /// @param[in]  serial  Serial.
 /// @param[out] rooted  Receives the answer; false on failure. Not checked for null.
