@@ -1,13 +1,10 @@
 // AdbGetAppVersion: the version of an installed package.
-#include <string_view>
-
 #include "apps/package_output.h"
 #include "apps/unchecked_buffer.h"
 #include "core/adb_run.h"
 #include "core/argument_text.h"
 #include "core/call_log.h"
 #include "core/classifier.h"
-#include "core/text.h"
 #include "darokleim.h"
 
 int AdbGetAppVersion(const char* serial, const char* package, char* buffer, int /*buffer_size*/,
@@ -21,15 +18,7 @@ int AdbGetAppVersion(const char* serial, const char* package, char* buffer, int 
   if (!run.has_output()) return log.Leave(run.status());
   // Dumps hold the word "Failure" for reasons of their own.
   constexpr bool kLineFailureOnly = true;
-  int code = Classify(run.output(), run.status(), kLineFailureOnly);
+  const int code = Classify(run.output(), run.status(), kLineFailureOnly);
   if (code != ADB_RESULT_OK) return log.Leave(code);
-  code = ADB_RESULT_NOT_FOUND;
-  ForEachPiece(run.output(), "\n", [&](std::string_view line) {
-    const auto version = FindVersion(line);
-    if (!version) return true;
-    FillUncheckedBuffer(*version, buffer);
-    code = ADB_RESULT_OK;
-    return false;
-  });
-  return log.Leave(code);
+  return log.Leave(FillWithFirstFound(run.output(), FindVersion, buffer));
 }

@@ -21,15 +21,6 @@ AdbRun RunPmPath(const char* serial, const char* package, const bool* cancel) {
   return AdbRun(Cut(256, " -s %s shell pm path %s", serial, package), cancel);
 }
 
-// A split package has several; visit returns whether to go on.
-template <typename Visit>
-void ForEachPath(std::string_view output, Visit visit) {
-  ForEachPiece(output, "\n", [&](std::string_view line) {
-    const auto path = MatchPackageLine(line);
-    return !path || visit(*path);
-  });
-}
-
 }  // namespace
 }  // namespace darokleim
 
@@ -40,15 +31,9 @@ int AdbGetApkPathOfInstatlled(const char* serial, const char* package, char* buf
   if (AnyNull(serial, package, buffer)) return log.InvalidParam();
   buffer[0] = '\0';
   const AdbRun run = RunPmPath(serial, package, cancel);
-  int code = run.Classify();
+  const int code = run.Classify();
   if (!run.has_output() || code != ADB_RESULT_OK) return log.Leave(code);
-  code = ADB_RESULT_NOT_FOUND;
-  ForEachPath(run.output(), [&](std::string_view path) {
-    FillUncheckedBuffer(path, buffer);
-    code = ADB_RESULT_OK;
-    return false;
-  });
-  return log.Leave(code);
+  return log.Leave(FillWithFirstFound(run.output(), MatchPackageLine, buffer));
 }
 
 // Deliberate: whatever the device answered, the caller gets a document, and every failure is "not found".
@@ -63,8 +48,8 @@ int AdbGetApkPathOfInstatlledEx(const char* serial, const char* package, char** 
   Json::Value document;
   Json::Value& paths = document["path"];
   if (code == ADB_RESULT_OK) {
-    ForEachPath(run.output(), [&](std::string_view path) {
-      paths.append(std::string(path));
+    ForEachPiece(run.output(), "\n", [&](std::string_view line) {
+      if (const auto path = MatchPackageLine(line)) paths.append(std::string(*path));
       return true;
     });
   }

@@ -2,6 +2,7 @@
 #include <string>
 
 #include "support/device_output.h"
+#include "support/refused_calls.h"
 #include "support/sdk_test.h"
 
 namespace darokleim::testing {
@@ -81,9 +82,7 @@ TEST_F(ApkPathTest, NullArgumentsAreRefused) {
   EXPECT_EQ(AdbGetApkPathOfInstatlled("S1", nullptr, buffer, 6, &cancel), ADB_RESULT_INVALID_PARAM);
   EXPECT_EQ(AdbGetApkPathOfInstatlled("S1", "com.a", nullptr, 6, &cancel), ADB_RESULT_INVALID_PARAM);
   EXPECT_STREQ(buffer, "before");
-  const Event enter = Info("AdbGetApkPathOfInstatlled Enter.");
-  const Event invalid = Error("AdbGetApkPathOfInstatlled, invalid param.");
-  EXPECT_THAT(journal(), ElementsAre(enter, invalid, enter, invalid, enter, invalid));
+  EXPECT_EQ(journal(), RefusedCalls("AdbGetApkPathOfInstatlled", 3));
 }
 
 TEST_F(ApkPathTest, CommandsAreCutAt255Characters) {
@@ -177,9 +176,7 @@ TEST_F(ApkPathsTest, ANullSerialOrPackageIsRefused) {
             ADB_RESULT_INVALID_PARAM);
   EXPECT_EQ(AdbGetApkPathOfInstatlledEx("S1", nullptr, &json, &json_len, &cancel), ADB_RESULT_INVALID_PARAM);
   EXPECT_EQ(json, nullptr);
-  const Event enter = Info("AdbGetApkPathOfInstatlledEx Enter.");
-  const Event invalid = Error("AdbGetApkPathOfInstatlledEx, invalid param.");
-  EXPECT_THAT(journal(), ElementsAre(enter, invalid, enter, invalid));
+  EXPECT_EQ(journal(), RefusedCalls("AdbGetApkPathOfInstatlledEx", 2));
 }
 
 }  // namespace

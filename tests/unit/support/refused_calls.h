@@ -1,0 +1,23 @@
+// What calls with a null argument leave behind.
+#ifndef DAROKLEIM_TESTS_UNIT_SUPPORT_REFUSED_CALLS_H
+#define DAROKLEIM_TESTS_UNIT_SUPPORT_REFUSED_CALLS_H
+
+#include <string>
+
+#include "support/journal.h"
+
+namespace darokleim::testing {
+
+// The journal of so many calls that a function with the usual log lines refused: no command, no leave line.
+inline Journal RefusedCalls(const std::string& function, int times) {
+  Journal journal;
+  for (int i = 0; i < times; ++i) {
+    journal.push_back(Info(function + " Enter."));
+    journal.push_back(Error(function + ", invalid param."));
+  }
+  return journal;
+}
+
+}  // namespace darokleim::testing
+
+#endif  // DAROKLEIM_TESTS_UNIT_SUPPORT_REFUSED_CALLS_H
