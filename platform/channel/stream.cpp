@@ -68,11 +68,20 @@ void Stream::RunToEnd() {
 
   const int status = StatusAfter(result, exit);
   timer_.Log(arguments_.c_str(), status, bytes_);
+  GiveBackResources();
   if (receiver_.function != nullptr) receiver_.function(receiver_.context, nullptr, status);
 
-  const std::lock_guard lock(finished_mutex_);
+  const std::lock_guard lock(mutex_);
   finished_ = true;
   finished_change_.notify_all();
+}
+
+// The stream itself stays until another one starts or the library is unloaded.
+void Stream::GiveBackResources() {
+  output_.Reset();
+  std::vector<char>().swap(piece_);
+  const std::lock_guard lock(mutex_);
+  child_.reset();
 }
 
 int Stream::StatusAfter(PumpResult result, const ExitOutcome& exit) const {
@@ -106,16 +115,17 @@ void Stream::Deliver(std::string_view piece) {
 
 void Stream::End(int signal_number) {
   stopping_ = true;
-  child_->Signal(signal_number);
+  const std::lock_guard lock(mutex_);
+  if (child_) child_->Signal(signal_number);
 }
 
 bool Stream::Finished() {
-  const std::lock_guard lock(finished_mutex_);
+  const std::lock_guard lock(mutex_);
   return finished_;
 }
 
 bool Stream::WaitUntilFinished(Clock::time_point time) {
-  std::unique_lock lock(finished_mutex_);
+  std::unique_lock lock(mutex_);
   return finished_change_.wait_until(lock, time, [this] { return finished_; });
 }
 

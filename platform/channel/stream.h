@@ -60,6 +60,7 @@ class Stream final : public OutputSink {
   void Took(size_t count) override;
 
   void RunToEnd();
+  void GiveBackResources();
   int StatusAfter(PumpResult result, const ExitOutcome& exit) const;
   void Deliver(std::string_view piece);
   void End(int signal_number);
@@ -72,7 +73,7 @@ class Stream final : public OutputSink {
   const CommandTimer timer_;
 
   UniqueFd output_;
-  std::optional<Child> child_;
+  std::optional<Child> child_;  // taken away under mutex_: other threads signal it
   std::thread thread_;
   std::atomic<bool> stopping_ = false;
 
@@ -83,7 +84,7 @@ class Stream final : public OutputSink {
   long long bytes_ = 0;
   bool out_of_memory_ = false;
 
-  std::mutex finished_mutex_;
+  std::mutex mutex_;  // of child_ and finished_
   std::condition_variable finished_change_;
   bool finished_ = false;
 };
