@@ -24,7 +24,7 @@ bool HasTwoLines(std::string_view text) {
 
 // Takes the backslash from every "\ " at or behind begin.
 void UnescapeBlanks(std::string& path, std::size_t begin) {
-  std::size_t to = path.find("\\ ", begin);
+  std::size_t to = path.find('\\', begin);
   if (to == std::string::npos) return;
   for (std::size_t from = to; from < path.size(); ++from) {
     if (path[from] == '\\' && from + 1 < path.size() && path[from + 1] == ' ') ++from;
@@ -35,9 +35,15 @@ void UnescapeBlanks(std::string& path, std::size_t begin) {
 
 // As atoll reads them: too many are the largest.
 std::uint64_t SizeOf(std::string_view digits) {
-  long long size = std::numeric_limits<long long>::max();
-  std::from_chars(digits.data(), digits.data() + digits.size(), size);
-  return static_cast<std::uint64_t>(size);
+  constexpr std::size_t kAlwaysFit = std::numeric_limits<long long>::digits10;
+  if (digits.size() > kAlwaysFit) {
+    long long size = std::numeric_limits<long long>::max();
+    std::from_chars(digits.data(), digits.data() + digits.size(), size);
+    return static_cast<std::uint64_t>(size);
+  }
+  std::uint64_t size = 0;
+  for (const char digit : digits) size = 10 * size + static_cast<std::uint64_t>(digit - '0');
+  return size;
 }
 
 FileInfo Record(std::string_view directory, const darokleim::LsLine& line) {
