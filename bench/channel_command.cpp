@@ -1,11 +1,11 @@
-// One short command through the channel, in a small host and in a large one, against a bare posix_spawn, read
-// and wait of the same program.
-#include <stdlib.h>
-
+// One short command through the channel, in hosts of several sizes: against a bare posix_spawn, read and wait of the
+// same program, and against what a host would use instead.
 #include <cstring>
-#include <filesystem>
 #include <memory>
+#include <string>
+#include <vector>
 
+#include "channel_alternatives.h"
 #include "channel_floor.h"
 #include "channel_run.h"
 #include "report.h"
@@ -14,28 +14,42 @@ using namespace darokleim::bench;
 
 namespace {
 
-constexpr int kRepetitions = 2000;
+constexpr size_t kMiB = 1024 * 1024;
+constexpr size_t kAnswer = 16;
+constexpr char kAnswerText[] = "16";
 
-Row MeasureIn(const char* name, size_t host_size) {
-  const std::unique_ptr<char[]> host(new char[host_size]);
-  memset(host.get(), 1, host_size);
+struct Host {
+  std::string name;
+  size_t bytes;
+  int forks;  // repetitions of what takes longer the larger the host
+};
+
+void AddRows(std::vector<Row>* rows, const StartedChannel& channel, const Host& host) {
+  const std::unique_ptr<char[]> memory(new char[host.bytes]);
+  memset(memory.get(), 1, host.bytes);
   char answer[64];
-  return Compare(
-      name, 1.05, kRepetitions, [] { RunThroughChannel(" 16", 16); },
-      [&] {
-        if (SpawnReadWait(DAROKLEIM_CHANNEL_CHILD, "16", answer, sizeof answer) != 16) abort();
-      });
+  const auto compare = [&](const char* against, double goal, int repetitions, auto other) {
+    rows->push_back(Compare(
+        {"one short command, host of " + host.name, against, goal, repetitions},
+        [&] { channel.Run(kAnswer); },
+        [&] {
+          if (other() != kAnswer) abort();
+        }));
+  };
+  compare("bare posix_spawn, read, wait", 1.05, 2000,
+          [&] { return SpawnReadWait(DAROKLEIM_CHANNEL_CHILD, kAnswerText, answer, sizeof answer); });
+  compare("popen", 1, 300, [&] { return PopenRead(DAROKLEIM_CHANNEL_CHILD " 16", answer, sizeof answer); });
+  compare("fork and exec", 1, host.forks,
+          [&] { return ForkExecRead(DAROKLEIM_CHANNEL_CHILD, kAnswerText, answer, sizeof answer); });
 }
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  constexpr size_t kMiB = 1024 * 1024;
-  char log_dir[] = "/tmp/darokleim-bench-XXXXXX";
-  if (mkdtemp(log_dir) == nullptr) return 1;
-  InitAdbCommuncation2Server(DAROKLEIM_CHANNEL_CHILD, log_dir, nullptr);
-  Print(argc, argv,
-        {MeasureIn("channel: one short command, host of 10 MiB", 10 * kMiB),
-         MeasureIn("channel: one short command, host of 4 GiB", 4096 * kMiB)});
-  std::filesystem::remove_all(log_dir);
+int main() {
+  const StartedChannel channel;
+  std::vector<Row> rows;
+  AddRows(&rows, channel, {"10 MiB", 10 * kMiB, 300});
+  AddRows(&rows, channel, {"1 GiB", 1024 * kMiB, 60});
+  AddRows(&rows, channel, {"4 GiB", 4096 * kMiB, 20});
+  Print(rows);
 }

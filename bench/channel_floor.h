@@ -13,8 +13,15 @@ extern char** environ;
 
 namespace darokleim::bench {
 
-// Runs program with one word. Reads into memory until the end; returns the bytes read. pipe_size of 0 keeps the
-// system's.
+// Reads into memory until the end; returns the bytes read.
+inline size_t ReadToEnd(int fd, char* memory, size_t size) {
+  size_t total = 0;
+  ssize_t count = 0;
+  while ((count = read(fd, memory + total, size - total)) > 0) total += static_cast<size_t>(count);
+  return total;
+}
+
+// Runs program with one word. Returns the bytes read. pipe_size of 0 keeps the system's.
 inline size_t SpawnReadWait(const char* program, const char* word, char* memory, size_t size,
                             int pipe_size = 0) {
   int ends[2];
@@ -32,10 +39,7 @@ inline size_t SpawnReadWait(const char* program, const char* word, char* memory,
   if (posix_spawn(&pid, program, &actions, nullptr, argv, environ) != 0) abort();
   posix_spawn_file_actions_destroy(&actions);
   close(ends[1]);
-
-  size_t total = 0;
-  ssize_t count = 0;
-  while ((count = read(ends[0], memory + total, size - total)) > 0) total += static_cast<size_t>(count);
+  const size_t total = ReadToEnd(ends[0], memory, size);
   close(ends[0]);
   waitpid(pid, nullptr, 0);
   return total;

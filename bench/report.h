@@ -1,27 +1,34 @@
-// What every benchmark program of this folder shares: our time against a floor measured in the same run.
+// What the comparing programs of this folder share: ours against something else, measured in turn.
 //
-// A program prints a table, or with --json an array of objects {name, ours, floor, ratio, goal}. Times are
-// seconds (memory: bytes); the goal is the highest ratio that is good enough.
+// A program prints a JSON array of objects, one a line: name, against (what stands on the other side), ours, floor
+// (the other side), ratio, goal (the highest ratio that is good enough) and unit ("s" or "B"). scripts/bench makes
+// a table of them.
 #ifndef DAROKLEIM_BENCH_REPORT_H
 #define DAROKLEIM_BENCH_REPORT_H
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <cstring>
 #include <string>
 #include <vector>
 
 namespace darokleim::bench {
 
+struct Comparison {
+  std::string name;
+  std::string against;
+  double goal;
+  int repetitions;
+};
+
 struct Row {
   std::string name;
+  std::string against;
+  double goal = 0;
   double ours = 0;
   double floor = 0;
-  double goal = 0;
-  // The middle one of the ratios of runs made side by side, which whatever else the machine does disturbs less
-  // than the ratio of the two middle times.
   double ratio = 0;
+  const char* unit = "s";
 };
 
 template <typename Function>
@@ -39,13 +46,15 @@ inline double Median(std::vector<double> values) {
 }
 
 // Runs the two in turn, each of them first every other time, after one unmeasured run of each. Both return the
-// seconds that count, for what a run must do besides (giving memory back).
+// seconds that count, for what a run must do besides (giving memory back). The ratio is the middle one of the
+// ratios of runs made side by side, which whatever else the machine does disturbs less than the ratio of the two
+// middle times.
 template <typename Ours, typename Floor>
-Row CompareSeconds(const std::string& name, double goal, int repetitions, Ours ours, Floor floor) {
+Row CompareSeconds(const Comparison& comparison, Ours ours, Floor floor) {
   ours();
   floor();
   std::vector<double> our_times, floor_times, ratios;
-  for (int i = 0; i < repetitions; ++i) {
+  for (int i = 0; i < comparison.repetitions; ++i) {
     const bool ours_first = i % 2 == 0;
     double our_time = ours_first ? ours() : 0;
     const double floor_time = floor();
@@ -54,38 +63,27 @@ Row CompareSeconds(const std::string& name, double goal, int repetitions, Ours o
     floor_times.push_back(floor_time);
     ratios.push_back(our_time / floor_time);
   }
-  return {name, Median(our_times), Median(floor_times), goal, Median(ratios)};
+  return {comparison.name,   comparison.against,  comparison.goal,
+          Median(our_times), Median(floor_times), Median(ratios)};
 }
 
 // The same for runs that count as a whole.
 template <typename Ours, typename Floor>
-Row Compare(const std::string& name, double goal, int repetitions, Ours ours, Floor floor) {
+Row Compare(const Comparison& comparison, Ours ours, Floor floor) {
   return CompareSeconds(
-      name, goal, repetitions, [&] { return SecondsOf(ours); }, [&] { return SecondsOf(floor); });
+      comparison, [&] { return SecondsOf(ours); }, [&] { return SecondsOf(floor); });
 }
 
-inline void PrintJson(const std::vector<Row>& rows) {
-  std::printf("[");
-  for (size_t i = 0; i < rows.size(); ++i) {
-    const Row& row = rows[i];
-    std::printf("%s\n  {\"name\": \"%s\", \"ours\": %.9g, \"floor\": %.9g, \"ratio\": %.4f, \"goal\": %.4g}",
-                i == 0 ? "" : ",", row.name.c_str(), row.ours, row.floor, row.ratio, row.goal);
+inline void Print(const std::vector<Row>& rows) {
+  const char* before = "[";
+  for (const Row& row : rows) {
+    std::printf(R"(%s
+{"name": "%s", "against": "%s", "ours": %.9g, "floor": %.9g, "ratio": %.4f, "goal": %.4g, "unit": "%s"})",
+                before, row.name.c_str(), row.against.c_str(), row.ours, row.floor, row.ratio, row.goal,
+                row.unit);
+    before = ",";
   }
   std::printf("\n]\n");
-}
-
-inline void PrintTable(const std::vector<Row>& rows) {
-  std::printf("%-56s %14s %14s %8s %6s\n", "", "ours", "floor", "ratio", "goal");
-  for (const Row& row : rows) {
-    std::printf("%-56s %14.6g %14.6g %8.3f %6.2f  %s\n", row.name.c_str(), row.ours, row.floor, row.ratio,
-                row.goal, row.ratio <= row.goal ? "" : "missed");
-  }
-}
-
-inline void Print(int argc, char** argv, const std::vector<Row>& rows) {
-  const bool json =
-      std::any_of(argv + 1, argv + argc, [](const char* word) { return !strcmp(word, "--json"); });
-  json ? PrintJson(rows) : PrintTable(rows);
 }
 
 }  // namespace darokleim::bench

@@ -1,0 +1,110 @@
+// On a simulated phone: the library, and the command-line tool, against adb as a shell script or a user runs it.
+#include <stdlib.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "benchmark_phone.h"
+#include "report.h"
+
+namespace {
+
+using namespace darokleim::bench;
+using darokleim::phone_test::Words;
+
+constexpr char kDirectory[] = "/sdcard/DCIM/many";
+constexpr char kSent[] = "/sdcard/sent.bin";
+constexpr std::size_t kFileSize = 256 * 1024 * 1024;
+
+Words Joined(Words first, const Words& second) {
+  first.insert(first.end(), second.begin(), second.end());
+  return first;
+}
+
+Words Adb(const Words& words) {
+  return Joined({"adb", "-s", BenchmarkPhone::kSerial}, words);
+}
+
+Words Tool(const BenchmarkPhone& phone, const Words& words) {
+  return Joined({DAROKLEIM_TOOL, "-q", "-s", BenchmarkPhone::kSerial, "--log-dir", phone.Folder()}, words);
+}
+
+double SecondsOfRun(const Words& command) {
+  return SecondsOf([&] { BenchmarkPhone::Output(command); });
+}
+
+Row CompareScript(const BenchmarkPhone& phone) {
+  const std::string script = phone.OnHost("script");
+  std::ofstream(script) << "#!/bin/sh\nmodel=$(adb -s " << BenchmarkPhone::kSerial
+                        << " shell getprop ro.product.model)\necho \"$model\"\n";
+  chmod(script.c_str(), 0755);
+  char model[64];
+  return Compare(
+      {"AdbGetPhoneProductModel", "a shell script that runs adb", 1, 100},
+      [&] {
+        if (AdbGetPhoneProductModel(BenchmarkPhone::kSerial, model, sizeof model, nullptr) != ADB_RESULT_OK)
+          abort();
+      },
+      [&] { BenchmarkPhone::Output({script}); });
+}
+
+Row CompareListing(const BenchmarkPhone& phone) {
+  phone.Shell(std::string("mkdir -p ") + kDirectory + "; cd " + kDirectory +
+              "; i=0; while [ $i -lt 10000 ]; do : >IMG_$i.jpg; i=$((i+1)); done");
+  return Compare(
+      {"darokleim ls, 10,000 files", "adb shell ls -l", 1, 9},
+      [&] {
+        BenchmarkPhone::Output(Tool(phone, {"ls", kDirectory}));
+      },
+      [&] {
+        BenchmarkPhone::Output(Adb({"shell", "ls", "-l", kDirectory}));
+      });
+}
+
+// Each file arrives anew: what is there already would be skipped.
+Row ComparePush(const BenchmarkPhone& phone) {
+  const std::string file = phone.NewFile(kFileSize);
+  const auto push = [&](const Words& command) {
+    phone.Shell(std::string("rm -f ") + kSent);
+    return SecondsOfRun(command);
+  };
+  return CompareSeconds(
+      {"darokleim push, 256 MiB", "adb push", 1, 5},
+      [&] {
+        return push(Tool(phone, {"push", file, kSent}));
+      },
+      [&] {
+        return push(Adb({"push", file, kSent}));
+      });
+}
+
+Row ComparePull(const BenchmarkPhone& phone) {
+  const std::string file = phone.OnHost("received");
+  const auto pull = [&](const Words& command) {
+    std::filesystem::remove(file);
+    return SecondsOfRun(command);
+  };
+  return CompareSeconds(
+      {"darokleim pull, 256 MiB", "adb pull", 1, 5},
+      [&] {
+        return pull(Tool(phone, {"pull", kSent, file}));
+      },
+      [&] {
+        return pull(Adb({"pull", kSent, file}));
+      });
+}
+
+}  // namespace
+
+int main() {
+  const BenchmarkPhone phone;
+  std::vector<Row> rows;
+  rows.push_back(CompareScript(phone));
+  rows.push_back(CompareListing(phone));
+  rows.push_back(ComparePush(phone));
+  rows.push_back(ComparePull(phone));
+  Print(rows);
+}
