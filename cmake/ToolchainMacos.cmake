@@ -39,6 +39,10 @@ set(CMAKE_RANLIB "${wrappers}/ranlib")
 # the libraries are linked as they are installed, from the start.
 set(CMAKE_INSTALL_NAME_TOOL "/bin/true")
 set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
+# CMake would ask macOS for its version to know whether there are such paths, and without an answer takes it for old.
+set(CMAKE_USER_MAKE_RULES_OVERRIDE "${CMAKE_BINARY_DIR}/zig/rpath.cmake")
+file(WRITE "${CMAKE_USER_MAKE_RULES_OVERRIDE}"
+     "set(CMAKE_SHARED_LIBRARY_RUNTIME_C_FLAG -Wl,-rpath,)\nset(CMAKE_SHARED_LIBRARY_RUNTIME_CXX_FLAG -Wl,-rpath,)\n")
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
