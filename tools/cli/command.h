@@ -28,6 +28,21 @@ void AddCommand(CLI::App& app, Tool& tool, const CommandText& text,
   tool.OnRun(*command, [&tool, options, run] { run(tool, *options); });
 }
 
+// A subcommand without options of its own.
+inline void AddCommand(CLI::App& app, Tool& tool, const CommandText& text, void (*run)(Tool& tool)) {
+  auto* command = app.add_subcommand(text.name, text.description);
+  command->footer(text.footer);
+  tool.OnRun(*command, [&tool, run] { run(tool); });
+}
+
+// A subcommand that does nothing but hold others, one of which must follow.
+inline CLI::App& AddCommandGroup(CLI::App& app, const CommandText& text) {
+  auto* group = app.add_subcommand(text.name, text.description);
+  group->footer(text.footer);
+  group->require_subcommand(1);
+  return *group;
+}
+
 // The --json of a command; `what` describes the document.
 inline void AddJsonFlag(CLI::App& command, bool& json, const std::string& what) {
   command.add_flag("--json", json, "Print " + what);

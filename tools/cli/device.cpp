@@ -51,7 +51,14 @@ std::string TheOnlyUsable(const Session& session) {
 
 void Device::Check(int code, const std::string& action) const {
   if (IsExitStatus(code) && !IsCancelled()) CheckState(action);
-  session_->Check(code, action);
+  if (may_be_cancelled_) session_->CheckCancelled();
+  session_->CheckCode(code, action);
+}
+
+Device Device::ForCleaningUp() const {
+  Device device = *this;
+  device.may_be_cancelled_ = false;
+  return device;
 }
 
 void Device::CheckState(const std::string& action) const {

@@ -15,7 +15,10 @@ class Device {
 
   // For the library's calls.
   const char* serial() const { return serial_.c_str(); }
-  const bool* cancel() const { return session_->cancel(); }
+  const bool* cancel() const { return may_be_cancelled_ ? session_->cancel() : nullptr; }
+
+  // The same device for what has to be done after Ctrl-C, too.
+  Device ForCleaningUp() const;
 
   // As Session::Check. Where the code does not tell that the device is absent or not ready, the message does.
   void Check(int code, const std::string& action) const;
@@ -25,6 +28,7 @@ class Device {
 
   const Session* session_;
   std::string serial_;
+  bool may_be_cancelled_ = true;
 };
 
 // The named one; without a name that of ANDROID_SERIAL; without that the only usable one. Throws ToolError, with

@@ -36,9 +36,8 @@ CLI::Validator WordOf(const std::string& others, const std::string& what) {
 }
 
 void AddPackageArgument(CLI::App& command, std::string& package) {
-  command.add_option("package", package, "Full name of the application's package, as com.example.app")
+  command.add_option("PACKAGE", package, "Full name of the application's package, as com.example.app")
       ->required()
-      ->type_name("PACKAGE")
       ->check(WordOf("._-", "name of a package"));
 }
 
@@ -47,25 +46,13 @@ void AddPortArgument(CLI::App& command, const std::string& name, std::string& po
   const auto check = [](const std::string& text) -> std::string {
     return IsPort(text) ? "" : "\"" + text + "\" is no TCP port: 1 to 65535";
   };
-  command.add_option(name, port, description)
-      ->required()
-      ->type_name("PORT")
-      ->check(CLI::Validator(check, ""));
+  command.add_option(name, port, description)->required()->check(CLI::Validator(check, ""));
 }
 
 void CheckLength(const std::string& command, std::size_t limit, const std::string& what) {
   if (command.size() <= limit) return;
   throw ToolError(what + " is too long: " + std::to_string(command.size() - limit) +
                   " bytes more than fit into the command.");
-}
-
-std::string Quoted(const std::string& text) {
-  std::string quoted = "\"";
-  for (const char c : text) {
-    if (c == '"' || c == '\\') quoted += '\\';
-    quoted += c;
-  }
-  return quoted + "\"";
 }
 
 }  // namespace darokleim

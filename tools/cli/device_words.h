@@ -11,7 +11,7 @@ namespace darokleim {
 // A positional argument PACKAGE, required.
 void AddPackageArgument(CLI::App& command, std::string& package);
 
-// A positional argument of this name for a TCP port, 1 to 65535, required.
+// A positional argument of this name, in capitals, for a TCP port, 1 to 65535, required.
 void AddPortArgument(CLI::App& command, const std::string& name, std::string& port,
                      const std::string& description);
 
@@ -22,9 +22,6 @@ CLI::Validator WordOf(const std::string& others, const std::string& what);
 // The library cuts some of its commands at a fixed length without a word, and what is left may do something else.
 // Throws ToolError for a command of more than `limit` bytes; `what` is the part that is too long.
 void CheckLength(const std::string& command, std::size_t limit, const std::string& what);
-
-// The text between double quotes, as the command channel reads it.
-std::string Quoted(const std::string& text);
 
 }  // namespace darokleim
 

@@ -14,6 +14,12 @@ class ToolError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// The command's answer is no, and it has been printed: `exists`.
+class AnswerIsNo : public std::exception {
+ public:
+  const char* what() const noexcept override { return "the answer is no"; }
+};
+
 // Ctrl-C.
 class Cancelled : public std::exception {
  public:

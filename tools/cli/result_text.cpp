@@ -38,7 +38,7 @@ constexpr ResultText kResultTexts[] = {
     {DAROKLEIM_NAMED(ADB_RESULT_UNKNOWN_HOST_SERVICE), "the adb server does not know the request.",
      "A server of an older version is running: end it with `adb kill-server` and try again."},
     {DAROKLEIM_NAMED(ADB_RESULT_CANNOT_CONNECT_DAEMON), "adb could not reach its server.",
-     "Start it with `adb start-server`; something else may hold its TCP port, 5037."},
+     "Start it with `darokleim server start`; something else may hold its TCP port, 5037."},
     {DAROKLEIM_NAMED(ADB_RESULT_NOT_FOUND), "what was looked for is not in the device's answer.",
      "Check the name."},
     {DAROKLEIM_NAMED(ADB_RESULT_PERMISSION_DENIED), "the device refused to search some of the folders.",
@@ -70,7 +70,7 @@ constexpr ResultText kResultTexts[] = {
      "the device has no shell, or lacks the program that is needed.",
      "A device in recovery has none: start Android on it."},
     {DAROKLEIM_NAMED(ADB_RESULT_DEVICE_UNAUTHORIZED), "the device does not trust this computer yet.",
-     "Unlock it and allow USB debugging on its screen."},
+     "Unlock it and allow USB debugging on its screen; `darokleim authorize` makes it ask again."},
     {DAROKLEIM_NAMED(ADB_RESULT_NOT_ENOUGH_SPACE), "the device has not enough free space.",
      "Free some of it."},
     {DAROKLEIM_NAMED(ADB_RESULT_MIUI_TIME_CODE_FAILED), "the device tells no MIUI build date.",
@@ -89,7 +89,7 @@ constexpr ResultText kChannelTexts[] = {
     {3001, "channel not started", "the library was not started, or its start failed.", "Please report this."},
     {3002, "adb cannot be started", "the system could not start adb.",
      "Check that it is adb for this computer and processor."},
-    {3003, "cancelled", "the command was cancelled.", ""},
+    {3003, "cancelled", "the command was cancelled.", "What the device did until then stays done."},
     {3004, "bad argument", "an argument of the command is missing.", "Please report this."},
     {3005, "too much output", "adb printed more than the library can hold, 2 GiB.", "Ask for less at once."},
     {3006, "out of resources", "the system refused a pipe, a process or memory.",
@@ -135,7 +135,8 @@ std::string DescribeResult(int code) {
   if (IsExitStatus(code)) return DescribeExitStatus(code);
   if (code >= kSignalBase && code < kFirstOwnStatus) return DescribeSignal(code);
   return "unknown result (" + std::to_string(code) +
-         "): a command channel that is not this tool's own may have such numbers.";
+         "): a command channel that is not this tool's own may have such numbers."
+         " See its own documentation.";
 }
 
 bool IsChannelStatus(int code) {
@@ -144,6 +145,21 @@ bool IsChannelStatus(int code) {
 
 bool IsExitStatus(int code) {
   return code >= kExitStatusBase && code < kSignalBase;
+}
+
+bool MayComeFromAName(int code) {
+  switch (code) {
+    case ADB_RESULT_OK:
+    case ADB_RESULT_PROTOCOL_FAULT:
+    case ADB_RESULT_NO_DEVICE:
+    case ADB_RESULT_UNKNOWN_HOST_SERVICE:
+    case ADB_RESULT_CANNOT_CONNECT_DAEMON:
+    case ADB_RESULT_DAEMON_NOT_RUNNING:
+    case ADB_RESULT_DEVICE_UNAUTHORIZED:
+      return false;
+    default:
+      return !IsChannelStatus(code);
+  }
 }
 
 }  // namespace darokleim

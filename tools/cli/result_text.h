@@ -16,6 +16,10 @@ bool IsChannelStatus(int code);
 // Whether the code is the exit status of adb, or of the command on the device, and nothing more is known.
 bool IsExitStatus(int code);
 
+// Whether the code may come from a name in adb's output: the library takes a file called Failure.log for a failure.
+// All codes for messages but those of the connection.
+bool MayComeFromAName(int code);
+
 }  // namespace darokleim
 
 #endif  // DAROKLEIM_TOOLS_CLI_RESULT_TEXT_H

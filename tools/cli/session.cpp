@@ -64,7 +64,15 @@ const bool* Session::cancel() const {
 }
 
 void Session::Check(int code, const std::string& action) const {
+  CheckCancelled();
+  CheckCode(code, action);
+}
+
+void Session::CheckCancelled() const {
   if (IsCancelled()) throw Cancelled();
+}
+
+void Session::CheckCode(int code, const std::string& action) const {
   if (code == ADB_RESULT_OK) return;
   std::string message = "cannot " + action + ": " + DescribeResult(code);
   if (IsChannelStatus(code)) {

@@ -28,6 +28,12 @@ class Session {
   // action completes "cannot …", as "list devices".
   void Check(int code, const std::string& action) const;
 
+  // Its two halves.
+  void CheckCancelled() const;
+  void CheckCode(int code, const std::string& action) const;
+  // Whether there is a busybox for devices.
+  bool has_busybox() const { return programs_.busybox.has_value(); }
+
  private:
   HostPrograms programs_;
   std::string log_directory_;

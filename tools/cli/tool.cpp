@@ -91,6 +91,8 @@ int RunTool(int argc, const char* const* argv) try {
   return kExitCancelled;
 } catch (const OutputClosed&) {
   return kExitFailed;
+} catch (const AnswerIsNo&) {
+  return kExitFailed;
 } catch (const std::exception& error) {
   PrintError(error.what());
   return kExitFailed;

@@ -31,6 +31,7 @@ class Tool {
 
   // Whether progress and reports of success are unwanted.
   bool& quiet() { return quiet_; }
+  bool is_quiet() const { return quiet_; }
   // Prints a line about what was done, unless that is unwanted.
   void Report(std::string_view line);
 

@@ -11,11 +11,45 @@ namespace darokleim {
 class Tool;
 
 void AddDevicesCommand(CLI::App& app, Tool& tool);
+void AddInfoCommand(CLI::App& app, Tool& tool);
+void AddAppCommand(CLI::App& app, Tool& tool);
+void AddBackupCommand(CLI::App& app, Tool& tool);
+void AddRestoreCommand(CLI::App& app, Tool& tool);
+void AddBackupStopCommand(CLI::App& app, Tool& tool);
+void AddLogcatCommand(CLI::App& app, Tool& tool);
+void AddTypeCommand(CLI::App& app, Tool& tool);
+void AddForwardCommand(CLI::App& app, Tool& tool);
+void AddReverseCommand(CLI::App& app, Tool& tool);
+void AddRebootCommand(CLI::App& app, Tool& tool);
+void AddAuthorizeCommand(CLI::App& app, Tool& tool);
+void AddReconnectCommand(CLI::App& app, Tool& tool);
+void AddServerCommand(CLI::App& app, Tool& tool);
+void AddBusyboxCommand(CLI::App& app, Tool& tool);
+void AddCompleteCommand(CLI::App& app, Tool& tool);
+void AddManualCommand(CLI::App& app, Tool& tool);
 
 // In the order of --help.
+// clang-format off
 inline constexpr void (*kCommands[])(CLI::App&, Tool&) = {
     AddDevicesCommand,
+    AddInfoCommand,
+    AddAppCommand,
+    AddBackupCommand,
+    AddRestoreCommand,
+    AddBackupStopCommand,
+    AddLogcatCommand,
+    AddTypeCommand,
+    AddForwardCommand,
+    AddReverseCommand,
+    AddRebootCommand,
+    AddAuthorizeCommand,
+    AddReconnectCommand,
+    AddServerCommand,
+    AddBusyboxCommand,
+    AddCompleteCommand,
+    AddManualCommand,
 };
+// clang-format on
 
 }  // namespace darokleim
 

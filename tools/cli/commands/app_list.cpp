@@ -1,0 +1,127 @@
+// darokleim app list
+#include <darokleim.h>
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "command.h"
+#include "commands/app_commands.h"
+#include "device_words.h"
+#include "library_block.h"
+#include "table.h"
+
+namespace darokleim {
+namespace {
+
+constexpr char kFooter[] = R"(Examples:
+  darokleim app list                     all installed packages
+  darokleim app list --third-party       those that the user installed
+  darokleim app list google --paths      those with "google" in their name, and their APK files
+  darokleim app list --json              [{"package": "com.example.notes"}])";
+
+struct Options {
+  std::string part_of_name;
+  bool third_party = false;
+  bool system = false;
+  bool disabled = false;
+  bool enabled = false;
+  bool paths = false;
+  bool json = false;
+};
+
+struct Package {
+  std::string name;
+  std::string path;  // empty unless asked for
+};
+
+void Describe(CLI::App& command, Options& options) {
+  command.add_option("TEXT", options.part_of_name, "Only packages with this in their name")
+      ->check(WordOf("._-", "part of a package's name"));
+  auto* third_party =
+      command.add_flag("-3,--third-party", options.third_party, "Only what the user installed");
+  command.add_flag("--system", options.system, "Only what came with the phone")->excludes(third_party);
+  auto* disabled = command.add_flag("--disabled", options.disabled, "Only what is switched off");
+  command.add_flag("--enabled", options.enabled, "Only what is not switched off")->excludes(disabled);
+  command.add_flag("--paths", options.paths, "Show the APK file of each");
+  AddJsonFlag(command, options.json, "an array of {package}, with --paths of {package, path}");
+}
+
+// As `pm list packages` reads it.
+std::string Filter(const Options& options) {
+  std::string filter;
+  if (options.third_party) filter += "-3 ";
+  if (options.system) filter += "-s ";
+  if (options.disabled) filter += "-d ";
+  if (options.enabled) filter += "-e ";
+  if (options.paths) filter += "-f ";
+  return filter + options.part_of_name;
+}
+
+// From "package:NAME", with_path "package:PATH=NAME"; the path may hold '=', the name does not.
+Package ParsePackage(std::string_view entry, bool with_path) {
+  const auto equals = with_path ? entry.rfind('=') : std::string_view::npos;
+  if (equals == std::string_view::npos) return {std::string(entry), ""};
+  return {std::string(entry.substr(equals + 1)), std::string(entry.substr(0, equals))};
+}
+
+std::vector<Package> ParsePackages(std::string_view list, bool with_paths) {
+  constexpr std::string_view kPrefix = "package:";
+  std::vector<Package> packages;
+  while (!list.empty()) {
+    auto line = list.substr(0, list.find('\n'));
+    list.remove_prefix(std::min(line.size() + 1, list.size()));
+    line = line.substr(0, line.find_last_not_of("\r ") + 1);
+    if (line.substr(0, kPrefix.size()) != kPrefix) continue;
+    packages.push_back(ParsePackage(line.substr(kPrefix.size()), with_paths));
+  }
+  std::sort(packages.begin(), packages.end(),
+            [](const Package& a, const Package& b) { return a.name < b.name; });
+  return packages;
+}
+
+std::vector<Package> ListPackages(const Device& device, const Options& options) {
+  const std::string filter = Filter(options);
+  CheckLength(" -s " + std::string(device.serial()) + " shell pm list packages --user 9999 " + filter, 255,
+              "the part of a name");
+  LibraryBlock list;
+  const int code = AdbGetPackagesNameOfInstalled(device.serial(), filter.c_str(), list.text(), list.length(),
+                                                 device.cancel());
+  device.Check(code, "list applications");
+  // Without a list and without a failure the phone refused it for every user.
+  if (*list.text() == nullptr) device.Check(ADB_RESULT_USER_ACCESS_DENIED, "list applications");
+  return ParsePackages(list.Bytes(), options.paths);
+}
+
+Json::Value ToJson(const std::vector<Package>& packages, bool with_paths) {
+  Json::Value list(Json::arrayValue);
+  for (const auto& package : packages) {
+    Json::Value& entry = list.append(Json::objectValue);
+    entry["package"] = package.name;
+    if (with_paths) entry["path"] = package.path;
+  }
+  return list;
+}
+
+void Run(Tool& tool, const Options& options) {
+  const auto packages = ListPackages(tool.device(), options);
+  if (options.json) {
+    tool.output().WriteJson(ToJson(packages, options.paths));
+    return;
+  }
+  Table table;
+  for (const auto& package : packages) {
+    table.AddRow({tool.output().Shown(package.name),
+                  tool.output().Painted(Colour::kFaint, tool.output().Shown(package.path))});
+  }
+  tool.output().Write(table.Text());
+}
+
+}  // namespace
+
+void AddAppListCommand(CLI::App& group, Tool& tool) {
+  AddCommand<Options>(group, tool, {"list", "List the installed packages", kFooter}, Describe, Run);
+}
+
+}  // namespace darokleim

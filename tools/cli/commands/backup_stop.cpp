@@ -1,0 +1,29 @@
+// darokleim backup-stop
+#include <darokleim.h>
+
+#include "command.h"
+#include "commands/commands.h"
+
+namespace darokleim {
+namespace {
+
+constexpr char kFooter[] = R"(The backup or restore that waits for the answer then ends.
+
+Examples:
+  darokleim backup-stop)";
+
+void Run(Tool& tool) {
+  const auto& device = tool.device();
+  device.Check(AdbStopDeviceBackupRestoreProcess(device.serial(), device.cancel()),
+               "close the phone's question");
+  tool.Report("The phone asks no more.");
+}
+
+}  // namespace
+
+void AddBackupStopCommand(CLI::App& app, Tool& tool) {
+  AddCommand(app, tool, {"backup-stop", "Close the phone's question about a backup or a restore", kFooter},
+             Run);
+}
+
+}  // namespace darokleim

@@ -1,0 +1,102 @@
+// darokleim info
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "command.h"
+#include "commands/commands.h"
+#include "device_facts.h"
+#include "device_words.h"
+#include "table.h"
+
+namespace darokleim {
+namespace {
+
+constexpr char kFooter[] =
+    R"(One fact alone is printed as it is. What the device does not tell is left out, and null in JSON; its MAC
+address is one of the things that only some makers tell.
+
+Examples:
+  darokleim info                                     everything
+  darokleim info model                               Pixel 7
+  darokleim info android sdk --json                  {"android": "13", "sdk": "33"}
+  darokleim info --property ro.build.fingerprint     any property of the system)";
+
+struct Options {
+  std::vector<std::string> names;
+  std::vector<std::string> properties;
+  bool json = false;
+};
+
+std::vector<std::string> NamesOfFacts() {
+  std::vector<std::string> names;
+  for (const auto& fact : DeviceFacts()) names.push_back(fact.name);
+  return names;
+}
+
+void Describe(CLI::App& command, Options& options) {
+  command.add_option("NAME", options.names, "What to show; everything without a name")
+      ->check(CLI::IsMember(NamesOfFacts()));
+  command
+      .add_option("-p,--property", options.properties,
+                  "A property of the Android system, as `getprop` knows it; may be repeated")
+      ->type_name("PROPERTY")
+      ->allow_extra_args(false)
+      ->check(WordOf("._-:@", "name of a property"));
+  AddJsonFlag(command, options.json, "an object with a member for each fact");
+}
+
+std::vector<DeviceFact> Wanted(const Options& options) {
+  std::vector<DeviceFact> wanted;
+  if (options.names.empty() && options.properties.empty()) return DeviceFacts();
+  for (const auto& name : options.names) {
+    const auto& all = DeviceFacts();
+    wanted.push_back(
+        *std::find_if(all.begin(), all.end(), [&name](const DeviceFact& fact) { return fact.name == name; }));
+  }
+  for (const auto& property : options.properties) {
+    wanted.push_back(PropertyFact(property, property, property));
+  }
+  return wanted;
+}
+
+std::string TextOf(const Json::Value& value) {
+  if (value.isBool()) return value.asBool() ? "yes" : "no";
+  return value.isNull() ? "" : value.asString();
+}
+
+void PrintJson(Tool& tool, const std::vector<DeviceFact>& facts) {
+  Json::Value document(Json::objectValue);
+  for (const auto& fact : facts) document[fact.name] = fact.read(tool.device());
+  tool.output().WriteJson(document);
+}
+
+void PrintTable(Tool& tool, const std::vector<DeviceFact>& facts) {
+  Table table;
+  for (const auto& fact : facts) {
+    const std::string text = TextOf(fact.read(tool.device()));
+    if (!text.empty()) {
+      table.AddRow({tool.output().Painted(Colour::kFaint, fact.label), tool.output().Shown(text)});
+    }
+  }
+  tool.output().Write(table.Text());
+}
+
+void Run(Tool& tool, const Options& options) {
+  const auto facts = Wanted(options);
+  if (options.json) {
+    PrintJson(tool, facts);
+  } else if (facts.size() == 1) {
+    tool.output().Write(tool.output().Shown(TextOf(facts.front().read(tool.device()))) + "\n");
+  } else {
+    PrintTable(tool, facts);
+  }
+}
+
+}  // namespace
+
+void AddInfoCommand(CLI::App& app, Tool& tool) {
+  AddCommand<Options>(app, tool, {"info", "Show what a device says of itself", kFooter}, Describe, Run);
+}
+
+}  // namespace darokleim

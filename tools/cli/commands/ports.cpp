@@ -1,0 +1,99 @@
+// darokleim forward, darokleim reverse
+#include <darokleim.h>
+
+#include <string>
+
+#include "command.h"
+#include "commands/commands.h"
+#include "device_words.h"
+
+namespace darokleim {
+namespace {
+
+constexpr char kForwardFooter[] =
+    R"(A mapping lasts until it is removed, the device goes or the adb server ends.
+
+Examples:
+  darokleim forward add 8080 80     http://localhost:8080 of this computer is port 80 of the device
+  darokleim forward remove 8080)";
+
+constexpr char kReverseFooter[] =
+    R"(A mapping lasts until it is removed, the device goes or the adb server ends.
+
+Examples:
+  darokleim reverse add 3000 8080     http://localhost:3000 of the device is port 8080 of this computer
+  darokleim reverse remove 3000)";
+
+struct Mapping {
+  std::string host_port;
+  std::string device_port;
+};
+
+void DescribeHostPort(CLI::App& command, Mapping& mapping) {
+  AddPortArgument(command, "HOST_PORT", mapping.host_port, "TCP port of this computer");
+}
+
+void DescribeDevicePort(CLI::App& command, Mapping& mapping) {
+  AddPortArgument(command, "DEVICE_PORT", mapping.device_port, "TCP port of the device");
+}
+
+// The side that listens stands first.
+void DescribeForward(CLI::App& command, Mapping& mapping) {
+  DescribeHostPort(command, mapping);
+  DescribeDevicePort(command, mapping);
+}
+
+void DescribeReverse(CLI::App& command, Mapping& mapping) {
+  DescribeDevicePort(command, mapping);
+  DescribeHostPort(command, mapping);
+}
+
+void AddForward(Tool& tool, const Mapping& mapping) {
+  const auto& device = tool.device();
+  device.Check(AdbFowardBind(device.serial(), mapping.host_port.c_str(), mapping.device_port.c_str()),
+               "map port " + mapping.host_port + " of this computer; it may be in use");
+  tool.Report("Port " + mapping.host_port + " of this computer is port " + mapping.device_port +
+              " of the device.");
+}
+
+void RemoveForward(Tool& tool, const Mapping& mapping) {
+  const auto& device = tool.device();
+  device.Check(AdbFowardRemove(device.serial(), mapping.host_port.c_str()),
+               "remove the mapping of port " + mapping.host_port + " of this computer; there may be none");
+  tool.Report("Port " + mapping.host_port + " of this computer is free.");
+}
+
+void AddReverse(Tool& tool, const Mapping& mapping) {
+  const auto& device = tool.device();
+  device.Check(AdbReverseBind(device.serial(), mapping.device_port.c_str(), mapping.host_port.c_str()),
+               "map port " + mapping.device_port + " of the device; it may be in use");
+  tool.Report("Port " + mapping.device_port + " of the device is port " + mapping.host_port +
+              " of this computer.");
+}
+
+void RemoveReverse(Tool& tool, const Mapping& mapping) {
+  const auto& device = tool.device();
+  device.Check(AdbReverseRemove(device.serial(), mapping.device_port.c_str()),
+               "remove the mapping of port " + mapping.device_port + " of the device; there may be none");
+  tool.Report("Port " + mapping.device_port + " of the device is free.");
+}
+
+}  // namespace
+
+void AddForwardCommand(CLI::App& app, Tool& tool) {
+  auto& group = AddCommandGroup(
+      app, {"forward", "Let a port of this computer reach one of the device", kForwardFooter});
+  AddCommand<Mapping>(group, tool, {"add", "Map a port", kForwardFooter}, DescribeForward, AddForward);
+  AddCommand<Mapping>(group, tool, {"remove", "Remove a mapping", kForwardFooter}, DescribeHostPort,
+                      RemoveForward);
+}
+
+void AddReverseCommand(CLI::App& app, Tool& tool) {
+  auto& group = AddCommandGroup(
+      app, {"reverse", "Let a port of the device reach one of this computer", kReverseFooter});
+  AddCommand<Mapping>(group, tool, {"add", "Map a port", kReverseFooter}, DescribeReverse, AddReverse);
+  AddCommand<Mapping>(group, tool, {"remove", "Remove a mapping", kReverseFooter}, DescribeDevicePort,
+                      RemoveReverse);
+}
+
+}  // namespace darokleim

@@ -1,0 +1,50 @@
+// darokleim type
+#include <darokleim.h>
+
+#include <string>
+#include <vector>
+
+#include "command.h"
+#include "commands/commands.h"
+#include "typed_text.h"
+
+namespace darokleim {
+namespace {
+
+constexpr char kFooter[] =
+    R"(Types into the field that has the focus. Words are joined by a blank. Phones can be made to type ASCII
+characters only.
+
+Examples:
+  darokleim type hello world
+  darokleim type -- "-5 & more"    a text that begins with a hyphen)";
+
+struct Options {
+  std::vector<std::string> words;
+};
+
+void Describe(CLI::App& command, Options& options) {
+  command.add_option("TEXT", options.words, "What to type")->required();
+}
+
+std::string Joined(const std::vector<std::string>& words) {
+  std::string text;
+  for (const auto& word : words) text += (&word == &words.front() ? "" : " ") + word;
+  return text;
+}
+
+void Run(Tool& tool, const Options& options) {
+  const auto pieces = PiecesToType(Joined(options.words));
+  const auto& device = tool.device();
+  for (const auto& piece : pieces) {
+    device.Check(AdbInputStringToDevice(device.serial(), piece.c_str(), device.cancel()), "type the text");
+  }
+}
+
+}  // namespace
+
+void AddTypeCommand(CLI::App& app, Tool& tool) {
+  AddCommand<Options>(app, tool, {"type", "Type a text on the device", kFooter}, Describe, Run);
+}
+
+}  // namespace darokleim

@@ -1,0 +1,17 @@
+#ifndef DAROKLEIM_TOOLS_CLI_LOG_STREAM_H
+#define DAROKLEIM_TOOLS_CLI_LOG_STREAM_H
+
+#include <string>
+
+#include "device.h"
+#include "log_lines.h"
+
+namespace darokleim {
+
+// Prints the device's log until its end or Ctrl-C, which is no error. `filter` is what `logcat -s` reads. Returns whether
+// the end came by itself. Throws ToolError when adb failed, and what the output throws.
+bool FollowLog(const Device& device, const std::string& filter, LogLines& lines);
+
+}  // namespace darokleim
+
+#endif  // DAROKLEIM_TOOLS_CLI_LOG_STREAM_H

@@ -1,0 +1,14 @@
+#ifndef DAROKLEIM_TOOLS_CLI_OWN_COMMAND_LINE_H
+#define DAROKLEIM_TOOLS_CLI_OWN_COMMAND_LINE_H
+
+#include <string>
+#include <vector>
+
+namespace darokleim {
+
+// The words that this process was started with, as `ps` shows them; empty when the system does not tell.
+std::vector<std::string> OwnCommandLine();
+
+}  // namespace darokleim
+
+#endif  // DAROKLEIM_TOOLS_CLI_OWN_COMMAND_LINE_H
