@@ -28,6 +28,10 @@ std::string WithoutBlanks(std::string text) {
 // The application of the test is removed from the phone afterwards.
 class SdkPackages : public SdkOnPhone {
  protected:
+  void SetUp() override {
+    SdkOnPhone::SetUp();
+    staged_before_ = Staged();
+  }
   void TearDown() override {
     if (!is_simulated()) Shell(std::string("pm uninstall ") + kNotes);
     SdkOnPhone::TearDown();
@@ -42,13 +46,17 @@ class SdkPackages : public SdkOnPhone {
     return AdbInstallMultipleAppFromPCPath(phone(), (json + "]}").c_str(), cancel_);
   }
   bool IsInstalled() const { return !Text(std::string("pm path ") + kNotes).empty(); }
-  // The files that wait in the folder where packages are staged, but for the test's own folder.
+  // What is in the folder where packages are staged, but for the test's own folder.
   std::string Staged() const { return Text("ls /data/local/tmp | grep -v darokleim-test"); }
+  void ExpectNothingIsLeft() const { EXPECT_EQ(Staged(), staged_before_) << "staged and left behind"; }
   // A copy of the package on the host.
   std::string PackageNamed(const std::string& name) const {
     WriteHostFile(OnHost(name), ReadHostFile(DataFile("notes-1.apk")));
     return OnHost(name);
   }
+
+ private:
+  std::string staged_before_;
 };
 
 TEST_P(SdkPackages, AreInstalledListedAndRemoved) {
@@ -95,7 +103,7 @@ TEST_P(SdkPackages, AreInstalledFromTheHostWhateverTheirFileIsCalled) {
        {"my notes.apk", "\xe7\xac\x94\xe8\xae\xb0.apk", "it's.apk", "$5 & (more); *.apk"}) {
     EXPECT_EQ(Install(PackageNamed(name)), kOk) << name;
     EXPECT_TRUE(IsInstalled()) << name;
-    EXPECT_EQ(Staged(), "") << name;
+    ExpectNothingIsLeft();
     AdbUninstallApp(phone(), kNotes, 0, cancel_);
   }
 }
@@ -160,7 +168,7 @@ TEST_P(SdkPackages, OfTwoVersionsTheNewerStays) {
   EXPECT_EQ(InstallSet({DataFile("notes-1.apk")}), ADB_RESULT_INSTALL_VERSION_DOWNGRADE);
   EXPECT_EQ(AdbGetAppVersion(phone(), kNotes, buffer_, sizeof(buffer_), cancel_), kOk);
   EXPECT_STREQ(buffer_, "2.0");
-  EXPECT_EQ(Staged(), "");
+  ExpectNothingIsLeft();
 }
 
 TEST_P(SdkPackages, AreRefusedForWhatTheyAre) {
@@ -177,7 +185,7 @@ TEST_P(SdkPackages, AreRefusedForWhatTheyAre) {
   EXPECT_NE(Install(DataFile("notes-unsigned.apk")), kOk);
   EXPECT_EQ(Install(OnHost("none.apk")), ADB_RESULT_NO_SUCH_FILE);
   EXPECT_FALSE(IsInstalled());
-  EXPECT_EQ(Staged(), "");
+  ExpectNothingIsLeft();
 }
 
 TEST_P(SdkPackages, EachReasonOfThePackageManagerHasItsCode) {
@@ -206,7 +214,7 @@ TEST_P(SdkPackages, EachReasonOfThePackageManagerHasItsCode) {
     EXPECT_EQ(InstallSet({DataFile("notes-1.apk")}), c.code) << c.reason;
   }
   EXPECT_FALSE(IsInstalled());
-  EXPECT_EQ(Staged(), "");
+  ExpectNothingIsLeft();
 }
 
 TEST_P(SdkPackages, AFailureIsOneOfSpaceWhenLittleIsFree) {
@@ -220,7 +228,7 @@ TEST_P(SdkPackages, AFailureIsOneOfSpaceWhenLittleIsFree) {
   SwitchOn("full-storage");
   EXPECT_EQ(Install(), ADB_RESULT_NO_SPACE_LEFT) << "for the staged file already";
   Control({"mend", "full-storage"});
-  EXPECT_EQ(Staged(), "");
+  ExpectNothingIsLeft();
 }
 
 TEST_P(SdkPackages, LeaveTheirDataWhenAsked) {
@@ -299,7 +307,7 @@ TEST_P(SdkInterruptedInstall, ATransferThatBreaksLeavesNothing) {
   EXPECT_NE(InstallSet({OnHost("large.apk")}), kOk);
   Control({"mend", "drop-after"});
   EXPECT_FALSE(IsInstalled());
-  EXPECT_EQ(Staged(), "");
+  ExpectNothingIsLeft();
 }
 
 TEST_P(SdkInterruptedInstall, APhoneThatGoesKeepsTheStagedFile) {
@@ -308,7 +316,7 @@ TEST_P(SdkInterruptedInstall, APhoneThatGoesKeepsTheStagedFile) {
   EXPECT_FALSE(IsInstalled());
   EXPECT_EQ(Staged(), "notes-1.apk\n");
   EXPECT_EQ(Install(), kOk);
-  EXPECT_EQ(Staged(), "") << "the next installation takes it away";
+  ExpectNothingIsLeft();
 }
 
 TEST_P(SdkInterruptedInstall, ACancelledOneKeepsTheStagedFile) {
