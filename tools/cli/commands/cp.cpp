@@ -1,0 +1,66 @@
+// darokleim cp
+#include <darokleim.h>
+
+#include <string>
+
+#include "command.h"
+#include "commands/commands.h"
+#include "device_entry.h"
+#include "errors.h"
+#include "file_changes.h"
+
+namespace darokleim {
+namespace {
+
+constexpr char kFooter[] = R"(Examples:
+  darokleim cp /sdcard/a.txt /sdcard/b.txt
+  darokleim cp "/sdcard/my photo.jpg" /sdcard/DCIM   copies into the folder DCIM, if there is one
+
+Copies one file within the device, replacing a file that stands at the new path once the copy is complete.)";
+
+struct Options {
+  std::string source, destination;
+};
+
+void Describe(CLI::App& command, Options& options) {
+  command.add_option("SOURCE", options.source, "File on the device")->required();
+  command.add_option("DESTINATION", options.destination, "Path of the copy, or a folder for it")->required();
+}
+
+void Copy(const Device& device, const DevicePath& source, const DeviceEntry& entry,
+          const DevicePath& target) {
+  const std::string action = "copy " + source.text() + " to " + target.text();
+  UnfinishedFile copy(device, target);
+  device.Check(AdbCopyFile(device.serial(), source.c_str(), copy.path().c_str(), device.cancel()), action);
+  const auto copied = FindEntry(device, copy.path());
+  if (!copied || copied->size != entry.size) {
+    throw ToolError(
+        "cannot " + action +
+        ": the device did not copy all of it. The storage may be full, or adb may not be allowed to "
+        "read the file or to write there.");
+  }
+  copy.PutInPlace();
+}
+
+void Run(Tool& tool, const Options& options) {
+  const Device& device = tool.device();
+  const DevicePath source(options.source);
+  const std::string action = "copy " + source.text();
+  const auto entry = RequireEntry(device, source, action);
+  if (entry.is_folder) throw ToolError("cannot " + action + ": it is a folder; only files can be copied.");
+  const auto target = TargetFor(device, DevicePath(options.destination), source.Name());
+  if (target.text() == source.text()) throw ToolError("cannot " + action + ": that is the file itself.");
+  const auto replaced = FindEntry(device, target);
+  if (replaced && replaced->is_folder) {
+    throw ToolError("cannot " + action + ": a folder stands at " + target.text() + ".");
+  }
+  Copy(device, source, entry, target);
+}
+
+}  // namespace
+
+void AddCpCommand(CLI::App& app, Tool& tool) {
+  AddCommand<Options>(app, tool, {"cp", "Copy a file on the device", kFooter}, Describe, Run);
+}
+
+}  // namespace darokleim

@@ -1,0 +1,88 @@
+// darokleim du
+#include <darokleim.h>
+
+#include <string>
+#include <vector>
+
+#include "command.h"
+#include "commands/commands.h"
+#include "device_entry.h"
+#include "errors.h"
+#include "file_listing.h"
+#include "human_text.h"
+#include "progress.h"
+#include "table.h"
+
+namespace darokleim {
+namespace {
+
+constexpr char kFooter[] = R"(Examples:
+  darokleim --busybox ~/busybox-arm64 du /sdcard/DCIM
+  darokleim du --json /sdcard/DCIM "/sdcard/my photos"
+
+The library puts a busybox on the device first, as /data/local/tmp/busybox, unless one is there. Name one that runs on
+devices with --busybox. A folder of which parts may not be read cannot be measured.)";
+
+constexpr char kBusyboxOnDevice[] = "/data/local/tmp/busybox";
+constexpr std::uint64_t kUnit = 1024;  // bytes, of the device's du
+
+struct Options {
+  bool json = false;
+  std::vector<std::string> paths;
+};
+
+void Describe(CLI::App& command, Options& options) {
+  command.add_option("PATH", options.paths, "Folders on the device")->required();
+  AddJsonFlag(command, options.json, "an array of {path, size}, in bytes");
+}
+
+void CheckBusybox(const Session& session, const Device& device) {
+  if (session.has_busybox() || EntryExists(device, DevicePath(kBusyboxOnDevice))) return;
+  throw ToolError(
+      "cannot measure folders: the library puts a busybox on the device for that, and none is to be had. "
+      "Name "
+      "one that runs on devices with --busybox PATH.");
+}
+
+std::uint64_t Measure(const Device& device, const DevicePath& path) {
+  const std::string action = "measure " + path.text();
+  RequireEntry(device, path, action);
+  long long units = 0;
+  const int code = AdbGetDirSize(device.serial(), path.c_str(), &units, device.cancel());
+  const bool is_empty = code == ADB_RESULT_OK && units == 0 && ListFiles(device, path, {true, true}).empty();
+  if (code == ADB_RESULT_PROTOCOL_FAULT || (code == ADB_RESULT_OK && units <= 0 && !is_empty)) {
+    throw ToolError("cannot " + action +
+                    ": the device did not tell one size. Parts of the folder may not be read by adb.");
+  }
+  device.Check(code, action);
+  return static_cast<std::uint64_t>(units) * kUnit;
+}
+
+void Run(Tool& tool, const Options& options) {
+  const Device& device = tool.device();
+  CheckBusybox(tool.session(), device);
+  Table table;
+  Json::Value json(Json::arrayValue);
+  for (const auto& text : options.paths) {
+    const DevicePath path(text);
+    const Progress progress(!tool.is_quiet(), WaitingLine("measuring " + path.text()));
+    const auto size = Measure(device, path);
+    table.AddRow({SizeText(size), tool.output().Shown(path.text())});
+    Json::Value& entry = json.append(Json::objectValue);
+    entry["path"] = path.text();
+    entry["size"] = Json::UInt64(size);
+  }
+  if (options.json) {
+    tool.output().WriteJson(json);
+  } else {
+    tool.output().Write(table.Text());
+  }
+}
+
+}  // namespace
+
+void AddDuCommand(CLI::App& app, Tool& tool) {
+  AddCommand<Options>(app, tool, {"du", "Measure folders of the device", kFooter}, Describe, Run);
+}
+
+}  // namespace darokleim

@@ -1,0 +1,131 @@
+// darokleim find
+#include <darokleim.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "argument_text.h"
+#include "command.h"
+#include "commands/commands.h"
+#include "device_entry.h"
+#include "errors.h"
+#include "file_listing.h"
+#include "progress.h"
+
+namespace darokleim {
+namespace {
+
+constexpr char kFooter[] = R"(Examples:
+  darokleim find /sdcard jpg png         files whose names end in .jpg or .png, in any case
+  darokleim find --json "/sdcard/my music" mp3
+  darokleim find -0 /sdcard mp3 | xargs -0 -n 1 darokleim stat
+
+Folders that the device does not let adb search are passed over; when nothing was found and some were refused, that is
+an error. In what is found, bytes that are not UTF-8 show as U+FFFD.)";
+
+// Of the library's command, and its words besides the serial number, folder and suffixes.
+constexpr std::size_t kLongestCommand = 1023;
+constexpr std::size_t kWords = sizeof " -s  shell find / -type f -and \\(  \\)";
+constexpr std::size_t kWordsForASuffix = sizeof " -or -iname *.";
+constexpr char kFind[] = "/system/bin/find";
+
+struct Options {
+  bool json = false;
+  bool zeros = false;
+  std::string folder;
+  std::vector<std::string> suffixes;
+};
+
+void Describe(CLI::App& command, Options& options) {
+  command.add_option("FOLDER", options.folder, "Where to search on the device")->required();
+  command.add_option("SUFFIX", options.suffixes, "What names end in after a dot: jpg")->required();
+  command.add_flag("-0,--null", options.zeros, "End each path with a zero byte, not with a line end");
+  AddJsonFlag(command, options.json, "an array of paths");
+}
+
+// "*.jpg" and ".jpg" mean jpg. The library separates suffixes with semicolons.
+std::string Suffix(std::string text) {
+  text.erase(0, text.find_first_not_of("*."));
+  if (text.empty() || text.find_first_of(";/") != std::string::npos) {
+    throw ToolError("\"" + text + "\" is no suffix to look for: it must not be empty, nor hold ; or /.");
+  }
+  return ForBarePlace(text);
+}
+
+std::string Suffixes(const Device& device, const Options& options, const std::string& folder) {
+  std::string list;
+  std::size_t length = kWords + std::string_view(device.serial()).size() + folder.size();
+  for (const auto& text : options.suffixes) {
+    const std::string suffix = Suffix(text);
+    list += (list.empty() ? "" : ";") + suffix;
+    length += kWordsForASuffix + suffix.size();
+  }
+  if (length > kLongestCommand) {
+    throw ToolError("the folder and the suffixes are too long together: the library's command holds " +
+                    std::to_string(kLongestCommand) + " bytes. Look for fewer suffixes at once.");
+  }
+  return list;
+}
+
+// Without find the library searches with a pattern that holds the texts as they are, quotes and all.
+void CheckWithoutFind(const Device& device, const DevicePath& folder, const std::string& suffixes) {
+  const bool plain =
+      ForBarePlace(folder.text()) == folder.text() && suffixes.find_first_of("'\\") == std::string::npos;
+  if (plain || EntryExists(device, DevicePath(kFind))) return;
+  throw ToolError(
+      "cannot search " + folder.text() +
+      ": this device has no find, and without it the library searches only where folder and suffix "
+      "hold neither blanks nor characters with a meaning to a shell. `darokleim ls -R` lists all.");
+}
+
+std::vector<ListedFile> Search(const Tool& tool, const Device& device, const Options& options) {
+  const DevicePath path(options.folder);
+  const std::string action = "search " + path.text();
+  if (!RequireEntry(device, path, action).is_folder) {
+    throw ToolError("cannot " + action + ": it is a file, not a folder.");
+  }
+  const std::string folder = ForBarePlace(path.text());
+  const std::string suffixes = Suffixes(device, options, folder);
+  CheckWithoutFind(device, path, suffixes);
+  const Progress progress(!tool.is_quiet(), WaitingLine("searching " + path.text()));
+  return FilesOf(ReadListing(device, action, [&](char** json, int* length) {
+    return AdbGetFilesBySuffix(device.serial(), folder.c_str(), suffixes.c_str(), json, length,
+                               device.cancel());
+  }));
+}
+
+std::string ToText(const Output& output, const std::vector<ListedFile>& files, bool zeros) {
+  std::string text;
+  for (const auto& file : files) {
+    text += zeros ? file.path : output.Shown(file.path);
+    text += zeros ? '\0' : '\n';
+  }
+  return text;
+}
+
+Json::Value ToJson(const std::vector<ListedFile>& files) {
+  Json::Value list(Json::arrayValue);
+  for (const auto& file : files) list.append(file.path);
+  return list;
+}
+
+void Run(Tool& tool, const Options& options) {
+  const auto files = Search(tool, tool.device(), options);
+  if (options.json) {
+    tool.output().WriteJson(ToJson(files));
+  } else {
+    tool.output().Write(ToText(tool.output(), files, options.zeros));
+  }
+  const auto is_lost = [](const ListedFile& file) { return HasLostBytes(file.path); };
+  WarnOfLostNames(static_cast<std::size_t>(std::count_if(files.begin(), files.end(), is_lost)));
+}
+
+}  // namespace
+
+void AddFindCommand(CLI::App& app, Tool& tool) {
+  AddCommand<Options>(app, tool, {"find", "Find files of the device by the ends of their names", kFooter},
+                      Describe, Run);
+}
+
+}  // namespace darokleim

@@ -1,0 +1,170 @@
+// darokleim pull
+#include <darokleim.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "command.h"
+#include "commands/commands.h"
+#include "device_entry.h"
+#include "errors.h"
+#include "file_listing.h"
+#include "host_file.h"
+#include "human_text.h"
+#include "progress.h"
+#include "result_text.h"
+#include "transfer.h"
+
+namespace darokleim {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char kFooter[] = R"(Examples:
+  darokleim pull /sdcard/DCIM/a.jpg              into the current folder
+  darokleim pull /sdcard/DCIM/a.jpg b.jpg        under another name
+  darokleim pull "/sdcard/my photos" ~/Pictures    a folder with everything in it
+  darokleim pull /sdcard/a.txt /sdcard/b.txt .   several, into a folder
+
+A file appears under its name once it is whole; until then, and after a failure or Ctrl-C, what stood there stays. A
+folder is merged into one that is there. Times and modes are those of the device.)";
+
+struct Options {
+  bool json = false;
+  std::vector<std::string> paths;
+};
+
+void Describe(CLI::App& command, Options& options) {
+  command
+      .add_option(
+          "PATH", options.paths,
+          "Files or folders on the device; with two or more paths, the last one is where to put them, on "
+          "this computer")
+      ->required();
+  AddJsonFlag(command, options.json, "an array of {source, target, files, bytes, seconds, skipped}");
+}
+
+fs::path TargetOnHost(const std::string& named, const DevicePath& source, bool must_be_folder) {
+  const fs::path target = AbsolutePath(named);
+  std::error_code error;
+  if (fs::is_directory(target, error)) return target / source.Name();
+  if (must_be_folder || named.ends_with('/')) {
+    throw ToolError("cannot pull into " + named + ": there is no such folder on this computer.");
+  }
+  if (!fs::is_directory(target.parent_path(), error)) {
+    throw ToolError("cannot pull to " + named + ": there is no folder " + target.parent_path().native() +
+                    " on this computer.");
+  }
+  return target;
+}
+
+void CheckKinds(const DeviceEntry& entry, const std::string& action, const fs::path& target) {
+  std::error_code error;
+  const auto there = fs::status(target, error);
+  if (!fs::exists(there)) return;
+  if (entry.is_folder && !fs::is_directory(there)) {
+    throw ToolError("cannot " + action + ": a file stands at " + target.native() + ".");
+  }
+  if (!entry.is_folder && fs::is_directory(there)) {
+    throw ToolError("cannot " + action + ": a folder stands at " + target.native() + ".");
+  }
+}
+
+// What should come of a source.
+struct Expected {
+  std::uint64_t bytes = 0;
+  std::vector<ListedFile> files;  // of a folder
+};
+
+Expected Look(const Tool& tool, const Device& device, const DevicePath& source, const DeviceEntry& entry) {
+  if (!entry.is_folder) return {entry.size.value_or(0), {}};
+  const Progress progress(!tool.is_quiet(), WaitingLine("listing " + source.text()));
+  Expected expected{0, ListFiles(device, source, {true, true})};
+  for (const auto& file : expected.files) expected.bytes += file.size;
+  return expected;
+}
+
+// adb says nothing that the library passes on of a folder's files. A file of the listing that did not come counts as
+// missing if the device still has it under this name: an older ls writes some names otherwise than they are.
+void CheckFolder(const Device& device, const DevicePath& source, const std::string& action,
+                 const Expected& expected, const fs::path& folder) {
+  std::error_code error;
+  for (const auto& file : expected.files) {
+    const fs::path copy = folder.native() + file.path.substr(source.IsRoot() ? 0 : source.text().size());
+    if (fs::exists(fs::symlink_status(copy, error)) && fs::file_size(copy, error) >= file.size) continue;
+    if (HasLostBytes(file.path) || !EntryExists(device, DevicePath(file.path))) continue;
+    throw ToolError("cannot " + action + ": " + file.path + " did not come whole.");
+  }
+}
+
+void CheckArrived(const Device& device, const DevicePath& source, const std::string& action,
+                  const DeviceEntry& entry, const Expected& expected, const fs::path& copy) {
+  std::error_code error;
+  const bool whole = entry.is_folder ? fs::is_directory(copy, error)
+                                     : fs::exists(copy, error) && SizeOnHost(copy) >= expected.bytes;
+  if (!whole) throw ToolError("cannot " + action + ": it did not come whole.");
+  if (entry.is_folder) CheckFolder(device, source, action, expected, copy);
+}
+
+void Receive(const Tool& tool, const Device& device, const DevicePath& source, const DeviceEntry& entry,
+             const Expected& expected, const fs::path& copy) {
+  const std::string action = "pull " + source.text();
+  int code = ADB_RESULT_OK;
+  {
+    const Progress progress(
+        !tool.is_quiet(),
+        TransferLine(source.Name(), expected.bytes, [&copy](const bool*) { return SizeOnHost(copy); }));
+    code = AdbPullFile(device.serial(), source.c_str(), copy.c_str(), device.cancel());
+  }
+  // The library knows the report on one file only; when adb itself fails, the code is another. What came decides.
+  const bool may_be_well = MayComeFromAName(code) || (entry.is_folder && code == ADB_RESULT_PROTOCOL_FAULT);
+  device.Check(may_be_well ? ADB_RESULT_OK : code, action);
+  try {
+    CheckArrived(device, source, action, entry, expected, copy);
+  } catch (const ToolError&) {
+    if (MayComeFromAName(code)) device.Check(code, action);
+    throw;
+  }
+}
+
+Transfer Pull(const Tool& tool, const Device& device, const DevicePath& source, const fs::path& target) {
+  const std::string action = "pull " + source.text();
+  const auto entry = RequireEntry(device, source, action);
+  CheckKinds(entry, action, target);
+  const auto expected = Look(tool, device, source, entry);
+  UnfinishedOnHost copy(target);
+  const Stopwatch watch;
+  Receive(tool, device, source, entry, expected, copy.path());
+  Transfer transfer{source.text(), target.native(), 1, SizeOnHost(copy.path()), watch.Seconds()};
+  if (entry.is_folder) transfer.files = FilesBelow(copy.path()).size();
+  copy.PutInPlace();
+  return transfer;
+}
+
+void Run(Tool& tool, const Options& options) {
+  auto sources = options.paths;
+  std::string target = ".";
+  if (sources.size() > 1) {
+    target = sources.back();
+    sources.pop_back();
+  }
+  std::vector<Transfer> transfers;
+  for (const auto& text : sources) {
+    const DevicePath source(text);
+    if (source.IsRoot()) throw ToolError("cannot pull /: name a folder in it.");
+    transfers.push_back(Pull(tool, tool.device(), source, TargetOnHost(target, source, sources.size() > 1)));
+    if (!options.json) ReportTransfer(tool, transfers.back());
+  }
+  if (options.json) tool.output().WriteJson(TransfersJson(transfers));
+}
+
+}  // namespace
+
+void AddPullCommand(CLI::App& app, Tool& tool) {
+  AddCommand<Options>(app, tool, {"pull", "Copy files and folders from the device", kFooter}, Describe, Run);
+}
+
+}  // namespace darokleim

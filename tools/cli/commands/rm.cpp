@@ -1,0 +1,54 @@
+// darokleim rm
+#include <string>
+#include <vector>
+
+#include "command.h"
+#include "commands/commands.h"
+#include "device_entry.h"
+#include "errors.h"
+#include "file_changes.h"
+
+namespace darokleim {
+namespace {
+
+constexpr char kFooter[] = R"(Examples:
+  darokleim rm /sdcard/a.txt "/sdcard/my photo.jpg"
+  darokleim rm -f /sdcard/perhaps.txt
+
+Files only: the library deletes no folders. Nothing is deleted when one of the paths is not a file.)";
+
+struct Options {
+  bool force = false;
+  std::vector<std::string> paths;
+};
+
+void Describe(CLI::App& command, Options& options) {
+  command.add_option("PATH", options.paths, "Files to delete on the device")->required();
+  command.add_flag("-f,--force", options.force, "Pass over those that do not exist");
+}
+
+std::vector<DevicePath> FilesToDelete(const Device& device, const Options& options) {
+  std::vector<DevicePath> files;
+  for (const auto& text : options.paths) {
+    const DevicePath path(text);
+    const std::string action = "delete " + path.text();
+    if (options.force && !EntryExists(device, path)) continue;
+    if (RequireEntry(device, path, action).is_folder) {
+      throw ToolError("cannot " + action + ": it is a folder, and the library deletes files only.");
+    }
+    files.push_back(path);
+  }
+  return files;
+}
+
+void Run(Tool& tool, const Options& options) {
+  for (const auto& path : FilesToDelete(tool.device(), options)) RemoveFile(tool.device(), path);
+}
+
+}  // namespace
+
+void AddRmCommand(CLI::App& app, Tool& tool) {
+  AddCommand<Options>(app, tool, {"rm", "Delete files on the device", kFooter}, Describe, Run);
+}
+
+}  // namespace darokleim

@@ -1,0 +1,87 @@
+#include "device_entry.h"
+
+#include <darokleim.h>
+
+#include "errors.h"
+#include "file_listing.h"
+
+namespace darokleim {
+namespace {
+
+std::string Action(const DevicePath& path) {
+  return "look at " + path.text();
+}
+
+// Only for connections and calls that did not happen: what stat says of the path is no failure.
+void CheckConnection(const Device& device, int code, const DevicePath& path) {
+  const bool is_answer = code == ADB_RESULT_NO_SUCH_FILE || code == ADB_RESULT_PROTOCOL_FAULT ||
+                         code == ADB_RESULT_SHELL_NOT_FOUND;
+  device.Check(is_answer ? ADB_RESULT_OK : code, Action(path));
+}
+
+// Through a folder's own "." entry, which nothing else has.
+bool IsFolder(const Device& device, const DevicePath& path) {
+  unsigned long long size = 0;
+  const std::string inside = (path.IsRoot() ? "" : path.text()) + "/.";
+  const int code = AdbGetFileSize(device.serial(), inside.c_str(), &size, device.cancel());
+  CheckConnection(device, code, path);
+  return code == ADB_RESULT_OK;
+}
+
+bool IsInItsFolder(const Device& device, const DevicePath& path) {
+  bool exists = false;
+  device.Check(AdbCheckFileExistedUsingFolderContent(device.serial(), path.c_str(), &exists, device.cancel()),
+               Action(path));
+  return exists;
+}
+
+// On a device without stat. A path of which ls complains counts as existing to AdbCheckFileExisted, so the folder
+// that it stands in decides where the device refuses.
+std::optional<DeviceEntry> FindWithoutStat(const Device& device, const DevicePath& path) {
+  bool exists = false;
+  device.Check(AdbCheckFileExisted(device.serial(), path.c_str(), &exists, device.cancel()), Action(path));
+  if (!exists) return std::nullopt;
+  if (const auto file = ListFile(device, path)) return DeviceEntry{false, file->size};
+  if (!path.IsRoot() && !IsInItsFolder(device, path)) return std::nullopt;
+  return DeviceEntry{true, std::nullopt};
+}
+
+}  // namespace
+
+std::optional<DeviceEntry> FindEntry(const Device& device, const DevicePath& path) {
+  unsigned long long size = 0;
+  const int code = AdbGetFileSize(device.serial(), path.c_str(), &size, device.cancel());
+  CheckConnection(device, code, path);
+  switch (code) {
+    case ADB_RESULT_OK:
+      if (IsFolder(device, path)) return DeviceEntry{true, std::nullopt};
+      return DeviceEntry{false, size};
+    case ADB_RESULT_SHELL_NOT_FOUND:
+      return FindWithoutStat(device, path);
+    case ADB_RESULT_PROTOCOL_FAULT:  // stat was refused, or the path leads through a file
+      if (IsInItsFolder(device, path)) return DeviceEntry{};
+      return std::nullopt;
+    default:
+      return std::nullopt;
+  }
+}
+
+bool EntryExists(const Device& device, const DevicePath& path) {
+  return FindEntry(device, path).has_value();
+}
+
+DeviceEntry RequireEntry(const Device& device, const DevicePath& path, const std::string& action) {
+  const auto entry = FindEntry(device, path);
+  if (!entry) {
+    throw ToolError("cannot " + action + ": there is no " + path.text() +
+                    " on the device, or adb may not see it. Upper and lower case differ there.");
+  }
+  return *entry;
+}
+
+DevicePath TargetFor(const Device& device, const DevicePath& path, const std::string& name) {
+  const auto entry = FindEntry(device, path);
+  return entry && entry->is_folder ? path.Child(name) : path;
+}
+
+}  // namespace darokleim

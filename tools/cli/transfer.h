@@ -1,0 +1,40 @@
+// What push and pull have in common.
+#ifndef DAROKLEIM_TOOLS_CLI_TRANSFER_H
+#define DAROKLEIM_TOOLS_CLI_TRANSFER_H
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "tool.h"
+
+namespace darokleim {
+
+struct Transfer {
+  std::string source;
+  std::string target;
+  std::uint64_t files = 0;
+  std::uint64_t bytes = 0;
+  double seconds = 0;
+  bool skipped = false;  // the target was as new
+};
+
+// A line that says what was transferred, unless that is unwanted.
+void ReportTransfer(Tool& tool, const Transfer& transfer);
+
+Json::Value TransfersJson(const std::vector<Transfer>& transfers);
+
+class Stopwatch {
+ public:
+  double Seconds() const {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
+  }
+
+ private:
+  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+};
+
+}  // namespace darokleim
+
+#endif  // DAROKLEIM_TOOLS_CLI_TRANSFER_H
