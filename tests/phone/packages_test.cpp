@@ -69,7 +69,7 @@ TEST_P(Packages, AreReplacedButNotByAnOlderVersion) {
 TEST_P(Packages, AreOnlyReplacedOnOldPhonesWhenAsked) {
   Install({DataFile("notes-1.apk")});
   EXPECT_THAT(Install({DataFile("notes-1.apk")}),
-              HasSubstr(is_legacy() ? "Failure [INSTALL_FAILED_ALREADY_EXISTS" : "Success"));
+              HasSubstr(is_legacy() ? "Failure [INSTALL_FAILED_ALREADY_EXISTS]" : "Success"));
 }
 
 TEST_P(Packages, ComeInSeveralFiles) {

@@ -95,6 +95,27 @@ TEST(Server, ReconnectsWhatIsOffline) {
   EXPECT_EQ(phones.Adb({"reconnect", "offline"}).output, "reconnecting OFF1\nreconnecting UNA1\n");
 }
 
+TEST(Server, ConnectsToPhonesOverTheNetwork) {
+  const SimulatedPhones phones({"10.0.0.7:5555", "ALFA1"});
+  EXPECT_EQ(phones.Adb({"connect", "10.0.0.7"}).output, "already connected to 10.0.0.7:5555\n");
+  EXPECT_EQ(phones.Adb({"disconnect", "10.0.0.7:5555"}).output, "disconnected 10.0.0.7:5555\n");
+  EXPECT_EQ(phones.Adb({"devices"}).output, "List of devices attached\nALFA1\tdevice\n\n");
+  EXPECT_EQ(phones.Adb({"disconnect", "10.0.0.7:5555"}).errors, "error: no such device '10.0.0.7:5555'\n");
+  EXPECT_EQ(phones.Adb({"connect", "10.0.0.7:5555"}).output, "connected to 10.0.0.7:5555\n");
+  EXPECT_EQ(phones.Adb({"-e", "shell", "echo here"}).output, "here\n");
+  EXPECT_EQ(phones.Adb({"connect", "10.0.0.9:5555"}).output,
+            "failed to connect to '10.0.0.9:5555': Connection refused\n");
+  EXPECT_EQ(phones.Adb({"disconnect"}).output, "disconnected everything\n");
+  EXPECT_EQ(phones.Adb({"get-serialno"}).output, "ALFA1\n");
+}
+
+TEST(Server, RestartsThePhonesEndWhenAsked) {
+  const SimulatedPhones phones({"ALFA1"});
+  EXPECT_EQ(phones.Adb({"tcpip", "5555"}).output, "restarting in TCP mode port: 5555\n");
+  EXPECT_EQ(phones.Adb({"wait-for-device", "usb"}).output, "restarting in USB mode\n");
+  EXPECT_EQ(phones.Adb({"wait-for-device", "shell", "echo here"}).output, "here\n");
+}
+
 TEST(Server, WaitsForAPhone) {
   const SimulatedPhones phones({"ALFA1"});
   phones.Adb({"-s", "ALFA1", "reconnect"});
@@ -132,6 +153,52 @@ TEST(Server, RefusesAPortThatIsTaken) {
   const Outcome second = RunProgram({DAROKLEIM_PHONE_PROGRAM, "--port", phones.port()}, {});
   EXPECT_EQ(second.status, 1);
   EXPECT_THAT(second.errors, StartsWith("darokleim-phone: cannot listen on port " + phones.port()));
+}
+
+TEST(Server, NamesTheProgramThatIsMissing) {
+  const Outcome outcome = RunProgram({DAROKLEIM_PHONE_PROGRAM, "--port", "0"}, {{"PATH", "/nonexistent"}});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.errors,
+            "darokleim-phone: 'bwrap' is not in PATH; the simulated phone needs bubblewrap (bwrap), mksh and "
+            "toybox\n");
+}
+
+TEST(Server, NamesTheFolderThatItCannotUse) {
+  for (const auto& [folder, reason] : std::vector<std::pair<std::string, std::string>>{
+           {"/dev/null", "Not a directory"}, {"/proc/none", "No such file or directory"}}) {
+    const Outcome outcome =
+        RunProgram({DAROKLEIM_PHONE_PROGRAM, "--port", "0", "--phone", "ALFA1,root=" + folder}, {});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.errors, "darokleim-phone: cannot keep a phone in " + folder + ": " + reason + "\n");
+  }
+  const Outcome outcome =
+      RunProgram({DAROKLEIM_PHONE_PROGRAM, "--port", "0", "--phone", "ALFA1"}, {{"TMPDIR", "/nonexistent"}});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.errors, StartsWith("darokleim-phone: no place for temporary files: "));
+}
+
+TEST(CommandLine, ExplainsItself) {
+  for (const Words& words : {Words{"--help"}, Words{"ctl", "--help"}, Words{"--version"}}) {
+    Words command = {DAROKLEIM_PHONE_PROGRAM};
+    command.insert(command.end(), words.begin(), words.end());
+    const Outcome outcome = RunProgram(command, {});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_NE(outcome.output, "");
+    EXPECT_EQ(outcome.errors, "");
+  }
+  for (const Words& words : {Words{"--port", "x"}, Words{"--dance"}, Words{"ctl"}}) {
+    Words command = {DAROKLEIM_PHONE_PROGRAM};
+    command.insert(command.end(), words.begin(), words.end());
+    const Outcome outcome = RunProgram(command, {});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_NE(outcome.errors, "");
+  }
+}
+
+TEST(CommandLine, TakesThePortThatAdbTakes) {
+  const SimulatedPhones phones({"ALFA1"});
+  const Outcome list = RunProgram({DAROKLEIM_PHONE_PROGRAM, "ctl", "list"}, AdbEnvironment(phones.port()));
+  EXPECT_THAT(list.output, StartsWith("ALFA1\tdevice\t"));
 }
 
 TEST(CommandLine, ExplainsWhatItRefuses) {

@@ -33,12 +33,18 @@ constexpr char kPhoneHelp[] =
     "card=NAME: an SD card /storage/NAME; may be repeated\n"
     "fault=NAME[=VALUE]: has this fault from the start (see ctl --help); may be repeated";
 
+constexpr int kWrongUsage = 2;
+constexpr char kPortVariable[] = "ANDROID_ADB_SERVER_PORT";
+
 int Serve(int argc, char** argv) {
   CLI::App app("Simulated Android phones: an adb server with phones attached, for testing without hardware.",
                "darokleim-phone");
   ServerOptions options;
   std::vector<std::string> phones;
-  app.add_option("--port", options.port, "the server's TCP port; 0: one that is free")->capture_default_str();
+  app.set_version_flag("--version", DAROKLEIM_VERSION);
+  app.add_option("--port", options.port, "the server's TCP port; 0: one that is free")
+      ->capture_default_str()
+      ->envname(kPortVariable);
   app.add_option("--phone", phones, kPhoneHelp)->allow_extra_args(false);
   app.add_flag("--restart-on-kill", options.restart_on_kill,
                "adb kill-server ends every connection; then the server is there again, with its phones");
@@ -46,16 +52,18 @@ int Serve(int argc, char** argv) {
       app.add_subcommand("ctl", "Changes a phone of the running server on this port.\n" + ControlHelp());
   uint16_t control_port = options.port;
   std::vector<std::string> control_words;
-  control->add_option("--port", control_port, "the running server's port")->capture_default_str();
-  control->add_option("words", control_words, "what to do")->required();
+  control->add_option("--port", control_port, "the running server's port")
+      ->capture_default_str()
+      ->envname(kPortVariable);
+  control->add_option("WORD", control_words, "what to do")->required()->type_name("");
   try {
     app.parse(argc, argv);
     for (const std::string& phone : phones) options.phones.push_back(ParsePhoneOptions(phone));
   } catch (const CLI::ParseError& error) {
-    return app.exit(error);
+    return app.exit(error) == 0 ? 0 : kWrongUsage;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "darokleim-phone: --phone: %s\n", error.what());
-    return 2;
+    return kWrongUsage;
   }
   return control->parsed() ? RunControl(control_port, control_words) : RunServer(options);
 }

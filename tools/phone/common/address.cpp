@@ -19,6 +19,7 @@ namespace darokleim::phone {
 namespace {
 
 constexpr int kBacklog = 128;
+constexpr useconds_t kPauseMicroseconds = 10 * 1000;
 
 UniqueFd MakeSocket(int family) {
 #if defined(__linux__)
@@ -133,6 +134,9 @@ UniqueFd AcceptConnection(int listener) {
     SetCloseOnExec(connection.get());
     const int on = 1;
     setsockopt(connection.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof(on));
+  } else if (errno != ECONNABORTED && errno != EINTR && errno != EAGAIN) {
+    // The listener stays readable meanwhile: without the pause its owner would ask again at once.
+    usleep(kPauseMicroseconds);
   }
   return connection;
 }

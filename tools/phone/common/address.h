@@ -56,7 +56,8 @@ class Listener {
   UniqueFd fd_;
 };
 
-// The next connection, without delay for small packets; not valid when it has gone again.
+// The next connection, without delay for small packets; not valid when it has gone again, or after a pause while
+// there is no descriptor for it.
 UniqueFd AcceptConnection(int listener);
 
 }  // namespace darokleim::phone

@@ -46,6 +46,12 @@ bool AnswerAndAct(const Request& request, UniqueFd* stream) {
   } else if (TakePrefix(&service, "reboot:")) {
     Say(std::move(*stream), "");
     SendPacket(request.link, LinkMessage::kReboot, std::string(service));
+  } else if (TakePrefix(&service, "tcpip:")) {
+    Say(std::move(*stream), "restarting in TCP mode port: " + std::string(service) + "\n");
+    SendPacket(request.link, LinkMessage::kReconnect, "");
+  } else if (service == "usb:") {
+    Say(std::move(*stream), "restarting in USB mode\n");
+    SendPacket(request.link, LinkMessage::kReconnect, "");
   } else if (service == "root:") {
     Say(std::move(*stream), "adbd cannot run as root in production builds\n");
   } else if (service == "unroot:") {

@@ -4,7 +4,6 @@
 #include <poll.h>
 #include <signal.h>
 #include <sys/ioctl.h>
-#include <sys/select.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -170,10 +169,8 @@ std::optional<int> ShellSession::WaitForEnd() {
   for (;;) {
     int status = 0;
     if (waitpid(command_.pid, &status, WNOHANG) == command_.pid) return ExitStatusOf(status);
-    fd_set readable;
-    FD_ZERO(&readable);
-    FD_SET(client_.get(), &readable);
-    if (pselect(client_.get() + 1, &readable, nullptr, nullptr, nullptr, &before) > 0 &&
+    pollfd client = {client_.get(), POLLIN, 0};
+    if (ppoll(&client, 1, nullptr, &before) > 0 &&
         ReadSome(client_.get(), buffer_.data(), buffer_.size()) <= 0) {
       return std::nullopt;
     }

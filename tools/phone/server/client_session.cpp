@@ -9,6 +9,7 @@
 #include "common/wire.h"
 #include "server/control.h"
 #include "server/features.h"
+#include "server/network_requests.h"
 
 namespace darokleim::phone {
 
@@ -79,6 +80,10 @@ bool ClientSession::AnswerHost(HostRequest request) {
     SendOkayAndText(fd(), forwards_->Listing());
   } else if (TakePrefix(&service, kControlPrefix)) {
     AnswerControl(phones_, service, fd());
+  } else if (TakePrefix(&service, "connect:")) {
+    SendOkayAndText(fd(), ConnectToPhone(service, *phones_));
+  } else if (TakePrefix(&service, "disconnect:")) {
+    AnswerDisconnect(service);
   } else if (TakePrefix(&service, "wait-for-")) {
     AnswerWaitFor(service, request.target);
   } else {
@@ -179,6 +184,15 @@ void ClientSession::AnswerReconnectOffline() {
     answer += "reconnecting " + transport->serial;
   }
   SendOkayAndText(fd(), answer);
+}
+
+void ClientSession::AnswerDisconnect(std::string_view address) {
+  const auto answer = DisconnectFromPhone(address, *phones_);
+  if (answer) {
+    SendOkayAndText(fd(), *answer);
+  } else {
+    SendFail(fd(), "no such device '" + std::string(address) + "'");
+  }
 }
 
 // "any-device", "usb-recovery" …: a kind of connection and a state.

@@ -32,6 +32,7 @@ class ClientSession {
   void AddForward(std::string_view addresses, const std::string& serial);
   void AnswerReconnect(const Target& target);
   void AnswerReconnectOffline();
+  void AnswerDisconnect(std::string_view address);
   void AnswerWaitFor(std::string_view condition, Target target);
   void TrackDevices(bool with_details);
   void HandOver(const std::string& service);

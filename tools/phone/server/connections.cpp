@@ -3,6 +3,10 @@
 #include <fcntl.h>
 #include <sys/socket.h>
 
+#include <cerrno>
+#include <cstdio>
+#include <exception>
+#include <system_error>
 #include <utility>
 
 namespace darokleim::phone {
@@ -13,14 +17,28 @@ void Connections::Serve(UniqueFd connection, std::function<void(UniqueFd*)> serv
   if (stopped_) return;
   Connection& entry = open_.emplace_back();
   entry.for_shutdown.Reset(fcntl(connection.get(), F_DUPFD_CLOEXEC, 0));
-  entry.thread =
-      std::thread([this, &entry, owned = std::move(connection), serve = std::move(serve)]() mutable {
-        serve(&owned);
-        std::lock_guard finish(mutex_);
-        owned.Reset();
-        entry.for_shutdown.Reset();
-        entry.finished = true;
-      });
+  try {
+    if (!entry.for_shutdown.valid()) throw std::system_error(errno, std::generic_category());
+    entry.thread =
+        std::thread([this, &entry, owned = std::move(connection), serve = std::move(serve)]() mutable {
+          Run(&entry, std::move(owned), serve);
+        });
+  } catch (const std::system_error& error) {
+    std::fprintf(stderr, "darokleim-phone: a connection is dropped: %s\n", error.what());
+    open_.pop_back();
+  }
+}
+
+void Connections::Run(Connection* entry, UniqueFd connection, const std::function<void(UniqueFd*)>& serve) {
+  try {
+    serve(&connection);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "darokleim-phone: a connection ends: %s\n", error.what());
+  }
+  std::lock_guard lock(mutex_);
+  connection.Reset();
+  entry->for_shutdown.Reset();
+  entry->finished = true;
 }
 
 void Connections::StopAll() {

@@ -16,7 +16,7 @@ class Connections {
   ~Connections() { StopAll(); }
 
   // Runs `serve` on a new thread and closes the connection afterwards; `serve` may take it away. After
-  // StopAll() the connection is closed at once.
+  // StopAll(), and when the system has no thread left, the connection is closed at once.
   void Serve(UniqueFd connection, std::function<void(UniqueFd*)> serve);
   // Shuts every connection down and waits for its thread. Not to be called from `serve`.
   void StopAll();
@@ -31,6 +31,7 @@ class Connections {
     bool finished = false;
   };
 
+  void Run(Connection* entry, UniqueFd connection, const std::function<void(UniqueFd*)>& serve);
   void JoinFinished();
 
   std::mutex mutex_;

@@ -6,6 +6,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <system_error>
 #include <utility>
 
 namespace darokleim::phone {
@@ -33,7 +34,12 @@ std::string Forwards::Add(const std::string& serial, const std::string& local, c
   forward.remote = remote;
   forward.stop = std::move(*stop);
   Forward& kept = forwards_.emplace_back(std::move(forward));
-  kept.thread = std::thread([this, &kept] { Accept(kept); });
+  try {
+    kept.thread = std::thread([this, &kept] { Accept(kept); });
+  } catch (const std::system_error& error) {
+    forwards_.pop_back();
+    return std::string("cannot bind listener: ") + error.what();
+  }
   return "";
 }
 

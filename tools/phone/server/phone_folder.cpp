@@ -1,9 +1,5 @@
 #include "server/phone_folder.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
 #include <vector>
@@ -20,21 +16,6 @@ namespace darokleim::phone {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string MakeTemporaryFolder() {
-  std::string path = (fs::temp_directory_path() / "darokleim-phone-XXXXXX").string();
-  if (mkdtemp(path.data()) == nullptr) throw std::runtime_error("cannot make a folder " + path);
-  return path;
-}
-
-// A folder that its owner may not read would stop the removal of the rest.
-void MakeRemovable(const fs::path& folder) {
-  std::error_code error;
-  fs::permissions(folder, fs::perms::owner_all, fs::perm_options::add, error);
-  for (const fs::directory_entry& entry : fs::directory_iterator(folder, error)) {
-    if (entry.is_directory(error) && !entry.is_symlink(error)) MakeRemovable(entry.path());
-  }
-}
 
 void SetLink(const std::string& target, const fs::path& link) {
   std::error_code error;
@@ -108,10 +89,20 @@ std::vector<StorageVolume> LayOutStorage(const fs::path& root, const PhoneOption
 }  // namespace
 
 PhoneFolder::PhoneFolder(const PhoneOptions& options, const KeyValues& properties, const SandboxParts& parts)
-    : path_(options.root.empty() ? MakeTemporaryFolder() : fs::absolute(options.root).string()),
-      temporary_(options.root.empty()) {
+    : path_(options.root.empty() ? temporary_.emplace().path() : fs::absolute(options.root).string()) {
+  try {
+    LayOut(options, properties, parts);
+  } catch (const fs::filesystem_error& error) {
+    throw std::runtime_error("cannot keep a phone in " + path_ + ": " + error.code().message());
+  }
+}
+
+void PhoneFolder::LayOut(const PhoneOptions& options, const KeyValues& properties,
+                         const SandboxParts& parts) {
   fs::create_directories(files());
   fs::create_directories(state());
+  lock_ = LockFolder(path_);
+  if (!lock_.valid()) throw std::runtime_error(path_ + " is the folder of another phone");
   LayOutFileSystem(files());
   LayOutCommands(files(), options);
   WriteKeyValues(files() + kBuildProperties, properties);
@@ -120,13 +111,6 @@ PhoneFolder::PhoneFolder(const PhoneOptions& options, const KeyValues& propertie
   WriteFile(state() + "/mounts", MountsFile(volumes_));
   for (const char* file : {kShell, kToybox, kDeviceProgram, VIEW_LIBRARY}) MakeMountPoint(files() + file);
   for (const std::string& library : parts.libraries) MakeMountPoint(files() + library);
-}
-
-PhoneFolder::~PhoneFolder() {
-  if (!temporary_) return;
-  MakeRemovable(path_);
-  std::error_code error;
-  fs::remove_all(path_, error);
 }
 
 void PhoneFolder::ForgetUntilBoot() const {

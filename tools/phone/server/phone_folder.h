@@ -1,6 +1,7 @@
 #ifndef DAROKLEIM_TOOLS_PHONE_SERVER_PHONE_FOLDER_H
 #define DAROKLEIM_TOOLS_PHONE_SERVER_PHONE_FOLDER_H
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -8,6 +9,7 @@
 #include "server/phone_options.h"
 #include "server/sandbox_parts.h"
 #include "server/storage_volume.h"
+#include "server/temporary_folder.h"
 
 namespace darokleim::phone {
 
@@ -15,9 +17,8 @@ namespace darokleim::phone {
 // phone shows. A temporary one goes with this object.
 class PhoneFolder {
  public:
-  // Throws std::runtime_error when the folder cannot be made.
+  // Throws std::runtime_error when the folder cannot be made or is another phone's.
   PhoneFolder(const PhoneOptions& options, const KeyValues& properties, const SandboxParts& parts);
-  ~PhoneFolder();
   PhoneFolder(const PhoneFolder&) = delete;
   PhoneFolder& operator=(const PhoneFolder&) = delete;
 
@@ -34,8 +35,11 @@ class PhoneFolder {
   void FollowFaults(const Faults& faults) const;
 
  private:
+  void LayOut(const PhoneOptions& options, const KeyValues& properties, const SandboxParts& parts);
+
+  std::optional<TemporaryFolder> temporary_;
   std::string path_;
-  bool temporary_;
+  UniqueFd lock_;
   std::vector<StorageVolume> volumes_;
 };
 

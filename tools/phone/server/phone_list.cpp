@@ -87,7 +87,10 @@ bool PhoneList::SwitchAllOn() {
   for (const auto& phone : phones_) phone->BeginToSwitchOn();
   return std::all_of(phones_.begin(), phones_.end(), [](const auto& phone) {
     if (phone->WaitUntilOn()) return true;
-    std::fprintf(stderr, "darokleim-phone: %s does not start\n", phone->serial().c_str());
+    std::fprintf(
+        stderr,
+        "darokleim-phone: %s does not start; bubblewrap (bwrap) must be allowed to make user namespaces\n",
+        phone->serial().c_str());
     return false;
   });
 }

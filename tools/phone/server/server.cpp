@@ -2,6 +2,7 @@
 
 #include <poll.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <array>
@@ -20,6 +21,7 @@
 #include "server/connections.h"
 #include "server/forwards.h"
 #include "server/phone_list.h"
+#include "server/temporary_folder.h"
 
 namespace darokleim::phone {
 
@@ -190,10 +192,20 @@ void CloseOnExecAll() {
   }
 }
 
+// Every client has a descriptor here and one in its phone; the usual limit is 1,024.
+void AllowManyDescriptors() {
+  rlimit limit = {};
+  if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return;
+  limit.rlim_cur = limit.rlim_max;
+  setrlimit(RLIMIT_NOFILE, &limit);
+}
+
 }  // namespace
 
 int RunServer(const ServerOptions& options) {
   CloseOnExecAll();
+  AllowManyDescriptors();
+  RemoveAbandonedFolders();
   signal(SIGPIPE, SIG_IGN);
   return Server(options).Run();
 }

@@ -11,8 +11,10 @@
 #include <filesystem>
 #include <random>
 
+#include "common/faults.h"
 #include "common/io.h"
 #include "device/event_log.h"
+#include "device/layout.h"
 #include "device/packages/installer.h"
 #include "device/properties.h"
 #include "device/users.h"
@@ -111,6 +113,11 @@ class StagingFolder {
   std::string path_;
 };
 
+// As a package manager that names the file first puts it: no more than the name, unless a fault has the words.
+std::string NameOf(const std::string& failure) {
+  return Faults(kStateFolder).Has(fault::kInstallFailure) ? failure : failure.substr(0, failure.find(':'));
+}
+
 int InstallFile(const std::string& path, const InstallOptions& options) {
   // Old package managers name the file first.
   if (IsLegacyPhone()) std::printf("\tpkg: %s\n", path.c_str());
@@ -120,7 +127,8 @@ int InstallFile(const std::string& path, const InstallOptions& options) {
                  path.c_str());
     return 255;
   }
-  return Report(Install({path}, options));
+  const std::string failure = Install({path}, options);
+  return Report(IsLegacyPhone() ? NameOf(failure) : failure);
 }
 
 int InstallOne(const InstallWords& words) {

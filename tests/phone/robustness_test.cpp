@@ -1,0 +1,225 @@
+#include <gmock/gmock.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <random>
+#include <thread>
+
+#include "common/address.h"
+#include "common/wire.h"
+#include "device/sync_messages.h"
+#include "phone_under_test.h"
+
+namespace darokleim::phone_test {
+namespace {
+
+using phone::UniqueFd;
+using phone::WithLength;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+// A client that need not keep to the protocol.
+class RawClient {
+ public:
+  explicit RawClient(const std::string& port)
+      : fd_(phone::SocketAddress::OfPort(static_cast<uint16_t>(std::stoi(port))).Connect()) {}
+
+  bool connected() const { return fd_.valid(); }
+  void Send(const std::string& bytes) const {
+    size_t done = 0;
+    while (done < bytes.size()) {
+      const ssize_t count = send(fd_.get(), bytes.data() + done, bytes.size() - done, MSG_NOSIGNAL);
+      if (count <= 0) return;  // the other side has had enough
+      done += static_cast<size_t>(count);
+    }
+  }
+  void EndInput() const { shutdown(fd_.get(), SHUT_WR); }
+  // Everything until the other side closes; a mark at the end when it keeps silent instead.
+  std::string ReadAll() const {
+    std::string all;
+    char buffer[65536];
+    for (;;) {
+      pollfd end = {fd_.get(), POLLIN, 0};
+      if (poll(&end, 1, kPatienceMilliseconds) <= 0) return all + "(silence)";
+      const ssize_t count = read(fd_.get(), buffer, sizeof(buffer));
+      if (count <= 0) return all;
+      all.append(buffer, static_cast<size_t>(count));
+    }
+  }
+
+ private:
+  static constexpr int kPatienceMilliseconds = 20000;
+  UniqueFd fd_;
+};
+
+class Robustness : public testing::Test {
+ protected:
+  SimulatedPhones& phones() { return phones_; }
+  std::string Answer(const std::string& bytes) const {
+    const RawClient client(phones_.port());
+    client.Send(bytes);
+    client.EndInput();
+    return client.ReadAll();
+  }
+  // The bytes, to a service of the phone.
+  std::string AnswerOfPhone(const std::string& service, const std::string& bytes) const {
+    return Answer(WithLength("host:transport:ALFA1") + WithLength(service) + bytes);
+  }
+  void ExpectAllIsWell() const { EXPECT_EQ(phones_.Adb({"shell", "echo well"}).output, "well\n"); }
+  size_t Count(const std::string& what) {
+    const std::filesystem::path folder = "/proc/" + std::to_string(phones_.process().pid()) + "/" + what;
+    return static_cast<size_t>(
+        std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator()));
+  }
+
+ private:
+  SimulatedPhones phones_{{"ALFA1"}};
+};
+
+TEST_F(Robustness, RefusesWhatIsNoRequest) {
+  for (const std::string bytes :
+       {"", "0", "zzzz", "-001x", "+00fhost:version", "00 5host:", "ffffshort", "GET / HTTP/1.0"})
+    EXPECT_EQ(Answer(bytes), "") << bytes;
+  for (const std::string& request :
+       {std::string(), std::string("host"), std::string("host:"), std::string("host:nothing"),
+        std::string("host-serial:"), std::string("host-transport-id:18446744073709551616:features"),
+        std::string("host-transport-id::features"), std::string("host:\0version", 13),
+        std::string(65535, 'x'), "host:" + std::string(60000, ':'), std::string("host:transport:"),
+        std::string("host:tport:serial:"), std::string("host:darokleim-phone:"),
+        "host:darokleim-phone:ALFA1" + std::string(1000, '\0'), std::string("host:wait-for-"),
+        std::string("host:wait-for-any-nowhere"), std::string("host-serial:ALFA1:forward:"),
+        std::string("host-serial:ALFA1:forward:;;;")}) {
+    EXPECT_THAT(Answer(WithLength(request)), StartsWith("FAIL")) << request.substr(0, 100);
+  }
+  ExpectAllIsWell();
+}
+
+TEST_F(Robustness, APhoneRefusesWhatIsNoService) {
+  for (const std::string& service :
+       {std::string(), std::string("nothing"), std::string(65535, 'x'), std::string("tcp:"),
+        std::string("tcp:99999"), std::string("dev:/dev/null"), std::string("shell"),
+        std::string("\xff\xfe\0", 3)}) {
+    EXPECT_EQ(AnswerOfPhone(service, ""), "OKAYFAIL0006closed") << service.substr(0, 100);
+  }
+  ExpectAllIsWell();
+}
+
+TEST_F(Robustness, FileTransferEndsAtWhatIsNoMessage) {
+  const std::string path = "/data/local/tmp/file,33188";
+  const std::string send = phone::MakeSyncHeader(phone::kSyncSend, static_cast<uint32_t>(path.size())) + path;
+  const auto data = [](uint32_t length) { return phone::MakeSyncHeader(phone::kSyncData, length); };
+  for (const auto& [bytes, reason] : std::vector<std::pair<std::string, std::string>>{
+           {phone::MakeSyncHeader(phone::SyncId("WHAT"), 0), "unknown command"},
+           {phone::MakeSyncHeader(phone::kSyncSend, 0xffffffff), "path too long"},
+           {phone::MakeSyncHeader(phone::kSyncSend, 4) + "none", "missing , in ID_SEND"},
+           {phone::MakeSyncHeader(phone::kSyncSend, 6) + "none,x", "bad mode"},
+           {send + data(0xffffffff), "oversize data message"},
+           {send + phone::MakeSyncHeader(phone::kSyncQuit, 0), "invalid data message"}}) {
+    const std::string answer = AnswerOfPhone("sync:", bytes);
+    EXPECT_THAT(answer, StartsWith("OKAYOKAYFAIL"));
+    EXPECT_THAT(answer, HasSubstr(reason));
+  }
+  // Cut in the middle: nothing to say, and nothing of the file stays.
+  EXPECT_EQ(AnswerOfPhone("sync:", send + data(1000) + "only this"), "OKAYOKAY");
+  EXPECT_EQ(phones().Adb({"shell", "ls /data/local/tmp"}).output, "");
+}
+
+TEST_F(Robustness, ShellEndsAtWhatIsNoPacket) {
+  EXPECT_EQ(AnswerOfPhone("shell,v2:cat", std::string("\x05\xff\xff\xff\xff", 5) + "12345"), "OKAYOKAY");
+  // A kind of packet that nobody knows is passed over. The client stays, or the command would end with it.
+  const RawClient client(phones().port());
+  client.Send(WithLength("host:transport:ALFA1") + WithLength("shell,v2:read x; echo $x; exit 3") +
+              std::string("\x63\x01\0\0\0z\0\x04\0\0\0out\n", 15));
+  EXPECT_EQ(client.ReadAll(), "OKAYOKAY" + std::string("\x01\x04\0\0\0out\n\x03\x01\0\0\0\x03", 15));
+  ExpectAllIsWell();
+}
+
+// Real requests with bytes changed, cut out and doubled, always the same ones.
+TEST_F(Robustness, StandsDamagedRequests) {
+  constexpr int kTrials = 400;
+  std::mt19937 random(20260101);
+  const std::string sync = phone::MakeSyncHeader(phone::kSyncLstat1, 7) + "/sdcard" +
+                           phone::MakeSyncHeader(phone::kSyncList1, 5) + "/data" +
+                           phone::MakeSyncHeader(phone::kSyncQuit, 0);
+  const std::vector<std::string> requests = {
+      WithLength("host:devices-l"), WithLength("host-serial:ALFA1:features"),
+      WithLength("host:transport-any") + WithLength("shell,v2,TERM=xterm,raw:echo x") +
+          std::string("\x04\0\0\0\0", 5),
+      WithLength("host:tport:serial:ALFA1") + WithLength("sync:") + sync,
+      WithLength("host:transport:ALFA1") + WithLength("reverse:list-forward")};
+  for (int trial = 0; trial < kTrials; ++trial) {
+    std::string bytes = requests[random() % requests.size()];
+    for (unsigned long changes = 1 + random() % 4; changes > 0 && !bytes.empty(); --changes) {
+      const size_t place = random() % bytes.size();
+      const unsigned long how = random() % 3;
+      if (how == 0) bytes[place] = static_cast<char>(random());
+      if (how == 1) bytes.erase(place, 1 + random() % 8);
+      if (how == 2) bytes.insert(place, bytes.substr(random() % bytes.size(), random() % 8));
+    }
+    EXPECT_THAT(Answer(bytes), testing::Not(EndsWith("(silence)"))) << trial;
+  }
+  ExpectAllIsWell();
+}
+
+TEST_F(Robustness, HoldsAThousandClientsThatSayNothing) {
+  constexpr size_t kClients = 1000;
+  ExpectAllIsWell();
+  const size_t descriptors = Count("fd");
+  const size_t threads = Count("task");
+  {
+    std::vector<RawClient> clients;
+    for (size_t i = 0; i < kClients; ++i) {
+      clients.emplace_back(phones().port());
+      ASSERT_TRUE(clients.back().connected()) << i;
+      if (i % 2 == 1) clients.back().Send("00");
+    }
+    EXPECT_TRUE(Eventually([&] { return Count("task") >= threads + kClients; }));
+    ExpectAllIsWell();
+  }
+  EXPECT_TRUE(Eventually([&] {
+    phones().Adb({"devices"});  // the threads are joined when the next client comes
+    return Count("fd") <= descriptors + 2 && Count("task") <= threads + 1;
+  })) << Count("fd")
+      << " " << Count("task");
+}
+
+TEST_F(Robustness, OutlivesMoreClientsThanItHasDescriptorsFor) {
+  const rlimit few = {64, 64};
+  ASSERT_EQ(prlimit(phones().process().pid(), RLIMIT_NOFILE, &few, nullptr), 0);
+  std::vector<RawClient> clients;
+  for (int i = 0; i < 200; ++i) clients.emplace_back(phones().port());
+  clients.clear();
+  EXPECT_TRUE(Eventually([&] { return phones().Adb({"shell", "echo well"}).output == "well\n"; }));
+}
+
+TEST_F(Robustness, ASlowReaderHoldsNobodyUp) {
+  const RawClient flood(phones().port());
+  flood.Send(WithLength("host:transport:ALFA1") + WithLength("exec:cat /dev/zero"));
+  const RawClient watcher(phones().port());
+  watcher.Send(WithLength("host:track-devices-l"));
+  for (int i = 0; i < 20; ++i) {
+    phones().Control({"ALFA1", "state", i % 2 == 0 ? "offline" : "device"});
+  }
+  ExpectAllIsWell();
+}
+
+TEST(RobustnessAtTheEnd, ClientsThatSayNothingDoNotKeepTheServer) {
+  SimulatedPhones phones({"ALFA1"});
+  const RawClient silent(phones.port());
+  const RawClient half(phones.port());
+  half.Send("00");
+  const RawClient flood(phones.port());
+  flood.Send(WithLength("host:transport:ALFA1") + WithLength("exec:cat /dev/zero"));
+  EXPECT_EQ(phones.Adb({"shell", "echo well"}).output, "well\n");
+  phones.process().Signal(SIGTERM);
+  EXPECT_EQ(phones.process().Finish().status, 0);
+}
+
+}  // namespace
+}  // namespace darokleim::phone_test
