@@ -96,10 +96,11 @@
 /// host reads them, the device's shell does: a text from an untrusted source can run commands on the
 /// device. Paths come in three kinds, and each path parameter names its kind:
 /// - a *whole path* stays in one piece, whatever it holds except a double quote, two backslashes in a row
-///   or a backslash at its end;
+///   or a backslash at its end. Assistance (below) lifts these exceptions too, but for a double quote, a
+///   blank and a double quote in a row in a path of a function that takes two or more;
 /// - a *shell path* is read by the device's shell, so that a blank, `$`, `&`, `;`, `*`, a quote or a
-///   parenthesis breaks the command, or the command does nothing and still succeeds. Assistance (below)
-///   makes it a whole path;
+///   parenthesis breaks the command, or the command does nothing and still succeeds, or works on other
+///   files. Assistance makes it a whole path without exceptions;
 /// - a *bare path* is a shell path that assistance does not help: keep to letters, digits and `/`, `.`,
 ///   `_`, `-`.
 ///
@@ -603,7 +604,7 @@ DAROKLEIM_EXPORT int AdbRemoveFile(const char* serial, const char* device_path, 
 /// Renames or moves a file or directory on the device (`mv`), replacing a file that is there.
 ///
 /// The paths reach the device in single quotes, so anything but a single quote, a double quote or two
-/// backslashes in a row is fine in them.
+/// backslashes in a row is fine in them; with assistance anything is.
 ///
 /// @param[in] serial    Serial.
 /// @param[in] old_path  What to rename.
@@ -730,6 +731,8 @@ DAROKLEIM_EXPORT int AdbScreencapToDevice(const char* serial, const char* device
 /// @endcode
 ///
 /// `files` is null, not an empty array, when there are no files.
+///
+/// Listings are read line by line: a file whose name holds a line feed is left out or shown in pieces.
 /// @{
 
 /// Lists the regular files of a directory as the device's `ls -l` tells them. Reads CR LF: on other phones
@@ -737,8 +740,8 @@ DAROKLEIM_EXPORT int AdbScreencapToDevice(const char* serial, const char* device
 ///
 /// Each file has `file`, `size` (bytes) and `time` (`YYYY-MM-DD HH:MM` in the device's time zone). Without
 /// @p recursive the device does not say in which directory the files are: `file` is `/` and the name alone.
-/// A line for a file that cannot be read is left out and written to standard output. No pointer is checked
-/// for null.
+/// Blanks at the beginning of a name are lost. A line for a file that cannot be read is left out and written
+/// to standard output. No pointer is checked for null.
 ///
 /// @param[in]  serial     Serial.
 /// @param[in]  dir        Directory; a shell path.
@@ -1398,7 +1401,7 @@ DAROKLEIM_EXPORT int AdbCheckFileExistedUsingFolderContent(const char* serial, c
 /// Reads when a file on the device was last modified, from the directory it stands in (`adb ls`).
 ///
 /// Takes the first entry whose line holds the name: another file with a longer name may be meant. A name
-/// with blanks is never found. No pointer is checked for null.
+/// with a blank inside is never found. No pointer is checked for null.
 ///
 /// @param[in]  serial       Serial.
 /// @param[in]  device_path  Absolute path; a whole path.
