@@ -8,6 +8,7 @@
 #include <fstream>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 
 #include "darokleim.h"
 #include "phone/host_process.h"
@@ -46,10 +47,13 @@ class BenchmarkPhone {
     throw std::runtime_error(command[0] + " fails: " + outcome.errors + outcome.output);
   }
 
-  // A file on the host with random content, which no layer on its way can shorten; replaces the one before.
-  std::string NewFile(std::size_t bytes) const {
+  // A file on the host with random content, which no layer on its way can shorten. One at a time.
+  std::string FileOf(std::size_t bytes) const {
     std::string path = OnHost("sent");
-    Output({"sh", "-c", "head -c " + std::to_string(bytes) + " /dev/urandom >" + path});
+    std::error_code none_yet;
+    if (std::filesystem::file_size(path, none_yet) != bytes) {
+      Output({"sh", "-c", "head -c " + std::to_string(bytes) + " /dev/urandom >" + path});
+    }
     return path;
   }
 

@@ -8,7 +8,7 @@ from xml.sax.saxutils import escape
 Panel = namedtuple("Panel", "title x_title series x_text y_text x_base")
 
 WIDTH, HEIGHT = 470, 390
-LEFT, RIGHT, TOP, PLOT_BOTTOM = 76, 18, 40, 270
+LEFT, RIGHT, TOP, PLOT_BOTTOM = 70, 36, 40, 270
 
 # Told apart by those who do not see all colours, and by their marks.
 LIGHT = ["#0060a8", "#b85000", "#00785a", "#a03c80"]

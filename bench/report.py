@@ -7,6 +7,7 @@
 RESULTS holds a NAME.json for each program: of bench_* as report.h says, of growth_* as Google Benchmark prints.
 """
 
+import collections
 import datetime
 import json
 import os
@@ -87,13 +88,15 @@ def markdown_table(rows):
 
 
 def growth_points(results, program, value):
-    """{series: [(x, y)]} in the order of the program's own."""
+    """{series: [(x, y)]} in the order of the program's own, of repeated runs the middle one."""
     series = {}
     for run in load(results, program)["benchmarks"]:
         if run.get("error_occurred"):
             raise SystemExit(f"{program}: {run['name']}: {run['error_message']}")
-        name, *arguments = run["name"].split("/")
-        x = run["threads"] if "threads:" in run["name"] else int(arguments[0])
+        if run.get("aggregate_name") != "median":
+            continue
+        name, *arguments = run["run_name"].split("/")
+        x = run["threads"] if "threads:" in run["run_name"] else int(arguments[0])
         series.setdefault(name, []).append((x, value(run)))
     return series
 
@@ -110,39 +113,45 @@ def count(value):
     return f"{value:,.0f}"
 
 
-def mib(value):
+def size(value):
     return amount(value, "B")
+
+
+def mebibytes(value):
+    return f"{value:g} MiB"
 
 
 def secs(value):
     return amount(value, "s")
 
 
-def listing_picture(results):
-    times = growth_points(results, "growth_listing", seconds)
-    memory = growth_points(results, "growth_listing", lambda run: run["peak_bytes"])
-    return picture.draw(
-        [
-            picture.Panel("Time of a listing", "files", times, x_text=count, y_text=secs, x_base=10),
-            picture.Panel("Most memory in use", "files", memory, x_text=count, y_text=mib, x_base=10),
-        ]
-    )
+Growth = collections.namedtuple("Growth", "listing_times listing_memory threads sizes")
 
 
-def command_picture(results):
+def load_growth(results):
     channel = growth_points(results, "growth_channel", seconds)
-    transfers = growth_points(results, "growth_transfer", seconds)
-    threads = picked(channel, ["through the channel", "bare posix_spawn, read, wait"])
-    bytes_moved = picked(channel, ["output through the channel", "read into memory already there"])
-    bytes_moved.update(transfers)
-    return picture.draw(
-        [
-            picture.Panel(
-                "Time per short command", "threads at once", threads, x_text=count, y_text=secs, x_base=2
-            ),
-            picture.Panel("Time of output and files", "bytes", bytes_moved, x_text=mib, y_text=secs, x_base=4),
-        ]
+    sizes = picked(channel, ["output through the channel", "read into memory already there"])
+    sizes.update(growth_points(results, "growth_transfer", seconds))
+    return Growth(
+        growth_points(results, "growth_listing", seconds),
+        growth_points(results, "growth_listing", lambda run: run["peak_bytes"] / MIB),
+        picked(channel, ["through the channel", "bare posix_spawn, read, wait"]),
+        sizes,
     )
+
+
+def pictures(growth):
+    panel = picture.Panel
+    return {
+        "listings": [
+            panel("Time of a listing", "files", growth.listing_times, x_text=count, y_text=secs, x_base=10),
+            panel("Most memory in use", "files", growth.listing_memory, x_text=count, y_text=mebibytes, x_base=10),
+        ],
+        "commands": [
+            panel("Time per short command", "threads at once", growth.threads, x_text=count, y_text=secs, x_base=2),
+            panel("Time of output and files", "size", growth.sizes, x_text=size, y_text=secs, x_base=4),
+        ],
+    }
 
 
 def growth_table(series, x_heading, x_text, y_text):
@@ -175,35 +184,31 @@ def machine():
     )
 
 
+def write(path, text):
+    with open(path, "w", encoding="utf-8") as file:
+        file.write(text)
+
+
 def write_docs(results, docs):
-    rows = all_rows(results)
     with open(os.path.join(results, "load"), encoding="utf-8") as file:
         load_before, load_after = file.read().split()
-    for name, svg in (("listings", listing_picture(results)), ("commands", command_picture(results))):
-        with open(os.path.join(docs, f"performance-{name}.svg"), "w", encoding="utf-8") as file:
-            file.write(svg)
-    listing_times = growth_points(results, "growth_listing", seconds)
-    listing_memory = growth_points(results, "growth_listing", lambda run: run["peak_bytes"])
-    channel = growth_points(results, "growth_channel", seconds)
-    threads = picked(channel, ["through the channel", "bare posix_spawn, read, wait"])
-    output = picked(channel, ["output through the channel", "read into memory already there"])
-    output.update(growth_points(results, "growth_transfer", seconds))
-    values = {name: markdown_table(rows[name]) for name in rows}
+    growth = load_growth(results)
+    for name, panels in pictures(growth).items():
+        write(os.path.join(docs, f"performance-{name}.svg"), picture.draw(panels))
+    values = {name: markdown_table(rows) for name, rows in all_rows(results).items()}
     values.update(
         date=datetime.date.today().isoformat(),
         machine=machine(),
         load_before=load_before,
         load_after=load_after,
-        listing_times=growth_table(listing_times, "files", count, secs),
-        listing_memory=growth_table(listing_memory, "files", count, mib),
-        threads=growth_table(threads, "threads", count, secs),
-        output=growth_table(output, "bytes", mib, secs),
+        listing_times=growth_table(growth.listing_times, "files", count, secs),
+        listing_memory=growth_table(growth.listing_memory, "files", count, lambda value: f"{value:.3g} MiB"),
+        threads=growth_table(growth.threads, "threads", count, secs),
+        sizes=growth_table(growth.sizes, "size", size, secs),
     )
     here = os.path.dirname(os.path.abspath(__file__))
     with open(os.path.join(here, "performance.md.in"), encoding="utf-8") as file:
-        template = string.Template(file.read())
-    with open(os.path.join(docs, "performance.md"), "w", encoding="utf-8") as file:
-        file.write(template.substitute(values))
+        write(os.path.join(docs, "performance.md"), string.Template(file.read()).substitute(values))
 
 
 def main():

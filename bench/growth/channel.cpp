@@ -51,11 +51,11 @@ void OutputRead(benchmark::State& state) {
 }
 
 void Threads(benchmark::internal::Benchmark* benchmark) {
-  benchmark->ThreadRange(1, kMostThreads)->UseRealTime()->MinTime(0.3);
+  benchmark->ThreadRange(1, kMostThreads)->UseRealTime()->MinTime(0.2)->Repetitions(3);
 }
 
 void Sizes(benchmark::internal::Benchmark* benchmark) {
-  benchmark->RangeMultiplier(4)->Range(kMiB, 1024 * kMiB)->UseRealTime()->MinTime(0.2);
+  benchmark->RangeMultiplier(4)->Range(kMiB, 1024 * kMiB)->UseRealTime()->MinTime(0.1)->Repetitions(3);
 }
 
 BENCHMARK(ShortCommands)->Name("through the channel")->Apply(Threads);

@@ -77,7 +77,7 @@ void GetFilesBySuffix(benchmark::State& state) {
 }
 
 void Sizes(benchmark::internal::Benchmark* benchmark) {
-  benchmark->RangeMultiplier(10)->Range(1000, kMillion)->MinTime(0.2);
+  benchmark->RangeMultiplier(10)->Range(1000, kMillion)->MinTime(0.1)->Repetitions(3);
 }
 
 BENCHMARK(GetDirFiles)->Name("AdbGetDirFiles")->Apply(Sizes);

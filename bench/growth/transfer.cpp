@@ -23,7 +23,7 @@ void Fail(benchmark::State& state, int code) {
 
 // Each file arrives anew: what is there already would be skipped.
 void Push(benchmark::State& state) {
-  const std::string file = phone->NewFile(static_cast<std::size_t>(state.range(0)));
+  const std::string file = phone->FileOf(static_cast<std::size_t>(state.range(0)));
   for (auto _ : state) {
     phone->Shell(std::string("rm -f ") + kOnPhone);
     int code = ADB_RESULT_OK;
@@ -34,7 +34,7 @@ void Push(benchmark::State& state) {
 }
 
 void Pull(benchmark::State& state) {
-  const std::string sent = phone->NewFile(static_cast<std::size_t>(state.range(0)));
+  const std::string sent = phone->FileOf(static_cast<std::size_t>(state.range(0)));
   BenchmarkPhone::Output({"adb", "-s", BenchmarkPhone::kSerial, "push", sent, kOnPhone});
   const std::string received = phone->OnHost("received");
   for (auto _ : state) {
@@ -48,7 +48,7 @@ void Pull(benchmark::State& state) {
 }
 
 void Sizes(benchmark::internal::Benchmark* benchmark) {
-  benchmark->RangeMultiplier(4)->Range(kMiB, 1024 * kMiB)->UseManualTime()->Iterations(1);
+  benchmark->RangeMultiplier(4)->Range(kMiB, 1024 * kMiB)->UseManualTime()->Iterations(1)->Repetitions(3);
 }
 
 BENCHMARK(Push)->Name("AdbPushFile")->Apply(Sizes);
