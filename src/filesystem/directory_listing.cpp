@@ -45,6 +45,12 @@ int ListAllBelow(const char* serial, const char* dir, const bool* cancel, std::l
   return status;
 }
 
+// The files are given back before their document, which takes as much again, is copied.
+void HandOutOnce(std::string document, std::list<FileInfo>* files, char** json, int* json_len) {
+  files->clear();
+  HandOut(document, json, json_len);
+}
+
 }  // namespace
 }  // namespace darokleim
 
@@ -62,7 +68,7 @@ int AdbGetDirFiles(const char* serial, const char* dir, char** json, int* json_l
     if (!run.has_output() || code != ADB_RESULT_OK) return log.Leave(code);
     DecodeLSOut(run.output().data(), static_cast<int>(run.output().size()), &files);
   }  // What a million files print is given back before as much is written.
-  HandOut(serialization_file_list(&files, true), json, json_len);
+  HandOutOnce(serialization_file_list(&files, true), &files, json, json_len);
   return log.Leave(ADB_RESULT_OK);
 }
 
@@ -73,7 +79,7 @@ int AdbGetDirFilesEx(const char* serial, const char* dir, char** json, int* json
   CallLog log("AdbGetDirFilesEx", kListingWording);
   std::list<FileInfo> files;
   const int status = ListAllBelow(serial, dir, cancel, &files);
-  if (status == ADB_RESULT_OK) HandOut(serialization_file_list(&files, true), json, json_len);
+  if (status == ADB_RESULT_OK) HandOutOnce(serialization_file_list(&files, true), &files, json, json_len);
   return log.Leave(status);
 }
 
@@ -84,7 +90,7 @@ int AdbGetDirFilesAndDirs(const char* serial, const char* dir, char** json, int*
   std::list<FileInfo> files;
   const int status = ListAllBelow(serial, dir, cancel, &files);
   if (status == ADB_RESULT_OK) {
-    HandOut(serialization_file_list_keep_folder_structer(&files, dir, true), json, json_len);
+    HandOutOnce(serialization_file_list_keep_folder_structer(&files, dir, true), &files, json, json_len);
   }
   return log.Leave(status);
 }
