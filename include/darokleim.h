@@ -353,10 +353,10 @@ DAROKLEIM_EXPORT int AdbAuthenticateShow(const char* serial, const bool* cancel)
 
 /// Re-opens the connection to the attached device (`adb reconnect`, without a serial).
 ///
-/// Which device is meant is left to adb, which refuses when none or several are attached;
+/// Which device is meant is left to adb, which does nothing when none or several are attached;
 /// AdbAuthenticateShow() names one. Cannot be cancelled.
 ///
-/// @return The status only; 0: adb did it.
+/// @return The status only; 0 also when adb had no device to reconnect, of which it prints a line and no failure.
 DAROKLEIM_EXPORT int AdbReconnectDevice(void);
 
 /// Restarts a device (`adb reboot`) and returns without waiting for it to come back.

@@ -11,7 +11,10 @@ namespace darokleim::phone_test {
 
 inline constexpr int kOk = ADB_RESULT_OK;
 
-// The whole way: the library, our channel with its assistance, the real adb client, a phone.
+// Whether the channel assists the library in this test program.
+inline constexpr bool kAssisted = DAROKLEIM_TEST_ASSISTED;
+
+// The whole way: the library, our channel, the real adb client, a phone.
 class SdkOnPhone : public PhoneUnderTest {
  protected:
   void SetUp() override;

@@ -4,53 +4,10 @@ namespace darokleim::phone_test {
 namespace {
 
 using testing::HasSubstr;
-using testing::MatchesRegex;
 using testing::Not;
 using testing::StartsWith;
 
 class Sdk : public SdkOnPhone {};
-
-TEST_P(Sdk, ListsThePhone) {
-  EXPECT_EQ(AdbGetDevices(buffer_, sizeof(buffer_), cancel_), kOk);
-  EXPECT_THAT(buffer_, HasSubstr(serial() + "-device;"));
-  EXPECT_EQ(AdbGetDevicesEx(&text_, &length_, cancel_), kOk);
-  EXPECT_THAT(Taken(&text_, length_), HasSubstr(serial() + "-device;"));
-}
-
-TEST_P(Sdk, ReadsWhatThePhoneSaysOfItself) {
-  REQUIRE_SIMULATED_PHONE("says other things");
-  EXPECT_EQ(AdbGetPhoneManufacturer(phone(), buffer_, sizeof(buffer_), cancel_), kOk);
-  EXPECT_STREQ(buffer_, "Google");
-  EXPECT_EQ(AdbGetPhoneProductModel(phone(), buffer_, sizeof(buffer_), cancel_), kOk);
-  EXPECT_STREQ(buffer_, "Pixel 7");
-  EXPECT_EQ(AdbGetPhoneSoftVersion(phone(), buffer_, sizeof(buffer_), cancel_), kOk);
-  EXPECT_STREQ(buffer_, is_legacy() ? "6.0.1" : "13");
-  bool locked = false;
-  EXPECT_EQ(AdbCheckLockedState(phone(), &locked, cancel_), kOk);
-  EXPECT_TRUE(locked);
-  bool encrypted = false;
-  EXPECT_EQ(AdbCheckEncryptState(phone(), &encrypted, cancel_), kOk);
-  EXPECT_TRUE(encrypted);
-  int type = -1;
-  EXPECT_EQ(AdbGetEncryptType(phone(), &type, cancel_), kOk);
-  EXPECT_EQ(type, 0);
-  bool harmony = true;
-  EXPECT_EQ(AdbCheckIsHarmony(phone(), &harmony, cancel_), kOk);
-  EXPECT_FALSE(harmony);
-  bool rooted = true;
-  EXPECT_EQ(IsDeviceHadBeenRooted(phone(), &rooted, cancel_), kOk);
-  EXPECT_FALSE(rooted);
-}
-
-TEST_P(Sdk, ReadsAddressAndClock) {
-  EXPECT_EQ(AdbGetDeviceCurrentTime(phone(), buffer_, sizeof(buffer_), cancel_), kOk);
-  EXPECT_THAT(buffer_, MatchesRegex("[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}"));
-  REQUIRE_SIMULATED_PHONE("may have no wireless address");
-  EXPECT_EQ(AdbGetIPAddress(phone(), &text_, &length_, cancel_), kOk);
-  EXPECT_THAT(Taken(&text_, length_), MatchesRegex("192\\.168\\.1\\.[0-9]+/24"));
-  SwitchOn("no-wifi");
-  EXPECT_EQ(AdbGetIPAddress(phone(), &text_, &length_, cancel_), 30);
-}
 
 TEST_P(Sdk, WorksOnFilesWithBlanksInTheirNames) {
   WriteHostFile(OnHost("my photo.jpg"), "1234567");
@@ -160,47 +117,7 @@ TEST_P(Sdk, TakesPictures) {
   EXPECT_EQ(Text("head -c 4 '" + OnPhone("the screen.png") + "' | tail -c 3"), "PNG");
 }
 
-TEST_P(Sdk, SeesThePhoneGoAndCome) {
-  REQUIRE_SIMULATED_PHONE("takes minutes to reboot");
-  EXPECT_EQ(AdbAuthenticateShow(phone(), cancel_), 1);
-  EXPECT_TRUE(Eventually([this] { return Text("echo here") == "here\n"; }));
-  EXPECT_EQ(AdbReboot(phone(), cancel_), kOk);
-  EXPECT_TRUE(Eventually(
-      [this] { return AdbGetPhoneSoftVersion(phone(), buffer_, sizeof(buffer_), cancel_) != kOk; }));
-  EXPECT_TRUE(Eventually(
-      [this] { return AdbGetPhoneSoftVersion(phone(), buffer_, sizeof(buffer_), cancel_) == kOk; }));
-  Control({"state", "unauthorized"});
-  EXPECT_EQ(AdbCreateDir(phone(), "/sdcard/x", cancel_), 42);
-  Control({"unplug"});
-  EXPECT_EQ(AdbCreateDir(phone(), "/sdcard/x", cancel_), 24);
-}
-
-TEST_P(Sdk, ReconnectsAndSetsBusyboxUp) {
-  REQUIRE_SIMULATED_PHONE("would be left with another program");
-  EXPECT_EQ(AdbConfigDeviceBusybox(phone(), cancel_), kOk);
-  EXPECT_THAT(Text("/data/local/tmp/busybox echo runs"), StartsWith("runs"));
-  EXPECT_EQ(AdbReconnectDevice(), kOk);
-  EXPECT_EQ(AdbStartDaemon(false, cancel_), kOk);
-  EXPECT_TRUE(Eventually([this] { return Text("echo here") == "here\n"; }));
-}
-
 INSTANTIATE_FOR_PHONES(Sdk);
-
-TEST(SdkMiui, ReadsTheVersionOfEachKind) {
-  for (const auto& [profile, version] : std::vector<std::pair<std::string, std::string>>{
-           {"miui12", "12.10.6.1"}, {"miui125", "12.5.3.0"}, {"miui13", "13.0.4.0"}}) {
-    const SimulatedPhones phones({"XIAOMI1,profile=" + profile + ",su=xbin,android=legacy"});
-    setenv("ANDROID_ADB_SERVER_PORT", phones.port().c_str(), 1);
-    char text[64] = {};
-    EXPECT_EQ(AdbGetMiuiVersion("XIAOMI1", text, sizeof(text), nullptr), kOk);
-    EXPECT_EQ(text, version);
-    EXPECT_EQ(AdbGetMiuiBuildRegin("XIAOMI1", text, sizeof(text), nullptr), kOk);
-    EXPECT_STREQ(text, "cn");
-    bool rooted = false;
-    EXPECT_EQ(IsDeviceHadBeenRooted("XIAOMI1", &rooted, nullptr), kOk);
-    EXPECT_TRUE(rooted);
-  }
-}
 
 }  // namespace
 }  // namespace darokleim::phone_test
