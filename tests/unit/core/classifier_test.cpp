@@ -63,6 +63,57 @@ TEST_F(ClassifierTest, TheChannelsValueDoesNotMatterWhenAMessageIsKnown) {
   for (const Case& c : EveryRule()) EXPECT_EQ(CheckOutbufErrorWithRet(c.text, 1001, false), c.code) << c.text;
 }
 
+// The very text of each message, and what else its rule needs.
+struct Message {
+  std::string text;
+  std::string rest;
+  int code;
+};
+
+const Message kMessages[] = {
+    {"no devices/emulators found", "", ADB_RESULT_NO_DEVICE},
+    {"cannot connect to daemon", "", ADB_RESULT_CANNOT_CONNECT_DAEMON},
+    {"No such file or directory", "", ADB_RESULT_NO_SUCH_FILE},
+    {"Can't open non-file", "", ADB_RESULT_NO_SUCH_FILE},
+    {"device", " not found", ADB_RESULT_NO_DEVICE},
+    {"not found", " device", ADB_RESULT_NO_DEVICE},
+    {"error: unknown host service", "", ADB_RESULT_UNKNOWN_HOST_SERVICE},
+    {"[INSTALL_FAILED_ALREADY_EXISTS]", "", ADB_RESULT_INSTALL_ALREADY_EXISTS},
+    {"Failure [-99]", "", ADB_RESULT_INSTALL_FAILURE_99},
+    {"INSTALL_FAILED_VERSION_DOWNGRADE", "", ADB_RESULT_INSTALL_VERSION_DOWNGRADE},
+    {"[INSTALL_FAILED_USER_RESTRICTED: Install canceled by user]", "", ADB_RESULT_INSTALL_CANCELED_BY_USER},
+    {"[INSTALL_FAILED_CANCELLED_BY_USER]", "", ADB_RESULT_INSTALL_CANCELLED_BY_USER},
+    {"[INSTALL_FAILED_USER_RESTRICTED]", "", ADB_RESULT_INSTALL_USER_RESTRICTED},
+    {"[INSTALL_CANCELED_BY_USER]", "", ADB_RESULT_INSTALL_USER_RESTRICTED},
+    {"[INSTALL_PARSE_FAILED_NO_CERTIFICATES]", "", ADB_RESULT_INSTALL_NO_CERTIFICATES},
+    {"Permission denied", " grep", ADB_RESULT_PERMISSION_DENIED},
+    {"grep", " Permission denied", ADB_RESULT_PERMISSION_DENIED},
+    {"find:", " Permission denied", ADB_RESULT_PERMISSION_DENIED},
+    {"Failure", "", ADB_RESULT_FAILURE},
+    {"daemon still not running", "", ADB_RESULT_DAEMON_NOT_RUNNING},
+    {"no closing quote", "", ADB_RESULT_NO_CLOSING_QUOTE},
+    {"/system/bin/sh", " not found", ADB_RESULT_SHELL_NOT_FOUND},
+    {"not found", " /system/bin/sh", ADB_RESULT_SHELL_NOT_FOUND},
+    {"protocol fault", "", ADB_RESULT_PROTOCOL_FAULT},
+    {"device unauthorized", "", ADB_RESULT_DEVICE_UNAUTHORIZED},
+    {"not enough space", "", ADB_RESULT_NOT_ENOUGH_SPACE},
+    {"Shell does not have permission to access user", "", ADB_RESULT_USER_ACCESS_DENIED},
+    {"No space left on device", "", ADB_RESULT_NO_SPACE_LEFT},
+};
+
+TEST_F(ClassifierTest, AMessageIsKnownByItsWholeText) {
+  for (const Message& message : kMessages) {
+    const auto code_of = [&](const std::string& text) {
+      return CheckOutbufErrorWithRet(text + "|" + message.rest, 0, false);
+    };
+    EXPECT_EQ(code_of(message.text), message.code) << message.text;
+    EXPECT_NE(code_of(message.text.substr(1)), message.code)
+        << message.text << " without its first character";
+    EXPECT_NE(code_of(message.text.substr(0, message.text.size() - 1)), message.code)
+        << message.text << " without its last character";
+  }
+}
+
 TEST_F(ClassifierTest, OfTwoMessagesTheEarlierRuleDecidesWhereverItStands) {
   const auto& cases = EveryRule();
   for (std::size_t i = 0; i < cases.size(); ++i) {

@@ -138,6 +138,9 @@ TEST(ReplaceTest, GoesOnBehindTheReplacement) {
   text = "abc";
   replace(text, "", "x");
   EXPECT_EQ(text, "abc");
+  replace(text, "a", "x");
+  EXPECT_EQ(text, "xbc");
+  text = "abc";
   replace(text, "abc", "");
   EXPECT_EQ(text, "");
   replace(text, "a", "b");

@@ -17,6 +17,7 @@ std::string Matched(std::string_view line) {
 TEST(DeviceLineTest, SerialAndState) {
   EXPECT_EQ(Matched("0123456789ABCDEF\tdevice"), "0123456789ABCDEF|device");
   EXPECT_EQ(Matched("a  offline"), "a|offline");
+  EXPECT_EQ(Matched("AZaz09\tdevice"), "AZaz09|device");
   EXPECT_EQ(Matched("abc \t\v\f\r unauthorized"), "abc|unauthorized");
 }
 
