@@ -23,12 +23,11 @@ unsigned long long UnitOf(std::string_view size) {
   return kKibi;
 }
 
-// The leading decimal fraction, with a point whatever the host's locale says; not "inf", "nan" or
-// hexadecimal, which strtod knows too.
+// The leading decimal fraction of a text that holds a point, which is the decimal point whatever the host's locale
+// says; not "inf", "nan" or hexadecimal, which strtod knows too.
 double LeadingFraction(const std::string& text) {
   static const locale_t kPointLocale = newlocale(LC_ALL_MASK, "C", nullptr);
   const std::size_t digits = text.find_first_not_of(darokleim::kBlanks);
-  if (digits == std::string::npos) return 0;
   const std::size_t end = text.find_first_not_of("+-0123456789.eE", digits);
   const std::string number = text.substr(digits, end == std::string::npos ? end : end - digits);
   return strtod_l(number.c_str(), nullptr, kPointLocale);
