@@ -15,6 +15,7 @@
 #include <thread>
 
 #include "platform/command_channel.h"
+#include "support/own_process.h"
 #include "support/temporary_directory.h"
 
 namespace darokleim::channel {
@@ -103,26 +104,6 @@ inline bool EndsWithin(pid_t pid, milliseconds time) {
     std::this_thread::sleep_for(milliseconds(2));
   }
   return true;
-}
-
-// For what changes a whole process. The body's expectations count.
-template <typename Body>
-void InProcessOfItsOwn(Body body) {
-  fflush(nullptr);
-  const pid_t pid = fork();
-  ASSERT_NE(pid, -1);
-  if (pid == 0) {
-    try {
-      body();
-    } catch (const std::exception& e) {
-      ADD_FAILURE() << e.what();
-    }
-    fflush(nullptr);
-    _exit(testing::Test::HasFailure() ? 1 : 0);
-  }
-  int status = 0;
-  ASSERT_EQ(waitpid(pid, &status, 0), pid);
-  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "wait status " << status;
 }
 
 class ChannelTest : public testing::Test {
