@@ -9,6 +9,7 @@ source "$source_root/scripts/phones.sh"
 work=$(mktemp -d)
 trap 'stop_phones; rm -rf "$work"' EXIT
 export HOME=$work TMPDIR=$work
+cd "$work" # where the library leaves a copy of each listing
 unset ANDROID_SERIAL
 
 fail() {
