@@ -59,6 +59,18 @@ TEST(DescribeResult, KnowsTheStatusesOfTheChannel) {
   EXPECT_THAT(DescribeResult(3999), StartsWith("unknown result (3999): "));
 }
 
+// A meaning and what to do about it: two sentences, behind the name.
+TEST(DescribeResult, AlwaysHasAdvice) {
+  std::set<int> codes = kCodes;
+  codes.erase(ADB_RESULT_OK);
+  codes.insert({1001, 1255, 2011, 3001, 3002, 3003, 3004, 3005, 3006, 5000});
+  for (const int code : codes) {
+    const std::string text = DescribeResult(code);
+    const std::string sentences = text.substr(text.find("): "));
+    EXPECT_NE(sentences.find(". "), std::string::npos) << text;
+  }
+}
+
 TEST(IsChannelStatus, BeginsAboveTheLibrarysCodes) {
   EXPECT_FALSE(IsChannelStatus(ADB_RESULT_NO_SPACE_LEFT));
   EXPECT_TRUE(IsChannelStatus(1001));

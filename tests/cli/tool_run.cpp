@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "support/file_content.h"
+#include "terminal_run.h"
 
 namespace darokleim {
 
@@ -42,9 +43,18 @@ Outcome ToolTest::Run(const Words& arguments) const {
 }
 
 std::unique_ptr<HostProcess> ToolTest::Start(const Words& arguments) const {
+  return std::make_unique<HostProcess>(Command(arguments), environment_);
+}
+
+Outcome ToolTest::OnTerminal(const Words& arguments) const {
+  return RunOnTerminal(Command(arguments), environment_);
+}
+
+Words ToolTest::Command(const Words& arguments) const {
   Words command = {DAROKLEIM_TOOL};
+  if (!folder_.empty()) command = {"/bin/sh", "-c", "cd -- \"$0\" && exec \"$@\"", folder_, DAROKLEIM_TOOL};
   command.insert(command.end(), arguments.begin(), arguments.end());
-  return std::make_unique<HostProcess>(command, environment_);
+  return command;
 }
 
 Outcome ToolTest::RunProgram(Words command, const Words& arguments) const {

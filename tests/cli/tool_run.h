@@ -31,15 +31,23 @@ class ToolTest : public testing::Test {
   // For the environment of the tool; an empty value takes the variable out of it.
   void Set(const std::string& variable, const std::string& value);
 
+  // The folder that Run and Start start the tool in; otherwise that of the test.
+  void StartIn(const std::string& folder) { folder_ = folder; }
+
   Outcome Run(const Words& arguments) const;
   // Runs another program in the tool's environment.
   Outcome RunProgram(Words command, const Words& arguments) const;
   std::unique_ptr<HostProcess> Start(const Words& arguments) const;
+  // With both of its streams on a terminal; everything is in Outcome::output, with the terminal's line ends.
+  Outcome OnTerminal(const Words& arguments) const;
   // Runs a line of shell in the tool's environment; $TOOL is the tool.
   Outcome RunShell(const std::string& line) const;
 
  private:
+  Words Command(const Words& arguments) const;
+
   TemporaryDirectory directory_;
+  std::string folder_;
   Environment environment_;
 };
 

@@ -75,7 +75,7 @@ void Session::CheckCancelled() const {
 void Session::CheckCode(int code, const std::string& action) const {
   if (code == ADB_RESULT_OK) return;
   std::string message = "cannot " + action + ": " + DescribeResult(code);
-  if (IsChannelStatus(code)) {
+  if (IsChannelStatus(code) || code == ADB_RESULT_FAILURE) {
     message += " (adb: " + programs_.adb.native() + ", log: " + log_directory_ + ")";
   }
   throw ToolError(message);

@@ -11,7 +11,7 @@ namespace {
 
 constexpr char kFooter[] =
     R"(For a device that does not answer. adb itself picks the device, or refuses when several are attached; `darokleim
-authorize` does the same to a named one. Cannot be cancelled.
+authorize` does the same to a named one. Some versions of adb do not say when there is none. Cannot be cancelled.
 
 Examples:
   darokleim reconnect)";
@@ -19,7 +19,7 @@ Examples:
 void Run(Tool& tool) {
   const auto& session = tool.session();
   session.Check(AdbReconnectDevice(), "open the connection again");
-  tool.Report("The connection is opened again. See `darokleim devices`.");
+  tool.Report("adb was asked to open the connection again. See `darokleim devices`.");
 }
 
 }  // namespace

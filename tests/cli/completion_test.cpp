@@ -1,0 +1,162 @@
+// What the shells are told may come next, and the completions of bash and zsh over it.
+#include <gmock/gmock.h>
+#include <stdlib.h>
+
+#include <sstream>
+
+#include "simulated_phones.h"
+#include "support/file_content.h"
+#include "tool_run.h"
+
+namespace darokleim {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::IsSupersetOf;
+using testing::Not;
+using testing::UnorderedElementsAre;
+
+std::vector<std::string> Lines(const std::string& text) {
+  std::istringstream stream(text);
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(stream, line);) lines.push_back(line.substr(0, line.find('\t')));
+  return lines;
+}
+
+class CompletionTest : public ToolTest {
+ protected:
+  std::vector<std::string> Complete(Words words) const {
+    words.insert(words.begin(), {"complete", "--"});
+    const auto outcome = Run(words);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.errors, "");
+    return Lines(outcome.output);
+  }
+};
+
+TEST_F(CompletionTest, OffersSubcommandsWithWhatTheyDo) {
+  const auto outcome = Run({"complete", "--", "dev"});
+  EXPECT_EQ(outcome.output, "devices\tList the attached devices\n");
+  EXPECT_THAT(Complete({""}), IsSupersetOf({"devices", "info", "app", "logcat", "push", "ls"}));
+  EXPECT_THAT(Complete({""}), Not(Contains("complete")));
+  EXPECT_THAT(Complete({"app", "install"}),
+              ElementsAre("install", "install-multiple", "install-from-device"));
+  EXPECT_THAT(Complete({"forward", ""}), ElementsAre("add", "remove"));
+  EXPECT_THAT(Complete({"-s", "ABC", "--quiet", "dev"}), ElementsAre("devices"));
+}
+
+TEST_F(CompletionTest, OffersOptionsOfTheCommandAndOfTheTool) {
+  EXPECT_THAT(Complete({"devices", "--"}),
+              IsSupersetOf({"--json", "--help", "--serial", "--adb", "--quiet"}));
+  EXPECT_THAT(Complete({"devices", "--js"}), ElementsAre("--json"));
+  EXPECT_THAT(Complete({"--ver"}), ElementsAre("--version"));
+  EXPECT_THAT(Complete({"app", "list", "--p"}), ElementsAre("--paths"));
+}
+
+TEST_F(CompletionTest, OffersFilesOfThisComputerWhereTheyBelong) {
+  EXPECT_THAT(Complete({"--adb", ""}), ElementsAre(":files"));
+  EXPECT_THAT(Complete({"--log-dir", ""}), ElementsAre(":directories"));
+  EXPECT_THAT(Complete({"app", "install", ""}), ElementsAre(":files"));
+  EXPECT_THAT(Complete({"app", "install", "a.apk", ""}), IsEmpty());
+  EXPECT_THAT(Complete({"app", "install-multiple", "a.apk", ""}), ElementsAre(":files"));
+  EXPECT_THAT(Complete({"restore", ""}), ElementsAre(":files"));
+  EXPECT_THAT(Complete({"forward", "add", ""}), IsEmpty());
+}
+
+TEST_F(CompletionTest, OffersNamedValues) {
+  EXPECT_THAT(Complete({"info", "mo"}), ElementsAre("model"));
+  EXPECT_THAT(Complete({"info", "model", "androi"}), ElementsAre("android"));
+}
+
+TEST_F(CompletionTest, OffersSerialNumbers) {
+  MakeAdb(kTwoDevices);
+  EXPECT_EQ(Run({"complete", "--", "-s", ""}).output, "0123456789ABCDEF\tdevice\nFEDCBA98\tunauthorized\n");
+  EXPECT_THAT(Complete({"devices", "--serial", "F"}), ElementsAre("FEDCBA98"));
+  EXPECT_THAT(Complete({"--serial", "=", "F"}), ElementsAre("FEDCBA98"));
+}
+
+TEST_F(CompletionTest, OffersThePackagesOfTheNamedDevice) {
+  MakeAdb(R"([ "$*" = '-s FEDCBA98 shell pm list packages' ] || exit 1
+printf 'package:com.example.notes\r\npackage:org.other\r\n')");
+  EXPECT_THAT(Complete({"-s", "FEDCBA98", "app", "uninstall", "com."}), ElementsAre("com.example.notes"));
+  EXPECT_THAT(Complete({"app", "uninstall", "--serial=FEDCBA98", ""}),
+              UnorderedElementsAre("com.example.notes", "org.other"));
+}
+
+TEST_F(CompletionTest, SaysNothingOfWhatGoesWrong) {
+  MakeAdb("echo broken; exit 1");
+  EXPECT_THAT(Complete({"-s", ""}), IsEmpty());
+  EXPECT_THAT(Complete({"app", "version", ""}), IsEmpty());
+  EXPECT_THAT(Complete({"no-such-command", ""}), Not(Contains(":files")));
+}
+
+class BashCompletionTest : public CompletionTest {
+ protected:
+  // The words that a real bash offers behind `words`, the last of which is unfinished.
+  std::vector<std::string> Bash(const Words& words) const {
+    std::string script =
+        "source '" DAROKLEIM_COMPLETIONS "/darokleim.bash'\ncd '" + File("") + "'\nCOMP_WORDS=(\"$TOOL\"";
+    for (const auto& word : words) script += " '" + word + "'";
+    script += ")\nCOMP_CWORD=" + std::to_string(words.size()) +
+              "\n_darokleim\nfor reply in \"${COMPREPLY[@]}\"; do printf '%s\\n' \"$reply\"; done\n";
+    const auto outcome = RunProgram({"/bin/bash", "--norc", "--noprofile", "-c"}, {script});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.errors, "");
+    return Lines(outcome.output);
+  }
+};
+
+TEST_F(BashCompletionTest, OffersWhatTheToolKnows) {
+  MakeAdb(kTwoDevices);
+  EXPECT_THAT(Bash({"dev"}), ElementsAre("devices"));
+  EXPECT_THAT(Bash({"-s", ""}), ElementsAre("0123456789ABCDEF", "FEDCBA98"));
+  EXPECT_THAT(Bash({"logcat", "--d"}), ElementsAre("--dump"));
+}
+
+TEST_F(BashCompletionTest, OffersFilesWithBlanksInTheirNames) {
+  WriteFile(File("my notes.apk"), "");
+  EXPECT_THAT(Bash({"app", "install", "my"}), ElementsAre("my notes.apk"));
+  EXPECT_THAT(Bash({"--log-dir", "hom"}), ElementsAre("home"));
+  EXPECT_THAT(Bash({"--adb", "=", "my"}), ElementsAre("my notes.apk"));
+}
+
+TEST_F(BashCompletionTest, IsRegisteredForTheTool) {
+  const auto outcome = RunProgram(
+      {"/bin/bash", "-c"}, {"source '" DAROKLEIM_COMPLETIONS "/darokleim.bash' && complete -p darokleim"});
+  EXPECT_EQ(outcome.output, "complete -F _darokleim darokleim\n");
+}
+
+class ZshCompletionTest : public CompletionTest {
+ protected:
+  void SetUp() override {
+    Set("PATH", File("bin") + ":/usr/bin:/bin");
+    if (RunShell("command -v zsh").status != 0) GTEST_SKIP() << "zsh is not installed";
+  }
+};
+
+TEST_F(ZshCompletionTest, IsValid) {
+  const auto outcome = RunShell("zsh -n '" DAROKLEIM_COMPLETIONS "/_darokleim'");
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.errors, "");
+}
+
+// The functions of zsh's completion system are replaced by some that print what they are given.
+TEST_F(ZshCompletionTest, DescribesWhatTheToolOffers) {
+  MakeAdb(kTwoDevices);
+  WriteFile(File("play"),
+            "_describe() { print -l -- \"${(@P)2}\" }\n_files() { print -- files \"$@\" }\n"
+            "words=(\"$TOOL\" \"$@\"); CURRENT=$#words; set --\nsource '" DAROKLEIM_COMPLETIONS
+            "/_darokleim'\n");
+  const auto zsh = [this](const std::string& words) {
+    return RunShell("zsh -f " + File("play") + " " + words).output;
+  };
+  EXPECT_EQ(zsh("dev"), "devices:List the attached devices\n");
+  EXPECT_EQ(zsh("-s ''"), "0123456789ABCDEF:device\nFEDCBA98:unauthorized\n");
+  EXPECT_EQ(zsh("--log-dir ''"), "files -/\n");
+  EXPECT_EQ(zsh("app install ''"), "files\n");
+}
+
+}  // namespace
+}  // namespace darokleim

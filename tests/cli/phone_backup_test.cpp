@@ -1,0 +1,80 @@
+// darokleim backup, restore, backup-stop, on simulated phones.
+#include <signal.h>
+
+#include <chrono>
+#include <thread>
+
+#include "phone_tool_test.h"
+#include "support/file_content.h"
+
+namespace darokleim {
+namespace {
+
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using testing::StartsWith;
+
+constexpr char kNotes[] = "com.example.notes";
+constexpr char kNote[] = "/data/data/com.example.notes/files/note";
+
+class PhoneBackupTest : public PhoneToolTest {
+ protected:
+  void SetUp() override { phones().Adb({"install", DAROKLEIM_PHONE_TEST_DATA "/notes-1.apk"}); }
+
+  // A backup that waits for its answer on the phone.
+  std::unique_ptr<HostProcess> StartWaitingBackup() const {
+    SwitchOn("unconfirmed-backup");
+    auto tool = Start({"backup", kNotes, "notes.ab"});
+    EXPECT_EQ(tool->ReadLine(), "Confirm the backup on the phone's screen.");
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    return tool;
+  }
+};
+
+TEST_P(PhoneBackupTest, BringsTheDataBack) {
+  Shell("echo precious > " + std::string(kNote));
+  EXPECT_THAT(Succeed({"backup", kNotes, "my \"notes\".ab"}),
+              MatchesRegex("Confirm the backup on the phone's screen\\.\n"
+                           "Saved [0-9.]+ (B|KiB) in my \"notes\"\\.ab\\.\n"));
+  EXPECT_THAT(ReadFile(File("work/my \"notes\".ab")), StartsWith("ANDROID BACKUP\n"));
+  Shell("rm " + std::string(kNote));
+  EXPECT_THAT(Succeed({"restore", "my \"notes\".ab"}), HasSubstr("The phone has taken my \"notes\".ab.\n"));
+  EXPECT_EQ(Shell("cat " + std::string(kNote)), "precious");
+}
+
+TEST_P(PhoneBackupTest, SaysWhenNothingWasSaved) {
+  const auto outcome = Run({"-q", "backup", "com.example.none", "none.ab"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.output, "");
+  EXPECT_THAT(outcome.errors, HasSubstr("nothing was saved of com.example.none"));
+}
+
+TEST_P(PhoneBackupTest, NamesAFileThatCannotBeWrittenOrRead) {
+  EXPECT_THAT(Fail({"-q", "backup", kNotes, "missing/notes.ab"}),
+              HasSubstr("cannot back up com.example.notes"));
+  EXPECT_THAT(Fail({"-q", "restore", "none.ab"}),
+              HasSubstr("cannot restore none.ab: No such file or directory."));
+}
+
+TEST_P(PhoneBackupTest, CtrlCClosesTheQuestion) {
+  auto tool = StartWaitingBackup();
+  tool->Signal(SIGINT);
+  const auto outcome = tool->Finish();
+  EXPECT_EQ(outcome.status, 130);
+  EXPECT_EQ(outcome.errors, "darokleim: cancelled\n");
+  EXPECT_EQ(phones().Control({"TEST0001", "show", "activities"}).output,
+            "force-stop com.android.backupconfirm\n");
+}
+
+TEST_P(PhoneBackupTest, EndsWhenTheQuestionIsClosedElsewhere) {
+  auto tool = StartWaitingBackup();
+  EXPECT_EQ(Succeed({"backup-stop"}), "The phone asks no more.\n");
+  const auto outcome = tool->Finish();
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.errors, HasSubstr("nothing was saved of com.example.notes"));
+}
+
+INSTANTIATE_FOR_BOTH_PHONES(PhoneBackupTest);
+
+}  // namespace
+}  // namespace darokleim

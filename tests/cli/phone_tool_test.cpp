@@ -1,0 +1,123 @@
+#include "phone_tool_test.h"
+
+#include <json/reader.h>
+#include <stdlib.h>
+
+#include <filesystem>
+#include <memory>
+
+#include "support/file_content.h"
+
+namespace darokleim {
+namespace {
+
+constexpr char kSerial[] = "TEST0001";
+
+std::string QuoteForShell(const std::string& text) {
+  std::string quoted = "'";
+  for (const char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return quoted + "'";
+}
+
+std::string WithoutCarriageReturns(std::string text) {
+  for (std::size_t at; (at = text.find("\r\n")) != std::string::npos;) text.erase(at, 1);
+  while (text.ends_with("\n")) text.pop_back();
+  return text;
+}
+
+}  // namespace
+
+Json::Value ParseJson(const std::string& text) {
+  Json::CharReaderBuilder builder;
+  Json::CharReaderBuilder::strictMode(&builder.settings_);
+  const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+  Json::Value document;
+  std::string errors;
+  EXPECT_TRUE(reader->parse(text.data(), text.data() + text.size(), &document, &errors)) << errors << text;
+  return document;
+}
+
+PhoneToolTest::PhoneToolTest(const std::string& settings)
+    : phones_({kSerial + (",android=" + GetParam()) + settings}) {
+  for (const auto& [variable, value] : phone_test::AdbEnvironment(phones_.port())) Set(variable, value);
+  const char* path = getenv("PATH");
+  Set("PATH", path == nullptr ? "/usr/bin:/bin" : path);
+  std::filesystem::create_directory(File("work"));
+  StartIn(File("work"));
+}
+
+std::string PhoneToolTest::Shell(const std::string& command) const {
+  return WithoutCarriageReturns(phones_.Adb({"shell", command}).output);
+}
+
+void PhoneToolTest::PutOnPhone(const std::string& path, const std::string& content) const {
+  WriteFile(File("for-phone"), content);
+  Shell("mkdir -p " + QuoteForShell(path.substr(0, path.rfind('/'))));
+  const auto outcome = phones_.Adb({"push", File("for-phone"), path});
+  ASSERT_EQ(outcome.status, 0) << outcome.output << outcome.errors;
+}
+
+std::string PhoneToolTest::ReadFromPhone(const std::string& path) const {
+  const auto outcome = phones_.Adb({"pull", path, File("from-phone")});
+  EXPECT_EQ(outcome.status, 0) << outcome.output << outcome.errors;
+  return ReadFile(File("from-phone"));
+}
+
+void PhoneToolTest::SwitchOn(const std::string& fault) const {
+  const auto outcome = phones_.Control({kSerial, "fault", fault});
+  ASSERT_EQ(outcome.status, 0) << outcome.errors;
+}
+
+std::string PhoneToolTest::Succeed(const Words& arguments) const {
+  const auto outcome = Run(arguments);
+  EXPECT_EQ(outcome.status, 0) << outcome.output;
+  EXPECT_EQ(outcome.errors, "");
+  return outcome.output;
+}
+
+std::string PhoneToolTest::Fail(const Words& arguments) const {
+  const auto outcome = Run(arguments);
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.output, "");
+  return outcome.errors;
+}
+
+std::vector<std::string> AwkwardPaths(const std::string& folder) {
+  std::vector<std::string> paths;
+  for (const char* name : {"my photo.jpg",
+                           "two  blanks",
+                           " blank first",
+                           "it's",
+                           "say \"hi\" twice",
+                           "\"",
+                           "$HOME",
+                           "a&b",
+                           "a;b",
+                           "(1)",
+                           "a|b",
+                           "*",
+                           "[x]?",
+                           "`date`",
+                           "back\\slash",
+                           "two\\\\slashes",
+                           "ends\\",
+                           "#1",
+                           "~",
+                           "-rf",
+                           "!x",
+                           "a=b,c:d",
+                           "100%",
+                           "\xe7\x85\xa7\xe7\x89\x87 1",
+                           "f\xc3\xbcr",
+                           "'quoted'",
+                           "x\"\" y",
+                           "tab\tx",
+                           "blank last ",
+                           "{a,b}",
+                           "a>b"}) {
+    paths.push_back(folder + "/" + name);
+  }
+  return paths;
+}
+
+}  // namespace darokleim

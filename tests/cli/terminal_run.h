@@ -1,0 +1,14 @@
+// Runs a program on a terminal of its own.
+#ifndef DAROKLEIM_TESTS_CLI_TERMINAL_RUN_H
+#define DAROKLEIM_TESTS_CLI_TERMINAL_RUN_H
+
+#include "host_process.h"
+
+namespace darokleim {
+
+// What the program printed on both streams, as it reached the terminal, is Outcome::output.
+phone_test::Outcome RunOnTerminal(const phone_test::Words& command, const phone_test::Environment& variables);
+
+}  // namespace darokleim
+
+#endif  // DAROKLEIM_TESTS_CLI_TERMINAL_RUN_H
