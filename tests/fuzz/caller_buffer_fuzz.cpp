@@ -17,7 +17,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::fill_n(buffer.get(), room, '#');
 
   const int code = FillCallerBuffer(text, buffer.get(), capacity, most);
-  Require(code == (text.size() > room ? ADB_RESULT_BUFFER_TOO_SMALL : ADB_RESULT_OK));
+  const bool fits = capacity >= 0 && text.size() <= room;
+  Require(code == (fits ? ADB_RESULT_OK : ADB_RESULT_BUFFER_TOO_SMALL));
   if (room == 0) return 0;
   const std::size_t copied = std::min({text.size(), most, room - 1});
   Require(buffer[copied] == '\0');
