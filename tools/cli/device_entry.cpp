@@ -2,6 +2,7 @@
 
 #include <darokleim.h>
 
+#include "argument_text.h"
 #include "errors.h"
 #include "file_listing.h"
 
@@ -35,14 +36,27 @@ bool IsInItsFolder(const Device& device, const DevicePath& path) {
   return exists;
 }
 
-// On a device without stat. A path of which ls complains counts as existing to AdbCheckFileExisted, so the folder
-// that it stands in decides where the device refuses.
-std::optional<DeviceEntry> FindWithoutStat(const Device& device, const DevicePath& path) {
+// What stands directly in the root is not found by its folder, which adb does not list. It lies on some storage.
+bool IsInTheRoot(const Device& device, const DevicePath& path) {
+  unsigned long long free_bytes = 0;
+  const std::string argument = ForBarePlace(path.text());
+  return AdbGetStorageFreeSpace(device.serial(), argument.c_str(), &free_bytes, device.cancel()) ==
+         ADB_RESULT_OK;
+}
+
+// A path of which ls complains counts as existing to AdbCheckFileExisted, so the folder that it stands in decides, too.
+bool ExistsWithoutStat(const Device& device, const DevicePath& path) {
+  if (path.Parent().IsRoot()) return IsInTheRoot(device, path);
   bool exists = false;
   device.Check(AdbCheckFileExisted(device.serial(), path.c_str(), &exists, device.cancel()), Action(path));
-  if (!exists) return std::nullopt;
+  return exists && IsInItsFolder(device, path);
+}
+
+// On a device without stat.
+std::optional<DeviceEntry> FindWithoutStat(const Device& device, const DevicePath& path) {
+  if (path.IsRoot()) return DeviceEntry{true, std::nullopt};
+  if (!ExistsWithoutStat(device, path)) return std::nullopt;
   if (const auto file = ListFile(device, path)) return DeviceEntry{false, file->size};
-  if (!path.IsRoot() && !IsInItsFolder(device, path)) return std::nullopt;
   return DeviceEntry{true, std::nullopt};
 }
 

@@ -109,8 +109,8 @@ bool HasLostBytes(std::string_view name) {
 
 void WarnOfLostNames(std::size_t count) {
   if (count == 0) return;
-  PrintError("warning: " + CountText(count, "name") +
-             " hold bytes that are not UTF-8. A listing cannot carry them and has U+FFFD in their place.");
+  PrintError("warning: bytes that are not UTF-8 in " + CountText(count, "name") +
+             ": a listing cannot carry them and has U+FFFD in their place.");
 }
 
 }  // namespace darokleim

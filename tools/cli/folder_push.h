@@ -6,8 +6,8 @@
 
 namespace darokleim {
 
-// Pushes a folder so that it becomes `target`, which is no file. Files of which the device has one at least as new are
-// passed over. After a failure or a cancel, the files that did not arrive whole are deleted. Throws as Device::Check.
+// Pushes a folder so that it becomes `target`, which is no file. Files of which the device has one of the same size
+// and time are passed over. After a failure or a cancel, the files that did not arrive whole are deleted. Throws as Device::Check.
 Transfer PushFolder(const Tool& tool, const Device& device, const PushSource& source,
                     const DevicePath& target);
 

@@ -24,8 +24,8 @@ constexpr char kFooter[] = R"(Examples:
   darokleim push --update *.mp3 /sdcard/Music    only those that are newer than the device's
 
 A file appears under its name once it is whole; until then, and after a failure or Ctrl-C, what stood there stays. A
-folder is merged into one that is there, where files that are at least as new are passed over; of what Ctrl-C leaves
-of it, files that are not whole are deleted.)";
+folder is merged into one that is there, where files of the same size and time are passed over; of what Ctrl-C leaves of
+it, files that are not whole are deleted.)";
 
 struct Options {
   bool json = false;

@@ -1,0 +1,107 @@
+// -s, ANDROID_SERIAL, and what happens without.
+#include <gmock/gmock.h>
+
+#include "support/file_content.h"
+#include "tool_run.h"
+
+namespace darokleim {
+namespace {
+
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+class DeviceChoiceTest : public ToolTest {
+ protected:
+  // An adb that lists these devices, each a serial number and a state, and notes every other command.
+  void MakeAdbWith(const std::string& devices) const {
+    MakeAdb("if [ \"$*\" = devices ]; then printf 'List of devices attached\\n" + devices +
+            "\\n'; exit; fi\necho \"$*\" >>" + File("commands") + "\nexit 1\n");
+  }
+
+  // The device that the tool asked, and nothing when it asked none.
+  std::string AskedDevice() const {
+    const auto commands = ReadLines(File("commands"));
+    if (commands.empty()) return "";
+    EXPECT_THAT(commands.front(), StartsWith("-s "));
+    return commands.front().substr(3, commands.front().find(' ', 3) - 3);
+  }
+};
+
+TEST_F(DeviceChoiceTest, TheOnlyDeviceNeedsNoName) {
+  MakeAdbWith("AAA\\tdevice\\n");
+  Run({"mkdir", "/sdcard/a"});
+  EXPECT_EQ(AskedDevice(), "AAA");
+}
+
+TEST_F(DeviceChoiceTest, TheOnlyDeviceThatIsReadyIsTaken) {
+  MakeAdbWith("AAA\\toffline\\nBBB\\tdevice\\nCCC\\tunauthorized\\n");
+  Run({"mkdir", "/sdcard/a"});
+  EXPECT_EQ(AskedDevice(), "BBB");
+}
+
+TEST_F(DeviceChoiceTest, AmongSeveralOneMustBeNamed) {
+  MakeAdbWith("AAA\\tdevice\\nBBB\\tdevice\\nCCC\\toffline\\n");
+  const auto outcome = Run({"mkdir", "/sdcard/a"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(
+      outcome.errors,
+      AllOf(StartsWith("darokleim: several devices are attached. Name one with -s SERIAL or in "
+                       "ANDROID_SERIAL.\nSERIAL  STATE\nAAA     device\nBBB     device\nCCC     offline")));
+  EXPECT_EQ(AskedDevice(), "");
+}
+
+TEST_F(DeviceChoiceTest, WithoutADeviceTheErrorSaysWhatToCheck) {
+  MakeAdbWith("");
+  const auto outcome = Run({"mkdir", "/sdcard/a"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.errors, AllOf(StartsWith("darokleim: No device is attached. Check that\n"),
+                                    HasSubstr("Name one with -s SERIAL")));
+}
+
+TEST_F(DeviceChoiceTest, WithoutOneThatIsReadyTheErrorTellsTheStates) {
+  MakeAdbWith("AAA\\toffline\\n");
+  const auto outcome = Run({"mkdir", "/sdcard/a"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.errors,
+              AllOf(StartsWith("darokleim: no attached device is ready:\nSERIAL  STATE\nAAA     "
+                               "offline  Does not answer"),
+                    EndsWith("they have to be named.\n")));
+}
+
+TEST_F(DeviceChoiceTest, TheOptionWinsOverTheEnvironment) {
+  MakeAdbWith("AAA\\tdevice\\nBBB\\tdevice\\n");
+  Set("ANDROID_SERIAL", "BBB");
+  Run({"-s", "192.168.1.5:5555", "mkdir", "/sdcard/a"});
+  EXPECT_EQ(AskedDevice(), "192.168.1.5:5555");
+}
+
+TEST_F(DeviceChoiceTest, TheEnvironmentNamesTheDevice) {
+  MakeAdbWith("AAA\\tdevice\\nBBB\\tdevice\\n");
+  Set("ANDROID_SERIAL", "BBB");
+  Run({"mkdir", "/sdcard/a"});
+  EXPECT_EQ(AskedDevice(), "BBB");
+}
+
+TEST_F(DeviceChoiceTest, WhatIsNoSerialNumberIsRefused) {
+  MakeAdbWith("AAA\\tdevice\\n");
+  for (const char* serial : {"A B", "$(date)", "A;B", "\"A"}) {
+    const auto outcome = Run({"-s", serial, "mkdir", "/sdcard/a"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errors, HasSubstr("is no serial number"));
+  }
+  EXPECT_EQ(AskedDevice(), "");
+}
+
+TEST_F(DeviceChoiceTest, AFailureWithoutAMessageIsExplainedByTheDevicesState) {
+  MakeAdbWith("AAA\\toffline\\n");
+  EXPECT_THAT(
+      Run({"-s", "AAA", "mkdir", "/sdcard/a"}).errors,
+      StartsWith("darokleim: cannot make the folder /sdcard/a: the device AAA is offline. Does not answer"));
+  EXPECT_THAT(Run({"-s", "BBB", "mkdir", "/sdcard/a"}).errors,
+              StartsWith("darokleim: cannot make the folder /sdcard/a: no device BBB is attached."));
+}
+
+}  // namespace
+}  // namespace darokleim

@@ -1,0 +1,34 @@
+#include "device_path.h"
+
+#include <gtest/gtest.h>
+
+#include "errors.h"
+
+namespace darokleim {
+namespace {
+
+TEST(DevicePath, LosesSlashesThatMeanNothing) {
+  EXPECT_EQ(DevicePath("/sdcard//a/").text(), "/sdcard/a");
+  EXPECT_EQ(DevicePath("///").text(), "/");
+}
+
+TEST(DevicePath, IsAbsolute) {
+  EXPECT_THROW(DevicePath("sdcard"), ToolError);
+  EXPECT_THROW(DevicePath(""), ToolError);
+}
+
+TEST(DevicePath, MustReachTheDevice) {
+  EXPECT_THROW(DevicePath("/a\" \"/b"), ToolError);
+}
+
+TEST(DevicePath, KnowsItsPieces) {
+  EXPECT_EQ(DevicePath("/sdcard/a b").Name(), "a b");
+  EXPECT_EQ(DevicePath("/sdcard/a").Parent().text(), "/sdcard");
+  EXPECT_EQ(DevicePath("/sdcard").Parent().text(), "/");
+  EXPECT_EQ(DevicePath("/").Child("a").text(), "/a");
+  EXPECT_EQ(DevicePath("/sdcard").Child("a/b").text(), "/sdcard/a/b");
+  EXPECT_TRUE(DevicePath("/").IsRoot());
+}
+
+}  // namespace
+}  // namespace darokleim

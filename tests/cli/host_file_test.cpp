@@ -1,0 +1,89 @@
+#include "host_file.h"
+
+#include <gmock/gmock.h>
+
+#include "errors.h"
+#include "support/file_content.h"
+#include "support/temporary_directory.h"
+
+namespace darokleim {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::UnorderedElementsAre;
+
+class HostFileTest : public testing::Test {
+ protected:
+  std::string File(const std::string& name) const { return directory_.File(name); }
+
+  std::vector<std::string> Names() const {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(File("."))) names.push_back(entry.path().filename());
+    return names;
+  }
+
+  TemporaryDirectory directory_;
+};
+
+TEST_F(HostFileTest, AnUnfinishedFileTakesItsPlaceWhole) {
+  WriteFile(File("a"), "old");
+  {
+    UnfinishedOnHost file(File("a"));
+    WriteFile(file.path(), "new");
+    EXPECT_EQ(ReadFile(File("a")), "old");
+    file.PutInPlace();
+  }
+  EXPECT_EQ(ReadFile(File("a")), "new");
+  EXPECT_THAT(Names(), UnorderedElementsAre("a"));
+}
+
+TEST_F(HostFileTest, WhatIsNotPutInPlaceGoes) {
+  WriteFile(File("a"), "old");
+  {
+    const UnfinishedOnHost file(File("a"));
+    WriteFile(file.path(), "half");
+  }
+  EXPECT_EQ(ReadFile(File("a")), "old");
+  EXPECT_THAT(Names(), UnorderedElementsAre("a"));
+}
+
+TEST_F(HostFileTest, AFolderIsMerged) {
+  fs::create_directories(File("to/both"));
+  WriteFile(File("to/both/kept"), "1");
+  WriteFile(File("to/both/replaced"), "2");
+  UnfinishedOnHost folder(File("to"));
+  fs::create_directories(folder.path() / "both");
+  fs::create_directories(folder.path() / "new/deep");
+  WriteFile(folder.path() / "both/replaced", "3");
+  WriteFile(folder.path() / "new/deep/file", "4");
+  folder.PutInPlace();
+  EXPECT_EQ(ReadFile(File("to/both/kept")), "1");
+  EXPECT_EQ(ReadFile(File("to/both/replaced")), "3");
+  EXPECT_EQ(ReadFile(File("to/new/deep/file")), "4");
+}
+
+TEST_F(HostFileTest, NeedsAFolderToWriteIn) {
+  EXPECT_THROW(UnfinishedOnHost(File("missing/a")), ToolError);
+}
+
+TEST_F(HostFileTest, SizesAndFilesOfAFolder) {
+  fs::create_directories(File("f/g"));
+  WriteFile(File("f/a"), "12345");
+  WriteFile(File("f/g/b"), "67");
+  EXPECT_EQ(SizeOnHost(File("f")), 7u);
+  EXPECT_EQ(SizeOnHost(File("f/a")), 5u);
+  EXPECT_EQ(SizeOnHost(File("missing")), 0u);
+  std::vector<std::string> paths;
+  for (const auto& file : FilesBelow(File("f"))) paths.push_back(file.path);
+  EXPECT_THAT(paths, UnorderedElementsAre("a", "g/b"));
+  EXPECT_THROW(FilesBelow(File("missing")), ToolError);
+}
+
+TEST_F(HostFileTest, AbsolutePathsHaveNoSlashAtTheirEnd) {
+  EXPECT_EQ(AbsolutePath("/a/b/../c/"), "/a/c");
+  EXPECT_EQ(AbsolutePath("x"), fs::current_path() / "x");
+  EXPECT_EQ(AbsolutePath("."), fs::current_path());
+}
+
+}  // namespace
+}  // namespace darokleim

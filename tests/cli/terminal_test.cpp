@@ -1,0 +1,74 @@
+// What the tool does only on a terminal: progress, colours, names without control characters.
+#include <stdlib.h>
+
+#include <filesystem>
+
+#include "phone_tool_test.h"
+#include "support/file_content.h"
+#include "terminal_run.h"
+
+namespace darokleim {
+namespace {
+
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr char kEscape[] = "\x1b";
+
+class TerminalTest : public PhoneToolTest {
+ protected:
+  TerminalTest() { Set("TERM", "xterm"); }
+};
+
+TEST_P(TerminalTest, NamesCannotWreckIt) {
+  PutOnPhone("/sdcard/test/\x1b[2Jx", "x");
+  EXPECT_THAT(OnTerminal({"exists", "/sdcard/test/\x1b[2Jx"}).output,
+              HasSubstr("  /sdcard/test/\\x1b[2Jx\r\n"));
+  EXPECT_THAT(OnTerminal({"stat", "/sdcard/\x1b[2Jnone"}).output,
+              AllOf(HasSubstr("there is no /sdcard/\\x1b[2Jnone"), Not(HasSubstr(kEscape))));
+  EXPECT_EQ(Succeed({"exists", "/sdcard/test/\x1b[2Jx"}), "yes  /sdcard/test/\x1b[2Jx\n");
+}
+
+TEST_P(TerminalTest, FoldersAreColoured) {
+  PutOnPhone("/sdcard/test/folder/a", "x");
+  EXPECT_THAT(OnTerminal({"ls", "/sdcard/test"}).output, EndsWith("\x1b[1;34mfolder\x1b[0m/\r\n"));
+  Set("NO_COLOR", "1");
+  EXPECT_THAT(OnTerminal({"ls", "/sdcard/test"}).output, EndsWith("folder/\r\n"));
+  EXPECT_THAT(OnTerminal({"ls", "/sdcard/test"}).output, Not(HasSubstr("\x1b[1;34m")));
+  Set("NO_COLOR", "");
+  EXPECT_EQ(Succeed({"ls", "/sdcard/test"}), "folder/\n");
+}
+
+TEST_P(TerminalTest, ALongPushShowsHowFarItIs) {
+  WriteFile(File("big file"), "");
+  std::filesystem::resize_file(File("big file"), 1ull << 30);
+  const auto push = OnTerminal({"push", File("big file"), "/sdcard"});
+  EXPECT_EQ(push.status, 0);
+  EXPECT_THAT(push.output,
+              AllOf(HasSubstr("\r\x1b[Kbig file  "), HasSubstr(" of 1.0 GiB  "), HasSubstr("B/s")));
+  Shell("rm '/sdcard/big file'");
+}
+
+TEST_P(TerminalTest, ALongPullShowsHowFarItIs) {
+  PutOnPhone("/sdcard/file", std::string(2048, 'x'));
+  SwitchOn("slow=1");
+  const auto pull = OnTerminal({"pull", "/sdcard/file", File("work")});
+  EXPECT_EQ(pull.status, 0);
+  EXPECT_THAT(pull.output, HasSubstr("\r\x1b[Kfile  0 B of 2.0 KiB  0%  0 B/s"));
+  EXPECT_EQ(OnTerminal({"-q", "pull", "/sdcard/file", File("work")}).output, "");
+  const auto piped = Run({"pull", "/sdcard/file", File("work")});
+  EXPECT_EQ(piped.errors, "");
+  EXPECT_THAT(piped.output, Not(HasSubstr("\r")));
+}
+
+TEST_P(TerminalTest, ALongListingShowsThatItGoesOn) {
+  SwitchOn("slow=1");
+  EXPECT_THAT(OnTerminal({"ls", "/sdcard/DCIM"}).output, HasSubstr("\r\x1b[Klisting /sdcard/DCIM  0 s"));
+}
+
+INSTANTIATE_FOR_BOTH_PHONES(TerminalTest);
+
+}  // namespace
+}  // namespace darokleim
