@@ -106,7 +106,7 @@ TEST_F(FaultOfHost, ItsWorkingDirectoryIsGone) {
   });
 }
 
-TEST_F(FaultOfHost, ItsLogDirectoryIsGone) {
+TEST_F(FaultOfHost, ItsLogIsRemoved) {
   EXPECT_EQ(RunAdb(" exit:3").status, 1003);
   for (const auto& entry : std::filesystem::directory_iterator(LogDirectory().path()))
     std::filesystem::remove_all(entry);

@@ -171,6 +171,21 @@ TEST(LogTroubleTest, AFailedRotationNeitherCrashesNorEndsTheLog) {
   EXPECT_THAT(lines[1], EndsWith("after"));
 }
 
+// Nothing looks at each line whether its file is still there.
+TEST(LogTroubleTest, ARemovedFileComesBackWithTheNextRotation) {
+  const OpenedLog log;
+  const std::string text(1 << 20, 'm');
+  LogEx(log.module(), 1, "before");
+  std::filesystem::remove(log.path());
+  for (int line = 0; line < 5; ++line) LogEx(log.module(), 1, "%s", text.c_str());
+  EXPECT_FALSE(std::filesystem::exists(log.path()));
+  for (int line = 0; line < 5; ++line) LogEx(log.module(), 1, "%s", text.c_str());
+  LogEx(log.module(), 1, "after");
+  const auto lines = log.Lines();
+  ASSERT_FALSE(lines.empty());
+  EXPECT_THAT(lines.back(), EndsWith("after"));
+}
+
 TEST(LogTroubleTest, RotationIgnoresTheCurrentDirectory) {
   const TemporaryDirectory directory;
   const auto before = std::filesystem::current_path();
