@@ -10,6 +10,9 @@ inline constexpr int kShellUser = 2000;
 
 inline constexpr char kShell[] = "/system/bin/sh";
 inline constexpr char kToybox[] = "/system/bin/toybox";
+// A phone knows no other characters than UTF-8. The tools of this host do, and ls garbles names without this file
+// of the host, which a phone sees at the same place.
+inline constexpr char kCharacters[] = "/usr/lib/locale/C.utf8/LC_CTYPE";
 // This program: the daemon, and each of the phone's own programs under a link with its name.
 inline constexpr char kDeviceProgram[] = "/system/bin/adbd";
 // What the phone keeps that no file of a real phone shows: properties set, faults, packages, typed text.

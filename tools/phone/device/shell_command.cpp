@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "common/io.h"
+#include "device/layout.h"
 
 namespace darokleim::phone {
 
@@ -44,6 +45,8 @@ std::vector<std::string> Environment(const ShellRequest& request) {
       "SHELL=/bin/sh",
       "TMPDIR=/data/local/tmp",
       "USER=shell"};
+  // The shell complains of a name that it cannot look up.
+  if (access(kCharacters, R_OK) == 0) environment.push_back("LC_CTYPE=C.UTF-8");
   if (!request.terminal.empty()) environment.push_back("TERM=" + request.terminal);
   return environment;
 }

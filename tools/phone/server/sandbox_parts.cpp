@@ -9,6 +9,7 @@
 #include <stdexcept>
 
 #include "common/wire.h"
+#include "device/layout.h"
 
 namespace darokleim::phone {
 
@@ -72,6 +73,7 @@ SandboxParts FindSandboxParts() {
   std::set<std::string> libraries;
   for (const std::string& program : {parts.shell, parts.toybox, parts.program})
     AddLibrariesOf(program, &libraries);
+  if (access(kCharacters, R_OK) == 0) libraries.insert(kCharacters);
   parts.libraries.assign(libraries.begin(), libraries.end());
   return parts;
 }

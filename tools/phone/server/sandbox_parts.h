@@ -11,9 +11,9 @@ struct SandboxParts {
   std::string bubblewrap;
   std::string shell;  // mksh
   std::string toybox;
-  std::string program;  // this program, which is the phone's daemon and its own programs
-  std::string view;     // the library of the phone's file system view
-  std::vector<std::string> libraries;
+  std::string program;                 // this program, which is the phone's daemon and its own programs
+  std::string view;                    // the library of the phone's file system view
+  std::vector<std::string> libraries;  // and what else the programs read, at the same place in the phone
 };
 
 // Throws std::runtime_error that names what is missing.
