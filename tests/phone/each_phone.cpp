@@ -1,0 +1,73 @@
+#include "each_phone.h"
+
+#include <darokleim.h>
+#include <stdlib.h>
+
+#include "platform/command_channel.h"
+
+namespace darokleim::phone_test {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// The programs that the library is started with. It starts once in a process and keeps them.
+class Resources {
+ public:
+  Resources() {
+    std::string folder = (fs::temp_directory_path() / "darokleim-resources-XXXXXX").string();
+    if (mkdtemp(folder.data()) == nullptr) return;
+    folder_ = folder;
+    for (const char* program : {"adb", "busybox"}) {
+      const std::string path = RunProgram({"sh", "-c", std::string("command -v ") + program}, {}).output;
+      fs::create_symlink(path.substr(0, path.find('\n')), folder_ / program);
+    }
+  }
+  ~Resources() {
+    std::error_code error;
+    fs::remove_all(folder_, error);
+  }
+  Resources(const Resources&) = delete;
+  Resources& operator=(const Resources&) = delete;
+
+  const fs::path& folder() const { return folder_; }
+
+ private:
+  fs::path folder_;
+};
+
+}  // namespace
+
+void EachPhone::SetUp() {
+  std::string folder = (fs::temp_directory_path() / "darokleim-each-phone-XXXXXX").string();
+  ASSERT_NE(mkdtemp(folder.data()), nullptr);
+  host_folder_ = folder;
+  const std::string list = phones_.Control({"list"}).output;
+  const std::string mark = "\tfiles=";
+  const size_t at = list.find(mark) + mark.size();
+  phone_files_ = list.substr(at, list.find_first_of("\t\n", at) - at);
+  setenv("ANDROID_ADB_SERVER_PORT", phones_.port().c_str(), 1);
+  setenv("DAROKLEIM_CHANNEL_ASSIST", GetParam().assist ? "1" : "0", 1);
+  static const Resources resources;
+  const std::string programs = resources.folder().string();
+  AdbSdkInit(programs.c_str(), "each_phone", programs.c_str());
+  // Its channel can be told anew.
+  InitAdbCommuncation2Server((programs + "/adb").c_str(), programs.c_str(), "each_phone");
+}
+
+void EachPhone::TearDown() {
+  std::error_code error;
+  fs::remove_all(host_folder_, error);
+}
+
+void EachPhone::Control(Words words) const {
+  words.insert(words.begin(), serial());
+  const Outcome outcome = phones_.Control(words);
+  ASSERT_EQ(outcome.status, 0) << outcome.errors;
+}
+
+std::string NameOfCombination(const testing::TestParamInfo<Combination>& combination) {
+  return combination.param.android + (combination.param.assist ? "_assisted" : "_plain");
+}
+
+}  // namespace darokleim::phone_test
