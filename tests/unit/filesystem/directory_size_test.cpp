@@ -47,6 +47,8 @@ TEST_F(DirectorySizeTest, WhatDevicesPrinted) {
   EXPECT_EQ(SizeOf(DeviceOutput("du/nothing2a-dcim.txt")), "0 28946919");
   EXPECT_EQ(SizeOf(DeviceOutput("du/sony-xqdq44-mixed.txt")), "1 0") << "several directories";
   EXPECT_EQ(SizeOf(DeviceOutput("du/generic-x86-du-sh.txt")), "1 0") << "several directories";
+  EXPECT_EQ(SizeOf(DeviceOutput("du/pixel-du-hsx.txt")), "1 0") << "blanks where a tab should be";
+  EXPECT_EQ(DeviceOutputsIn("du").size(), 4U);
 }
 
 TEST_F(DirectorySizeTest, TwoPiecesBetweenTabsAreASize) {
@@ -86,6 +88,16 @@ TEST_F(DirectorySizeTest, WithoutBusyboxThereIsNoSizeAndNoLeaveLine) {
   channel.Expect(kMakeBusyboxExecutable).Returns(1001);
   EXPECT_EQ(Size(), "1001 0");
   for (const Event& line : log_lines()) EXPECT_EQ(line.text.find("AdbGetDirSize Leave"), std::string::npos);
+}
+
+TEST_F(DirectorySizeTest, APhoneThatVanishesBetweenTwoCommandsHasNoSize) {
+  const char* gone = "error: device 'S1' not found\n";
+  ExpectBusybox();
+  channel.Expect(kDu).Prints(gone).Returns(1001);
+  EXPECT_EQ(Size(), "24 0");
+  channel.Expect(kAskForBusybox).Prints("/data/local/tmp/busybox\n");
+  channel.Expect(kMakeBusyboxExecutable).Prints(gone).Returns(1001);
+  EXPECT_EQ(Size(), "24 0");
 }
 
 TEST_F(DirectorySizeTest, WithoutOutputTheChannelsValueIsTheCode) {

@@ -1,5 +1,6 @@
 #include <string>
 
+#include "support/device_output.h"
 #include "support/sdk_test.h"
 
 namespace darokleim::testing {
@@ -27,6 +28,27 @@ TEST_F(FileSizeTest, WithoutASizeLineItIsOne) {
     EXPECT_EQ(Size(output), 1) << output;
     EXPECT_EQ(size, 0U);
   }
+}
+
+TEST_F(FileSizeTest, WhatDevicesPrinted) {
+  // One is that of a file system, the other the answer to another question: neither has a size.
+  for (const std::string& sample : DeviceOutputsIn("stat")) {
+    EXPECT_EQ(Size(DeviceOutput(sample)), 1) << sample;
+    EXPECT_EQ(size, 0U) << sample;
+  }
+  EXPECT_EQ(DeviceOutputsIn("stat").size(), 2U);
+}
+
+TEST_F(FileSizeTest, LinesThatAreCutOrTooLong) {
+  EXPECT_EQ(Size("  Size:\r\n  Size: \r\n"), 1);
+  EXPECT_EQ(Size("  Size: 12"), ADB_RESULT_OK);
+  EXPECT_EQ(size, 12U);
+  EXPECT_EQ(Size("  Size: " + std::string(40, '9') + "\r\n"), ADB_RESULT_OK);
+  EXPECT_EQ(size, 9223372036854775807U);
+  EXPECT_EQ(Size(std::string("  Size: 1\0 2\r\n", 15)), ADB_RESULT_OK);
+  EXPECT_EQ(size, 1U);
+  EXPECT_EQ(Size("  File: `" + std::string(1'000'000, 'n') + "'\r\n  Size: 3\r\n"), ADB_RESULT_OK);
+  EXPECT_EQ(size, 3U);
 }
 
 TEST_F(FileSizeTest, ErrorsAreTheCode) {
