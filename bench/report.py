@@ -190,8 +190,8 @@ def write(path, text):
 
 
 def write_docs(results, docs):
-    with open(os.path.join(results, "load"), encoding="utf-8") as file:
-        load_before, load_after = file.read().split()
+    with open(os.path.join(results, "circumstances"), encoding="utf-8") as file:
+        load_before, load_after, niceness = file.read().split()
     growth = load_growth(results)
     for name, panels in pictures(growth).items():
         write(os.path.join(docs, f"performance-{name}.svg"), picture.draw(panels))
@@ -201,6 +201,7 @@ def write_docs(results, docs):
         machine=machine(),
         load_before=load_before,
         load_after=load_after,
+        niceness=niceness,
         listing_times=growth_table(growth.listing_times, "files", count, secs),
         listing_memory=growth_table(growth.listing_memory, "files", count, lambda value: f"{value:.3g} MiB"),
         threads=growth_table(growth.threads, "threads", count, secs),
