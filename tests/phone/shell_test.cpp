@@ -78,7 +78,7 @@ TEST(LegacyShell, EscapesBlanksInNamesWhenItsToolsAreToyboxs) {
 TEST(Shell, RunsAsTheShellUserInsideThePhoneOnly) {
   const SimulatedPhones phones({"ALFA1"});
   EXPECT_THAT(phones.Adb({"shell", "id"}).output, HasSubstr("uid=2000(shell) gid=2000(shell)"));
-  EXPECT_EQ(phones.Adb({"shell", "ls -d /home /root /usr /work 2>/dev/null"}).output, "");
+  EXPECT_EQ(phones.Adb({"shell", "ls -d /home /root /work /usr/bin /usr/share 2>/dev/null"}).output, "");
   EXPECT_EQ(phones.Adb({"shell", "echo $ANDROID_DATA:$EXTERNAL_STORAGE"}).output, "/data:/sdcard\n");
 }
 
