@@ -46,7 +46,7 @@ int ListAllBelow(const char* serial, const char* dir, const bool* cancel, std::l
 }
 
 // The files are given back before their document, which takes as much again, is copied.
-void HandOutOnce(std::string document, std::list<FileInfo>* files, char** json, int* json_len) {
+void HandOutOnce(const std::string& document, std::list<FileInfo>* files, char** json, int* json_len) {
   files->clear();
   HandOut(document, json, json_len);
 }

@@ -86,10 +86,9 @@ void AddValues(const CLI::Option& option, Tool& tool, Lines* lines) {
     AddPackages(tool, lines);
   } else if (name == "DIRECTORY") {
     lines->push_back(":directories");
-  } else if (name == "PATH" && !option.get_positional()) {
-    lines->push_back(":files");
-  } else if (description.find("this computer") != std::string::npos &&
-             name.find("PORT") == std::string::npos) {
+  } else if ((name == "PATH" && !option.get_positional()) ||
+             (description.find("this computer") != std::string::npos &&
+              name.find("PORT") == std::string::npos)) {
     lines->push_back(":files");
   } else {
     AddNamedValues(option.get_type_name(), lines);

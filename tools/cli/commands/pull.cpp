@@ -48,7 +48,7 @@ void Describe(CLI::App& command, Options& options) {
 }
 
 fs::path TargetOnHost(const std::string& named, const DevicePath& source, bool must_be_folder) {
-  const fs::path target = AbsolutePath(named);
+  fs::path target = AbsolutePath(named);
   std::error_code error;
   if (fs::is_directory(target, error)) return target / source.Name();
   if (must_be_folder || named.ends_with('/')) {

@@ -85,7 +85,7 @@ Transfer PushFile(const Tool& tool, const Device& device, const PushSource& sour
 
 DevicePath TargetOnDevice(const Device& device, const std::string& named, const PushSource& source,
                           bool must_be_folder) {
-  const DevicePath path(named);
+  DevicePath path(named);
   const auto entry = FindEntry(device, path);
   if (entry && entry->is_folder) return path.Child(source.path.filename().native());
   if (must_be_folder || named.ends_with('/')) {

@@ -59,7 +59,7 @@ std::string NameForNow() {
 }
 
 fs::path TargetOnHost(const std::string& named) {
-  const fs::path path = AbsolutePath(named);
+  fs::path path = AbsolutePath(named);
   std::error_code error;
   if (fs::is_directory(path, error)) return path / NameForNow();
   if (named.ends_with('/') || !fs::is_directory(path.parent_path(), error)) {

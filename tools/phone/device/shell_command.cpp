@@ -32,21 +32,22 @@ struct ChildStreams {
 };
 
 std::vector<std::string> Environment(const ShellRequest& request) {
-  std::vector<std::string> environment = {
+  static constexpr char kPath[] =
       "PATH=/product/bin:/apex/com.android.runtime/bin:/apex/com.android.art/bin:/system_ext/bin:/system/bin:"
-      "/system/xbin:/odm/bin:/vendor/bin:/vendor/xbin",
-      "ANDROID_ROOT=/system",
-      "ANDROID_DATA=/data",
-      "ANDROID_STORAGE=/storage",
-      "EXTERNAL_STORAGE=/sdcard",
-      "HOME=/",
-      "HOSTNAME=localhost",
-      "LOGNAME=shell",
-      "SHELL=/bin/sh",
-      "TMPDIR=/data/local/tmp",
-      "USER=shell"};
+      "/system/xbin:/odm/bin:/vendor/bin:/vendor/xbin";
+  std::vector<std::string> environment = {kPath,
+                                          "ANDROID_ROOT=/system",
+                                          "ANDROID_DATA=/data",
+                                          "ANDROID_STORAGE=/storage",
+                                          "EXTERNAL_STORAGE=/sdcard",
+                                          "HOME=/",
+                                          "HOSTNAME=localhost",
+                                          "LOGNAME=shell",
+                                          "SHELL=/bin/sh",
+                                          "TMPDIR=/data/local/tmp",
+                                          "USER=shell"};
   // The shell complains of a name that it cannot look up.
-  if (access(kCharacters, R_OK) == 0) environment.push_back("LC_CTYPE=C.UTF-8");
+  if (access(kCharacters, R_OK) == 0) environment.emplace_back("LC_CTYPE=C.UTF-8");
   if (!request.terminal.empty()) environment.push_back("TERM=" + request.terminal);
   return environment;
 }

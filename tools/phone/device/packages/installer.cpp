@@ -152,7 +152,7 @@ std::string Install(const std::vector<std::string>& apks, const InstallOptions& 
   const PackageStore store;
   const ApkFile& base = parts.files[0].second;
   const auto existing = store.Find(base.package);
-  if (const std::string refusal = RefusalOf(base, existing, options); !refusal.empty()) return refusal;
+  if (std::string refusal = RefusalOf(base, existing, options); !refusal.empty()) return refusal;
 
   Package package;
   package.name = base.package;

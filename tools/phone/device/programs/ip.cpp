@@ -67,13 +67,13 @@ int RunIp(const Words& words) {
   bool inet_only = false;
   std::string object;
   std::string interface;
-  for (size_t i = 0; i < words.size(); ++i) {
-    if (words[i] == "-4" || words[i] == "inet") {
+  for (const std::string& word : words) {
+    if (word == "-4" || word == "inet") {
       inet_only = true;
-    } else if (object.empty() && words[i][0] != '-') {
-      object = words[i];
-    } else if (words[i][0] != '-' && words[i] != "show" && words[i] != "list" && words[i] != "dev") {
-      interface = words[i];
+    } else if (object.empty() && word[0] != '-') {
+      object = word;
+    } else if (word[0] != '-' && word != "show" && word != "list" && word != "dev") {
+      interface = word;
     }
   }
   bool known = interface.empty();

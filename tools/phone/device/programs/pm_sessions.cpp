@@ -153,7 +153,7 @@ std::string SessionFolder(const std::string& session) {
 std::string OpenSession(const InstallWords& words) {
   const std::string session = words.names.empty() ? "" : words.names[0];
   const bool number = !session.empty() && session.find_first_not_of("0123456789") == std::string::npos;
-  const std::string folder = SessionFolder(session);
+  std::string folder = SessionFolder(session);
   if (number && fs::is_directory(folder)) return folder;
   std::fprintf(stderr, "Error: java.lang.SecurityException: Caller has no access to session %s\n",
                session.c_str());

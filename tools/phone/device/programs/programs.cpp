@@ -8,24 +8,15 @@ namespace {
 
 const std::map<std::string, Program>& Programs() {
   static const std::map<std::string, Program> programs = {
-      {"am", RunAm},
-      {"bu", RunBu},
-      {"cmd", RunCmd},
-      {"df", RunDf},
-      {"dumpsys", RunDumpsys},
-      {"getprop", RunGetprop},
-      {"input", RunInput},
-      {"ip", RunIp},
-      {"log", RunLog},
-      {"logcat", RunLogcat},
-      {"ls", RunLs},
-      {"pm", RunPm},
-      {"reboot", RunReboot},
-      {"screencap", RunScreencap},
-      {"setprop", RunSetprop},
-      {"settings", RunSettings},
-      {"su", RunSu},
-      {"wm", RunWm},
+      {"am", RunAm},           {"bu", RunBu},
+      {"cmd", RunCmd},         {"df", RunDf},
+      {"dumpsys", RunDumpsys}, {"getprop", RunGetprop},
+      {"input", RunInput},     {"ip", RunIp},
+      {"log", RunLog},         {"logcat", RunLogcat},
+      {"ls", RunLs},           {"pm", RunPm},
+      {"reboot", RunReboot},   {"screencap", RunScreencap},
+      {"setprop", RunSetprop}, {"settings", RunSettings},
+      {"su", RunSu},           {"wm", RunWm},
   };
   return programs;
 }
