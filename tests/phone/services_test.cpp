@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include "phone_under_test.h"
 
 namespace darokleim::phone_test {
@@ -123,11 +125,13 @@ TEST_P(Services, LogIsFilteredAndCleared) {
 }
 
 TEST_P(Services, LogIsFollowed) {
-  const auto follower = StartAdb({"logcat", "-v", "raw", "-T", "1", "-s", "DarokleimTest:V"});
+  // Of this run alone: a real phone's log has the lines of earlier ones.
+  const std::string tag = "Darokleim" + std::to_string(getpid());
+  const auto follower = StartAdb({"logcat", "-v", "raw", "-T", "1", "-s", tag + ":V"});
   EXPECT_EQ(follower->ReadLine().substr(0, 10), "--------- ");
-  Shell("log -t DarokleimTest first line");
+  Shell("log -t " + tag + " first line");
   EXPECT_THAT(follower->ReadLine(), StartsWith("first line"));
-  Shell("log -t DarokleimTest second line");
+  Shell("log -t " + tag + " second line");
   EXPECT_THAT(follower->ReadLine(), StartsWith("second line"));
 }
 
