@@ -5,6 +5,7 @@
 #include <atomic>
 #include <chrono>
 #include <iterator>
+#include <mutex>
 #include <thread>
 
 namespace darokleim::endurance {
@@ -126,8 +127,11 @@ int FollowLog(const Place& place) {
   const auto on_output = +[](void* context, const char* data, int) {
     if (data == nullptr) static_cast<Watch*>(context)->ended = true;
   };
-  const int code =
-      AdbLogcatAnsync(place.serial.c_str(), "", reinterpret_cast<void*>(on_output), &watch, &cancel);
+  static std::mutex starting;  // the library starts one stream at a time
+  const int code = [&] {
+    const std::lock_guard lock(starting);
+    return AdbLogcatAnsync(place.serial.c_str(), "", reinterpret_cast<void*>(on_output), &watch, &cancel);
+  }();
   if (code != ADB_RESULT_OK) return code;
   std::this_thread::sleep_for(std::chrono::milliseconds(20));
   __atomic_store_n(&cancel, true, __ATOMIC_RELEASE);
