@@ -32,11 +32,7 @@ inline size_t ForkExecRead(const char* program, const char* word, char* memory, 
     execl(program, program, word, nullptr);
     _exit(127);
   }
-  close(ends[1]);
-  const size_t total = ReadToEnd(ends[0], memory, size);
-  close(ends[0]);
-  waitpid(pid, nullptr, 0);
-  return total;
+  return ReadAndWait(ends, pid, memory, size);
 }
 
 }  // namespace darokleim::bench

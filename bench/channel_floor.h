@@ -21,6 +21,15 @@ inline size_t ReadToEnd(int fd, char* memory, size_t size) {
   return total;
 }
 
+// Reads what the child writes to the pipe and waits for its end. Closes the pipe; returns the bytes read.
+inline size_t ReadAndWait(const int (&ends)[2], pid_t pid, char* memory, size_t size) {
+  close(ends[1]);
+  const size_t total = ReadToEnd(ends[0], memory, size);
+  close(ends[0]);
+  waitpid(pid, nullptr, 0);
+  return total;
+}
+
 // Runs program with one word. Returns the bytes read. pipe_size of 0 keeps the system's.
 inline size_t SpawnReadWait(const char* program, const char* word, char* memory, size_t size,
                             int pipe_size = 0) {
@@ -38,11 +47,7 @@ inline size_t SpawnReadWait(const char* program, const char* word, char* memory,
   pid_t pid = -1;
   if (posix_spawn(&pid, program, &actions, nullptr, argv, environ) != 0) abort();
   posix_spawn_file_actions_destroy(&actions);
-  close(ends[1]);
-  const size_t total = ReadToEnd(ends[0], memory, size);
-  close(ends[0]);
-  waitpid(pid, nullptr, 0);
-  return total;
+  return ReadAndWait(ends, pid, memory, size);
 }
 
 }  // namespace darokleim::bench
