@@ -7,11 +7,11 @@
 #include <sys/un.h>
 
 #include <cerrno>
-#include <charconv>
 #include <cstddef>
 #include <cstring>
 
 #include "common/io.h"
+#include "common/numbers.h"
 #include "common/wire.h"
 
 namespace darokleim::phone {
@@ -37,18 +37,11 @@ void RemoveSocketFile(const char* path) {
   if (lstat(path, &status) == 0 && S_ISSOCK(status.st_mode)) unlink(path);
 }
 
-std::optional<uint16_t> ParsePort(std::string_view text) {
-  uint16_t port = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
-  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-  return port;
-}
-
 }  // namespace
 
 std::optional<SocketAddress> SocketAddress::Parse(std::string_view text) {
   if (TakePrefix(&text, "tcp:")) {
-    const auto port = ParsePort(text);
+    const auto port = ParseNumber<uint16_t>(text);
     return port ? std::optional(OfPort(*port)) : std::nullopt;
   }
   if (TakePrefix(&text, "localfilesystem:") || TakePrefix(&text, "local:")) return OfName(text, false);

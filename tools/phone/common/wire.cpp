@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 
 #include "common/io.h"
+#include "common/numbers.h"
 
 namespace darokleim::phone {
 
@@ -26,10 +26,9 @@ void PutLe(std::string* out, uint64_t value, int bytes) {
 std::optional<std::string> ReadRequest(int fd) {
   std::array<char, kLengthDigits> digits;
   if (!ReadExactly(fd, digits.data(), digits.size())) return std::nullopt;
-  size_t length = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), length, 16);
-  if (error != std::errc() || end != digits.data() + digits.size()) return std::nullopt;
-  std::string request(length, '\0');
+  const auto length = ParseNumber<size_t>({digits.data(), digits.size()}, 16);
+  if (!length) return std::nullopt;
+  std::string request(*length, '\0');
   if (!ReadExactly(fd, request.data(), request.size())) return std::nullopt;
   return request;
 }

@@ -3,8 +3,8 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <cstdlib>
 
+#include "common/numbers.h"
 #include "common/wire.h"
 #include "device/records.h"
 
@@ -31,9 +31,9 @@ std::optional<LogEntry> ParseLogLine(std::string_view line) {
   if (fields.size() < kFields || fields[3].empty()) return std::nullopt;
   for (size_t i = kFields; i < fields.size(); ++i) fields[kFields - 1] += "\t" + fields[i];
   LogEntry entry;
-  entry.seconds = std::atoll(fields[0].c_str());
-  entry.milliseconds = std::atoi(fields[1].c_str());
-  entry.process = std::atoi(fields[2].c_str());
+  entry.seconds = ParseNumber<long long>(fields[0]).value_or(0);
+  entry.milliseconds = ParseNumber<int>(fields[1]).value_or(0);
+  entry.process = ParseNumber<int>(fields[2]).value_or(0);
   entry.priority = fields[3][0];
   entry.tag = fields[4];
   entry.message = fields[5];

@@ -1,7 +1,6 @@
 #include "device/properties.h"
 
-#include <cstdlib>
-
+#include "common/numbers.h"
 #include "device/layout.h"
 
 namespace darokleim::phone {
@@ -40,7 +39,7 @@ bool SetProperty(const std::string& name, const std::string& value) {
 }
 
 bool IsLegacyPhone() {
-  return std::atoi(Property("ro.build.version.sdk").c_str()) < kFirstModernSdk;
+  return ParseNumber<int>(Property("ro.build.version.sdk")).value_or(0) < kFirstModernSdk;
 }
 
 }  // namespace darokleim::phone

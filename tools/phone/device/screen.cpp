@@ -1,18 +1,17 @@
 #include "device/screen.h"
 
 #include <algorithm>
-#include <cstdio>
 
+#include "common/numbers.h"
 #include "device/properties.h"
 
 namespace darokleim::phone {
 
 Screen CurrentScreen() {
   Screen screen = {1080, 2340};
-  unsigned width = 0;
-  unsigned height = 0;
-  if (std::sscanf(Property("persist.sys.screen.size").c_str(), "%ux%u", &width, &height) == 2) {
-    constexpr unsigned kLargest = 10000;
+  if (const auto size = ParseNumbers<uint32_t>(Property("persist.sys.screen.size"), "x")) {
+    constexpr uint32_t kLargest = 10000;
+    const auto [width, height] = *size;
     if (width > 0 && height > 0 && width <= kLargest && height <= kLargest) screen = {width, height};
   }
   return screen;

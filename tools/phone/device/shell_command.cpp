@@ -9,12 +9,13 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <cstdio>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "common/io.h"
+#include "common/numbers.h"
+#include "common/wire.h"
 #include "device/layout.h"
 
 namespace darokleim::phone {
@@ -54,6 +55,7 @@ std::vector<std::string> Environment(const ShellRequest& request) {
 
 std::vector<char*> Pointers(const std::vector<std::string>& words) {
   std::vector<char*> pointers;
+  pointers.reserve(words.size() + 1);
   for (const std::string& word : words) pointers.push_back(const_cast<char*>(word.c_str()));
   pointers.push_back(nullptr);
   return pointers;
@@ -128,15 +130,12 @@ pid_t Spawn(const ShellRequest& request, const ChildStreams& child) {
 pid_t SessionOf(const std::string& process) {
   const auto status = ReadFile("/proc/" + process + "/stat");
   if (!status) return -1;
-  // The command's name, in parentheses, may hold anything; state, parent, group and session follow it.
+  // The command's name, in parentheses, may hold anything; " STATE PARENT GROUP SESSION " follows it.
   const size_t name_end = status->rfind(')');
-  char state = 'Z';
-  int session = -1;
-  if (name_end == std::string::npos ||
-      std::sscanf(status->c_str() + name_end + 1, " %c %*d %*d %d", &state, &session) != 2) {
-    return -1;
-  }
-  return state == 'Z' ? -1 : session;
+  if (name_end == std::string::npos) return -1;
+  const std::vector<std::string> fields = Split(std::string_view(*status).substr(name_end + 1), ' ');
+  if (fields.size() < 5 || fields[1] == "Z") return -1;
+  return ParseNumber<pid_t>(fields[4]).value_or(-1);
 }
 
 // How many processes the signal reached.
@@ -145,7 +144,7 @@ int SignalSession(pid_t leader, int signal) {
   DIR* processes = opendir("/proc");
   if (processes == nullptr) return 0;
   while (const dirent* entry = readdir(processes)) {
-    const pid_t pid = static_cast<pid_t>(std::strtol(entry->d_name, nullptr, 10));
+    const pid_t pid = ParseNumber<pid_t>(entry->d_name).value_or(-1);
     if (pid > 1 && SessionOf(entry->d_name) == leader && kill(pid, signal) == 0) ++reached;
   }
   closedir(processes);

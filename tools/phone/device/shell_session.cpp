@@ -10,10 +10,10 @@
 
 #include <array>
 #include <cerrno>
-#include <cstdio>
 #include <utility>
 
 #include "common/io.h"
+#include "common/numbers.h"
 
 namespace darokleim::phone {
 
@@ -151,12 +151,11 @@ void ShellSession::FromCommand(UniqueFd* from, ShellPacket kind) {
 }
 
 void ShellSession::SetWindowSize(const std::string& size) {
-  winsize window = {};
-  if (std::sscanf(size.c_str(), "%hux%hu,%hux%hu", &window.ws_row, &window.ws_col, &window.ws_xpixel,
-                  &window.ws_ypixel) == 4 &&
-      command_.output.valid()) {
-    ioctl(command_.output.get(), TIOCSWINSZ, &window);
-  }
+  const auto numbers = ParseNumbers<uint16_t>(size, "x,x");
+  if (!numbers || !command_.output.valid()) return;
+  const auto [rows, columns, width, height] = *numbers;
+  const winsize window = {rows, columns, width, height};
+  ioctl(command_.output.get(), TIOCSWINSZ, &window);
 }
 
 std::optional<int> ShellSession::WaitForEnd() {

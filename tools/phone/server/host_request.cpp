@@ -2,20 +2,13 @@
 
 #include <algorithm>
 #include <cctype>
-#include <charconv>
 
+#include "common/numbers.h"
 #include "common/wire.h"
 
 namespace darokleim::phone {
 
 namespace {
-
-std::optional<uint64_t> ParseNumber(std::string_view text) {
-  uint64_t number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size() || text.empty()) return std::nullopt;
-  return number;
-}
 
 Target OfKind(Target::Kind kind) {
   Target target;
@@ -48,7 +41,7 @@ size_t SerialLength(std::string_view text, const PhoneList& phones) {
   const size_t next = text.find(':', colon + 1);
   const std::string_view port =
       text.substr(colon + 1, next == std::string_view::npos ? next : next - colon - 1);
-  return next != std::string_view::npos && ParseNumber(port) ? next : colon;
+  return next != std::string_view::npos && ParseNumber<uint64_t>(port) ? next : colon;
 }
 
 }  // namespace
@@ -68,7 +61,7 @@ std::optional<HostRequest> ParseHostRequest(std::string_view request, const Phon
     request.remove_prefix(length + 1);
   } else if (TakePrefix(&request, "host-transport-id:")) {
     const size_t colon = request.find(':');
-    const auto id = ParseNumber(request.substr(0, colon));
+    const auto id = ParseNumber<uint64_t>(request.substr(0, colon));
     if (colon == std::string_view::npos || !id) return std::nullopt;
     parsed.target = OfKind(Target::Kind::kId);
     parsed.target.id = *id;
@@ -89,7 +82,7 @@ std::optional<Target> ParseTransportService(std::string_view service, const Targ
   }
   if (TakePrefix(&service, "transport-id:")) {
     Target target = OfKind(Target::Kind::kId);
-    target.id = ParseNumber(service).value_or(0);
+    target.id = ParseNumber<uint64_t>(service).value_or(0);
     return target;
   }
   if (service == "transport-usb") return OfKind(Target::Kind::kUsb);

@@ -9,7 +9,6 @@
 #include <cerrno>
 #include <condition_variable>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <stdexcept>
@@ -17,6 +16,7 @@
 
 #include "common/address.h"
 #include "common/io.h"
+#include "common/numbers.h"
 #include "server/client_session.h"
 #include "server/connections.h"
 #include "server/forwards.h"
@@ -187,8 +187,8 @@ void Server::Reversed(const std::string& address, UniqueFd connection) {
 void CloseOnExecAll() {
   std::error_code error;
   for (const auto& entry : std::filesystem::directory_iterator("/dev/fd", error)) {
-    const int fd = std::atoi(entry.path().filename().c_str());
-    if (fd > STDERR_FILENO) SetCloseOnExec(fd);
+    const auto fd = ParseNumber<int>(entry.path().filename().native());
+    if (fd && *fd > STDERR_FILENO) SetCloseOnExec(*fd);
   }
 }
 

@@ -5,14 +5,15 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <random>
+#include <utility>
 
 #include "common/faults.h"
 #include "common/io.h"
 #include "common/key_values.h"
+#include "common/numbers.h"
 #include "common/wire.h"
 #include "device/event_log.h"
 #include "device/layout.h"
@@ -70,7 +71,7 @@ bool FitsProcessor(const ApkFile& apk) {
 // Why this phone refuses the package, before anything is copied.
 std::string RefusalOf(const ApkFile& apk, const std::optional<Package>& existing,
                       const InstallOptions& options) {
-  const unsigned long sdk = std::strtoul(Property("ro.build.version.sdk").c_str(), nullptr, 10);
+  const unsigned sdk = ParseNumber<unsigned>(Property("ro.build.version.sdk")).value_or(0);
   if (apk.min_sdk > sdk) {
     return "INSTALL_FAILED_OLDER_SDK: Failed parse during installPackageLI: Requires newer sdk version #" +
            std::to_string(apk.min_sdk) + " (current version is #" + std::to_string(sdk) + ")";
@@ -126,9 +127,10 @@ bool CopyParts(const Parts& parts, const std::string& code_path, std::vector<std
   std::error_code error;
   fs::create_directories(code_path, error);
   for (const auto& [path, apk] : parts.files) {
-    const std::string name = apk.split.empty() ? "base.apk" : "split_" + apk.split + ".apk";
-    apk_paths->push_back(code_path + "/" + name);
-    if (!CopyFile(path, apk_paths->back())) return false;
+    std::string copy = code_path;
+    copy += apk.split.empty() ? "/base.apk" : "/split_" + apk.split + ".apk";
+    if (!CopyFile(path, copy)) return false;
+    apk_paths->push_back(std::move(copy));
   }
   return true;
 }

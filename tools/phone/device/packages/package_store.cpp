@@ -1,11 +1,11 @@
 #include "device/packages/package_store.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <map>
 
 #include "common/key_values.h"
+#include "common/numbers.h"
 #include "common/wire.h"
 #include "device/layout.h"
 
@@ -83,7 +83,7 @@ KeyValues ToKeyValues(const Package& package) {
 
 Package FromKeyValues(const std::string& name, const KeyValues& values) {
   const auto number = [&values](const char* key) {
-    return std::strtoull(ValueOf(values, key).c_str(), nullptr, 10);
+    return ParseNumber<uint64_t>(ValueOf(values, key)).value_or(0);
   };
   Package package;
   package.name = name;
@@ -114,6 +114,7 @@ std::vector<Package> PackageStore::All() const {
     if (!values.empty()) by_name[name] = FromKeyValues(name, values);
   }
   std::vector<Package> all;
+  all.reserve(by_name.size());
   for (auto& [name, package] : by_name) all.push_back(std::move(package));
   return all;
 }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "common/io.h"
+#include "common/numbers.h"
 #include "common/wire.h"
 #include "device/event_log.h"
 #include "device/layout.h"
@@ -74,7 +75,7 @@ LogcatOptions ParseWords(const Words& words) {
       options.least_of_others = 'S';
     } else if (option == "-t" || option == "-T") {
       if (option == "-t") options.follow = false;
-      options.last = static_cast<size_t>(std::strtoul(OptionValue(words, &i).c_str(), nullptr, 10));
+      options.last = ParseNumber<size_t>(OptionValue(words, &i)).value_or(0);
     } else if (option == "-v") {
       options.format = OptionValue(words, &i);
     } else if (option == "-b") {

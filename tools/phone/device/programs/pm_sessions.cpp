@@ -6,13 +6,13 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <random>
 
 #include "common/faults.h"
 #include "common/io.h"
+#include "common/numbers.h"
 #include "device/event_log.h"
 #include "device/layout.h"
 #include "device/packages/installer.h"
@@ -56,7 +56,7 @@ InstallWords Sort(const Words& words) {
     } else if (word == "-t") {
       sorted.options.allow_test = true;
     } else if (word == "-S" && i + 1 < words.size()) {
-      sorted.size = std::strtoull(words[++i].c_str(), nullptr, 10);
+      sorted.size = ParseNumber<uint64_t>(words[++i]).value_or(0);
     } else if (word == "--user" && i + 1 < words.size()) {
       sorted.user = words[++i];
     } else if (TakesValue(word)) {
