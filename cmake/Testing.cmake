@@ -19,7 +19,7 @@ add_compile_options(-O1 -g1)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # From a precompiled header, GCC 12 reports the standard library's own string code as writing out of bounds. That
   # tests do not is seen by Clang's sanitizers.
-  add_compile_options(-Wno-array-bounds -Wno-stringop-overflow -Wno-stringop-overread -Wno-restrict)
+  add_compile_options(-Wno-array-bounds -Wno-stringop-overflow -Wno-stringop-overread)
 endif()
 
 # What every test includes, compiled once: half of the time that tests take to build. Owned by a program, since

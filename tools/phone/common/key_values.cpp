@@ -24,9 +24,10 @@ KeyValues ReadKeyValues(const std::string& path) {
 bool WriteKeyValues(const std::string& path, const KeyValues& values) {
   std::string content;
   for (const auto& [key, value] : values) {
-    std::string line = key + "=" + value;
-    std::replace(line.begin(), line.end(), '\n', ' ');
-    content += line + "\n";
+    const size_t line = content.size();
+    content.append(key).append("=").append(value);
+    std::replace(content.begin() + static_cast<std::ptrdiff_t>(line), content.end(), '\n', ' ');
+    content += '\n';
   }
   return WriteFile(path, content);
 }

@@ -113,7 +113,8 @@ std::string ControlHelp() {
       "SERIAL state STATE: as after --phone\n"
       "SERIAL show input | show activities: what was typed, what was started\n"
       "SERIAL fault NAME[=VALUE] | mend NAME: switches a fault on or off, where NAME is\n";
-  for (const auto& [name, meaning] : DescribedFaults()) help += "  " + name + ": " + meaning + "\n";
+  for (const auto& [name, meaning] : DescribedFaults())
+    help.append("  ").append(name).append(": ").append(meaning).append("\n");
   return help;
 }
 

@@ -6,7 +6,6 @@
 // The server lays down two files, of which this reads
 //   .../owners: "USER GROUP PATH" lines; the longest path that a file lies at or under decides
 //   .../mounts: "DEVICE PATH TYPE OPTIONS 0 0" lines, as in /proc/mounts
-#define _GNU_SOURCE
 
 #include <dlfcn.h>
 #include <errno.h>
@@ -46,7 +45,7 @@ struct Rules {
 static struct Rules owners;
 static struct Rules mounts;
 
-static void AddRule(struct Rules* rules, const char* path, unsigned user, unsigned group) {
+static void AddRule(struct Rules* rules, const char* path, uid_t user, gid_t group) {
   if (rules->count == kMostRules) return;
   struct Rule* rule = &rules->rule[rules->count++];
   snprintf(rule->path, sizeof(rule->path), "%s", path);
@@ -57,20 +56,24 @@ static void AddRule(struct Rules* rules, const char* path, unsigned user, unsign
 
 __attribute__((constructor)) static void ReadRules(void) {
   char line[1024];
-  char path[kLongestPath];
+  char* rest;
   FILE* file = fopen(VIEW_OWNERS, "re");
   if (file != NULL) {
-    unsigned user;
-    unsigned group;
     while (fgets(line, sizeof(line), file) != NULL) {
-      if (sscanf(line, "%u %u %255s", &user, &group, path) == 3) AddRule(&owners, path, user, group);
+      const char* user = strtok_r(line, " \n", &rest);
+      const char* group = strtok_r(NULL, " \n", &rest);
+      const char* path = strtok_r(NULL, " \n", &rest);
+      if (path != NULL)
+        AddRule(&owners, path, (uid_t)strtoul(user, NULL, 10), (gid_t)strtoul(group, NULL, 10));
     }
     fclose(file);
   }
   file = fopen(VIEW_MOUNTS, "re");
   if (file != NULL) {
     while (fgets(line, sizeof(line), file) != NULL) {
-      if (sscanf(line, "%*s %255s", path) == 1) AddRule(&mounts, path, 0, 0);
+      const char* device = strtok_r(line, " \n", &rest);
+      const char* path = strtok_r(NULL, " \n", &rest);
+      if (device != NULL && path != NULL) AddRule(&mounts, path, 0, 0);
     }
     fclose(file);
   }
@@ -290,7 +293,7 @@ static int OpenAt(int folder, const char* name, int flags, mode_t mode) {
 }
 
 // The mode follows only where a file may be made.
-#define MODE_OF(flags, mode)                    \
+#define TAKE_MODE(flags)                        \
   mode_t mode = 0;                              \
   if (((flags) & (O_CREAT | O_TMPFILE)) != 0) { \
     va_list list;                               \
@@ -300,19 +303,19 @@ static int OpenAt(int folder, const char* name, int flags, mode_t mode) {
   }
 
 EXPORTED int open(const char* name, int flags, ...) {
-  MODE_OF(flags, mode)
+  TAKE_MODE(flags)
   return OpenAt(AT_FDCWD, name, flags, mode);
 }
 EXPORTED int openat(int folder, const char* name, int flags, ...) {
-  MODE_OF(flags, mode)
+  TAKE_MODE(flags)
   return OpenAt(folder, name, flags, mode);
 }
 EXPORTED int open64(const char* name, int flags, ...) {
-  MODE_OF(flags, mode)
+  TAKE_MODE(flags)
   return OpenAt(AT_FDCWD, name, flags | O_LARGEFILE, mode);
 }
 EXPORTED int openat64(int folder, const char* name, int flags, ...) {
-  MODE_OF(flags, mode)
+  TAKE_MODE(flags)
   return OpenAt(folder, name, flags | O_LARGEFILE, mode);
 }
 EXPORTED int mkdirat(int folder, const char* name, mode_t mode) {
