@@ -114,6 +114,12 @@ TEST_F(AdbProcessesTest, ANumberThatTheLimitCutsIsNoProcess) {
   EXPECT_FALSE(sleeper_.WasKilled());
 }
 
+TEST_F(AdbProcessesTest, TheFirstOfACutListIsKilled) {
+  const ListedProcesses listed(sleeper_.id() + " adb\n" + Padding(kLimit));
+  EXPECT_EQ(KillListenNetProcess(5037), 0);
+  EXPECT_TRUE(sleeper_.WasKilled());
+}
+
 TEST_F(AdbProcessesTest, AMillionBytesOfListEndAtTheLimit) {
   Sleeper process("x");
   const ListedProcesses listed(process.id() + " adb " + std::string(1'000'000, 'x') + "\n" +
