@@ -64,8 +64,10 @@ bool ShellSession::PassStreams() {
   if (poll(ends.data(), ends.size(), WaitMilliseconds()) < 0) return errno == EINTR;
   if (ends[0].revents != 0) FromClient();
   if (ends[1].revents != 0) ToCommand();
-  if (ends[2].revents != 0) FromCommand(&command_.output, ShellPacket::kOutput);
+  // An error is written in pieces, output in blocks: a block that came after the first piece must not stand in
+  // the middle of the error.
   if (ends[3].revents != 0) FromCommand(&command_.errors, ShellPacket::kErrors);
+  if (ends[2].revents != 0) FromCommand(&command_.output, ShellPacket::kOutput);
   return true;
 }
 
