@@ -1400,8 +1400,9 @@ DAROKLEIM_EXPORT int AdbCheckFileExistedUsingFolderContent(const char* serial, c
 
 /// Reads when a file on the device was last modified, from the directory it stands in (`adb ls`).
 ///
-/// Takes the first entry whose line holds the name: another file with a longer name may be meant. A name
-/// with a blank inside is never found. No pointer is checked for null.
+/// Takes the first entry whose line holds the name: another file may be meant, with a longer name or, when
+/// the name consists of hexadecimal digits as `ab` does, with such a number for its mode, size or time. A
+/// name with a blank inside is never found. No pointer is checked for null.
 ///
 /// @param[in]  serial       Serial.
 /// @param[in]  device_path  Absolute path; a whole path.

@@ -67,7 +67,7 @@ void EachPhone::Control(Words words) const {
 }
 
 std::string NameOfCombination(const testing::TestParamInfo<Combination>& combination) {
-  return combination.param.android + (combination.param.assist ? "_assisted" : "_plain");
+  return combination.param.Name();
 }
 
 }  // namespace darokleim::phone_test

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <ostream>
 #include <string>
 
 #include "simulated_phones.h"
@@ -18,6 +19,9 @@ struct Combination {
   bool legacy() const { return android == "legacy"; }
   // Whether the library reads CR LF from commands that it wants it from.
   bool ends_in_crlf() const { return legacy() || assist; }
+
+  std::string Name() const { return android + (assist ? "_assisted" : "_plain"); }
+  friend void PrintTo(const Combination& combination, std::ostream* out) { *out << combination.Name(); }
 };
 
 // The whole way in every combination: the library, our channel, the real adb client, a simulated phone whose files

@@ -18,29 +18,30 @@ struct AwkwardName {
   std::string name;
 };
 
+// No hexadecimal digits: AdbGetFileCreateTimeFromLs takes the first line that holds the name, also in a number.
 const std::vector<AwkwardName>& AwkwardNames() {
   static const std::vector<AwkwardName> names = {
-      {"`ab`", "ab"},
-      {"`a b`", "a b"},
-      {"`a  b`", "a  b"},
-      {"blank first", " ab"},
-      {"blank last", "ab "},
-      {"`a'b`", "a'b"},
-      {"`a\"b`", "a\"b"},
-      {"`a\" b`", "a\" b"},
-      {"`a$b`", "a$b"},
+      {"`xy`", "xy"},
+      {"`x y`", "x y"},
+      {"`x  y`", "x  y"},
+      {"blank first", " xy"},
+      {"blank last", "xy "},
+      {"`x'y`", "x'y"},
+      {"`x\"y`", "x\"y"},
+      {"`x\" y`", "x\" y"},
+      {"`x$y`", "x$y"},
       // One ampersand would send a command to the background, to end or not before its shell does.
-      {"`a&&b`", "a&&b"},
-      {"`a;b`", "a;b"},
-      {"`a(b)`", "a(b)"},
-      {"`a*b`", "a*b"},
-      {"`a\\b`", "a\\b"},
-      {"`a\\\\b`", "a\\\\b"},
-      {"`ab\\`", "ab\\"},
-      {"`-ab`", "-ab"},
+      {"`x&&y`", "x&&y"},
+      {"`x;y`", "x;y"},
+      {"`x(y)`", "x(y)"},
+      {"`x*y`", "x*y"},
+      {"`x\\y`", "x\\y"},
+      {"`x\\\\y`", "x\\\\y"},
+      {"`xy\\`", "xy\\"},
+      {"`-xy`", "-xy"},
       {"相机", "\xE7\x9B\xB8\xE6\x9C\xBA"},
       {"😀", "\xF0\x9F\x98\x80"},
-      {"line feed", "a\nb"},
+      {"line feed", "x\ny"},
   };
   return names;
 }

@@ -13,7 +13,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char kOther[] = "nobody's business";
-constexpr const char* kOthers[] = {"a", "aXb"};
+constexpr const char* kOthers[] = {"x", "xXy"};
 
 // The phone's shell is another user.
 void MakeFolder(const fs::path& folder) {
