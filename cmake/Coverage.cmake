@@ -7,7 +7,10 @@ function(darokleim_measure_coverage)
   if(NOT DAROKLEIM_COVERAGE)
     return()
   endif()
-  target_compile_options(${ARG_OBJECTS} PRIVATE -fprofile-instr-generate -fcoverage-mapping)
+  # With its counters in a mapped file (%c in LLVM_PROFILE_FILE), what a program ran counts however it ended: many
+  # tests kill it, or leave it no descriptor to write with.
+  target_compile_options(${ARG_OBJECTS} PRIVATE -fprofile-instr-generate -fcoverage-mapping
+                         "SHELL:-mllvm -runtime-counter-relocation")
   target_link_options(${ARG_SHARED} PRIVATE -fprofile-instr-generate)
   if(ARG_STATIC)
     target_link_options(${ARG_STATIC} INTERFACE $<BUILD_INTERFACE:-fprofile-instr-generate>)
