@@ -8,8 +8,8 @@ function(darokleim_measure_coverage)
     return()
   endif()
   # With its counters in a mapped file (%c in LLVM_PROFILE_FILE), what a program ran counts however it ended: many
-  # tests kill it, or leave it no descriptor to write with.
-  target_compile_options(${ARG_OBJECTS} PRIVATE -fprofile-instr-generate -fcoverage-mapping
+  # tests kill it, or leave it no descriptor to write with. Threads and processes count in the same place.
+  target_compile_options(${ARG_OBJECTS} PRIVATE -fprofile-instr-generate -fcoverage-mapping -fprofile-update=atomic
                          "SHELL:-mllvm -runtime-counter-relocation")
   target_link_options(${ARG_SHARED} PRIVATE -fprofile-instr-generate)
   if(ARG_STATIC)

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
 
 namespace darokleim {
@@ -15,6 +16,13 @@ TEST(ArgumentTextTest, MeasuredHasNoLimit) {
 TEST(ArgumentTextTest, MeasuredFormatsNothingButTheFormat) {
   EXPECT_EQ(Measured(" devices"), " devices");
   EXPECT_EQ(Measured("%s", ""), "");
+}
+
+TEST(ArgumentTextTest, WhatNoLengthCanSayIsRefused) {
+  // Only the width makes it as long: nobody has to write two gibibytes.
+  const char* const format = "%2147483647d";
+  EXPECT_THROW(Measured(format, 1), std::length_error);
+  EXPECT_THROW(Cut(8, format, 1), std::length_error);
 }
 
 TEST(ArgumentTextTest, CutKeepsOneByteForTheTerminatingZero) {
