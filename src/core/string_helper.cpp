@@ -1,5 +1,6 @@
 #include "core/string_helper.h"
 
+#include <algorithm>
 #include <clocale>
 #include <cmath>
 #include <cstdlib>
@@ -75,12 +76,9 @@ long StringHelper::StringReplace(std::string& text, std::string from, std::strin
     }
     result.append(window.substr(0, at));
     const std::size_t end = at + from.size();
-    if (end >= carried) {
-      rest.remove_prefix(end - carried);
-      carry = to;
-    } else {
-      carry = carry.substr(end, carried - end).insert(0, to);
-    }
+    const std::size_t end_in_carry = std::min(end, carried);
+    rest.remove_prefix(end - end_in_carry);
+    carry = to + carry.substr(end_in_carry, carried - end_in_carry);
   }
   text = std::move(result);
   return static_cast<long>(text.size());
