@@ -18,11 +18,11 @@ TEST(ArgumentTextTest, MeasuredFormatsNothingButTheFormat) {
   EXPECT_EQ(Measured("%s", ""), "");
 }
 
-TEST(ArgumentTextTest, WhatNoLengthCanSayIsRefused) {
-  // Only the width makes it as long: nobody has to write two gibibytes.
-  const char* const format = "%2147483647d";
-  EXPECT_THROW(Measured(format, 1), std::length_error);
-  EXPECT_THROW(Cut(8, format, 1), std::length_error);
+TEST(ArgumentTextTest, WhatCannotBeFormattedIsRefused) {
+  // Nor can a text of more than two gibibytes; what is no character is refused sooner.
+  const wchar_t no_character[] = {static_cast<wchar_t>(0x7FFFFFFF), 0};
+  EXPECT_THROW(Measured("%ls", no_character), std::length_error);
+  EXPECT_THROW(Cut(8, "%ls", no_character), std::length_error);
 }
 
 TEST(ArgumentTextTest, CutKeepsOneByteForTheTerminatingZero) {
