@@ -2,8 +2,8 @@
 
 #include <signal.h>
 
+#include <exception>
 #include <new>
-#include <system_error>
 
 #include "platform/channel/outcome.h"
 #include "platform/channel/spawn.h"
@@ -52,7 +52,7 @@ Status Stream::Start() {
   try {
     const SignalsBlocked blocked;
     thread_ = std::thread([this] { RunToEnd(); });
-  } catch (const std::system_error&) {
+  } catch (const std::exception&) {  // no thread, or no memory to start one
     Terminate(&*child_);
     child_->Collect();
     return kSystemRefused;
@@ -64,7 +64,7 @@ void Stream::RunToEnd() {
   const PumpResult result = Pump(&*child_, output_.get(), cancel_, this);
   if (result != PumpResult::kEnded) Terminate(&*child_);
   const ExitOutcome exit = child_->Collect();
-  if (result == PumpResult::kEnded && !stopping_) Deliver(filter_.Finish());
+  if (result == PumpResult::kEnded && !stopping_) DeliverFrom([this] { return filter_.Finish(); });
 
   const int status = StatusAfter(result, exit);
   timer_.Log(arguments_.c_str(), status, bytes_);
@@ -97,10 +97,18 @@ std::span<char> Stream::Room() {
 
 void Stream::Took(size_t count) {
   const std::string_view piece(piece_.data(), count);
+  DeliverFrom([&] {
+    failures_.Scan(piece);
+    return filter_.Pass(piece);
+  });
+}
+
+// Nothing may throw on the stream's own thread.
+template <typename Filter>
+void Stream::DeliverFrom(Filter filter) {
   std::string_view passed;
   try {
-    failures_.Scan(piece);
-    passed = filter_.Pass(piece);
+    passed = filter();
   } catch (const std::bad_alloc&) {
     out_of_memory_ = true;
   }

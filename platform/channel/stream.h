@@ -62,6 +62,9 @@ class Stream final : public OutputSink {
   void RunToEnd();
   void GiveBackResources();
   int StatusAfter(PumpResult result, const ExitOutcome& exit) const;
+  // What the filter gives, unless it runs out of memory.
+  template <typename Filter>
+  void DeliverFrom(Filter filter);
   void Deliver(std::string_view piece);
   void End(int signal_number);
 

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <exception>
 #include <list>
 #include <memory>
 
@@ -25,12 +26,16 @@ class Registry {
     JoinFinished();
     // Listed before it runs: its receiver may end the process at its first call.
     streams_.splice(streams_.end(), added);
-    const Status started = streams_.back()->Start();
+    const Status started = Started(streams_.back().get());
     if (started != kDelivered) streams_.pop_back();
     return started;
   }
 
  private:
+  static Status Started(Stream* stream) try { return stream->Start(); } catch (const std::exception&) {
+    return kSystemRefused;
+  }
+
   void JoinFinished() {
     streams_.remove_if([](const std::unique_ptr<Stream>& stream) {
       if (!stream->Finished()) return false;

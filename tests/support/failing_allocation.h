@@ -1,0 +1,31 @@
+// Memory that runs out at a chosen moment. For programs that link failing_allocation.cpp, which replaces operator new
+// for everything in them, shared libraries included.
+#ifndef DAROKLEIM_TESTS_SUPPORT_FAILING_ALLOCATION_H
+#define DAROKLEIM_TESTS_SUPPORT_FAILING_ALLOCATION_H
+
+namespace darokleim::testing {
+
+// While it lives, one allocation fails, in whichever thread: the one with this number, the next being 0.
+class FailingAllocation {
+ public:
+  explicit FailingAllocation(long number);
+  ~FailingAllocation();
+  FailingAllocation(const FailingAllocation&) = delete;
+  FailingAllocation& operator=(const FailingAllocation&) = delete;
+
+  // False when there were fewer allocations.
+  bool HasFailed() const;
+};
+
+// Calls `trial` again and again, with another allocation failing each time, until it makes fewer. Returns how many it
+// makes.
+template <typename Trial>
+long WithEachAllocationFailing(Trial trial) {
+  for (long number = 0;; ++number) {
+    if (!trial(number)) return number;
+  }
+}
+
+}  // namespace darokleim::testing
+
+#endif  // DAROKLEIM_TESTS_SUPPORT_FAILING_ALLOCATION_H
