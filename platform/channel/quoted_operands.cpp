@@ -44,14 +44,14 @@ std::vector<std::string_view> SplitAtEach(std::string_view text, std::string_vie
 std::vector<std::string_view> Split(std::string_view text, const OperandForm& form) {
   const std::string separator = std::string(form.quotes.closing).append(" ").append(form.quotes.opening);
   switch (form.count) {
-    case OperandCount::kNone:
-      return {};
     case OperandCount::kOne:
       return {text};
     case OperandCount::kTwo:
       return SplitInTwo(text, separator);
     case OperandCount::kMany:
       return SplitAtEach(text, separator);
+    case OperandCount::kNone:
+      break;
   }
   return {};
 }
@@ -60,7 +60,7 @@ std::vector<std::string_view> Split(std::string_view text, const OperandForm& fo
 
 QuotedOperands ReadQuotedOperands(std::string_view text, const OperandForm& form) {
   const auto& [opening, closing] = form.quotes;
-  if (form.count == OperandCount::kNone || text.substr(0, opening.size()) != opening) return {};
+  if (text.substr(0, opening.size()) != opening) return {};
   const size_t end = FindLastClosing(text, form.quotes);
   if (end == kNone) return {};
   QuotedOperands found;

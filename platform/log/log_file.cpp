@@ -29,7 +29,7 @@ spdlog::level::level_enum SpdlogLevel(LogLevel level) {
     case LogLevel::kCommand:
       return spdlog::level::warn;
     case LogLevel::kError:
-      return spdlog::level::err;
+      break;
   }
   return spdlog::level::err;
 }

@@ -133,6 +133,10 @@ TEST(AssistedCommand, KeepsTheWordsBehindAPath) {
   EXPECT_THAT(Assisted(R"(shell rm "/a b" )").words, ElementsAre("shell", "rm", "'/a b'"));
 }
 
+TEST(AssistedCommand, EndsAPathOnlyWhereAWordEnds) {
+  EXPECT_THAT(Assisted(R"(shell rm "/a" b"c"d)").words, ElementsAre("shell", "rm", "'/a'", "'bcd'"));
+}
+
 TEST(AssistedCommand, HasOneOperandWhereTheSdkGivesOne) {
   EXPECT_THAT(Assisted(R"(shell rm "/a" "/b")").words, ElementsAre("shell", "rm", R"('/a" "/b')"))
       << "no other file is removed";

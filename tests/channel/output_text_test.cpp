@@ -89,6 +89,16 @@ TEST(OutputBuffer, ReusesLargeBlocksWithoutMixingThem) {
   }
 }
 
+TEST(OutputBuffer, TakesANewBlockWhereTheLastOneIsTooSmall) {
+  const std::string text(5'000'000, 'x');
+  for (const size_t most : {8'000'000u, 80'000'000u, 8'000'000u}) {
+    OutputBuffer buffer(most);
+    Fill(&buffer, text);
+    EXPECT_EQ(buffer.text(), text);
+    FreeBlock(buffer.Release());
+  }
+}
+
 TEST(OutputBuffer, HoldsAsMuchAsItMayAndNotAByteMore) {
   OutputBuffer full(1000);
   Fill(&full, std::string(1000, 'x'));

@@ -37,6 +37,12 @@ TEST(LogLines, OfOneCallAreAlwaysOne) {
               ElementsAre(EndsWith("] List of devices attached\\nABC\tdevice\\n\\n"), EndsWith("] ")));
 }
 
+TEST(LogLines, HoldTheFormatWhenItCannotBeFilledIn) {
+  const OpenedLog log;
+  LogEx(log.module(), 1, "wide %ls", L"\x4f60");  // no text of the "C" locale stands for it
+  EXPECT_THAT(log.Lines(), ElementsAre(EndsWith("] wide %ls")));
+}
+
 TEST(LogLines, KeepBytesThatAreNoText) {
   const OpenedLog log;
   LogEx(log.module(), 3, "ret is %d,outbuf is:%s", 1, "\xff\xfe{}%s \xe4\xbd\xa0");
