@@ -17,6 +17,9 @@ class FailingAllocation {
   bool HasFailed() const;
 };
 
+// How many blocks have been asked for and not been given back.
+long LiveAllocations();
+
 // Calls `trial` again and again, with another allocation failing each time, until it makes fewer. Returns how many it
 // makes.
 template <typename Trial>
