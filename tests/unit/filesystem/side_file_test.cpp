@@ -40,6 +40,8 @@ TEST_F(SideFileTest, WritesTheBytesGivenAndNoMore) {
   EXPECT_EQ(directory_.SideFileContent(), "a\0b\n\r\xff"s);
   SaveBuf("file_list.json", "cut here", 3);
   EXPECT_EQ(directory_.SideFileContent(), "cut");
+  SaveBuf("file_list.json", "cut here", 1);
+  EXPECT_EQ(directory_.SideFileContent(), "c");
 }
 
 TEST_F(SideFileTest, ReplacesTheOneBefore) {
