@@ -50,23 +50,29 @@ auto IntoBuffer(Function* function, int capacity) {
   };
 }
 
-int FindPhotos(const bool* cancel) {
-  char* json = nullptr;
-  int length = 0;
-  return AdbGetFilesBySuffix("S1", "/sdcard", "jpg", &json, &length, cancel);
+// For functions that hand out a block, also beside a failure.
+template <typename Function>
+auto HandingOut(Function function) {
+  return [function](const bool* cancel) {
+    char* block = nullptr;
+    int length = 0;
+    const int code = function(&block, &length, cancel);
+    AdbFreeResource(&block);
+    return code;
+  };
 }
 
-int AskAddress(const bool* cancel) {
-  char* address = nullptr;
-  int length = 0;
-  return AdbGetIPAddress("S1", &address, &length, cancel);
-}
+const auto find_photos = HandingOut([](char** json, int* length, const bool* cancel) {
+  return AdbGetFilesBySuffix("S1", "/sdcard", "jpg", json, length, cancel);
+});
 
-int FindApk(const bool* cancel) {
-  char* json = nullptr;
-  int length = 0;
-  return AdbGetApkPathOfInstatlledEx("S1", "com.example", &json, &length, cancel);
-}
+const auto ask_address = HandingOut([](char** address, int* length, const bool* cancel) {
+  return AdbGetIPAddress("S1", address, length, cancel);
+});
+
+const auto find_apk = HandingOut([](char** json, int* length, const bool* cancel) {
+  return AdbGetApkPathOfInstatlledEx("S1", "com.example", json, length, cancel);
+});
 
 const std::vector<Outcome>& Outcomes() {
   static const std::vector<Outcome> outcomes = {
@@ -82,9 +88,9 @@ const std::vector<Outcome>& Outcomes() {
       {ADB_RESULT_NO_SUCH_FILE, "rm: /sdcard/a: No such file or directory", Remove},
       {ADB_RESULT_UNKNOWN_HOST_SERVICE, "error: unknown host service", Reboot},
       {ADB_RESULT_CANNOT_CONNECT_DAEMON, "adb: cannot connect to daemon", Reboot},
-      {ADB_RESULT_NOT_FOUND, "", FindApk},
-      {ADB_RESULT_PERMISSION_DENIED, "find: '/sdcard/x': Permission denied", FindPhotos},
-      {ADB_RESULT_NO_IP_ADDRESS, "lo UP 127.0.0.1/8", AskAddress},
+      {ADB_RESULT_NOT_FOUND, "", find_apk},
+      {ADB_RESULT_PERMISSION_DENIED, "find: '/sdcard/x': Permission denied", find_photos},
+      {ADB_RESULT_NO_IP_ADDRESS, "lo UP 127.0.0.1/8", ask_address},
       {ADB_RESULT_FAILURE, "Failure [INSTALL_FAILED_INVALID_APK]", Install},
       {ADB_RESULT_INSTALL_ALREADY_EXISTS, "Failure [INSTALL_FAILED_ALREADY_EXISTS]", Install},
       {ADB_RESULT_INSTALL_FAILURE_99, "Failure [-99]", Install},
