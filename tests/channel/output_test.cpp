@@ -131,7 +131,7 @@ TEST_F(LogTest, HasALineForEachCommand) {
   std::vector<std::string> lines = ReadLines(LogDirectory().File("adb_channel.log"));
   ASSERT_GE(lines.size(), 3u);
   lines.erase(lines.begin(), lines.end() - 3);
-  EXPECT_NE(lines[0].find("[AdbChannel]"), std::string::npos);
+  EXPECT_NE(lines[0].find("[info] [AdbChannel]"), std::string::npos);
   EXPECT_NE(lines[0].find("adb print:logged exit:4: status 1004, 6 bytes, "), std::string::npos) << lines[0];
   EXPECT_NE(lines[0].find(" ms"), std::string::npos);
   EXPECT_NE(lines[1].find("missing cannot be started: No such file or directory"), std::string::npos)

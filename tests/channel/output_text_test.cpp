@@ -129,6 +129,12 @@ TEST(ServerNotices, AreTheLinesThatLead) {
   EXPECT_EQ(LengthOfLeadingNotices("* daemonic\n"), 0u);
 }
 
+TEST(ServerNotices, AreNotOtherLinesThatBeginAlike) {
+  for (const char* text : {"* daemons are spirits\n", "adb servers\n", "* a list\n", "adb\n"}) {
+    EXPECT_EQ(LengthOfLeadingNotices(text), 0u) << text;
+  }
+}
+
 TEST(ServerNotices, AreNotFailures) {
   EXPECT_EQ(LengthOfLeadingNotices("* failed to start daemon\n"), 0u);
   EXPECT_EQ(LengthOfLeadingNotices("* daemon still not running\nerror: cannot connect to daemon\n"), 0u);
