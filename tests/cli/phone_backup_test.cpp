@@ -22,11 +22,13 @@ class PhoneBackupTest : public PhoneToolTest {
   void SetUp() override { phones().Adb({"install", DAROKLEIM_PHONE_TEST_DATA "/notes-1.apk"}); }
 
   // A backup that waits for its answer on the phone.
-  std::unique_ptr<HostProcess> StartWaitingBackup() const {
+  std::string Activities() { return phones().Control({"TEST0001", "show", "activities"}).output; }
+
+  std::unique_ptr<HostProcess> StartWaitingBackup() {
     SwitchOn("unconfirmed-backup");
     auto tool = Start({"backup", kNotes, "notes.ab"});
     EXPECT_EQ(tool->ReadLine(), "Confirm the backup on the phone's screen.");
-    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    while (Activities().empty()) std::this_thread::sleep_for(std::chrono::milliseconds(20));
     return tool;
   }
 };
@@ -62,7 +64,8 @@ TEST_P(PhoneBackupTest, CtrlCClosesTheQuestion) {
   const auto outcome = tool->Finish();
   EXPECT_EQ(outcome.status, 130);
   EXPECT_EQ(outcome.errors, "darokleim: cancelled\n");
-  EXPECT_EQ(phones().Control({"TEST0001", "show", "activities"}).output,
+  EXPECT_EQ(Activities(),
+            "start com.android.backupconfirm/com.android.backupconfirm.BackupRestoreConfirmation\n"
             "force-stop com.android.backupconfirm\n");
 }
 

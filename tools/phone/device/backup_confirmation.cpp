@@ -8,6 +8,7 @@
 #include "common/faults.h"
 #include "common/io.h"
 #include "device/layout.h"
+#include "device/records.h"
 
 namespace darokleim::phone {
 
@@ -31,6 +32,10 @@ bool WaitForConfirmation() {
   const std::string question = Questions() + "/" + std::to_string(getpid());
   WriteFile(question, "");
   bool asking = true;
+  if (faults.Has(fault::kUnconfirmedBackup)) {
+    AppendRecord(kActivityRecord, std::string("start ") + kBackupConfirmation + "/" + kBackupConfirmation +
+                                      ".BackupRestoreConfirmation");
+  }
   while (faults.Has(fault::kUnconfirmedBackup) && (asking = fs::exists(question, error))) {
     usleep(kAskAgainMicroseconds);
   }
