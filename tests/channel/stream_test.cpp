@@ -93,6 +93,18 @@ TEST_F(StreamTest, EndsWhenItIsCancelled) {
   }
 }
 
+TEST_F(StreamTest, PassesOnNothingOnceItIsCancelled) {
+  // The beginning of a notice, which is held back until it is known to be none.
+  const Misbehaviour beginning("print:*\\sdae pid:" + File("pid") + " sleep:60000");
+  Collector collector;
+  bool cancel = false;
+  ASSERT_EQ(Start(" -s X logcat", &collector, &cancel), 0);
+  PidIn(File("pid"));
+  __atomic_store_n(&cancel, true, __ATOMIC_RELEASE);
+  EXPECT_EQ(collector.Status(), 3003);
+  EXPECT_EQ(collector.Output(), "");
+}
+
 TEST_F(StreamTest, ThrowsTheOutputAwayWithoutAReceiver) {
   ASSERT_EQ(ExecuteAdbCommandAnsynchronization((" flood:1000000 pid:" + File("pid")).c_str(), nullptr,
                                                nullptr, nullptr),
