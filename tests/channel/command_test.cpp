@@ -22,7 +22,7 @@ TEST(Command, IsTheFirstWordAfterAdbsOwnOptions) {
        {"shell ls", " -s X shell ls", "-s shell shell ls", "-d shell ls", "-e shell ls", "-a shell ls",
         "-t 4 shell ls", "-t4 shell ls", "-P 5038 shell ls", "-P5038 shell ls", "-H host -P 1 -s X shell ls",
         "-Hhost shell ls", "-L tcp:host:1 shell ls", "-p product shell ls", "--one-device X shell ls",
-        "--exit-on-write-error shell ls"}) {
+        "--reply-fd 7 shell ls", "--exit-on-write-error shell ls"}) {
     EXPECT_EQ(Plain(arguments).name, "shell") << arguments;
     EXPECT_EQ(Plain(arguments).words.back(), "ls") << arguments;
     EXPECT_TRUE(Plain(arguments).AnswersByText()) << arguments;
