@@ -142,6 +142,8 @@ TEST(AssistedCommand, HasOneOperandWhereTheSdkGivesOne) {
       << "no other file is removed";
   EXPECT_THAT(Assisted(R"(shell rm "'/a b'")").words, ElementsAre("shell", "rm", "'/a b'"))
       << "but quotes around it are for the device";
+  EXPECT_THAT(Assisted(R"(shell cp "'/a b'" "'/c d'")").words, ElementsAre("shell", "cp", "'/a b'", "'/c d'"))
+      << "and so they are around each of two";
   EXPECT_THAT(Assisted(R"(shell rm "" "")").words, ElementsAre("shell", "rm", "' '"));
 }
 

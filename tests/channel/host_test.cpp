@@ -287,6 +287,17 @@ TEST_F(HostTest, WithoutPidfds) {
     ExpectEverythingWorks();
     ExpectServerDoesNotHold();
     EXPECT_EQ(RunAdb(" print:a close sleep:100 exit:4").status, 1004);
+    for (const char* orders : {" sleep:60000", " ignore:15 flood-for-ever"}) {
+      bool cancel = false;
+      std::thread canceller([&] {
+        PidIn(File("pid"));
+        __atomic_store_n(&cancel, true, __ATOMIC_RELEASE);
+      });
+      EXPECT_EQ(RunAdb(" pid:" + File("pid") + orders, &cancel).status, 3003);
+      canceller.join();
+      EXPECT_FALSE(Runs(PidIn(File("pid"))));
+      unlink(File("pid").c_str());
+    }
   });
 }
 

@@ -126,6 +126,13 @@ TEST(RemoveEndingSpaceTest, AllBlankIsClearedWhole) {
   EXPECT_EQ(RemoveEndingSpace(&text[1], 0), &text[0]);
 }
 
+TEST(RemoveEndingSpaceTest, TouchesNothingBeforeTheText) {
+  char text[] = "  ";
+  EXPECT_EQ(RemoveEndingSpace(text + 1, 1), text);
+  EXPECT_EQ(text[0], ' ');
+  EXPECT_EQ(text[1], '\0');
+}
+
 TEST(RemoveEndingSpaceTest, StopsAtEveryOtherByte) {
   const std::string removed = "\0\t\n\r "s;
   for (int c = 0; c < 256; ++c) {
