@@ -59,6 +59,19 @@ TEST_F(ServerTest, IsWaitedForWithoutWakeUps) {
 }
 #endif
 
+TEST_F(ServerTest, CostsNothingWhileAdbRunsOnWithoutOutput) {
+  const auto processor_time = [] {
+    timespec time;
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+  };
+  for (const char* orders : {" close sleep:1000", " flood:3000000 close sleep:1000"}) {
+    const auto before = processor_time();
+    EXPECT_EQ(RunAdb(orders).status, 0);
+    EXPECT_LT(processor_time() - before, milliseconds(500)) << orders;
+  }
+}
+
 TEST_F(ServerTest, InheritsNothingOfTheHosts) {
   const int left_open = open("/dev/null", O_RDONLY);  // not close-on-exec, as a host may have it
   ASSERT_GT(left_open, 2);

@@ -161,6 +161,8 @@ TEST(LogTroubleTest, AFailedRotationNeitherCrashesNorEndsTheLog) {
   WriteFile(logs, "in the way");
   for (int line = 0; line < 5; ++line) LogEx(log.module(), 1, "%s", text.c_str());
   LogEx(log.module(), 1, "short");
+  WaitForNextAttempt();
+  LogEx(log.module(), 1, "the next attempt fails, too");
 
   std::filesystem::remove(logs);
   WaitForNextAttempt();
