@@ -1,6 +1,7 @@
 // What is done to the text of a command: line ends, notices, failure lines, in one piece and in many.
 #include <gmock/gmock.h>
 
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -88,6 +89,28 @@ TEST(OutputBuffer, ReusesLargeBlocksWithoutMixingThem) {
     FreeBlock(block);
   }
 }
+
+#if defined(__linux__)
+// Of this process, in KiB.
+long MemoryThatTheSystemMayTake() {
+  std::ifstream rollup("/proc/self/smaps_rollup");
+  for (std::string word; rollup >> word;) {
+    long size = 0;
+    if (word == "LazyFree:" && rollup >> size) return size;
+  }
+  return -1;
+}
+
+TEST(OutputBuffer, LeavesTheSystemTheMemoryOfALargeOneThatWasGivenBack) {
+  OutputBuffer buffer;
+  Fill(&buffer, std::string(20'000'000, 'x'));
+  char* const block = buffer.Release();
+  const long before = MemoryThatTheSystemMayTake();
+  if (before < 0) GTEST_SKIP() << "this kernel does not tell";
+  FreeBlock(block);
+  EXPECT_GT(MemoryThatTheSystemMayTake() - before, 10'000);
+}
+#endif
 
 TEST(OutputBuffer, TakesANewBlockWhereTheLastOneIsTooSmall) {
   const std::string text(5'000'000, 'x');
