@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "channel_run.h"
+#include "support/file_content.h"
 
 // In a fork, what the threads that stayed behind own looks leaked.
 static bool leaks_are_of_the_fork = false;
@@ -68,6 +69,16 @@ TEST_F(StreamTest, PassesOnEverythingAndThenTheStatus) {
   ASSERT_EQ(Start(" print:a\\n sleep:30 error:b\\n flood:1000000 exit:3", &collector), 0);
   EXPECT_EQ(collector.Status(), 1003);
   EXPECT_EQ(collector.Output(), "a\nb\n" + std::string(1000000, 'x'));
+}
+
+TEST_F(StreamTest, HasALineInTheLog) {
+  Collector collector;
+  ASSERT_EQ(Start(" print:streamed exit:4", &collector), 0);
+  EXPECT_EQ(collector.Status(), 1004);
+  const std::vector<std::string> lines = ReadLines(LogDirectory().File("adb_channel.log"));
+  ASSERT_FALSE(lines.empty());
+  EXPECT_NE(lines.back().find("adb print:streamed exit:4: status 1004, 8 bytes, "), std::string::npos)
+      << lines.back();
 }
 
 TEST_F(StreamTest, PassesOnAtOnce) {
