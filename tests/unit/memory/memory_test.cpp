@@ -115,8 +115,9 @@ std::function<void()> Telling(const std::function<void(Value* value)>& function)
 }
 
 std::vector<Call> DeviceCalls() {
-  constexpr char kDevices[] = "List of devices attached\n0123456789abcdef0123\tdevice\nX2\tunauthorized\n";
-  constexpr char kLine[] = "a property that no short string holds\r\n";
+  static constexpr char kDevices[] =
+      "List of devices attached\n0123456789abcdef0123\tdevice\nX2\tunauthorized\n";
+  static constexpr char kLine[] = "a property that no short string holds\r\n";
   return {
       {"AdbGetDevices", kDevices,
        [] {
@@ -201,10 +202,10 @@ std::vector<Call> FileCalls() {
 }
 
 std::vector<Call> AppCalls() {
-  constexpr char kPackages[] =
+  static constexpr char kPackages[] =
       "package:com.example.an.application\npackage:com.example.another.application\n";
-  constexpr char kApk[] = "package:/data/app/com.example.an.application-1/base.apk\n";
-  constexpr char kFiles[] =
+  static constexpr char kApk[] = "package:/data/app/com.example.an.application-1/base.apk\n";
+  static constexpr char kFiles[] =
       R"({"path": ["/home/someone/a long path/base.apk", "/home/someone/a long path/split.apk"]})";
   return {
       {"AdbCheckAppInstalled", kPackages,
@@ -233,7 +234,7 @@ std::vector<Call> AppCalls() {
       {"AdbInstallAppFromDevicePath", "Success\n",
        [] { AdbInstallAppFromDevicePath(kSerial, kPath, &cancel); }},
       {"AdbInstallMultipleAppFromPCPath", "Success\n",
-       [kFiles] { AdbInstallMultipleAppFromPCPath(kSerial, kFiles, &cancel); }},
+       [] { AdbInstallMultipleAppFromPCPath(kSerial, kFiles, &cancel); }},
       {"AdbCheckAppExist", kApk, [] { AdbCheckAppExist(kSerial, kPackage, 1, &cancel); }},
       {"AdbUninstallApp", "Success\n", [] { AdbUninstallApp(kSerial, kPackage, 1, &cancel); }},
       {"AdbBackupApp", "", [] { AdbBackupApp(kSerial, kPackage, kPath, &cancel); }},
