@@ -3,6 +3,7 @@
 #include <json/writer.h>
 
 #include <memory>
+#include <new>
 #include <sstream>
 
 std::string JsonToString(const Json::Value& value) {
@@ -11,8 +12,8 @@ std::string JsonToString(const Json::Value& value) {
   settings["indentation"] = "   ";
   const std::unique_ptr<Json::StreamWriter> writer(settings.newStreamWriter());
   std::ostringstream text;
-  // Without this a stream that runs out of memory ends there, and says nothing.
-  text.exceptions(std::ios_base::badbit);
   writer->write(value, &text);
+  // A stream that runs out of memory ends there, and keeps the exception for itself.
+  if (text.bad()) throw std::bad_alloc();
   return text.str();
 }
