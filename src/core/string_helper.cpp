@@ -78,7 +78,8 @@ long StringHelper::StringReplace(std::string& text, std::string from, std::strin
     const std::size_t end = at + from.size();
     const std::size_t end_in_carry = std::min(end, carried);
     rest.remove_prefix(end - end_in_carry);
-    carry = to + carry.substr(end_in_carry, carried - end_in_carry);
+    carry.resize(carried);
+    carry.replace(0, end_in_carry, to);
   }
   text = std::move(result);
   return static_cast<long>(text.size());

@@ -25,7 +25,8 @@ constexpr LogWording kListingWording{kLogInfo, "%s Enter ...", "%s Leave.", kLog
 // All files below a directory, whose folders are listed one by one: after each of them the folder that was found
 // last. Ends with the first that fails. Returns the channel's value of the last one; what adb prints is no error.
 int ListAllBelow(const char* serial, const char* dir, const bool* cancel, std::list<FileInfo>* files) {
-  std::vector<std::string> waiting{dir};
+  std::vector<std::string> waiting;
+  waiting.emplace_back(dir);  // the initializer list of libc++ 14 loses memory when it runs out
   int status = ADB_RESULT_OK;
   while (status == ADB_RESULT_OK && !waiting.empty()) {
     const std::string directory = std::move(waiting.back());

@@ -271,8 +271,8 @@ TEST_P(MemoryTest, RunsOut) {
   for (const char* answer : {GetParam().output, static_cast<const char*>(nullptr)}) {
     output = answer;
     GetParam().run();  // what is kept for the process is asked for once
-    const long live = LiveAllocations();
     WithEachAllocationFailing([&](long number) {
+      const long live = LiveAllocations();
       bool failed;
       bool thrown = false;
       {

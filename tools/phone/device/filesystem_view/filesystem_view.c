@@ -204,15 +204,17 @@ static double FreeSpace(void) {
   if (StorageIsFull()) return 0;
   const int saved = errno;
   double bytes = -1;
-  char unit = '\0';
+  char text[64];
+  char* unit = NULL;
   FILE* file = fopen(VIEW_FREE_SPACE, "re");
   if (file != NULL) {
-    if (fscanf(file, "%lf%c", &bytes, &unit) < 1) bytes = -1;
+    if (fgets(text, sizeof(text), file) != NULL) bytes = strtod(text, &unit);
     fclose(file);
   }
   errno = saved;
+  if (unit == text) return -1;
   const char* units = "KMG";
-  const char* found = unit == '\0' ? NULL : strchr(units, unit);
+  const char* found = unit == NULL || *unit == '\0' ? NULL : strchr(units, *unit);
   for (const char* step = units; found != NULL && step <= found; ++step) bytes *= 1024;
   return bytes;
 }
