@@ -10,6 +10,7 @@
 //   exit:STATUS    ends
 //   signal:NUMBER  ends by this signal
 //   ignore:NUMBER  ignores this signal from now on
+//   tidy-up:FILE   when it is asked to end, from now on, makes FILE and ends
 //   close          closes both outputs
 //   server:FILE    leaves a server behind, in a session of its own, that holds everything it inherited; its
 //                  process id goes to FILE
@@ -125,6 +126,14 @@ static const char* ValueOf(const char* word, const char* name) {
   return strncmp(word, name, length) == 0 ? word + length : NULL;
 }
 
+static const char* tidied_up;
+
+static void TidyUp(int number) {
+  (void)number;
+  const int fd = open(tidied_up, O_WRONLY | O_CREAT, 0644);
+  _exit(fd < 0);
+}
+
 static void Do(const char* word, int argc, char** argv) {
   const char* value = NULL;
   if (strcmp(word, "words") == 0) {
@@ -146,6 +155,9 @@ static void Do(const char* word, int argc, char** argv) {
     kill(getpid(), atoi(value));
   } else if ((value = ValueOf(word, "ignore:"))) {
     signal(atoi(value), SIG_IGN);
+  } else if ((value = ValueOf(word, "tidy-up:"))) {
+    tidied_up = value;
+    signal(SIGTERM, TidyUp);
   } else if (strcmp(word, "close") == 0) {
     close(STDOUT_FILENO);
     close(STDERR_FILENO);
