@@ -21,9 +21,9 @@ class PhoneBackupTest : public PhoneToolTest {
  protected:
   void SetUp() override { phones().Adb({"install", DAROKLEIM_PHONE_TEST_DATA "/notes-1.apk"}); }
 
-  // A backup that waits for its answer on the phone.
   std::string Activities() { return phones().Control({"TEST0001", "show", "activities"}).output; }
 
+  // A backup that waits for its answer on the phone.
   std::unique_ptr<HostProcess> StartWaitingBackup() {
     SwitchOn("unconfirmed-backup");
     auto tool = Start({"backup", kNotes, "notes.ab"});

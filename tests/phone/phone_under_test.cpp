@@ -67,6 +67,10 @@ Outcome PhoneUnderTest::Control(Words words) const {
   return phones_->Control(words);
 }
 
+bool PhoneUnderTest::IsAsking() const {
+  return Control({"show", "activities"}).output.find("backupconfirm") != std::string::npos;
+}
+
 void PhoneUnderTest::SwitchOn(const std::string& fault) const {
   const Outcome outcome = Control({"fault", fault});
   ASSERT_EQ(outcome.status, 0) << outcome.errors;

@@ -38,6 +38,8 @@ class PhoneUnderTest : public testing::TestWithParam<std::string> {
 
   // darokleim-phone ctl for this phone, which must be a simulated one.
   Outcome Control(Words words) const;
+  // Whether the question before a backup or restore is on the screen of the simulated phone.
+  bool IsAsking() const;
   void SwitchOn(const std::string& fault) const;
   // Where the host sees this file of the simulated phone.
   std::string SeenFromHost(const std::string& phone_path) const;

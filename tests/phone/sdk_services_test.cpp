@@ -38,9 +38,6 @@ class SdkBackup : public SdkServices {
   int Backup(const bool* cancel) { return AdbBackupApp(phone(), kNotes, file_().c_str(), cancel); }
   int Restore(const bool* cancel) { return AdbRestoreApp(phone(), file_().c_str(), cancel); }
   std::string file_() const { return OnHost("my \xe7\xac\x94\xe8\xae\xb0 it's.ab"); }
-  bool IsAsking() const {
-    return Control({"show", "activities"}).output.find("backupconfirm") != std::string::npos;
-  }
 };
 
 TEST_P(SdkBackup, BringsTheDataBack) {

@@ -169,9 +169,7 @@ TEST_P(Services, AnUnconfirmedBackupEndsWhenItsScreenIsStopped) {
   REQUIRE_SIMULATED_PHONE("has a screen for that");
   SwitchOn("unconfirmed-backup");
   const auto backup = StartAdb({"backup", "-f", host_folder() + "/none.ab", "-all"});
-  EXPECT_TRUE(Eventually([this] {
-    return Control({"show", "activities"}).output.find("backupconfirm") != std::string::npos;
-  }));
+  EXPECT_TRUE(Eventually([this] { return IsAsking(); }));
   Shell("am force-stop com.android.backupconfirm");
   EXPECT_THAT(backup->Finish().output, HasSubstr("confirm the backup operation"));
   EXPECT_EQ(ReadHostFile(host_folder() + "/none.ab"), "");
