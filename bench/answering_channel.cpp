@@ -1,7 +1,7 @@
-#include "answering_channel.h"
+#include "bench/answering_channel.h"
 
-#include "platform/command_channel.h"
-#include "platform/log_library.h"
+#include "src/platform/command_channel.h"
+#include "src/platform/log_library.h"
 
 int InitAdbCommuncation2Server(const char*, const char*, const void*) {
   return 0;

@@ -11,9 +11,9 @@
 #include <system_error>
 
 #include "darokleim.h"
-#include "phone/host_process.h"
-#include "phone/simulated_phones.h"
-#include "support/temporary_directory.h"
+#include "tests/phone/host_process.h"
+#include "tests/phone/simulated_phones.h"
+#include "tests/support/temporary_directory.h"
 
 namespace darokleim::bench {
 

@@ -8,7 +8,7 @@
 
 #include <cstdlib>
 
-#include "channel_floor.h"
+#include "bench/channel_floor.h"
 
 namespace darokleim::bench {
 

@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "channel_alternatives.h"
-#include "channel_floor.h"
-#include "channel_run.h"
-#include "report.h"
+#include "bench/channel_alternatives.h"
+#include "bench/channel_floor.h"
+#include "bench/channel_run.h"
+#include "bench/report.h"
 
 using namespace darokleim::bench;
 

@@ -3,9 +3,9 @@
 #include <cstring>
 #include <memory>
 
-#include "channel_floor.h"
-#include "channel_run.h"
-#include "report.h"
+#include "bench/channel_floor.h"
+#include "bench/channel_run.h"
+#include "bench/report.h"
 
 using namespace darokleim::bench;
 

@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "platform/command_channel.h"
-#include "support/temporary_directory.h"
+#include "src/platform/command_channel.h"
+#include "tests/support/temporary_directory.h"
 
 namespace darokleim::bench {
 

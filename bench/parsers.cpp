@@ -7,12 +7,12 @@
 #include <utility>
 #include <vector>
 
-#include "filesystem/adb_ls_listing.h"
-#include "filesystem/find_listing.h"
-#include "filesystem/ls_listing.h"
-#include "listings.h"
-#include "peak_memory.h"
-#include "report.h"
+#include "bench/listings.h"
+#include "bench/peak_memory.h"
+#include "bench/report.h"
+#include "src/filesystem/adb_ls_listing.h"
+#include "src/filesystem/find_listing.h"
+#include "src/filesystem/ls_listing.h"
 
 namespace {
 

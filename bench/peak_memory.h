@@ -12,7 +12,7 @@
 
 #include <cstdlib>
 
-#include "report.h"
+#include "bench/report.h"
 
 namespace darokleim::bench {
 

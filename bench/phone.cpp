@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "benchmark_phone.h"
-#include "report.h"
+#include "bench/benchmark_phone.h"
+#include "bench/report.h"
 
 namespace {
 

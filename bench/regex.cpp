@@ -6,16 +6,16 @@
 #include <string>
 #include <vector>
 
-#include "answering_channel.h"
+#include "bench/answering_channel.h"
+#include "bench/listings.h"
+#include "bench/regex_listings.h"
+#include "bench/report.h"
 #include "darokleim.h"
-#include "filesystem/adb_ls_listing.h"
-#include "filesystem/find_listing.h"
-#include "filesystem/ls_listing.h"
-#include "listings.h"
-#include "regex_listings.h"
-#include "report.h"
-#include "support/plain_file_list_json.h"
-#include "support/temporary_directory.h"
+#include "src/filesystem/adb_ls_listing.h"
+#include "src/filesystem/find_listing.h"
+#include "src/filesystem/ls_listing.h"
+#include "tests/support/plain_file_list_json.h"
+#include "tests/support/temporary_directory.h"
 
 namespace {
 
@@ -60,7 +60,7 @@ Row CompareDocuments(const Comparison& comparison, std::string ls, Built built) 
     AdbFreeResource(&json);
     return document;
   };
-  const auto other = [&] { return darokleim::PlainFlatList(RegexLs(ls, built), true); };
+  const auto other = [&] { return darokleim::sdk::PlainFlatList(RegexLs(ls, built), true); };
   Expect(ours() == other());
   return Compare(
       comparison, [&] { Expect(!ours().empty()); }, [&] { Expect(!other().empty()); });
@@ -87,7 +87,7 @@ void AddRows(std::vector<Row>* rows, int files, const std::string& of_files, Bui
 }  // namespace
 
 int main() {
-  const darokleim::TemporaryDirectory for_the_side_file;
+  const darokleim::sdk::TemporaryDirectory for_the_side_file;
   std::filesystem::current_path(for_the_side_file.path());
   std::vector<Row> rows;
   AddRows(&rows, 100'000, "100,000 files", Built::kOnce, 5);

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "filesystem/file_info.h"
+#include "src/filesystem/file_info.h"
 
 namespace darokleim::bench {
 

@@ -7,8 +7,8 @@ target_compile_options(darokleim_options INTERFACE -Wall -Wextra -Wpedantic -Wco
 # GCC 12 takes a std::string behind a literal for overlapping memory when it optimises for speed (its bug 105651).
 target_compile_options(darokleim_options INTERFACE
                        $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>)
-target_include_directories(darokleim_options INTERFACE "${PROJECT_SOURCE_DIR}/include"
-                           "${PROJECT_SOURCE_DIR}/src")
+# Every include of ours begins at the root of the tree, but for the public headers.
+target_include_directories(darokleim_options INTERFACE "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/include")
 
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_C_EXTENSIONS OFF)

@@ -5,8 +5,8 @@
 #include <memory>
 #include <string>
 
-#include "channel_floor.h"
-#include "channel_run.h"
+#include "bench/channel_floor.h"
+#include "bench/channel_run.h"
 
 namespace {
 

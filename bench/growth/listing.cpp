@@ -5,11 +5,11 @@
 #include <string>
 #include <string_view>
 
-#include "answering_channel.h"
+#include "bench/answering_channel.h"
+#include "bench/listings.h"
+#include "bench/peak_memory.h"
 #include "darokleim.h"
-#include "listings.h"
-#include "peak_memory.h"
-#include "support/temporary_directory.h"
+#include "tests/support/temporary_directory.h"
 
 namespace {
 
@@ -88,7 +88,7 @@ BENCHMARK(GetFilesBySuffix)->Name("AdbGetFilesBySuffix")->Apply(Sizes);
 }  // namespace
 
 int main(int argc, char** argv) {
-  const darokleim::TemporaryDirectory for_the_side_file;
+  const darokleim::sdk::TemporaryDirectory for_the_side_file;
   std::filesystem::current_path(for_the_side_file.path());
   benchmark::Initialize(&argc, argv);
   benchmark::RunSpecifiedBenchmarks();

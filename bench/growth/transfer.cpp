@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "benchmark_phone.h"
-#include "report.h"
+#include "bench/benchmark_phone.h"
+#include "bench/report.h"
 
 namespace {
 

@@ -1,21 +1,21 @@
 // AdbStartApp, AdbInputStringToDevice: what the user of a device would do by hand.
-#include "apps/error_word.h"
-#include "core/adb_run.h"
-#include "core/argument_text.h"
-#include "core/call_log.h"
 #include "darokleim.h"
+#include "src/apps/error_word.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
+#include "src/core/call_log.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 constexpr LogWording kStartWording{kLogInfo, "%s Enter ...", "%s Leave %d.", kLogError,
                                    "%s Param is Invalid"};
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 int AdbStartApp(const char* serial, const char* component, const char* extras) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbStartApp", kStartWording);
   if (AnyNull(serial, component)) return log.Leave(log.InvalidParam());
   // No blank at the front, unlike other commands: part of the interface to the channel.
@@ -26,7 +26,7 @@ int AdbStartApp(const char* serial, const char* component, const char* extras) {
 
 // Nothing is escaped: the device's shell splits the text, as applications expect.
 int AdbInputStringToDevice(const char* serial, const char* text, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbInputStringToDevice");
   if (AnyNull(serial, text)) return log.InvalidParam();
   return log.Leave(AdbRun(Measured(" -s %s shell input text \"%s\"", serial, text), cancel).Classify());

@@ -1,15 +1,15 @@
 // AdbGetAppVersion: the version of an installed package.
-#include "apps/package_output.h"
-#include "apps/unchecked_buffer.h"
-#include "core/adb_run.h"
-#include "core/argument_text.h"
-#include "core/call_log.h"
-#include "core/classifier.h"
 #include "darokleim.h"
+#include "src/apps/package_output.h"
+#include "src/apps/unchecked_buffer.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
+#include "src/core/call_log.h"
+#include "src/core/classifier.h"
 
 int AdbGetAppVersion(const char* serial, const char* package, char* buffer, int /*buffer_size*/,
                      const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbGetAppVersion");
   if (AnyNull(serial, package, buffer)) return log.InvalidParam();
   buffer[0] = '\0';

@@ -1,14 +1,14 @@
 // AdbBackupApp, AdbRestoreApp, AdbStopDeviceBackupRestoreProcess: application data, as far as the user agrees.
-#include "core/adb_run.h"
-#include "core/argument_text.h"
-#include "core/call_log.h"
 #include "darokleim.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
+#include "src/core/call_log.h"
 
-using darokleim::AdbRun;
-using darokleim::AnyNull;
-using darokleim::CallLog;
-using darokleim::Cut;
-using darokleim::Measured;
+using darokleim::sdk::AdbRun;
+using darokleim::sdk::AnyNull;
+using darokleim::sdk::CallLog;
+using darokleim::sdk::Cut;
+using darokleim::sdk::Measured;
 
 int AdbBackupApp(const char* serial, const char* package, const char* host_path, const bool* cancel) {
   CallLog log("AdbBackupApp");

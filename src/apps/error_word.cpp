@@ -1,11 +1,11 @@
-#include "apps/error_word.h"
+#include "src/apps/error_word.h"
 
-#include "core/adb_run.h"
-#include "core/text.h"
 #include "darokleim.h"
-#include "platform/log_library.h"
+#include "src/core/adb_run.h"
+#include "src/core/text.h"
+#include "src/platform/log_library.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 // What printf makes of a null text; to hand one over is not everywhere safe.
@@ -30,4 +30,4 @@ int RunLookingForError(const CallLog& log, const std::string& args, SilenceMeans
   return ADB_RESULT_PROTOCOL_FAULT;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk

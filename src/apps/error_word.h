@@ -4,9 +4,9 @@
 
 #include <string>
 
-#include "core/call_log.h"
+#include "src/core/call_log.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 // How a command that the channel ran without handing out any output is taken.
 enum class SilenceMeans { kFailure, kSuccess };
@@ -15,6 +15,6 @@ enum class SilenceMeans { kFailure, kSuccess };
 // 0, ADB_RESULT_PROTOCOL_FAULT when the output holds "Error" (or silence means failure), else ADB_RESULT_OK.
 int RunLookingForError(const CallLog& log, const std::string& args, SilenceMeans silence_means);
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_APPS_ERROR_WORD_H

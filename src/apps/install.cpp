@@ -2,13 +2,13 @@
 #include <string>
 #include <string_view>
 
-#include "core/adb_run.h"
-#include "core/argument_text.h"
-#include "core/call_log.h"
-#include "core/device_temp_dir.h"
 #include "darokleim.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
+#include "src/core/call_log.h"
+#include "src/core/device_temp_dir.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 // Package managers often do not say that it was the space; with less than this, applications are told so.
@@ -22,10 +22,10 @@ bool LacksRoom(const char* serial) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 int AdbInstallAppFromPCPath(const char* serial, const char* host_path, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbInstallAppFromPCPath");
   const std::string_view path = host_path;
   const std::string staged = std::string(kDeviceTempDir).append(path.substr(path.rfind('/') + 1));
@@ -37,7 +37,7 @@ int AdbInstallAppFromPCPath(const char* serial, const char* host_path, const boo
 }
 
 int AdbInstallAppFromDevicePath(const char* serial, const char* device_path, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbInstallAppFromDevicePath");
   if (AnyNull(serial, device_path)) return log.InvalidParam();
   // The double quotes inside the single ones are for the device's shell.

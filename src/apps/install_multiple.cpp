@@ -1,23 +1,23 @@
 // AdbInstallMultipleAppFromPCPath: the APK files of a split package, installed as one.
 #include <string>
 
-#include "apps/package_files.h"
-#include "core/adb_run.h"
-#include "core/call_log.h"
 #include "darokleim.h"
-#include "platform/log_library.h"
+#include "src/apps/package_files.h"
+#include "src/core/adb_run.h"
+#include "src/core/call_log.h"
+#include "src/platform/log_library.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 // Stands in the log line for a list that cannot be read; a fixed mark that log readers know.
 constexpr int kParseFailureMark = 2264;
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 int AdbInstallMultipleAppFromPCPath(const char* serial, const char* json_paths, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbInstallMultipleAppFromPCPath");
   const auto files = ReadPackageFiles(json_paths);
   if (!files) {

@@ -1,21 +1,21 @@
 // AdbClearLogcat, AdbLogcatAnsync: the log of a device.
 #include <cstdio>
 
-#include "core/adb_run.h"
-#include "core/argument_text.h"
-#include "core/call_log.h"
 #include "darokleim.h"
-#include "platform/command_channel.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
+#include "src/core/call_log.h"
+#include "src/platform/command_channel.h"
 
 int AdbClearLogcat(const char* serial, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbClearLogcat");
   return log.Leave(AdbRun(Cut(128, " -s %s logcat -c", serial), cancel).Classify());
 }
 
 int AdbLogcatAnsync(const char* serial, const char* filter, void* on_output, void* context,
                     const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbLogcatAnsync");
   // The channel may read the command for as long as the stream runs. Each call writes it anew: not for two
   // threads at once.

@@ -1,11 +1,11 @@
-#include "apps/package_files.h"
+#include "src/apps/package_files.h"
 
 #include <json/reader.h>
 #include <json/value.h>
 
 #include <memory>
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 // JsonCpp reads a document with its own stack: its default of 1000 levels takes more than the 512 KiB that
@@ -43,4 +43,4 @@ std::optional<std::vector<std::string>> ReadPackageFiles(std::string_view json) 
   }
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 // The elements of all arrays that are members of a JSON object, as text: members in the order of their
 // names, elements in theirs. Members of other types are ignored; null stands for an object without members.
@@ -16,6 +16,6 @@ namespace darokleim {
 // levels deep, or an element that is an array or an object.
 std::optional<std::vector<std::string>> ReadPackageFiles(std::string_view json);
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_APPS_PACKAGE_FILES_H

@@ -1,15 +1,15 @@
 // AdbCheckAppInstalled, AdbGetPackagesNameOfInstalled, AdbGetPackagesNameList: which packages a device has.
 #include <string_view>
 
-#include "apps/package_listing.h"
-#include "apps/package_output.h"
-#include "core/call_log.h"
-#include "core/handed_out.h"
-#include "core/text.h"
 #include "darokleim.h"
-#include "platform/log_library.h"
+#include "src/apps/package_listing.h"
+#include "src/apps/package_output.h"
+#include "src/core/call_log.h"
+#include "src/core/handed_out.h"
+#include "src/core/text.h"
+#include "src/platform/log_library.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 // The device lists every package whose name holds the one asked for. Each other one leaves a line in the log.
@@ -35,10 +35,10 @@ int HandOutListing(const char* serial, const char* filter, char** list, int* lis
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 int AdbCheckAppInstalled(const char* serial, const char* package, bool* installed, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbCheckAppInstalled");
   if (AnyNull(serial, package, installed)) return log.InvalidParam();
   *installed = false;
@@ -49,14 +49,14 @@ int AdbCheckAppInstalled(const char* serial, const char* package, bool* installe
 
 int AdbGetPackagesNameOfInstalled(const char* serial, const char* filter, char** list, int* list_len,
                                   const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbGetPackagesNameOfInstalled");
   if (AnyNull(serial, filter)) return log.InvalidParam();
   return log.Leave(HandOutListing(serial, filter, list, list_len, cancel));
 }
 
 int AdbGetPackagesNameList(const char* serial, const char* filter, char** list, int* list_len) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbGetPackagesNameList");
   if (AnyNull(serial)) return log.InvalidParam();
   const bool never_cancelled = false;

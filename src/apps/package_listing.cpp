@@ -1,13 +1,13 @@
-#include "apps/package_listing.h"
+#include "src/apps/package_listing.h"
 
 #include <string>
 
-#include "apps/package_output.h"
-#include "core/adb_run.h"
-#include "core/argument_text.h"
 #include "darokleim.h"
+#include "src/apps/package_output.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 constexpr int kAttempts = 2;
@@ -61,4 +61,4 @@ int ListPackages(const char* serial, const char* filter, const bool* cancel, Aft
   return progress.code;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk

@@ -5,7 +5,7 @@
 #include <functional>
 #include <string_view>
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 // What a listing that comes back without any output leads to.
 enum class AfterSilence { kGiveUp, kTryAgain };
@@ -19,6 +19,6 @@ enum class AfterSilence { kGiveUp, kTryAgain };
 int ListPackages(const char* serial, const char* filter, const bool* cancel, AfterSilence after_silence,
                  const std::function<void(std::string_view listing)>& use);
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_APPS_PACKAGE_LISTING_H

@@ -1,10 +1,10 @@
-#include "apps/package_output.h"
+#include "src/apps/package_output.h"
 
 #include <algorithm>
 
-#include "core/text.h"
+#include "src/core/text.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 constexpr std::string_view kDigits = "0123456789";
@@ -42,4 +42,4 @@ std::optional<std::string_view> FindCurrentUser(std::string_view dump) {
   return FindRunBehind(dump, "Current user: ", kDigits);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk

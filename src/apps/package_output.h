@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 // The name or path in a line of `pm list packages` or `pm path`: group 1 of a whole line that matches
 //     ^[^:]*:(\S+)\s*$
@@ -20,6 +20,6 @@ std::optional<std::string_view> FindVersion(std::string_view line);
 //     Current user: (\d+)
 std::optional<std::string_view> FindCurrentUser(std::string_view dump);
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_APPS_PACKAGE_OUTPUT_H

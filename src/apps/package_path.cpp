@@ -4,17 +4,17 @@
 #include <string>
 #include <string_view>
 
-#include "apps/package_output.h"
-#include "apps/unchecked_buffer.h"
-#include "core/adb_run.h"
-#include "core/argument_text.h"
-#include "core/call_log.h"
-#include "core/handed_out.h"
-#include "core/text.h"
 #include "darokleim.h"
-#include "filesystem/json_text.h"
+#include "src/apps/package_output.h"
+#include "src/apps/unchecked_buffer.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
+#include "src/core/call_log.h"
+#include "src/core/handed_out.h"
+#include "src/core/text.h"
+#include "src/filesystem/json_text.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 AdbRun RunPmPath(const char* serial, const char* package, const bool* cancel) {
@@ -22,11 +22,11 @@ AdbRun RunPmPath(const char* serial, const char* package, const bool* cancel) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 int AdbGetApkPathOfInstatlled(const char* serial, const char* package, char* buffer, int /*buffer_size*/,
                               const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbGetApkPathOfInstatlled");
   if (AnyNull(serial, package, buffer)) return log.InvalidParam();
   buffer[0] = '\0';
@@ -39,7 +39,7 @@ int AdbGetApkPathOfInstatlled(const char* serial, const char* package, char* buf
 // Deliberate: whatever the device answered, the caller gets a document, and every failure is "not found".
 int AdbGetApkPathOfInstatlledEx(const char* serial, const char* package, char** json, int* json_len,
                                 const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbGetApkPathOfInstatlledEx");
   if (AnyNull(serial, package)) return log.InvalidParam();
   const AdbRun run = RunPmPath(serial, package, cancel);

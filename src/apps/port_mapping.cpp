@@ -3,13 +3,13 @@
 #include <initializer_list>
 #include <string>
 
-#include "apps/error_word.h"
-#include "core/argument_text.h"
-#include "core/call_log.h"
 #include "darokleim.h"
-#include "platform/log_library.h"
+#include "src/apps/error_word.h"
+#include "src/core/argument_text.h"
+#include "src/core/call_log.h"
+#include "src/platform/log_library.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 // The two directions differ on purpose, down to a blank in one enter line: applications and log readers rely
@@ -41,28 +41,28 @@ int ChangeMapping(CallLog log, const Direction& direction, const char* command, 
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 int AdbFowardBind(const char* serial, const char* host_port, const char* device_port) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   return ChangeMapping(CallLog("AdbFowardBind", kForwardWording), kForward, "forward", serial,
                        {host_port, device_port});
 }
 
 int AdbFowardRemove(const char* serial, const char* host_port) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   return ChangeMapping(CallLog("AdbFowardRemove", kForwardWording), kForward, "forward --remove", serial,
                        {host_port});
 }
 
 int AdbReverseBind(const char* serial, const char* device_port, const char* host_port) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   return ChangeMapping(CallLog("AdbReverseBind", kReverseWording), kReverse, "reverse", serial,
                        {device_port, host_port});
 }
 
 int AdbReverseRemove(const char* serial, const char* device_port) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   return ChangeMapping(CallLog("AdbReverseRemove", kReverseRemoveWording), kReverse, "reverse --remove",
                        serial, {device_port});
 }

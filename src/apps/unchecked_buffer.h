@@ -6,10 +6,10 @@
 #include <optional>
 #include <string_view>
 
-#include "core/text.h"
 #include "darokleim.h"
+#include "src/core/text.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 // Writes the text and a terminating zero, however long it is: callers bring the room for the longest there
 // can be. Behind a zero byte in the text only zeros follow.
@@ -33,6 +33,6 @@ int FillWithFirstFound(std::string_view output, Find find, char* buffer) {
   return code;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_APPS_UNCHECKED_BUFFER_H

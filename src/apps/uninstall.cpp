@@ -1,13 +1,13 @@
 // AdbCheckAppExist, AdbUninstallApp: commands that the package manager answers with "Success".
 #include <string>
 
-#include "core/adb_run.h"
-#include "core/argument_text.h"
-#include "core/call_log.h"
-#include "core/classifier.h"
 #include "darokleim.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
+#include "src/core/call_log.h"
+#include "src/core/classifier.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 // Deliberately small: applications rely on longer commands being run as cut.
@@ -21,17 +21,17 @@ int Ask(const std::string& args, const bool* cancel) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 int AdbCheckAppExist(const char* serial, const char* package, int keep, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbCheckAppExist");
   const char* const option = keep != 0 ? " -k" : "";
   return log.Leave(Ask(Cut(kCommandCapacity, " -s %s shell pm path%s %s", serial, option, package), cancel));
 }
 
 int AdbUninstallApp(const char* serial, const char* package, int keep_data, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbUninstallApp");
   const char* const option = keep_data != 0 ? " -k" : "";
   return log.Leave(

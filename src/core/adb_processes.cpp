@@ -9,13 +9,13 @@
 #include <memory>
 #include <string_view>
 
-#include "core/call_log.h"
-#include "core/numbers.h"
-#include "core/server_control.h"
-#include "core/text.h"
-#include "platform/log_library.h"
+#include "src/core/call_log.h"
+#include "src/core/numbers.h"
+#include "src/core/server_control.h"
+#include "src/core/text.h"
+#include "src/platform/log_library.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 // The word, not the port, finds the processes: "my-adb" and "adb.txt" hold it, "adbd" and "my_adb" do not.
@@ -44,10 +44,10 @@ std::string_view WithoutCutNumber(std::string_view list, int next) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 int KillListenNetProcess(int /*port*/) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   const std::unique_ptr<FILE, ClosePipe> pipe(popen(kListCommand, kPipeMode));
   if (!pipe) {
     LogEx(kLogModule, kLogError, "%s Pipe Create Failed. Error = %d", "KillListenNetProcess", errno);

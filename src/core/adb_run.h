@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "core/channel_buffer.h"
+#include "src/core/channel_buffer.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 // Owns the channel's buffer and gives it back when it goes out of scope.
 class AdbRun {
@@ -32,6 +32,6 @@ class AdbRun {
   int status_;
 };
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_CORE_ADB_RUN_H

@@ -1,4 +1,4 @@
-#include "core/argument_text.h"
+#include "src/core/argument_text.h"
 
 #include <algorithm>
 #include <cstdarg>
@@ -6,7 +6,7 @@
 #include <limits>
 #include <stdexcept>
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 DAROKLEIM_PRINTF_LIKE(2, 0)
@@ -43,4 +43,4 @@ std::string Cut(std::size_t capacity, const char* format, ...) {
   return text;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk

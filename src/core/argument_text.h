@@ -5,9 +5,9 @@
 #include <cstddef>
 #include <string>
 
-#include "platform/log_library.h"
+#include "src/platform/log_library.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 // As long as it needs to be. Throws std::length_error past INT_MAX bytes.
 std::string Measured(const char* format, ...) DAROKLEIM_PRINTF_LIKE(1, 2);
@@ -16,6 +16,6 @@ std::string Measured(const char* format, ...) DAROKLEIM_PRINTF_LIKE(1, 2);
 // interface: applications rely on what a longer one does.
 std::string Cut(std::size_t capacity, const char* format, ...) DAROKLEIM_PRINTF_LIKE(2, 3);
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_CORE_ARGUMENT_TEXT_H

@@ -1,9 +1,9 @@
-#include "core/call_log.h"
+#include "src/core/call_log.h"
 
 #include "darokleim.h"
-#include "platform/log_library.h"
+#include "src/platform/log_library.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 CallLog::CallLog(const char* function, const LogWording& wording) : function_(function), wording_(wording) {
   if (wording_.enter) LogEx(kLogModule, wording_.level, wording_.enter, function_);
@@ -24,4 +24,4 @@ int CallLog::Leave(int code) {
   return code;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk

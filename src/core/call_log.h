@@ -2,7 +2,7 @@
 #ifndef DAROKLEIM_SRC_CORE_CALL_LOG_H
 #define DAROKLEIM_SRC_CORE_CALL_LOG_H
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 inline constexpr char kLogModule[] = "AdbSDK";
 
@@ -53,6 +53,6 @@ constexpr bool AnyNull(const Pointers*... pointers) {
   return ((pointers == nullptr) || ...);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_CORE_CALL_LOG_H

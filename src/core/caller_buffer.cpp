@@ -1,4 +1,4 @@
-#include "core/caller_buffer.h"
+#include "src/core/caller_buffer.h"
 
 #include <algorithm>
 
@@ -17,7 +17,7 @@ char* RemoveEndingSpace(char* text, int length) {
   return text + length - 1;
 }
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 int FillCallerBuffer(std::string_view text, char* buffer, int capacity, std::size_t most) {
   const std::size_t room = capacity < 0 ? 0 : static_cast<std::size_t>(capacity);
@@ -30,4 +30,4 @@ int FillCallerBuffer(std::string_view text, char* buffer, int capacity, std::siz
   return fits ? ADB_RESULT_OK : ADB_RESULT_BUFFER_TOO_SMALL;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk

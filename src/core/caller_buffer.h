@@ -9,7 +9,7 @@
 // before text when none was.
 char* RemoveEndingSpace(char* text, int length);
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 // Copies a text into a caller's buffer of capacity bytes, ends it with a zero and removes its ending space.
 // Copies no more than the first `most` bytes. A buffer without room is left alone.
@@ -20,6 +20,6 @@ namespace darokleim {
 int FillCallerBuffer(std::string_view text, char* buffer, int capacity,
                      std::size_t most = std::string_view::npos);
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_CORE_CALLER_BUFFER_H

@@ -1,10 +1,10 @@
-#include "core/channel_buffer.h"
+#include "src/core/channel_buffer.h"
 
 #include <stdexcept>
 
-#include "platform/command_channel.h"
+#include "src/platform/command_channel.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 std::string_view ChannelText(const char* buffer, int length) {
   if (!buffer) return {};
@@ -16,4 +16,4 @@ ChannelBuffer::~ChannelBuffer() {
   if (buffer_) ReleaseAdbOutBuffer(buffer_);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk

@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 // The length bytes at buffer, nothing for null. Throws std::length_error for a length below 0, which no
 // channel may report.
@@ -34,6 +34,6 @@ class ChannelBuffer {
   int length_ = 0;
 };
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_CORE_CHANNEL_BUFFER_H

@@ -1,13 +1,13 @@
-#include "core/classifier.h"
+#include "src/core/classifier.h"
 
 #include <optional>
 
-#include "core/call_log.h"
-#include "core/text.h"
 #include "darokleim.h"
-#include "platform/log_library.h"
+#include "src/core/call_log.h"
+#include "src/core/text.h"
+#include "src/platform/log_library.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 // A message that decides alone, or together with a second part anywhere in the text.
@@ -95,12 +95,12 @@ bool ReportsSuccess(std::string_view text) {
   return Contains(text, "Success");
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 int CheckOutbufErrorWithRet(const std::string& text, int ret, bool line_failure_only) {
-  return darokleim::Classify(text, ret, line_failure_only);
+  return darokleim::sdk::Classify(text, ret, line_failure_only);
 }
 
 bool IsOutbufSuccess(const std::string& text) {
-  return darokleim::ReportsSuccess(text);
+  return darokleim::sdk::ReportsSuccess(text);
 }

@@ -13,13 +13,13 @@ int CheckOutbufErrorWithRet(const std::string& text, int ret, bool line_failure_
 // Whether the package manager reported success.
 bool IsOutbufSuccess(const std::string& text);
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 // CheckOutbufErrorWithRet without the copy: output can be a gigabyte.
 int Classify(std::string_view text, int ret, bool line_failure_only = false);
 
 bool ReportsSuccess(std::string_view text);
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_CORE_CLASSIFIER_H

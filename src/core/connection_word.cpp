@@ -1,4 +1,4 @@
-#include "core/connection_word.h"
+#include "src/core/connection_word.h"
 
 std::string convert_connect_string(const std::string& state) {
   if (state == "unauthorized") return "unauthor";

@@ -1,6 +1,6 @@
 // AdbConfigDeviceBusybox: the tools that a device's own system may lack.
-#include "core/sdk.h"
 #include "darokleim.h"
+#include "src/core/sdk.h"
 
 int AdbConfigDeviceBusybox(const char* serial, const bool* cancel) {
   constexpr char kDevicePath[] = "/data/local/tmp/busybox";

@@ -1,4 +1,4 @@
-#include "core/handed_out.h"
+#include "src/core/handed_out.h"
 
 #include <algorithm>
 #include <limits>
@@ -6,7 +6,7 @@
 
 #include "darokleim.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 char* NewTerminatedBlock(std::string_view text) {
   char* block = new char[text.size() + 1];
@@ -26,7 +26,7 @@ void HandOut(std::string_view text, char** block, int* length) {
   *length = static_cast<int>(text.size());
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 void AdbFreeResource(char** buffer) {
   delete[] * buffer;

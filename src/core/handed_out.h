@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 // A new block with the text and a terminating zero.
 char* NewTerminatedBlock(std::string_view text);
@@ -16,6 +16,6 @@ void HandOut(std::string_view text, char** block, int* length);
 // A new block with the bytes alone; the few functions that hand out such a block say so in their interface.
 char* NewBlock(std::string_view bytes);
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_CORE_HANDED_OUT_H

@@ -1,11 +1,11 @@
-#include "core/numbers.h"
+#include "src/core/numbers.h"
 
 #include <algorithm>
 #include <limits>
 
-#include "core/text.h"
+#include "src/core/text.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 long long LeadingInteger(std::string_view text) {
   constexpr unsigned long long kLargest = std::numeric_limits<long long>::max();
@@ -27,4 +27,4 @@ long long LeadingInteger(std::string_view text) {
   return static_cast<long long>(negative ? 0 - magnitude : magnitude);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk

@@ -4,11 +4,11 @@
 
 #include <string_view>
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 // As atoll: blanks, a sign, decimal digits; 0 without digits, the nearest long long when out of range.
 long long LeadingInteger(std::string_view text);
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_CORE_NUMBERS_H

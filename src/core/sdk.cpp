@@ -1,18 +1,18 @@
-#include "core/sdk.h"
+#include "src/core/sdk.h"
 
 #include <cstdio>
 #include <filesystem>
 #include <system_error>
 
-#include "core/call_log.h"
 #include "darokleim.h"
-#include "platform/command_channel.h"
-#include "platform/log_library.h"
+#include "src/core/call_log.h"
+#include "src/platform/command_channel.h"
+#include "src/platform/log_library.h"
 
 bool is_inited = false;
 std::string s_busybox_fullpath;
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 constexpr char kVersion[] = "2.0.109-D-4c1143f";
@@ -30,10 +30,10 @@ void OpenLog(const void* log_context, const char* log_dir) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 int AdbSdkInit(const char* resource_dir, const void* log_context, const char* log_dir) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   if (AnyNull(resource_dir, log_context, log_dir)) return ADB_RESULT_INVALID_PARAM;
   if (is_inited) return ADB_RESULT_OK;
   is_inited = true;

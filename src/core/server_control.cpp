@@ -1,16 +1,16 @@
 // AdbKillDaemon, AdbStartDaemon, AdbStartDaemonEx, AdbRestartDaemon: the adb server of the host.
-#include "core/server_control.h"
+#include "src/core/server_control.h"
 
 #include <string>
 #include <string_view>
 
-#include "core/adb_run.h"
-#include "core/call_log.h"
-#include "core/text.h"
 #include "darokleim.h"
-#include "platform/log_library.h"
+#include "src/core/adb_run.h"
+#include "src/core/call_log.h"
+#include "src/core/text.h"
+#include "src/platform/log_library.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 constexpr int kServerPort = 5037;
@@ -38,10 +38,10 @@ int StartServer(const char* function, bool kill_first, const bool* cancel) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 void AdbKillDaemon(const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbKillDaemon", kServerWording);
   LogOutput(AdbRun(" kill-server", cancel));
   KillListenNetProcess(kServerPort);
@@ -49,11 +49,11 @@ void AdbKillDaemon(const bool* cancel) {
 }
 
 int AdbStartDaemon(bool kill_first, const bool* cancel) {
-  return darokleim::StartServer("AdbStartDaemon", kill_first, cancel);
+  return darokleim::sdk::StartServer("AdbStartDaemon", kill_first, cancel);
 }
 
 int AdbStartDaemonEx(bool kill_first, const bool* cancel) {
-  return darokleim::StartServer("AdbStartDaemonEx", kill_first, cancel);
+  return darokleim::sdk::StartServer("AdbStartDaemonEx", kill_first, cancel);
 }
 
 int AdbRestartDaemon() {

@@ -1,4 +1,4 @@
-#include "core/string_converter.h"
+#include "src/core/string_converter.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 // What isspace and the \s of a regular expression take for blank, in the "C" locale.
 inline constexpr std::string_view kBlanks = " \t\n\v\f\r";
@@ -28,6 +28,6 @@ void ForEachPiece(std::string_view text, std::string_view separator, Visit visit
   }
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_CORE_TEXT_H

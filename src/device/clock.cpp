@@ -1,12 +1,12 @@
 // AdbGetDeviceCurrentTime: what the device's clock shows.
-#include "core/adb_run.h"
-#include "core/argument_text.h"
-#include "core/call_log.h"
-#include "core/caller_buffer.h"
 #include "darokleim.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
+#include "src/core/call_log.h"
+#include "src/core/caller_buffer.h"
 
 int AdbGetDeviceCurrentTime(const char* serial, char* buffer, int buffer_size, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbGetDeviceCurrentTime");
   if (AnyNull(serial, buffer)) return log.InvalidParam();
   FillCallerBuffer("", buffer, buffer_size);

@@ -1,15 +1,15 @@
 // AdbAuthenticateShow, AdbReconnectDevice, AdbReboot: asking adb to connect anew.
 #include <string>
 
-#include "core/adb_run.h"
-#include "core/argument_text.h"
-#include "core/call_log.h"
-#include "core/classifier.h"
-#include "core/text.h"
 #include "darokleim.h"
-#include "platform/log_library.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
+#include "src/core/call_log.h"
+#include "src/core/classifier.h"
+#include "src/core/text.h"
+#include "src/platform/log_library.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 constexpr LogWording kSerialWording{kLogInfo, nullptr, "%s Leave, return %d.", kLogError, nullptr};
@@ -27,10 +27,10 @@ int ReconnectCode(const AdbRun& run, const char* serial) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 int AdbAuthenticateShow(const char* serial, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbAuthenticateShow", kSerialWording);
   LogEx(kLogModule, kLogInfo, "%s Enter, serial %s.", log.function(), serial);
   const AdbRun run(Cut(256, " -s %s reconnect", serial), cancel);
@@ -38,7 +38,7 @@ int AdbAuthenticateShow(const char* serial, const bool* cancel) {
 }
 
 int AdbReconnectDevice() {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbReconnectDevice", kServerWording);
   const bool never_cancelled = false;
   const AdbRun run(" reconnect", &never_cancelled);
@@ -46,7 +46,7 @@ int AdbReconnectDevice() {
 }
 
 int AdbReboot(const char* serial, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbReboot");
   if (AnyNull(serial)) return log.InvalidParam();
   const AdbRun run(Cut(128, " -s %s reboot", serial), cancel);

@@ -1,13 +1,10 @@
-#include "device/device_line.h"
+#include "src/device/device_line.h"
 
-#include "core/text.h"
+#include "base/ascii.h"
+#include "src/core/text.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
-
-constexpr bool IsAsciiLetterOrDigit(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-}
 
 constexpr bool IsListedState(std::string_view word) {
   return word == "device" || word == "offline" || word == "unauthorized";
@@ -17,7 +14,7 @@ constexpr bool IsListedState(std::string_view word) {
 
 std::optional<DeviceLine> MatchDeviceLine(std::string_view line) {
   std::size_t serial_end = 0;
-  while (serial_end < line.size() && IsAsciiLetterOrDigit(line[serial_end])) ++serial_end;
+  while (serial_end < line.size() && base::IsAsciiLetterOrDigit(line[serial_end])) ++serial_end;
   const std::size_t state_begin = line.find_first_not_of(kBlanks, serial_end);
   if (serial_end == 0 || state_begin == std::string_view::npos || state_begin == serial_end)
     return std::nullopt;
@@ -26,4 +23,4 @@ std::optional<DeviceLine> MatchDeviceLine(std::string_view line) {
   return device;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk

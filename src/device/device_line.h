@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 // One attached device, as two pieces of the line.
 struct DeviceLine {
@@ -20,6 +20,6 @@ struct DeviceLine {
 // match.
 std::optional<DeviceLine> MatchDeviceLine(std::string_view line);
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_DEVICE_DEVICE_LINE_H

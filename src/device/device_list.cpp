@@ -4,14 +4,14 @@
 #include <string>
 #include <string_view>
 
-#include "core/adb_run.h"
-#include "core/call_log.h"
-#include "core/handed_out.h"
-#include "core/text.h"
 #include "darokleim.h"
-#include "device/device_line.h"
+#include "src/core/adb_run.h"
+#include "src/core/call_log.h"
+#include "src/core/handed_out.h"
+#include "src/core/text.h"
+#include "src/device/device_line.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 constexpr char kListCommand[] = " devices";
@@ -46,10 +46,10 @@ class EntryBuffer {
 };
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 int AdbGetDevices(char* buffer, int buffer_size, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbGetDevices", kDeviceListWording);
   if (AnyNull(buffer)) return log.InvalidParam();
   const AdbRun run(kListCommand, cancel);
@@ -61,7 +61,7 @@ int AdbGetDevices(char* buffer, int buffer_size, const bool* cancel) {
 }
 
 int AdbGetDevicesEx(char** list, int* list_len, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbGetDevicesEx", kDeviceListWording);
   *list = nullptr;
   *list_len = 0;

@@ -1,13 +1,13 @@
 // AdbGetIPAddress: the address of the device in its Wi-Fi network.
-#include "core/adb_run.h"
-#include "core/argument_text.h"
-#include "core/call_log.h"
-#include "core/handed_out.h"
 #include "darokleim.h"
-#include "device/ip_output.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
+#include "src/core/call_log.h"
+#include "src/core/handed_out.h"
+#include "src/device/ip_output.h"
 
 int AdbGetIPAddress(const char* serial, char** ip, int* ip_len, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbGetIPAddress");
   if (AnyNull(serial)) return log.InvalidParam();
   const AdbRun run(Cut(256, " -s %s shell ip address | grep wlan | grep inet", serial), cancel);

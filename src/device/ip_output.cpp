@@ -1,10 +1,10 @@
-#include "device/ip_output.h"
+#include "src/device/ip_output.h"
 
 #include <algorithm>
 
-#include "core/text.h"
+#include "src/core/text.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 bool IsAddressWithPrefix(std::string_view text) {
   // What follows each of the five numbers.
@@ -31,4 +31,4 @@ std::optional<std::string_view> FindAddress(std::string_view output) {
   return second;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk

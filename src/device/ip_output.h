@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 // Whether a text is an IPv4 address with its prefix length, as the whole text matches
 //     ^\d+\.\d+\.\d+\.\d+/\d+$
@@ -16,6 +16,6 @@ bool IsAddressWithPrefix(std::string_view text);
 // the first line counts, and only when the address is followed by a blank.
 std::optional<std::string_view> FindAddress(std::string_view output);
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_DEVICE_IP_OUTPUT_H

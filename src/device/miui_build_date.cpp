@@ -5,11 +5,11 @@
 #include <stdexcept>
 #include <string>
 
-#include "core/call_log.h"
 #include "darokleim.h"
-#include "platform/log_library.h"
+#include "src/core/call_log.h"
+#include "src/platform/log_library.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 // The date in UTC. Throws when the text does not begin with a number, or when that is no time.
@@ -32,12 +32,12 @@ std::string DottedDate(const std::tm& date) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 // By value: the types are part of the linkage name.
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
 bool AppendMiuiVersionByTimeCode(std::string time_code, std::string& version) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   constexpr char kFunction[] = "AppendMiuiVersionByTimeCode";
   LogEx(kLogModule, kLogInfo, "%s Enter.With time code:%s", kFunction, time_code.c_str());
   try {

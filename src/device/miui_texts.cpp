@@ -1,11 +1,11 @@
-#include "device/miui_texts.h"
+#include "src/device/miui_texts.h"
 
 #include <algorithm>
 
-#include "core/numbers.h"
-#include "core/text.h"
+#include "src/core/numbers.h"
+#include "src/core/text.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 std::string_view AfterFirstV(std::string_view text) {
   const std::size_t v = text.find('V');
@@ -35,4 +35,4 @@ std::size_t ShownLength(std::string_view version) {
   return std::min(behind_dot + 1, version.size());
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 // "12" of "V12"; the whole text when it holds no V.
 std::string_view AfterFirstV(std::string_view text);
@@ -21,6 +21,6 @@ std::optional<std::string_view> VersionInBuildNumber(std::string_view build_numb
 // character behind its third dot.
 std::size_t ShownLength(std::string_view version);
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_DEVICE_MIUI_TEXTS_H

@@ -2,14 +2,14 @@
 #include <string>
 #include <string_view>
 
-#include "core/call_log.h"
-#include "core/caller_buffer.h"
 #include "darokleim.h"
-#include "device/miui_texts.h"
-#include "device/property.h"
-#include "platform/log_library.h"
+#include "src/core/call_log.h"
+#include "src/core/caller_buffer.h"
+#include "src/device/miui_texts.h"
+#include "src/device/property.h"
+#include "src/platform/log_library.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 constexpr char kFunction[] = "AdbGetMiuiVersion";
@@ -64,10 +64,10 @@ int Compose(const char* serial, const bool* cancel, std::string& version) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 int AdbGetMiuiVersion(const char* serial, char* buffer, int buffer_size, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log(kFunction);
   if (AnyNull(serial, buffer)) return log.InvalidParam();
   std::string version;

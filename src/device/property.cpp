@@ -1,15 +1,15 @@
 // GetPropInfo and the object over it.
-#include "device/property.h"
+#include "src/device/property.h"
 
 #include <string>
 
-#include "core/argument_text.h"
-#include "core/classifier.h"
 #include "darokleim.h"
-#include "platform/command_channel.h"
+#include "src/core/argument_text.h"
+#include "src/core/classifier.h"
+#include "src/platform/command_channel.h"
 
 int GetPropInfo(const char* serial, const char* prop_name, char** out, int* out_len, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   const std::string args = Cut(256, " -s %s shell getprop %s", serial, prop_name);
   const int status = ExecuteAdbCommandSynchronization(args.c_str(), cancel, out, out_len);
   // The text of a command that succeeded is the value, whatever it says: a property may hold any words.
@@ -17,7 +17,7 @@ int GetPropInfo(const char* serial, const char* prop_name, char** out, int* out_
   return Classify(ChannelText(*out, *out_len), status);
 }
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 Property::Property(const char* serial, const char* name, const bool* cancel)
     : code_(GetPropInfo(serial, name, buffer_.out(), buffer_.out_len(), cancel)) {}
@@ -34,4 +34,4 @@ std::string_view Property::c_value() const {
   return has_value() ? buffer_.c_text() : std::string_view();
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk

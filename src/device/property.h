@@ -4,9 +4,9 @@
 
 #include <string_view>
 
-#include "core/channel_buffer.h"
+#include "src/core/channel_buffer.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 // Reads a property with GetPropInfo and owns its text.
 class Property {
@@ -27,6 +27,6 @@ class Property {
   int code_;
 };
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_DEVICE_PROPERTY_H

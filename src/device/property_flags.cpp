@@ -3,12 +3,12 @@
 #include <initializer_list>
 #include <string_view>
 
-#include "core/call_log.h"
-#include "core/text.h"
 #include "darokleim.h"
-#include "device/property.h"
+#include "src/core/call_log.h"
+#include "src/core/text.h"
+#include "src/device/property.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 template <typename Answer>
@@ -31,27 +31,27 @@ int ReadAnswer(const char* function, const char* property_name,
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 int AdbCheckLockedState(const char* serial, bool* locked, const bool* cancel) {
-  return darokleim::ReadAnswer<bool>("AdbCheckLockedState", "ro.boot.flash.locked",
-                                     {{"1", true}, {"0", false}}, serial, locked, cancel);
+  return darokleim::sdk::ReadAnswer<bool>("AdbCheckLockedState", "ro.boot.flash.locked",
+                                          {{"1", true}, {"0", false}}, serial, locked, cancel);
 }
 
 int AdbCheckEncryptState(const char* serial, bool* encrypted, const bool* cancel) {
-  return darokleim::ReadAnswer<bool>("AdbCheckEncryptState", "ro.crypto.state",
-                                     {{"encrypted", true}, {"unencrypted", false}}, serial, encrypted,
-                                     cancel);
+  return darokleim::sdk::ReadAnswer<bool>("AdbCheckEncryptState", "ro.crypto.state",
+                                          {{"encrypted", true}, {"unencrypted", false}}, serial, encrypted,
+                                          cancel);
 }
 
 int AdbGetEncryptType(const char* serial, int* type, const bool* cancel) {
-  return darokleim::ReadAnswer<int>("AdbGetEncryptType", "ro.crypto.type", {{"file", 0}, {"block", 1}},
-                                    serial, type, cancel);
+  return darokleim::sdk::ReadAnswer<int>("AdbGetEncryptType", "ro.crypto.type", {{"file", 0}, {"block", 1}},
+                                         serial, type, cancel);
 }
 
 // Unlike the others, always answers, also on failure.
 int AdbCheckIsHarmony(const char* serial, bool* is_harmony, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbCheckIsHarmony");
   const Property ring_tone(serial, "ro.config.ringtone", cancel);
   *is_harmony = Contains(ring_tone.c_value(), "Harmony");

@@ -1,11 +1,11 @@
 // AdbGetPhoneManufacturer, AdbGetPhoneSoftVersion, AdbGetPhoneProductModel, AdbGetMiuiBuildRegin: properties
 // as text.
-#include "core/call_log.h"
-#include "core/caller_buffer.h"
 #include "darokleim.h"
-#include "device/property.h"
+#include "src/core/call_log.h"
+#include "src/core/caller_buffer.h"
+#include "src/device/property.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 int ReadText(const char* function, const char* property_name, const char* serial, char* buffer,
@@ -18,24 +18,24 @@ int ReadText(const char* function, const char* property_name, const char* serial
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 int AdbGetPhoneManufacturer(const char* serial, char* buffer, int buffer_size, const bool* cancel) {
-  return darokleim::ReadText("AdbGetPhoneManufacturer", "ro.product.manufacturer", serial, buffer,
-                             buffer_size, cancel);
+  return darokleim::sdk::ReadText("AdbGetPhoneManufacturer", "ro.product.manufacturer", serial, buffer,
+                                  buffer_size, cancel);
 }
 
 int AdbGetPhoneSoftVersion(const char* serial, char* buffer, int buffer_size, const bool* cancel) {
-  return darokleim::ReadText("AdbGetPhoneSoftVersion", "ro.build.version.release", serial, buffer,
-                             buffer_size, cancel);
+  return darokleim::sdk::ReadText("AdbGetPhoneSoftVersion", "ro.build.version.release", serial, buffer,
+                                  buffer_size, cancel);
 }
 
 int AdbGetPhoneProductModel(const char* serial, char* buffer, int buffer_size, const bool* cancel) {
-  return darokleim::ReadText("AdbGetPhoneProductModel", "ro.product.model", serial, buffer, buffer_size,
-                             cancel);
+  return darokleim::sdk::ReadText("AdbGetPhoneProductModel", "ro.product.model", serial, buffer, buffer_size,
+                                  cancel);
 }
 
 int AdbGetMiuiBuildRegin(const char* serial, char* buffer, int buffer_size, const bool* cancel) {
-  return darokleim::ReadText("AdbGetMiuiBuildRegin", "ro.miui.build.region", serial, buffer, buffer_size,
-                             cancel);
+  return darokleim::sdk::ReadText("AdbGetMiuiBuildRegin", "ro.miui.build.region", serial, buffer, buffer_size,
+                                  cancel);
 }

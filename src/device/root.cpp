@@ -1,12 +1,12 @@
 // IsDeviceHadBeenRooted: whether there is an su.
-#include "core/adb_run.h"
-#include "core/argument_text.h"
-#include "core/call_log.h"
-#include "core/text.h"
 #include "darokleim.h"
-#include "platform/log_library.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
+#include "src/core/call_log.h"
+#include "src/core/text.h"
+#include "src/platform/log_library.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 struct Probe {
@@ -24,10 +24,10 @@ Probe LookFor(const char* path, const char* serial, const bool* cancel) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 int IsDeviceHadBeenRooted(const char* serial, bool* rooted, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("IsDeviceHadBeenRooted");
   if (AnyNull(serial)) return log.InvalidParam();
   *rooted = false;

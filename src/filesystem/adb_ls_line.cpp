@@ -1,13 +1,13 @@
-#include "filesystem/adb_ls_line.h"
+#include "src/filesystem/adb_ls_line.h"
 
 #include <array>
 #include <cstdlib>
 #include <optional>
 #include <string>
 
-#include "core/text.h"
+#include "src/core/text.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 constexpr int kBase = 16;
@@ -78,4 +78,4 @@ AdbLsLine ReadAdbLsLine(std::string_view line) {
   return ReadAnyLine(line);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk

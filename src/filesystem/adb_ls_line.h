@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string_view>
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 struct AdbLsLine {
   std::uint32_t mode;
@@ -26,6 +26,6 @@ bool IsSkippedAdbLsLine(std::string_view line);
 // character of any kind parts the last from the name.
 AdbLsLine ReadAdbLsLine(std::string_view line);
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_FILESYSTEM_ADB_LS_LINE_H

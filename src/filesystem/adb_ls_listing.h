@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "filesystem/file_info.h"
+#include "src/filesystem/file_info.h"
 
 // A record for each entry of the directory dir, directories included, in order: mode, size, time (as seconds
 // and as text of the host's time zone) and path. "." and ".." give none; neither does any other name of two

@@ -5,15 +5,15 @@
 #include <string>
 #include <string_view>
 
-#include "core/adb_run.h"
-#include "core/argument_text.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 inline AdbRun RunAdbLs(const char* serial, std::string_view directory, const bool* cancel) {
   return AdbRun(Measured(" -s %s ls \"%s\"", serial, std::string(directory).c_str()), cancel);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_FILESYSTEM_ADB_LS_RUN_H

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 struct DevicePath {
   std::string_view parent;  // without its slash; empty for an entry of the root
@@ -19,6 +19,6 @@ inline std::optional<DevicePath> SplitAtLastSlash(std::string_view path) {
   return DevicePath{path.substr(0, slash), path.substr(slash + 1)};
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_FILESYSTEM_DEVICE_PATH_H

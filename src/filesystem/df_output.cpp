@@ -1,11 +1,11 @@
-#include "filesystem/df_output.h"
+#include "src/filesystem/df_output.h"
 
 #include <string>
 
-#include "core/string_helper.h"
-#include "core/text.h"
+#include "src/core/string_helper.h"
+#include "src/core/text.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 std::optional<unsigned long long> FreeBytes(std::string_view rows) {
   constexpr int kAvailableColumn = 3;
@@ -19,4 +19,4 @@ std::optional<unsigned long long> FreeBytes(std::string_view rows) {
   return bytes;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk

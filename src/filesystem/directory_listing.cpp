@@ -5,18 +5,18 @@
 #include <utility>
 #include <vector>
 
-#include "core/adb_run.h"
-#include "core/argument_text.h"
-#include "core/call_log.h"
-#include "core/handed_out.h"
 #include "darokleim.h"
-#include "filesystem/adb_ls_listing.h"
-#include "filesystem/adb_ls_run.h"
-#include "filesystem/file_info.h"
-#include "filesystem/file_list_json.h"
-#include "filesystem/ls_listing.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
+#include "src/core/call_log.h"
+#include "src/core/handed_out.h"
+#include "src/filesystem/adb_ls_listing.h"
+#include "src/filesystem/adb_ls_run.h"
+#include "src/filesystem/file_info.h"
+#include "src/filesystem/file_list_json.h"
+#include "src/filesystem/ls_listing.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 // No pointer is checked, hence no line for it.
@@ -53,11 +53,11 @@ void HandOutOnce(const std::string& document, std::list<FileInfo>* files, char**
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 int AdbGetDirFiles(const char* serial, const char* dir, char** json, int* json_len, int recursive, int all,
                    const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbGetDirFiles", kListingWording);
   std::list<FileInfo> files;
   {
@@ -76,7 +76,7 @@ int AdbGetDirFiles(const char* serial, const char* dir, char** json, int* json_l
 // recursive and all are without effect here and below: adb ls knows no options, and every folder is listed.
 int AdbGetDirFilesEx(const char* serial, const char* dir, char** json, int* json_len, int /*recursive*/,
                      int /*all*/, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbGetDirFilesEx", kListingWording);
   std::list<FileInfo> files;
   const int status = ListAllBelow(serial, dir, cancel, &files);
@@ -86,7 +86,7 @@ int AdbGetDirFilesEx(const char* serial, const char* dir, char** json, int* json
 
 int AdbGetDirFilesAndDirs(const char* serial, const char* dir, char** json, int* json_len, int /*recursive*/,
                           int /*all*/, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbGetDirFilesAndDirs", kListingWording);
   std::list<FileInfo> files;
   const int status = ListAllBelow(serial, dir, cancel, &files);

@@ -2,14 +2,14 @@
 #include <string_view>
 #include <vector>
 
-#include "core/adb_run.h"
-#include "core/argument_text.h"
-#include "core/call_log.h"
-#include "core/numbers.h"
-#include "core/text.h"
 #include "darokleim.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
+#include "src/core/call_log.h"
+#include "src/core/numbers.h"
+#include "src/core/text.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 // The first of the two pieces between tabs that du prints, a size and a path. With fewer there is no size, with
@@ -26,10 +26,10 @@ int ReadDuOutput(std::string_view output, long long* size) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 int AdbGetDirSize(const char* serial, const char* dir, long long* size, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbGetDirSize");
   if (AnyNull(serial, dir, size)) return log.InvalidParam();
   *size = 0;

@@ -1,17 +1,17 @@
 // AdbCheckFileExisted and its fallback: is a path there?
 #include <string>
 
-#include "core/adb_run.h"
-#include "core/argument_text.h"
-#include "core/call_log.h"
-#include "core/string_helper.h"
-#include "core/text.h"
 #include "darokleim.h"
-#include "filesystem/adb_ls_listing.h"
-#include "filesystem/adb_ls_run.h"
-#include "filesystem/device_path.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
+#include "src/core/call_log.h"
+#include "src/core/string_helper.h"
+#include "src/core/text.h"
+#include "src/filesystem/adb_ls_listing.h"
+#include "src/filesystem/adb_ls_run.h"
+#include "src/filesystem/device_path.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 constexpr LogWording kExistenceWording{kLogInfo, nullptr, nullptr, kLogError, "%s, invalid param."};
@@ -26,10 +26,10 @@ bool ListingShows(std::string_view listing, const char* path) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 int AdbCheckFileExisted(const char* serial, const char* device_path, bool* exists, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   const CallLog log("AdbCheckFileExisted", kExistenceWording);
   if (AnyNull(serial, device_path) || AnyNull(exists)) return log.InvalidParam();
   *exists = false;
@@ -50,7 +50,7 @@ int AdbCheckFileExisted(const char* serial, const char* device_path, bool* exist
 
 int AdbCheckFileExistedUsingFolderContent(const char* serial, const char* device_path, bool* exists,
                                           const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbCheckFileExistedUsingFolderContent", kFallbackWording);
   const auto path = SplitAtLastSlash(device_path);
   if (!path) return ADB_RESULT_OK;

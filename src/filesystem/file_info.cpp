@@ -1,4 +1,4 @@
-#include "filesystem/file_info.h"
+#include "src/filesystem/file_info.h"
 
 bool CheckIsDir(unsigned int mode) {
   constexpr unsigned int kDirectoryBit = 0x4000;

@@ -1,15 +1,15 @@
-#include "filesystem/file_list_json.h"
+#include "src/filesystem/file_list_json.h"
 
 #include <cstddef>
 #include <limits>
 #include <string_view>
 #include <utility>
 
-#include "filesystem/folder_tree.h"
-#include "filesystem/json_document.h"
-#include "filesystem/side_file.h"
+#include "src/filesystem/folder_tree.h"
+#include "src/filesystem/json_document.h"
+#include "src/filesystem/side_file.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 // The length of the text around the values of one file in a flat list, its numbers included.
@@ -142,14 +142,14 @@ std::string WithSideFile(std::string document) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 std::string serialization_file_list(const std::list<FileInfo>* files, bool with_size) {
-  return darokleim::WithSideFile(darokleim::FlatDocument(*files, with_size));
+  return darokleim::sdk::WithSideFile(darokleim::sdk::FlatDocument(*files, with_size));
 }
 
 std::string serialization_file_list_keep_folder_structer(const std::list<FileInfo>* files,
                                                          const std::string& root, bool with_size) {
-  const darokleim::FolderTree tree(*files, root);
-  return darokleim::WithSideFile(darokleim::TreeDocument(tree, root, with_size).Written());
+  const darokleim::sdk::FolderTree tree(*files, root);
+  return darokleim::sdk::WithSideFile(darokleim::sdk::TreeDocument(tree, root, with_size).Written());
 }

@@ -6,7 +6,7 @@
 #include <list>
 #include <string>
 
-#include "filesystem/file_info.h"
+#include "src/filesystem/file_info.h"
 
 // {"file_count": 1, "files": [{"file": …, "size": …, "time": …, "utc_timestamp": …}]}: time and utc_timestamp only
 // where there is one, size only with_size. No files are null, not an empty array.

@@ -1,14 +1,14 @@
 // One command of the device's shell for each function. The device is silent on success, so whatever the
 // classifier does not know counts as success; how each path is quoted is part of the interface.
-#include "core/adb_run.h"
-#include "core/argument_text.h"
-#include "core/call_log.h"
 #include "darokleim.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
+#include "src/core/call_log.h"
 
-using darokleim::AdbRun;
-using darokleim::AnyNull;
-using darokleim::CallLog;
-using darokleim::Measured;
+using darokleim::sdk::AdbRun;
+using darokleim::sdk::AnyNull;
+using darokleim::sdk::CallLog;
+using darokleim::sdk::Measured;
 
 int AdbCopyFile(const char* serial, const char* source, const char* destination, const bool* cancel) {
   CallLog log("AdbCopyFile");

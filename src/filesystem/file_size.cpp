@@ -1,13 +1,13 @@
 // AdbGetFileSize: the size in bytes that the device's stat prints.
-#include "core/adb_run.h"
-#include "core/argument_text.h"
-#include "core/call_log.h"
 #include "darokleim.h"
-#include "filesystem/stat_output.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
+#include "src/core/call_log.h"
+#include "src/filesystem/stat_output.h"
 
 int AdbGetFileSize(const char* serial, const char* device_path, unsigned long long* size,
                    const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbGetFileSize");
   if (AnyNull(serial, device_path)) return log.InvalidParam();
   *size = 0;

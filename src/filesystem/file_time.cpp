@@ -4,17 +4,17 @@
 #include <string>
 #include <vector>
 
-#include "core/adb_run.h"
-#include "core/argument_text.h"
-#include "core/call_log.h"
-#include "core/numbers.h"
-#include "core/string_helper.h"
-#include "core/text.h"
 #include "darokleim.h"
-#include "filesystem/adb_ls_run.h"
-#include "filesystem/device_path.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
+#include "src/core/call_log.h"
+#include "src/core/numbers.h"
+#include "src/core/string_helper.h"
+#include "src/core/text.h"
+#include "src/filesystem/adb_ls_run.h"
+#include "src/filesystem/device_path.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 constexpr LogWording kFallbackWording{kLogInfo, "%s Enter ...", "%s Leave.", kLogError, nullptr};
@@ -41,11 +41,11 @@ std::optional<unsigned long long> TimeInAdbLs(std::string_view listing, std::str
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 int AdbGetFileCreateTime(const char* serial, const char* device_path, unsigned long long* time,
                          const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbGetFileCreateTime");
   if (AnyNull(serial, device_path) || AnyNull(time)) return log.InvalidParam();
   *time = 0;
@@ -58,7 +58,7 @@ int AdbGetFileCreateTime(const char* serial, const char* device_path, unsigned l
 
 int AdbGetFileCreateTimeFromLs(const char* serial, const char* device_path, unsigned long long* time,
                                const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbGetFileCreateTimeFromLs", kFallbackWording);
   const auto path = SplitAtLastSlash(device_path);
   if (!path) return ADB_RESULT_OK;

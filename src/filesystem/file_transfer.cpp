@@ -2,24 +2,24 @@
 #include <filesystem>
 #include <string>
 
-#include "core/adb_run.h"
-#include "core/argument_text.h"
-#include "core/call_log.h"
-#include "core/device_temp_dir.h"
-#include "core/text.h"
 #include "darokleim.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
+#include "src/core/call_log.h"
+#include "src/core/device_temp_dir.h"
+#include "src/core/text.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 // A transfer shows in the channel's log; here only a null argument does.
 constexpr LogWording kTransferWording{kLogInfo, nullptr, nullptr, kLogError, "%s, invalid param."};
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 int AdbPushFile(const char* serial, const char* host_path, const char* device_path, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   const CallLog log("AdbPushFile", kTransferWording);
   if (AnyNull(serial, host_path, device_path)) return log.InvalidParam();
   const AdbRun run(Measured(" -s %s push --sync \"%s\" \"%s\"", serial, host_path, device_path), cancel);
@@ -30,7 +30,7 @@ int AdbPushFile(const char* serial, const char* host_path, const char* device_pa
 
 // Unlike a push, a pull is believed only when adb says that it happened: 1 when it does not say so.
 int AdbPullFile(const char* serial, const char* device_path, const char* host_path, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   const CallLog log("AdbPullFile", kTransferWording);
   if (AnyNull(serial, device_path, host_path)) return log.InvalidParam();
   const AdbRun run(Measured(" -s %s pull -a \"%s\" \"%s\"", serial, device_path, host_path), cancel);
@@ -42,7 +42,7 @@ int AdbPullFile(const char* serial, const char* device_path, const char* host_pa
 
 // The first step that fails ends it, without a leave line; a failed pull leaves the file on the device.
 int AdbScreencapToPC(const char* serial, const char* host_path, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbScreencapToPC");
   if (AnyNull(serial, host_path)) return log.InvalidParam();
   const std::string name = std::filesystem::path(host_path).filename().string();

@@ -1,9 +1,9 @@
-#include "filesystem/find_listing.h"
+#include "src/filesystem/find_listing.h"
 
 #include <string>
 #include <string_view>
 
-#include "filesystem/listing_text.h"
+#include "src/filesystem/listing_text.h"
 
 namespace {
 
@@ -18,7 +18,7 @@ std::string_view WithoutLineEnd(std::string_view line) {
 }  // namespace
 
 bool DecodeFindOut(const char* out, int len, std::list<FileInfo>* files) {
-  std::string_view rest = darokleim::ListingText(out, len);
+  std::string_view rest = darokleim::sdk::ListingText(out, len);
   bool any_line = false;
   while (!rest.empty()) {
     const std::size_t end = rest.find('\n');

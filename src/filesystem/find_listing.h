@@ -4,7 +4,7 @@
 
 #include <list>
 
-#include "filesystem/file_info.h"
+#include "src/filesystem/file_info.h"
 
 // Appends a record (its path alone) for each line that begins with "/". Lines end in LF, CR LF or CR CR LF.
 // False when there is no line at all but empty ones; true otherwise, also without a path. Throws

@@ -1,14 +1,14 @@
 // AdbGetFirstSDCardPath: where a device keeps its shared storage.
 #include <string>
 
-#include "core/adb_run.h"
-#include "core/argument_text.h"
-#include "core/call_log.h"
-#include "core/caller_buffer.h"
 #include "darokleim.h"
-#include "platform/log_library.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
+#include "src/core/call_log.h"
+#include "src/core/caller_buffer.h"
+#include "src/platform/log_library.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 // "/sdcard", then "/sdcard0" to "/sdcard9".
@@ -20,10 +20,10 @@ std::string Candidate(int index) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 int AdbGetFirstSDCardPath(const char* serial, char* buffer, int buffer_size, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbGetFirstSDCardPath");
   if (AnyNull(serial, buffer)) return log.InvalidParam();
   if (buffer_size < kRoomForCandidate) {

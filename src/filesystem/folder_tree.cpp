@@ -1,8 +1,8 @@
-#include "filesystem/folder_tree.h"
+#include "src/filesystem/folder_tree.h"
 
 #include <algorithm>
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 // What stands behind the root and one separator. That the path begins with them is not looked at: whoever lists
@@ -68,4 +68,4 @@ void FolderTree::Add(const FileInfo& info, std::size_t folder_number) {
   Link(files_, folder.first_file, folder.last_file, files_.size() - 1);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk

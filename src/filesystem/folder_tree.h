@@ -10,9 +10,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "filesystem/file_info.h"
+#include "src/filesystem/file_info.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 // Folders and files hang together by their numbers: a tree of any depth is built, walked and freed without
 // recursion. The list and the root outlive the tree, which holds views of them.
@@ -64,6 +64,6 @@ class FolderTree {
   std::unordered_map<Step, std::size_t, StepHash> index_;
 };
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_FILESYSTEM_FOLDER_TREE_H

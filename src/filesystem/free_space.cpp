@@ -1,16 +1,16 @@
 // AdbGetStorageFreeSpace: how much room a storage of the device has left.
 #include <string>
 
-#include "core/adb_run.h"
-#include "core/argument_text.h"
-#include "core/call_log.h"
 #include "darokleim.h"
-#include "filesystem/df_output.h"
-#include "platform/log_library.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
+#include "src/core/call_log.h"
+#include "src/filesystem/df_output.h"
+#include "src/platform/log_library.h"
 
 int AdbGetStorageFreeSpace(const char* serial, const char* path, unsigned long long* free_bytes,
                            const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbGetStorageFreeSpace");
   if (AnyNull(serial, path, free_bytes)) return log.InvalidParam();
   *free_bytes = 0;

@@ -1,13 +1,13 @@
-#include "filesystem/json_document.h"
+#include "src/filesystem/json_document.h"
 
 #include <json/value.h>
 #include <json/writer.h>
 
 #include <algorithm>
 
-#include "filesystem/json_text.h"
+#include "src/filesystem/json_text.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 constexpr std::size_t kIndentation = 3;
@@ -93,4 +93,4 @@ void JsonDocument::NewLine() {
   text_.append(indentation_, ' ');
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk

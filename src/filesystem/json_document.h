@@ -8,7 +8,7 @@
 #include <string_view>
 #include <utility>
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 // Gives byte for byte what JsonToString gives of the same document, in a fraction of its time and memory and at
 // any depth. JsonCpp itself quotes every text that holds more than plain characters and writes the numbers; what
@@ -45,6 +45,6 @@ class JsonDocument {
   bool at_first_item_ = true;
 };
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_FILESYSTEM_JSON_DOCUMENT_H

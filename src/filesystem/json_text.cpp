@@ -1,4 +1,4 @@
-#include "filesystem/json_text.h"
+#include "src/filesystem/json_text.h"
 
 #include <json/writer.h>
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 // The caller's text, not copied. A negative length is a length error.
 inline std::string_view ListingText(const char* text, int length) {
@@ -22,6 +22,6 @@ inline std::string JoinListed(std::string_view directory, std::string_view name)
   return path;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_FILESYSTEM_LISTING_TEXT_H

@@ -1,4 +1,4 @@
-#include "filesystem/local_time_text.h"
+#include "src/filesystem/local_time_text.h"
 
 #include <time.h>
 
@@ -7,7 +7,7 @@
 #include <bit>
 #include <cstring>
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 constexpr std::int32_t kDay = 86400;
@@ -105,4 +105,4 @@ const LocalTimeText::Day& LocalTimeText::DayOf(std::int32_t number) {
   return day;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk

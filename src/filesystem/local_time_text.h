@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 // Gives what localtime and strftime give, but asks them only once for each day that occurs: they take locks
 // and would cost more than all the rest of reading a listing.
@@ -35,6 +35,6 @@ class LocalTimeText {
   std::vector<Day> days_;  // each day in the place of its number modulo their number, a power of two
 };
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_FILESYSTEM_LOCAL_TIME_TEXT_H

@@ -1,4 +1,4 @@
-#include "filesystem/ls_line.h"
+#include "src/filesystem/ls_line.h"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 #include <cstring>
 #include <utility>
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 constexpr bool IsBlank(char c) {
@@ -163,4 +163,4 @@ std::optional<LsLine> LsLineMatcher::Match(std::string_view text) {
   return std::nullopt;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk

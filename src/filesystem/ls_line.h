@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 // The columns of one line, as pieces of it.
 struct LsLine {
@@ -30,6 +30,6 @@ class LsLineMatcher {
   std::string_view usual_;
 };
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_FILESYSTEM_LS_LINE_H

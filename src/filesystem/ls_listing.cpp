@@ -1,4 +1,4 @@
-#include "filesystem/ls_listing.h"
+#include "src/filesystem/ls_listing.h"
 
 #include <stdio.h>
 
@@ -8,9 +8,9 @@
 #include <string_view>
 #include <utility>
 
-#include "core/text.h"
-#include "filesystem/listing_text.h"
-#include "filesystem/ls_line.h"
+#include "src/core/text.h"
+#include "src/filesystem/listing_text.h"
+#include "src/filesystem/ls_line.h"
 
 namespace {
 
@@ -18,7 +18,7 @@ constexpr std::string_view kLineEnd = "\r\n";
 
 bool HasTwoLines(std::string_view text) {
   int lines = 0;
-  darokleim::ForEachPiece(text, kLineEnd, [&](std::string_view) { return ++lines < 2; });
+  darokleim::sdk::ForEachPiece(text, kLineEnd, [&](std::string_view) { return ++lines < 2; });
   return lines == 2;
 }
 
@@ -46,8 +46,8 @@ std::uint64_t SizeOf(std::string_view digits) {
   return size;
 }
 
-FileInfo Record(std::string_view directory, const darokleim::LsLine& line) {
-  std::string path = darokleim::JoinListed(directory, line.name);
+FileInfo Record(std::string_view directory, const darokleim::sdk::LsLine& line) {
+  std::string path = darokleim::sdk::JoinListed(directory, line.name);
   UnescapeBlanks(path, directory.size() + 1);
   return {SizeOf(line.size), 0, std::move(path), std::string(line.time), 0};
 }
@@ -63,11 +63,11 @@ void Trace(std::string_view line) {
 }  // namespace
 
 bool DecodeLSOut(const char* out, int len, std::list<FileInfo>* files) {
-  const std::string_view text = darokleim::ListingText(out, len);
+  const std::string_view text = darokleim::sdk::ListingText(out, len);
   if (!HasTwoLines(text)) return false;
   std::string_view directory;
-  darokleim::LsLineMatcher matcher;
-  darokleim::ForEachPiece(text, kLineEnd, [&](std::string_view line) {
+  darokleim::sdk::LsLineMatcher matcher;
+  darokleim::sdk::ForEachPiece(text, kLineEnd, [&](std::string_view line) {
     if (line.front() == '/') {
       directory = line.substr(0, line.size() - 1);
     } else if (line.front() == '-') {

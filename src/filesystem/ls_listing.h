@@ -4,7 +4,7 @@
 
 #include <list>
 
-#include "filesystem/file_info.h"
+#include "src/filesystem/file_info.h"
 
 // Appends a record (size, path, time as printed) for each regular file; directories, links and the rest give
 // none. Lines end in CR LF only, as phones before Android 7 print them. In recursive output the headers

@@ -1,4 +1,4 @@
-#include "filesystem/side_file.h"
+#include "src/filesystem/side_file.h"
 
 #include <cstdio>
 #include <memory>

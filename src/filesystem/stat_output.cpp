@@ -1,11 +1,11 @@
-#include "filesystem/stat_output.h"
+#include "src/filesystem/stat_output.h"
 
 #include <algorithm>
 
-#include "core/numbers.h"
-#include "core/text.h"
+#include "src/core/numbers.h"
+#include "src/core/text.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 // Takes the run of these characters off the front of text; false when there is none.
@@ -37,4 +37,4 @@ std::optional<unsigned long long> SizeInStatOutput(std::string_view output) {
   return size;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk

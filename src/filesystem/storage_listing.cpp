@@ -1,10 +1,10 @@
-#include "filesystem/storage_listing.h"
+#include "src/filesystem/storage_listing.h"
 
 #include <optional>
 
-#include "core/text.h"
+#include "src/core/text.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 constexpr std::string_view kStorage = "/storage/";
@@ -60,4 +60,4 @@ std::string CardPath(std::string_view listing) {
   return path.value_or("");
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 // The paths of all volumes, internal and cards, one for each line that names one; none is sorted out.
 std::vector<std::string> VolumePaths(std::string_view listing);
@@ -15,6 +15,6 @@ std::vector<std::string> VolumePaths(std::string_view listing);
 // The path of the first card, empty without one.
 std::string CardPath(std::string_view listing);
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_SRC_FILESYSTEM_STORAGE_LISTING_H

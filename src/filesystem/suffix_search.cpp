@@ -4,18 +4,18 @@
 #include <string>
 #include <string_view>
 
-#include "core/adb_run.h"
-#include "core/argument_text.h"
-#include "core/call_log.h"
-#include "core/handed_out.h"
-#include "core/text.h"
 #include "darokleim.h"
-#include "filesystem/file_info.h"
-#include "filesystem/file_list_json.h"
-#include "filesystem/find_listing.h"
-#include "platform/log_library.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
+#include "src/core/call_log.h"
+#include "src/core/handed_out.h"
+#include "src/core/text.h"
+#include "src/filesystem/file_info.h"
+#include "src/filesystem/file_list_json.h"
+#include "src/filesystem/find_listing.h"
+#include "src/platform/log_library.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 // Deliberate: what refuses an argument is the enter line once more.
@@ -66,11 +66,11 @@ int Failed(const CallLog& log, int code, const std::string& directory) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 int AdbGetFilesBySuffix(const char* serial, const char* dir, const char* suffixes, char** json, int* json_len,
                         const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   *json = nullptr;
   *json_len = 0;
   CallLog log("AdbGetFilesBySuffix", kSearchWording);

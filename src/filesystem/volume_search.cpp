@@ -4,16 +4,16 @@
 #include <string>
 #include <string_view>
 
-#include "core/adb_run.h"
-#include "core/argument_text.h"
-#include "core/call_log.h"
-#include "core/handed_out.h"
 #include "darokleim.h"
-#include "filesystem/json_text.h"
-#include "filesystem/storage_listing.h"
-#include "platform/log_library.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
+#include "src/core/call_log.h"
+#include "src/core/handed_out.h"
+#include "src/filesystem/json_text.h"
+#include "src/filesystem/storage_listing.h"
+#include "src/platform/log_library.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 // Older than the standard wording: a null serial is logged below the errors, and with a leave line.
@@ -43,10 +43,10 @@ std::string VolumesAsJson(std::string_view listing) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 int AdbSearchSDCardPath(const char* serial, char** paths, int* paths_len, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbSearchSDCardPath", kSearchWording);
   const int code = Search(log, serial, cancel, VolumesAsJson, paths, paths_len);
   if (code == ADB_RESULT_OK) LogEx(kLogModule, kLogInfo, "%s Out Path: %s", log.function(), *paths);
@@ -54,7 +54,7 @@ int AdbSearchSDCardPath(const char* serial, char** paths, int* paths_len, const 
 }
 
 int AdbSearchExternalSDCardPath(const char* serial, char** path, int* path_len, const bool* cancel) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   CallLog log("AdbSearchExternalSDCardPath", kSearchWording);
   return Search(log, serial, cancel, CardPath, path, path_len);
 }

@@ -1,7 +1,7 @@
 // Cancelling in every phase of a command. The machine may be busy: of several attempts the fastest counts.
 #include <algorithm>
 
-#include "channel_run.h"
+#include "tests/channel/channel_run.h"
 
 namespace darokleim::channel {
 namespace {

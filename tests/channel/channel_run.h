@@ -14,9 +14,9 @@
 #include <string>
 #include <thread>
 
-#include "platform/command_channel.h"
-#include "support/own_process.h"
-#include "support/temporary_directory.h"
+#include "src/platform/command_channel.h"
+#include "tests/support/own_process.h"
+#include "tests/support/temporary_directory.h"
 
 namespace darokleim::channel {
 
@@ -50,8 +50,8 @@ inline Result RunAdb(const std::string& args, const bool* cancel = nullptr) {
 }
 
 // One log for all tests of a process: the first file that is opened stays.
-inline const TemporaryDirectory& LogDirectory() {
-  static const TemporaryDirectory directory;
+inline const test::TemporaryDirectory& LogDirectory() {
+  static const test::TemporaryDirectory directory;
   return directory;
 }
 
@@ -115,7 +115,7 @@ class ChannelTest : public testing::Test {
   }
   std::string File(const std::string& name) const { return directory_.File(name); }
 
-  TemporaryDirectory directory_;
+  test::TemporaryDirectory directory_;
 };
 
 }  // namespace darokleim::channel

@@ -1,8 +1,8 @@
-#include "platform/channel/command.h"
+#include "channel/command/command.h"
 
 #include <gmock/gmock.h>
 
-#include "platform/channel/device_quoting.h"
+#include "base/shell_quoting.h"
 
 namespace darokleim::channel {
 namespace {
@@ -113,7 +113,7 @@ TEST(AssistedCommand, KeepsAPathWhole) {
     for (const Form& form : shell_forms) {
       const Command command = Assisted("-s X " + form.before + path + form.after);
       ASSERT_GT(command.words.size(), form.word + 2) << form.before << path;
-      EXPECT_EQ(command.words[form.word + 2], QuoteForDevice(path)) << form.before;
+      EXPECT_EQ(command.words[form.word + 2], base::QuoteForShell(path)) << form.before;
     }
     for (const Form& form : adb_forms) {
       // Of any number of paths nobody can tell where one ends that ends like this.

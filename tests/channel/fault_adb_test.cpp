@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <random>
 
-#include "channel_run.h"
-#include "support/file_content.h"
+#include "tests/channel/channel_run.h"
+#include "tests/support/file_content.h"
 
 namespace darokleim::channel {
 namespace {
@@ -22,7 +22,7 @@ class FaultOfAdb : public ChannelTest {
     });
   }
   void PutAdb(const std::string& path, const std::string& script) {
-    WriteFile(path + ".new", "#!/bin/sh\n" + script);
+    test::WriteFile(path + ".new", "#!/bin/sh\n" + script);
     chmod((path + ".new").c_str(), 0755);
     std::filesystem::rename(path + ".new", path);
   }
@@ -95,7 +95,7 @@ TEST_F(FaultOfAdb, OfAnotherProcessor) {
   program.resize(16);
   program.append("\2\0\xfe\xfe\1\0\0\0", 8);
   program.resize(64);
-  WriteFile(File("adb"), program);
+  test::WriteFile(File("adb"), program);
   chmod(File("adb").c_str(), 0755);
   UseAdb(File("adb"));
   EXPECT_EQ(RunAdb(" devices").status, 3002);

@@ -4,7 +4,7 @@
 #include <random>
 #include <vector>
 
-#include "channel_run.h"
+#include "tests/channel/channel_run.h"
 
 #if defined(__linux__)
 #include <sys/syscall.h>
@@ -97,7 +97,7 @@ TEST_F(FaultOfHost, ItsSixtyFourThreadsCancelAtRandomMoments) {
 }
 
 TEST_F(FaultOfHost, ItsWorkingDirectoryIsGone) {
-  InProcessOfItsOwn([&] {
+  test::InProcessOfItsOwn([&] {
     std::filesystem::create_directory(File("gone"));
     std::filesystem::current_path(File("gone"));
     std::filesystem::remove(File("gone"));

@@ -16,8 +16,8 @@
 #include <atomic>
 #include <filesystem>
 
-#include "channel_run.h"
-#include "support/file_content.h"
+#include "tests/channel/channel_run.h"
+#include "tests/support/file_content.h"
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define DAROKLEIM_SANITIZED 1
@@ -68,7 +68,7 @@ class HostTest : public ChannelTest {
 };
 
 TEST_F(HostTest, WithItsStandardStreamsClosed) {
-  InProcessOfItsOwn([&] {
+  test::InProcessOfItsOwn([&] {
     const int saved = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 10);
     for (const int fd : {0, 1, 2}) close(fd);
     const Result words = RunAdb(" print:a error:b");
@@ -86,7 +86,7 @@ TEST_F(HostTest, WithItsStandardStreamsClosed) {
 #if defined(__linux__)
 // The host's own prints must not get into a pipe that has taken the number of a closed stream.
 TEST_F(HostTest, DoesNotPrintIntoTheAnswer) {
-  InProcessOfItsOwn([&] {
+  test::InProcessOfItsOwn([&] {
     const int saved = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 10);
     close(STDOUT_FILENO);
     std::atomic<bool> done = false;
@@ -107,7 +107,7 @@ TEST_F(HostTest, DoesNotPrintIntoTheAnswer) {
 #endif
 
 TEST_F(HostTest, WithEverySignalBlocked) {
-  InProcessOfItsOwn([&] {
+  test::InProcessOfItsOwn([&] {
     sigset_t all;
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, nullptr);
@@ -118,7 +118,7 @@ TEST_F(HostTest, WithEverySignalBlocked) {
 }
 
 TEST_F(HostTest, WithSignalsIgnored) {
-  InProcessOfItsOwn([&] {
+  test::InProcessOfItsOwn([&] {
     for (const int number : {SIGPIPE, SIGTERM, SIGINT, SIGHUP}) signal(number, SIG_IGN);
     EXPECT_EQ(RunAdb(" signals").output, "");
     EXPECT_EQ(RunAdb(" signal:13").status, 2013);
@@ -127,7 +127,7 @@ TEST_F(HostTest, WithSignalsIgnored) {
 }
 
 TEST_F(HostTest, InterruptedBySignals) {
-  InProcessOfItsOwn([&] {
+  test::InProcessOfItsOwn([&] {
     struct sigaction action = {};
     action.sa_handler = [](int) {};  // and no SA_RESTART
     sigaction(SIGUSR1, &action, nullptr);
@@ -147,14 +147,14 @@ TEST_F(HostTest, InterruptedBySignals) {
 }
 
 TEST_F(HostTest, IgnoringItsChildren) {
-  InProcessOfItsOwn([&] {
+  test::InProcessOfItsOwn([&] {
     signal(SIGCHLD, SIG_IGN);
     ExpectTheTextDecides();
   });
 }
 
 TEST_F(HostTest, CollectingEveryChildItself) {
-  InProcessOfItsOwn([&] {
+  test::InProcessOfItsOwn([&] {
     std::atomic<bool> done = false;
     std::thread collector([&] {
       while (!done) {
@@ -175,7 +175,7 @@ TEST_F(HostTest, CollectingEveryChildItself) {
 }
 
 TEST_F(HostTest, OutOfDescriptors) {
-  InProcessOfItsOwn([&] {
+  test::InProcessOfItsOwn([&] {
     rlimit limit;
     getrlimit(RLIMIT_NOFILE, &limit);
     limit.rlim_cur = 64;
@@ -205,7 +205,7 @@ TEST_F(HostTest, OutOfProcesses) {
   std::filesystem::permissions(directory_.path(), std::filesystem::perms(0777));
   std::filesystem::copy_file(DAROKLEIM_MISBEHAVING_ADB, File("adb"));
   UseAdb(File("adb"));
-  InProcessOfItsOwn([&] {
+  test::InProcessOfItsOwn([&] {
     constexpr uid_t kNobody = 65534;
     if (geteuid() == 0) {
       ASSERT_EQ(setuid(kNobody), 0);
@@ -225,7 +225,7 @@ TEST_F(HostTest, OutOfProcesses) {
 
 #if defined(__linux__) && !defined(DAROKLEIM_SANITIZED)  // a sanitizer's own memory is far over any limit
 TEST_F(HostTest, OutOfMemory) {
-  InProcessOfItsOwn([&] {
+  test::InProcessOfItsOwn([&] {
     // Takes the block that the channel may have kept from an earlier command, for good.
     char* kept = nullptr;
     int length = 0;
@@ -282,7 +282,7 @@ void ForbidPidfds() {
 }
 
 TEST_F(HostTest, WithoutPidfds) {
-  InProcessOfItsOwn([&] {
+  test::InProcessOfItsOwn([&] {
     ForbidPidfds();
     ExpectEverythingWorks();
     ExpectServerDoesNotHold();
@@ -302,7 +302,7 @@ TEST_F(HostTest, WithoutPidfds) {
 }
 
 TEST_F(HostTest, IgnoringItsChildrenWithoutPidfds) {
-  InProcessOfItsOwn([&] {
+  test::InProcessOfItsOwn([&] {
     ForbidPidfds();
     signal(SIGCHLD, SIG_IGN);
     ExpectTheTextDecides();

@@ -2,7 +2,7 @@
 #include <filesystem>
 #include <vector>
 
-#include "channel_run.h"
+#include "tests/channel/channel_run.h"
 
 namespace darokleim::channel {
 namespace {

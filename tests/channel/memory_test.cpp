@@ -3,15 +3,15 @@
 #include <optional>
 #include <string_view>
 
-#include "channel_run.h"
-#include "platform/log_library.h"
-#include "support/failing_allocation.h"
+#include "src/platform/log_library.h"
+#include "tests/channel/channel_run.h"
+#include "tests/support/failing_allocation.h"
 
 namespace darokleim::channel {
 namespace {
 
-using darokleim::testing::FailingAllocation;
-using darokleim::testing::WithEachAllocationFailing;
+using darokleim::test::FailingAllocation;
+using darokleim::test::WithEachAllocationFailing;
 
 constexpr int kNoMemory = 3006;
 

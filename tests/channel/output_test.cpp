@@ -1,8 +1,8 @@
 // What arrives of what adb prints, and the words that it is started with.
 #include <cstring>
 
-#include "channel_run.h"
-#include "support/file_content.h"
+#include "tests/channel/channel_run.h"
+#include "tests/support/file_content.h"
 
 namespace darokleim::channel {
 namespace {
@@ -73,7 +73,7 @@ TEST_F(OutputTest, LosesTheNoticesOfAStartingServer) {
   EXPECT_EQ(RunAdbWhere(orders, " devices").output, "8.0.0\n");
   EXPECT_EQ(RunAdbWhere(kStarted, " devices").output, "");
   EXPECT_TRUE(RunAdbWhere(kStarted, " devices").handed_out);
-  EXPECT_NE(ReadFile(LogDirectory().File("adb_channel.log")).find("daemon started successfully"),
+  EXPECT_NE(test::ReadFile(LogDirectory().File("adb_channel.log")).find("daemon started successfully"),
             std::string::npos);
 }
 
@@ -128,7 +128,7 @@ TEST_F(LogTest, HasALineForEachCommand) {
   RunAdb(" print:logged exit:4");
   UseAdb(File("missing"));
   RunAdb("devices");
-  std::vector<std::string> lines = ReadLines(LogDirectory().File("adb_channel.log"));
+  std::vector<std::string> lines = test::ReadLines(LogDirectory().File("adb_channel.log"));
   ASSERT_GE(lines.size(), 3u);
   lines.erase(lines.begin(), lines.end() - 3);
   EXPECT_NE(lines[0].find("[info] [AdbChannel]"), std::string::npos);

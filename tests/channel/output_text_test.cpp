@@ -5,13 +5,13 @@
 #include <string>
 #include <vector>
 
-#include "platform/channel/failure_lines.h"
-#include "platform/channel/line_ends.h"
-#include "platform/channel/outcome.h"
-#include "platform/channel/output_block.h"
-#include "platform/channel/output_buffer.h"
-#include "platform/channel/server_notices.h"
-#include "platform/channel/stream_filter.h"
+#include "channel/output/failure_lines.h"
+#include "channel/output/line_ends.h"
+#include "channel/output/outcome.h"
+#include "channel/output/output_block.h"
+#include "channel/output/output_buffer.h"
+#include "channel/output/server_notices.h"
+#include "channel/output/stream_filter.h"
 
 namespace darokleim::channel {
 namespace {

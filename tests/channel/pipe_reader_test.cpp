@@ -1,4 +1,4 @@
-#include "platform/channel/pipe_reader.h"
+#include "channel/process/pipe_reader.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -35,7 +35,7 @@ class PipeReaderTest : public testing::Test {
     EXPECT_EQ(write(write_end_.get(), text.data(), text.size()), static_cast<ssize_t>(text.size()));
   }
 
-  UniqueFd read_end_, write_end_;
+  base::UniqueFd read_end_, write_end_;
   Sink sink_;
 };
 

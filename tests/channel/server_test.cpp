@@ -1,7 +1,7 @@
 // A server that a command leaves behind: it holds the pipe, lives on, and knows nothing of the host.
 #include <fcntl.h>
 
-#include "channel_run.h"
+#include "tests/channel/channel_run.h"
 
 namespace darokleim::channel {
 namespace {

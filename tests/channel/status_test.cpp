@@ -1,8 +1,8 @@
 // The status values, and what is handed out with them.
 #include <sys/stat.h>
 
-#include "channel_run.h"
-#include "support/file_content.h"
+#include "tests/channel/channel_run.h"
+#include "tests/support/file_content.h"
 
 namespace darokleim::channel {
 namespace {
@@ -10,7 +10,7 @@ namespace {
 class StatusTest : public ChannelTest {
  protected:
   std::string Program(const std::string& name, const std::string& content, mode_t mode) {
-    WriteFile(File(name), content);
+    test::WriteFile(File(name), content);
     chmod(File(name).c_str(), mode);
     return File(name);
   }

@@ -3,8 +3,8 @@
 #include <mutex>
 #include <optional>
 
-#include "channel_run.h"
-#include "support/file_content.h"
+#include "tests/channel/channel_run.h"
+#include "tests/support/file_content.h"
 
 // In a fork, what the threads that stayed behind own looks leaked.
 static bool leaks_are_of_the_fork = false;
@@ -75,7 +75,7 @@ TEST_F(StreamTest, HasALineInTheLog) {
   Collector collector;
   ASSERT_EQ(Start(" print:streamed exit:4", &collector), 0);
   EXPECT_EQ(collector.Status(), 1004);
-  const std::vector<std::string> lines = ReadLines(LogDirectory().File("adb_channel.log"));
+  const std::vector<std::string> lines = test::ReadLines(LogDirectory().File("adb_channel.log"));
   ASSERT_FALSE(lines.empty());
   EXPECT_NE(lines.back().find("adb print:streamed exit:4: status 1004, 8 bytes, "), std::string::npos)
       << lines.back();

@@ -5,7 +5,7 @@
 #include <set>
 #include <sstream>
 
-#include "channel_run.h"
+#include "tests/channel/channel_run.h"
 
 namespace darokleim::channel {
 namespace {
@@ -40,7 +40,7 @@ class UnloadTest : public testing::Test {
         args.c_str(), nullptr, context, reinterpret_cast<void*>(receiver));
   }
 
-  TemporaryDirectory directory_;
+  test::TemporaryDirectory directory_;
 };
 
 TEST_F(UnloadTest, StopsEveryStream) {
@@ -89,7 +89,7 @@ TEST_F(UnloadTest, ReallyUnloads) {
 }
 
 TEST_F(UnloadTest, DoesNotWaitForEverForAReceiver) {
-  InProcessOfItsOwn([&] {
+  test::InProcessOfItsOwn([&] {
     LoadedChannel channel;
     std::atomic<bool> called = false;
     ASSERT_EQ(Start(&channel, " print:line\\n sleep:60000", &called,

@@ -1,4 +1,4 @@
-#include "platform/channel/word_splitter.h"
+#include "channel/command/word_splitter.h"
 
 #include <gmock/gmock.h>
 

@@ -4,10 +4,10 @@
 
 #include <filesystem>
 
-#include "support/file_content.h"
-#include "tool_run.h"
+#include "tests/cli/tool_run.h"
+#include "tests/support/file_content.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 using testing::AllOf;
@@ -78,7 +78,7 @@ TEST_F(AdbOptionTest, AnInstalledToolHasItsFolderInShare) {
 }
 
 TEST_F(AdbOptionTest, WhatCannotBeRunIsPassedOverInPath) {
-  WriteFile(File("bin/adb"), "not executable");
+  test::WriteFile(File("bin/adb"), "not executable");
   MakeNamedAdb(File("later/adb"), "LATER");
   Set("PATH", ":.::" + File("bin") + ":" + File("missing") + ":" + File("later"));
   EXPECT_THAT(Run({"devices"}).output, HasSubstr("LATER"));
@@ -93,7 +93,7 @@ TEST_F(AdbOptionTest, ADirectoryIsRefused) {
 }
 
 TEST_F(AdbOptionTest, AFileThatIsNotExecutableIsRefused) {
-  WriteFile(File("plain"), "text");
+  test::WriteFile(File("plain"), "text");
   ExpectRefused(File("plain"), "it is not executable");
 }
 
@@ -154,4 +154,4 @@ TEST_F(AdbOptionTest, ABusyboxThatIsMissingIsRefused) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

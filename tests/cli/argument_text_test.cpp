@@ -1,10 +1,10 @@
-#include "argument_text.h"
+#include "tools/cli/argument_text.h"
 
 #include <gtest/gtest.h>
 
-#include "errors.h"
+#include "tools/cli/errors.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 TEST(ForBarePlace, QuotesOnlyWhatNeedsIt) {
@@ -23,4 +23,4 @@ TEST(CheckCanBeCarried, RefusesWhatStandsBetweenTwoPaths) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -5,10 +5,10 @@
 #include <chrono>
 #include <thread>
 
-#include "support/file_content.h"
-#include "tool_run.h"
+#include "tests/cli/tool_run.h"
+#include "tests/support/file_content.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 using std::chrono::milliseconds;
@@ -23,7 +23,7 @@ class CancelTest : public ToolTest {
   pid_t WaitForAdb() const {
     const auto end = steady_clock::now() + seconds(20);
     while (steady_clock::now() < end) {
-      const std::string text = ReadFile(File("pid"));
+      const std::string text = test::ReadFile(File("pid"));
       if (text.ends_with("\n")) return std::stoi(text);
       std::this_thread::sleep_for(milliseconds(5));
     }
@@ -66,4 +66,4 @@ TEST_F(CancelTest, ASignalThatIsIgnoredStaysIgnored) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

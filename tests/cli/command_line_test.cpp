@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 
-#include "tool_run.h"
+#include "tests/cli/tool_run.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 using testing::HasSubstr;
@@ -65,4 +65,4 @@ TEST_F(CommandLineTest, GlobalOptionsMayStandOnBothSidesOfTheCommand) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

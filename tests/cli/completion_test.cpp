@@ -4,11 +4,11 @@
 
 #include <sstream>
 
-#include "simulated_phones.h"
-#include "support/file_content.h"
-#include "tool_run.h"
+#include "tests/cli/tool_run.h"
+#include "tests/phone/simulated_phones.h"
+#include "tests/support/file_content.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 using testing::Contains;
@@ -116,7 +116,7 @@ TEST_F(BashCompletionTest, OffersWhatTheToolKnows) {
 }
 
 TEST_F(BashCompletionTest, OffersFilesWithBlanksInTheirNames) {
-  WriteFile(File("my notes.apk"), "");
+  test::WriteFile(File("my notes.apk"), "");
   EXPECT_THAT(Bash({"app", "install", "my"}), ElementsAre("my notes.apk"));
   EXPECT_THAT(Bash({"--log-dir", "hom"}), ElementsAre("home"));
   EXPECT_THAT(Bash({"--adb", "=", "my"}), ElementsAre("my notes.apk"));
@@ -145,10 +145,10 @@ TEST_F(ZshCompletionTest, IsValid) {
 // The functions of zsh's completion system are replaced by some that print what they are given.
 TEST_F(ZshCompletionTest, DescribesWhatTheToolOffers) {
   MakeAdb(kTwoDevices);
-  WriteFile(File("play"),
-            "_describe() { print -l -- \"${(@P)2}\" }\n_files() { print -- files \"$@\" }\n"
-            "words=(\"$TOOL\" \"$@\"); CURRENT=$#words; set --\nsource '" DAROKLEIM_COMPLETIONS
-            "/_darokleim'\n");
+  test::WriteFile(File("play"),
+                  "_describe() { print -l -- \"${(@P)2}\" }\n_files() { print -- files \"$@\" }\n"
+                  "words=(\"$TOOL\" \"$@\"); CURRENT=$#words; set --\nsource '" DAROKLEIM_COMPLETIONS
+                  "/_darokleim'\n");
   const auto zsh = [this](const std::string& words) {
     return RunShell("zsh -f " + File("play") + " " + words).output;
   };
@@ -159,4 +159,4 @@ TEST_F(ZshCompletionTest, DescribesWhatTheToolOffers) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

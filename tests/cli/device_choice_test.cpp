@@ -1,10 +1,10 @@
 // -s, ANDROID_SERIAL, and what happens without.
 #include <gmock/gmock.h>
 
-#include "support/file_content.h"
-#include "tool_run.h"
+#include "tests/cli/tool_run.h"
+#include "tests/support/file_content.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 using testing::AllOf;
@@ -22,7 +22,7 @@ class DeviceChoiceTest : public ToolTest {
 
   // The device that the tool asked, and nothing when it asked none.
   std::string AskedDevice() const {
-    const auto commands = ReadLines(File("commands"));
+    const auto commands = test::ReadLines(File("commands"));
     if (commands.empty()) return "";
     EXPECT_THAT(commands.front(), StartsWith("-s "));
     return commands.front().substr(3, commands.front().find(' ', 3) - 3);
@@ -104,4 +104,4 @@ TEST_F(DeviceChoiceTest, AFailureWithoutAMessageIsExplainedByTheDevicesState) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -1,10 +1,10 @@
-#include "device_path.h"
+#include "tools/cli/device_path.h"
 
 #include <gtest/gtest.h>
 
-#include "errors.h"
+#include "tools/cli/errors.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 TEST(DevicePath, LosesSlashesThatMeanNothing) {
@@ -31,4 +31,4 @@ TEST(DevicePath, KnowsItsPieces) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -4,10 +4,10 @@
 #include <memory>
 #include <vector>
 
-#include "support/file_content.h"
-#include "tool_run.h"
+#include "tests/cli/tool_run.h"
+#include "tests/support/file_content.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 using testing::HasSubstr;
@@ -81,17 +81,17 @@ TEST_F(DevicesTest, AFailureWithoutAKnownMessageNamesTheExitStatusAdbAndTheLog) 
   EXPECT_THAT(outcome.errors, StartsWith("darokleim: cannot list devices: adb exit status 3 (1003): "));
   EXPECT_THAT(outcome.errors, HasSubstr("(adb: " + File("bin/adb") + ", log: "));
 #if defined(__linux__)
-  EXPECT_THAT(ReadFile(File("home/.local/state/darokleim/adb_sdk.log")), HasSubstr("something new"));
+  EXPECT_THAT(test::ReadFile(File("home/.local/state/darokleim/adb_sdk.log")), HasSubstr("something new"));
 #endif
 }
 
 TEST_F(DevicesTest, TheChannelIsAskedForItsAssistanceUnlessTheUserDecidedOtherwise) {
   MakeAdb("echo \"$DAROKLEIM_CHANNEL_ASSIST\" >" + File("assist"));
   Run({"devices"});
-  EXPECT_EQ(ReadFile(File("assist")), "1\n");
+  EXPECT_EQ(test::ReadFile(File("assist")), "1\n");
   Set("DAROKLEIM_CHANNEL_ASSIST", "0");
   Run({"devices"});
-  EXPECT_EQ(ReadFile(File("assist")), "0\n");
+  EXPECT_EQ(test::ReadFile(File("assist")), "0\n");
 }
 
 TEST_F(DevicesTest, ManyToolsMayRunAtOnce) {
@@ -106,4 +106,4 @@ TEST_F(DevicesTest, ManyToolsMayRunAtOnce) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -6,10 +6,10 @@
 
 #include <filesystem>
 
-#include "support/file_content.h"
-#include "tool_run.h"
+#include "tests/cli/tool_run.h"
+#include "tests/support/file_content.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 using testing::HasSubstr;
@@ -44,7 +44,7 @@ constexpr char kCache[] = "home/.cache/darokleim";
 
 TEST_F(HostDirectoriesTest, AreBelowTheHome) {
   ASSERT_EQ(Run({"devices"}).status, 0);
-  EXPECT_THAT(ReadFile(File(std::string(kLogs) + "/adb_sdk.log")), HasSubstr("[AdbSDK]"));
+  EXPECT_THAT(test::ReadFile(File(std::string(kLogs) + "/adb_sdk.log")), HasSubstr("[AdbSDK]"));
   EXPECT_TRUE(std::filesystem::exists(File(std::string(kLogs) + "/adb_channel.log")));
   int links = 0;
   for (const auto& directory : std::filesystem::directory_iterator(File(kCache))) {
@@ -59,7 +59,7 @@ TEST_F(HostDirectoriesTest, ALinkThatWasTamperedWithIsMadeAgain) {
   ASSERT_EQ(Run({"devices"}).status, 0);
   const auto directory = std::filesystem::directory_iterator(File(kCache))->path();
   std::filesystem::remove(directory / "adb");
-  WriteFile((directory / "adb").native(), "something else");
+  test::WriteFile((directory / "adb").native(), "something else");
   EXPECT_EQ(Run({"devices"}).status, 0);
   EXPECT_EQ(std::filesystem::read_symlink(directory / "adb"), File("bin/adb"));
 }
@@ -98,14 +98,14 @@ TEST_F(HostDirectoriesTest, OfAUserWithoutAHomeAreInTheTemporaryDirectory) {
 }
 
 TEST_F(HostDirectoriesTest, OfAHomeThatCannotBeWrittenAreReplaced) {
-  WriteFile(File("file"), "");
+  test::WriteFile(File("file"), "");
   Set("HOME", File("file"));
   ExpectNoLogIn(File("file") + std::string(kLogs).substr(4), {});
   EXPECT_TRUE(std::filesystem::exists(TemporaryUserDirectory()));
 }
 
 TEST_F(HostDirectoriesTest, OfAnotherUserInTheTemporaryDirectoryAreNotTrusted) {
-  WriteFile(File("file"), "");
+  test::WriteFile(File("file"), "");
   Set("HOME", File("file"));
   std::filesystem::create_directory(TemporaryUserDirectory());
   ASSERT_EQ(chmod(TemporaryUserDirectory().c_str(), 0777), 0);
@@ -126,7 +126,7 @@ TEST_F(HostDirectoriesTest, LogDirIsCreated) {
 }
 
 TEST_F(HostDirectoriesTest, LogDirThatCannotBeCreatedIsToldAndTheCommandGoesOn) {
-  WriteFile(File("file"), "");
+  test::WriteFile(File("file"), "");
   ExpectNoLogIn(File("file/logs"), {"--log-dir", File("file/logs")});
 }
 
@@ -136,4 +136,4 @@ TEST_F(HostDirectoriesTest, LogDirWithSomethingInThePlaceOfTheLogIsTold) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

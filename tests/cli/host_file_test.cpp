@@ -1,12 +1,12 @@
-#include "host_file.h"
+#include "tools/cli/host_file.h"
 
 #include <gmock/gmock.h>
 
-#include "errors.h"
-#include "support/file_content.h"
-#include "support/temporary_directory.h"
+#include "tests/support/file_content.h"
+#include "tests/support/temporary_directory.h"
+#include "tools/cli/errors.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 namespace fs = std::filesystem;
@@ -22,44 +22,44 @@ class HostFileTest : public testing::Test {
     return names;
   }
 
-  TemporaryDirectory directory_;
+  test::TemporaryDirectory directory_;
 };
 
 TEST_F(HostFileTest, AnUnfinishedFileTakesItsPlaceWhole) {
-  WriteFile(File("a"), "old");
+  test::WriteFile(File("a"), "old");
   {
     UnfinishedOnHost file(File("a"));
-    WriteFile(file.path(), "new");
-    EXPECT_EQ(ReadFile(File("a")), "old");
+    test::WriteFile(file.path(), "new");
+    EXPECT_EQ(test::ReadFile(File("a")), "old");
     file.PutInPlace();
   }
-  EXPECT_EQ(ReadFile(File("a")), "new");
+  EXPECT_EQ(test::ReadFile(File("a")), "new");
   EXPECT_THAT(Names(), UnorderedElementsAre("a"));
 }
 
 TEST_F(HostFileTest, WhatIsNotPutInPlaceGoes) {
-  WriteFile(File("a"), "old");
+  test::WriteFile(File("a"), "old");
   {
     const UnfinishedOnHost file(File("a"));
-    WriteFile(file.path(), "half");
+    test::WriteFile(file.path(), "half");
   }
-  EXPECT_EQ(ReadFile(File("a")), "old");
+  EXPECT_EQ(test::ReadFile(File("a")), "old");
   EXPECT_THAT(Names(), UnorderedElementsAre("a"));
 }
 
 TEST_F(HostFileTest, AFolderIsMerged) {
   fs::create_directories(File("to/both"));
-  WriteFile(File("to/both/kept"), "1");
-  WriteFile(File("to/both/replaced"), "2");
+  test::WriteFile(File("to/both/kept"), "1");
+  test::WriteFile(File("to/both/replaced"), "2");
   UnfinishedOnHost folder(File("to"));
   fs::create_directories(folder.path() / "both");
   fs::create_directories(folder.path() / "new/deep");
-  WriteFile(folder.path() / "both/replaced", "3");
-  WriteFile(folder.path() / "new/deep/file", "4");
+  test::WriteFile(folder.path() / "both/replaced", "3");
+  test::WriteFile(folder.path() / "new/deep/file", "4");
   folder.PutInPlace();
-  EXPECT_EQ(ReadFile(File("to/both/kept")), "1");
-  EXPECT_EQ(ReadFile(File("to/both/replaced")), "3");
-  EXPECT_EQ(ReadFile(File("to/new/deep/file")), "4");
+  EXPECT_EQ(test::ReadFile(File("to/both/kept")), "1");
+  EXPECT_EQ(test::ReadFile(File("to/both/replaced")), "3");
+  EXPECT_EQ(test::ReadFile(File("to/new/deep/file")), "4");
 }
 
 TEST_F(HostFileTest, NeedsAFolderToWriteIn) {
@@ -68,8 +68,8 @@ TEST_F(HostFileTest, NeedsAFolderToWriteIn) {
 
 TEST_F(HostFileTest, SizesAndFilesOfAFolder) {
   fs::create_directories(File("f/g"));
-  WriteFile(File("f/a"), "12345");
-  WriteFile(File("f/g/b"), "67");
+  test::WriteFile(File("f/a"), "12345");
+  test::WriteFile(File("f/g/b"), "67");
   EXPECT_EQ(SizeOnHost(File("f")), 7u);
   EXPECT_EQ(SizeOnHost(File("f/a")), 5u);
   EXPECT_EQ(SizeOnHost(File("missing")), 0u);
@@ -86,4 +86,4 @@ TEST_F(HostFileTest, AbsolutePathsHaveNoSlashAtTheirEnd) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

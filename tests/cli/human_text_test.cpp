@@ -1,10 +1,10 @@
-#include "human_text.h"
+#include "tools/cli/human_text.h"
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <time.h>
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 TEST(SizeText, HasTwoDigitsAtLeast) {
@@ -42,4 +42,4 @@ TEST(TimeTexts, OfNoTimeAreTheNumber) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

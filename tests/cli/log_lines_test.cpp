@@ -1,4 +1,4 @@
-#include "log_lines.h"
+#include "tools/cli/log_lines.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -6,7 +6,7 @@
 #include <array>
 #include <string>
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 // What Output writes.
@@ -79,4 +79,4 @@ TEST(LogLines, AreObjectsOnALineOfTheirOwn) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -5,10 +5,10 @@
 #include <set>
 #include <sstream>
 
-#include "support/file_content.h"
-#include "tool_run.h"
+#include "tests/cli/tool_run.h"
+#include "tests/support/file_content.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 using testing::HasSubstr;
@@ -93,12 +93,12 @@ TEST_F(ManualTest, DescribesEverySubcommandAndOption) {
 }
 
 TEST_F(ManualTest, IsTheOneThatIsInstalled) {
-  EXPECT_EQ(ReadFile(DAROKLEIM_MANUAL), Page());
+  EXPECT_EQ(test::ReadFile(DAROKLEIM_MANUAL), Page());
 }
 
 // The words of the program's help that name an option, a setting or a fault.
 TEST_F(ManualTest, OfThePhoneNamesEverythingThatItsHelpDoes) {
-  std::string page = ReadFile(DAROKLEIM_PHONE_MANUAL);
+  std::string page = test::ReadFile(DAROKLEIM_PHONE_MANUAL);
   page = std::regex_replace(page, std::regex(R"(\\(f[BIP]|&))"), "");
   page = std::regex_replace(page, std::regex(R"(\\-)"), "-");
   std::string help = RunProgram({DAROKLEIM_PHONE_PROGRAM}, {"--help"}).output;
@@ -146,4 +146,4 @@ INSTANTIATE_TEST_SUITE_P(, FormattedManualTest, testing::Values(DAROKLEIM_MANUAL
                          NameOfPage);
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

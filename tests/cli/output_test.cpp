@@ -1,9 +1,9 @@
 // Standard output that is closed, full or gone.
 #include <gmock/gmock.h>
 
-#include "tool_run.h"
+#include "tests/cli/tool_run.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 using testing::StartsWith;
@@ -41,4 +41,4 @@ TEST_F(OutputTest, StillComesWhenTheOtherStreamsAreClosed) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

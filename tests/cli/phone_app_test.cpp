@@ -1,10 +1,10 @@
 // darokleim app, on simulated phones.
 #include <filesystem>
 
-#include "phone_tool_test.h"
-#include "support/file_content.h"
+#include "tests/cli/phone_tool_test.h"
+#include "tests/support/file_content.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 using testing::AllOf;
@@ -51,7 +51,7 @@ TEST_P(PhoneAppTest, SaysWhyAFileCannotBeInstalled) {
   EXPECT_THAT(Fail({"app", "install", "."}), HasSubstr("it is not a file"));
   EXPECT_THAT(Fail({"app", "install", Apk("notes-unsigned.apk")}),
               HasSubstr(is_legacy() ? "the package is not signed" : "ADB_RESULT_FAILURE (31)"));
-  WriteFile(File("work/" + std::string(230, 'n') + ".apk"), "");
+  test::WriteFile(File("work/" + std::string(230, 'n') + ".apk"), "");
   EXPECT_THAT(Fail({"app", "install", std::string(230, 'n') + ".apk"}),
               HasSubstr("the file's name is too long"));
 }
@@ -76,7 +76,7 @@ TEST_P(PhoneAppTest, InstallsTheFilesOfASplitPackage) {
 }
 
 TEST_P(PhoneAppTest, InstallsAFileOfThePhone) {
-  PutOnPhone("/data/local/tmp/my notes.apk", ReadFile(Apk("notes-1.apk")));
+  PutOnPhone("/data/local/tmp/my notes.apk", test::ReadFile(Apk("notes-1.apk")));
   EXPECT_EQ(Succeed({"app", "install-from-device", "/data/local/tmp/my notes.apk"}),
             "The device reports no failure for /data/local/tmp/my notes.apk. See `darokleim app list`.\n");
   EXPECT_TRUE(HasNotes());
@@ -193,4 +193,4 @@ TEST_P(PhoneAppTest, NeedsASubcommand) {
 INSTANTIATE_FOR_BOTH_PHONES(PhoneAppTest);
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

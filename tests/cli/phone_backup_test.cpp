@@ -4,10 +4,10 @@
 #include <chrono>
 #include <thread>
 
-#include "phone_tool_test.h"
-#include "support/file_content.h"
+#include "tests/cli/phone_tool_test.h"
+#include "tests/support/file_content.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 using testing::HasSubstr;
@@ -38,7 +38,7 @@ TEST_P(PhoneBackupTest, BringsTheDataBack) {
   EXPECT_THAT(Succeed({"backup", kNotes, "my \"notes\".ab"}),
               MatchesRegex("Confirm the backup on the phone's screen\\.\n"
                            "Saved [0-9.]+ (B|KiB) in my \"notes\"\\.ab\\.\n"));
-  EXPECT_THAT(ReadFile(File("work/my \"notes\".ab")), StartsWith("ANDROID BACKUP\n"));
+  EXPECT_THAT(test::ReadFile(File("work/my \"notes\".ab")), StartsWith("ANDROID BACKUP\n"));
   Shell("rm " + std::string(kNote));
   EXPECT_THAT(Succeed({"restore", "my \"notes\".ab"}), HasSubstr("The phone has taken my \"notes\".ab.\n"));
   EXPECT_EQ(Shell("cat " + std::string(kNote)), "precious");
@@ -80,4 +80,4 @@ TEST_P(PhoneBackupTest, EndsWhenTheQuestionIsClosedElsewhere) {
 INSTANTIATE_FOR_BOTH_PHONES(PhoneBackupTest);
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -4,11 +4,11 @@
 #include <chrono>
 #include <thread>
 
-#include "phone_tool_test.h"
-#include "phone_under_test.h"
-#include "support/file_content.h"
+#include "tests/cli/phone_tool_test.h"
+#include "tests/phone/phone_under_test.h"
+#include "tests/support/file_content.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 using phone_test::Eventually;
@@ -84,4 +84,4 @@ TEST_P(PhoneConnectionTest, BusyboxMustBeThere) {
 INSTANTIATE_FOR_BOTH_PHONES(PhoneConnectionTest);
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -2,10 +2,10 @@
 #include <gmock/gmock.h>
 #include <stdlib.h>
 
-#include "simulated_phones.h"
-#include "tool_run.h"
+#include "tests/cli/tool_run.h"
+#include "tests/phone/simulated_phones.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 class PhoneDevicesTest : public ToolTest {
@@ -40,4 +40,4 @@ TEST_F(PhoneDevicesTest, NoneIsAnEmptyArray) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -1,8 +1,8 @@
 // The commands that look at and change single files, on simulated phones.
-#include "phone_tool_test.h"
-#include "support/file_content.h"
+#include "tests/cli/phone_tool_test.h"
+#include "tests/support/file_content.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 using testing::AllOf;
@@ -148,4 +148,4 @@ TEST_P(PhoneFilesTest, SeveralAnswersMayDiffer) {
 INSTANTIATE_FOR_BOTH_PHONES(PhoneFilesTest);
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -1,7 +1,7 @@
 // darokleim info, on simulated phones.
-#include "phone_tool_test.h"
+#include "tests/cli/phone_tool_test.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 using testing::AllOf;
@@ -102,4 +102,4 @@ TEST_P(OldXiaomiInfoTest, ReadsTheBuildDateFromTheTimeCode) {
 INSTANTIATE_FOR_BOTH_PHONES(OldXiaomiInfoTest);
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -2,10 +2,10 @@
 #include <filesystem>
 #include <set>
 
-#include "phone_tool_test.h"
-#include "support/file_content.h"
+#include "tests/cli/phone_tool_test.h"
+#include "tests/support/file_content.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 using testing::AllOf;
@@ -142,7 +142,7 @@ TEST_P(PhoneListingTest, WithoutABusyboxNothingIsMeasured) {
 }
 
 TEST_P(PhoneListingTest, FoldersAreMeasured) {
-  WriteFile(File("busybox"), "for devices");
+  test::WriteFile(File("busybox"), "for devices");
   const auto sizes = ParseJson(
       Succeed({"--busybox", File("busybox"), "du", "--json", "/sdcard/test", "/sdcard/test/photos"}));
   EXPECT_EQ(sizes[0]["path"], "/sdcard/test");
@@ -175,4 +175,4 @@ TEST_P(PhoneListingTest, BytesThatAreNotUtf8AreOwnedUpTo) {
 INSTANTIATE_FOR_BOTH_PHONES(PhoneListingTest);
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

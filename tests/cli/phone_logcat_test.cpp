@@ -4,10 +4,10 @@
 
 #include <sstream>
 
-#include "phone_tool_test.h"
-#include "support/file_content.h"
+#include "tests/cli/phone_tool_test.h"
+#include "tests/support/file_content.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 using testing::AllOf;
@@ -110,4 +110,4 @@ TEST_P(PhoneLogcatTest, RefusesFiltersThatWouldBeCut) {
 INSTANTIATE_FOR_BOTH_PHONES(PhoneLogcatTest);
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

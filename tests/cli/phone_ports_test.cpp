@@ -1,9 +1,9 @@
 // darokleim forward and reverse, on simulated phones.
 #include <unistd.h>
 
-#include "phone_tool_test.h"
+#include "tests/cli/phone_tool_test.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 using testing::HasSubstr;
@@ -47,4 +47,4 @@ TEST_P(PhonePortsTest, RefusesWhatIsNoPort) {
 INSTANTIATE_FOR_BOTH_PHONES(PhonePortsTest);
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -1,4 +1,4 @@
-#include "phone_tool_test.h"
+#include "tests/cli/phone_tool_test.h"
 
 #include <json/reader.h>
 #include <stdlib.h>
@@ -6,9 +6,9 @@
 #include <filesystem>
 #include <memory>
 
-#include "support/file_content.h"
+#include "tests/support/file_content.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kSerial[] = "TEST0001";
@@ -51,7 +51,7 @@ std::string PhoneToolTest::Shell(const std::string& command) const {
 }
 
 void PhoneToolTest::PutOnPhone(const std::string& path, const std::string& content) const {
-  WriteFile(File("for-phone"), content);
+  test::WriteFile(File("for-phone"), content);
   Shell("mkdir -p " + QuoteForShell(path.substr(0, path.rfind('/'))));
   const auto outcome = phones_.Adb({"push", File("for-phone"), path});
   ASSERT_EQ(outcome.status, 0) << outcome.output << outcome.errors;
@@ -60,7 +60,7 @@ void PhoneToolTest::PutOnPhone(const std::string& path, const std::string& conte
 std::string PhoneToolTest::ReadFromPhone(const std::string& path) const {
   const auto outcome = phones_.Adb({"pull", path, File("from-phone")});
   EXPECT_EQ(outcome.status, 0) << outcome.output << outcome.errors;
-  return ReadFile(File("from-phone"));
+  return test::ReadFile(File("from-phone"));
 }
 
 void PhoneToolTest::SwitchOn(const std::string& fault) const {
@@ -92,4 +92,4 @@ std::vector<std::string> AwkwardPaths(const std::string& folder) {
   return paths;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

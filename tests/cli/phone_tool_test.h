@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "simulated_phones.h"
-#include "tool_run.h"
+#include "tests/cli/tool_run.h"
+#include "tests/phone/simulated_phones.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // The only JSON document that a command printed; a failure of the test, and null, when it printed anything else.
 Json::Value ParseJson(const std::string& text);
@@ -49,6 +49,6 @@ std::vector<std::string> AwkwardPaths(const std::string& folder);
   INSTANTIATE_TEST_SUITE_P(, suite, testing::Values("modern", "legacy"), \
                            [](const auto& phone) { return phone.param; })
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TESTS_CLI_PHONE_TOOL_TEST_H

@@ -6,10 +6,10 @@
 #include <filesystem>
 #include <thread>
 
-#include "phone_tool_test.h"
-#include "support/file_content.h"
+#include "tests/cli/phone_tool_test.h"
+#include "tests/support/file_content.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 namespace fs = std::filesystem;
@@ -40,19 +40,19 @@ TEST_P(PhoneTransferTest, AFileGoesThereAndBackUnderAnyName) {
   for (const auto& path : AwkwardPaths("/sdcard/test")) {
     SCOPED_TRACE(path);
     const std::string name = path.substr(path.rfind('/') + 1);
-    WriteFile(Work(name), content);
+    test::WriteFile(Work(name), content);
     Succeed({"push", Work(name), "/sdcard/test"});
     EXPECT_EQ(ReadFromPhone(path), content);
     fs::remove(Work(name));
     Succeed({"pull", path});
-    EXPECT_EQ(ReadFile(Work(name)), content);
+    EXPECT_EQ(test::ReadFile(Work(name)), content);
     fs::remove(Work(name));
   }
   EXPECT_TRUE(fs::is_empty(File("work")));
 }
 
 TEST_P(PhoneTransferTest, TheReportTellsWhatWent) {
-  WriteFile(Work("a"), std::string(3000, 'x'));
+  test::WriteFile(Work("a"), std::string(3000, 'x'));
   EXPECT_THAT(Succeed({"push", Work("a"), "/sdcard/b"}),
               StartsWith(Work("a") + " -> /sdcard/b  1 file, 2.9 KiB, "));
   EXPECT_EQ(Succeed({"-q", "push", Work("a"), "/sdcard/b"}), "");
@@ -69,26 +69,26 @@ TEST_P(PhoneTransferTest, AFolderComesWithEverythingInIt) {
   const auto json = ParseJson(Succeed({"pull", "--json", "/sdcard/my folder"}));
   EXPECT_EQ(json[0]["files"], 3);
   EXPECT_EQ(json[0]["bytes"], 6);
-  EXPECT_EQ(ReadFile(Work("my folder/a")), "1");
-  EXPECT_EQ(ReadFile(Work("my folder/sub \"folder\"/.b")), "22");
-  EXPECT_EQ(ReadFile(Work("my folder/sub \"folder\"/Failure.log")), "333");
+  EXPECT_EQ(test::ReadFile(Work("my folder/a")), "1");
+  EXPECT_EQ(test::ReadFile(Work("my folder/sub \"folder\"/.b")), "22");
+  EXPECT_EQ(test::ReadFile(Work("my folder/sub \"folder\"/Failure.log")), "333");
   EXPECT_THAT(NamesIn(File("work")), testing::ElementsAre("my folder"));
 }
 
 TEST_P(PhoneTransferTest, APulledFolderIsMerged) {
   PutOnPhone("/sdcard/f/a", "new");
   fs::create_directory(Work("f"));
-  WriteFile(Work("f/a"), "old");
-  WriteFile(Work("f/b"), "kept");
+  test::WriteFile(Work("f/a"), "old");
+  test::WriteFile(Work("f/b"), "kept");
   Succeed({"pull", "/sdcard/f", "."});
-  EXPECT_EQ(ReadFile(Work("f/a")), "new");
-  EXPECT_EQ(ReadFile(Work("f/b")), "kept");
+  EXPECT_EQ(test::ReadFile(Work("f/a")), "new");
+  EXPECT_EQ(test::ReadFile(Work("f/b")), "kept");
 }
 
 TEST_P(PhoneTransferTest, AFolderGoesWithEverythingInIt) {
   fs::create_directories(Work("my folder/sub \"folder\""));
-  WriteFile(Work("my folder/a b"), "1");
-  WriteFile(Work("my folder/sub \"folder\"/.c"), "22");
+  test::WriteFile(Work("my folder/a b"), "1");
+  test::WriteFile(Work("my folder/sub \"folder\"/.c"), "22");
   for (int i = 0; i < 2; ++i) {
     const auto json = ParseJson(Succeed({"push", "--json", "my folder/", "/sdcard"}));
     EXPECT_EQ(json[0]["target"], "/sdcard/my folder");
@@ -101,8 +101,8 @@ TEST_P(PhoneTransferTest, AFolderGoesWithEverythingInIt) {
 }
 
 TEST_P(PhoneTransferTest, SeveralNeedAFolder) {
-  WriteFile(Work("a"), "1");
-  WriteFile(Work("b"), "2");
+  test::WriteFile(Work("a"), "1");
+  test::WriteFile(Work("b"), "2");
   EXPECT_THAT(Fail({"push", "a", "b", "/sdcard/none"}), HasSubstr("there is no such folder on the device"));
   Succeed({"push", "a", "b", "/sdcard"});
   EXPECT_EQ(ReadFromPhone("/sdcard/b"), "2");
@@ -110,7 +110,7 @@ TEST_P(PhoneTransferTest, SeveralNeedAFolder) {
               HasSubstr("there is no such folder on this computer"));
   fs::create_directory(Work("into"));
   Succeed({"pull", "/sdcard/a", "/sdcard/b", "into"});
-  EXPECT_EQ(ReadFile(Work("into/b")), "2");
+  EXPECT_EQ(test::ReadFile(Work("into/b")), "2");
 }
 
 TEST_P(PhoneTransferTest, ASourceMustBeThere) {
@@ -124,7 +124,7 @@ TEST_P(PhoneTransferTest, ASourceMustBeThere) {
 
 TEST_P(PhoneTransferTest, AFileAndAFolderDoNotReplaceEachOther) {
   PutOnPhone("/sdcard/a/b", "x");
-  WriteFile(Work("b"), "1");
+  test::WriteFile(Work("b"), "1");
   fs::create_directory(Work("a"));
   fs::create_directory(Work("c"));
   fs::create_directory(Work("c/b"));
@@ -134,7 +134,7 @@ TEST_P(PhoneTransferTest, AFileAndAFolderDoNotReplaceEachOther) {
 }
 
 TEST_P(PhoneTransferTest, AnUpdatePassesOverWhatIsAsNew) {
-  WriteFile(Work("a"), "1");
+  test::WriteFile(Work("a"), "1");
   PutOnPhone("/sdcard/a", "newer");
   Shell("touch -d 2037-01-01T00:00:00Z /sdcard/a");
   EXPECT_THAT(Succeed({"push", "--update", "a", "/sdcard"}), HasSubstr("up to date"));
@@ -145,17 +145,17 @@ TEST_P(PhoneTransferTest, AnUpdatePassesOverWhatIsAsNew) {
 
 TEST_P(PhoneTransferTest, ABrokenPullKeepsWhatWasThere) {
   PutOnPhone("/sdcard/big", std::string(3 << 20, 'x'));
-  WriteFile(Work("big"), "old");
+  test::WriteFile(Work("big"), "old");
   SwitchOn("drop-after=1M");
   const auto outcome = Run({"pull", "/sdcard/big"});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(ReadFile(Work("big")), "old");
+  EXPECT_EQ(test::ReadFile(Work("big")), "old");
   EXPECT_THAT(NamesIn(File("work")), testing::ElementsAre("big"));
 }
 
 TEST_P(PhoneTransferTest, AFullStorageKeepsWhatWasThere) {
   PutOnPhone("/sdcard/a", "old");
-  WriteFile(Work("a"), std::string(3 << 20, 'x'));
+  test::WriteFile(Work("a"), std::string(3 << 20, 'x'));
   SwitchOn("full-storage");
   EXPECT_THAT(Fail({"push", "a", "/sdcard"}), StartsWith("darokleim: cannot push "));
   EXPECT_EQ(ReadFromPhone("/sdcard/a"), "old");
@@ -164,20 +164,20 @@ TEST_P(PhoneTransferTest, AFullStorageKeepsWhatWasThere) {
 
 TEST_P(PhoneTransferTest, ACancelledPullLeavesNothing) {
   Shell("truncate -s 1G /sdcard/big");
-  WriteFile(Work("big"), "old");
+  test::WriteFile(Work("big"), "old");
   const auto tool = Start({"pull", "/sdcard/big"});
   WaitFor([this] { return NamesIn(File("work")).size() == 2; });
   tool->Signal(SIGINT);
   const auto outcome = tool->Finish();
   ASSERT_EQ(outcome.status, 130);
   EXPECT_EQ(outcome.errors, "darokleim: cancelled\n");
-  EXPECT_EQ(ReadFile(Work("big")), "old");
+  EXPECT_EQ(test::ReadFile(Work("big")), "old");
   EXPECT_THAT(NamesIn(File("work")), testing::ElementsAre("big"));
 }
 
 TEST_P(PhoneTransferTest, ACancelledPushLeavesNothing) {
   PutOnPhone("/sdcard/big", "old");
-  WriteFile(Work("big"), "");
+  test::WriteFile(Work("big"), "");
   fs::resize_file(Work("big"), 1ull << 30);
   const auto tool = Start({"push", "big", "/sdcard"});
   WaitFor([this] { return Shell("ls -a /sdcard/").find("unfinished") != std::string::npos; });
@@ -191,8 +191,8 @@ TEST_P(PhoneTransferTest, ACancelledPushLeavesNothing) {
 
 TEST_P(PhoneTransferTest, OfACancelledFolderNoHalfFileStays) {
   fs::create_directory(Work("folder"));
-  WriteFile(Work("folder/a"), "whole");
-  WriteFile(Work("folder/b"), "");
+  test::WriteFile(Work("folder/a"), "whole");
+  test::WriteFile(Work("folder/b"), "");
   fs::resize_file(Work("folder/b"), 1ull << 30);
   const auto tool = Start({"push", "folder", "/sdcard"});
   WaitFor([this] { return Shell("ls /sdcard/folder 2>/dev/null").find('b') != std::string::npos; });
@@ -207,10 +207,10 @@ TEST_P(PhoneTransferTest, AScreenshotIsAPicture) {
   const std::string png_signature = "\x89PNG\r\n\x1a\n";
   const auto report = Succeed({"screenshot", "my screen.png"});
   EXPECT_THAT(report, StartsWith(fs::canonical(Work("my screen.png")).native() + "  "));
-  EXPECT_THAT(ReadFile(Work("my screen.png")), StartsWith(png_signature));
+  EXPECT_THAT(test::ReadFile(Work("my screen.png")), StartsWith(png_signature));
   EXPECT_EQ(Shell("ls /data/local/tmp"), "");
   const auto json = ParseJson(Succeed({"screenshot", "--json"}));
-  EXPECT_THAT(ReadFile(json["path"].asString()), StartsWith(png_signature));
+  EXPECT_THAT(test::ReadFile(json["path"].asString()), StartsWith(png_signature));
   EXPECT_EQ(json["size"].asUInt64(), fs::file_size(json["path"].asString()));
   Succeed({"screenshot", "--on-device", "/sdcard/my \"screen\".png"});
   EXPECT_THAT(ReadFromPhone("/sdcard/my \"screen\".png"), StartsWith(png_signature));
@@ -220,4 +220,4 @@ TEST_P(PhoneTransferTest, AScreenshotIsAPicture) {
 INSTANTIATE_FOR_BOTH_PHONES(PhoneTransferTest);
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -1,7 +1,7 @@
 // darokleim type, on simulated phones.
-#include "phone_tool_test.h"
+#include "tests/cli/phone_tool_test.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 using testing::HasSubstr;
@@ -49,4 +49,4 @@ TEST_P(PhoneTypeTest, RefusesWhatAPhoneCannotType) {
 INSTANTIATE_FOR_BOTH_PHONES(PhoneTypeTest);
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -1,8 +1,8 @@
-#include "progress.h"
+#include "tools/cli/progress.h"
 
 #include <gtest/gtest.h>
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 TEST(TransferText, TellsShareAndRate) {
@@ -25,4 +25,4 @@ TEST(CutToPlaces, KeepsCharactersWhole) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -1,4 +1,4 @@
-#include "result_text.h"
+#include "tools/cli/result_text.h"
 
 #include <darokleim.h>
 #include <gmock/gmock.h>
@@ -6,7 +6,7 @@
 #include <set>
 #include <string>
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 using testing::AllOf;
@@ -78,4 +78,4 @@ TEST(IsChannelStatus, BeginsAboveTheLibrarysCodes) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -1,8 +1,8 @@
-#include "roff_text.h"
+#include "tools/cli/roff_text.h"
 
 #include <gtest/gtest.h>
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 TEST(RoffLine, EscapesWhatFormattersObey) {
@@ -26,4 +26,4 @@ TEST(RoffText, KeepsWhatIsLaidOut) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

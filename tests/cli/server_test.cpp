@@ -4,12 +4,12 @@
 
 #include <filesystem>
 
-#include "phone_under_test.h"
-#include "simulated_phones.h"
-#include "support/file_content.h"
-#include "tool_run.h"
+#include "tests/cli/tool_run.h"
+#include "tests/phone/phone_under_test.h"
+#include "tests/phone/simulated_phones.h"
+#include "tests/support/file_content.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 using testing::AllOf;
@@ -24,7 +24,7 @@ class ServerTest : public ToolTest {
   void MakeRecordingAdb(const std::string& body = "") const {
     MakeAdb("echo \"$*\" >>" + File("words") + "\n" + body);
   }
-  std::string Words() const { return ReadFile(File("words")); }
+  std::string Words() const { return test::ReadFile(File("words")); }
 
   void ExpectKillsNothingWithoutForce(const std::string& command) const {
     MakeRecordingAdb();
@@ -81,8 +81,8 @@ class ForcedServerTest : public ServerTest {
     for (const auto& [variable, value] : phone_test::AdbEnvironment(phones_.port())) Set(variable, value);
     Set("PATH", getenv("PATH"));
     std::filesystem::create_directory(File("work"));
-    WriteFile(File("work/adb.txt"), "");
-    WriteFile(File("work/play"), R"(timeout 5 tail -f adb.txt 2>/dev/null & victim=$!
+    test::WriteFile(File("work/adb.txt"), "");
+    test::WriteFile(File("work/play"), R"(timeout 5 tail -f adb.txt 2>/dev/null & victim=$!
 sleep 0.2
 "$TOOL" server )" + words + R"(
 echo "status $?"
@@ -124,4 +124,4 @@ TEST_F(ForcedServerTest, IsNotKilledByAnOrdinaryStart) {
 #endif
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

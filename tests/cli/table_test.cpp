@@ -1,8 +1,8 @@
-#include "table.h"
+#include "tools/cli/table.h"
 
 #include <gtest/gtest.h>
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 TEST(Table, AlignsColumnsByTheWidestCell) {
@@ -42,4 +42,4 @@ TEST(Table, OfNothingIsEmpty) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -1,4 +1,4 @@
-#include "terminal_run.h"
+#include "tests/cli/terminal_run.h"
 
 #include <fcntl.h>
 #include <stdlib.h>
@@ -6,7 +6,7 @@
 
 #include <stdexcept>
 
-namespace darokleim {
+namespace darokleim::cli {
 
 using phone_test::Environment;
 using phone_test::Outcome;
@@ -34,4 +34,4 @@ Outcome RunOnTerminal(const Words& command, const Environment& variables) {
   return outcome;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

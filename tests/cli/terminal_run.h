@@ -2,13 +2,13 @@
 #ifndef DAROKLEIM_TESTS_CLI_TERMINAL_RUN_H
 #define DAROKLEIM_TESTS_CLI_TERMINAL_RUN_H
 
-#include "host_process.h"
+#include "tests/phone/host_process.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // What the program printed on both streams, as it reached the terminal, is Outcome::output.
 phone_test::Outcome RunOnTerminal(const phone_test::Words& command, const phone_test::Environment& variables);
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TESTS_CLI_TERMINAL_RUN_H

@@ -3,11 +3,11 @@
 
 #include <filesystem>
 
-#include "phone_tool_test.h"
-#include "support/file_content.h"
-#include "terminal_run.h"
+#include "tests/cli/phone_tool_test.h"
+#include "tests/cli/terminal_run.h"
+#include "tests/support/file_content.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 using testing::AllOf;
@@ -42,7 +42,7 @@ TEST_P(TerminalTest, FoldersAreColoured) {
 }
 
 TEST_P(TerminalTest, ALongPushShowsHowFarItIs) {
-  WriteFile(File("big file"), "");
+  test::WriteFile(File("big file"), "");
   std::filesystem::resize_file(File("big file"), 1ull << 30);
   const auto push = OnTerminal({"push", File("big file"), "/sdcard"});
   EXPECT_EQ(push.status, 0);
@@ -71,4 +71,4 @@ TEST_P(TerminalTest, ALongListingShowsThatItGoesOn) {
 INSTANTIATE_FOR_BOTH_PHONES(TerminalTest);
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -1,8 +1,8 @@
-#include "terminal_text.h"
+#include "tools/cli/terminal_text.h"
 
 #include <gtest/gtest.h>
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 TEST(EscapeControls, LeavesTextOfAnyLanguage) {
@@ -40,4 +40,4 @@ TEST(LengthOfCharacter, KnowsNoOverlongFormsAndSurrogates) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -1,13 +1,13 @@
-#include "tool_run.h"
+#include "tests/cli/tool_run.h"
 
 #include <sys/stat.h>
 
 #include <filesystem>
 
-#include "support/file_content.h"
-#include "terminal_run.h"
+#include "tests/cli/terminal_run.h"
+#include "tests/support/file_content.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 ToolTest::ToolTest() {
   for (const char* folder : {"home", "bin", "tmp"}) std::filesystem::create_directory(File(folder));
@@ -24,7 +24,7 @@ void ToolTest::MakeAdb(const std::string& body) const {
 }
 
 void ToolTest::MakeExecutable(const std::string& path, const std::string& content) const {
-  WriteFile(path, content);
+  test::WriteFile(path, content);
   ASSERT_EQ(chmod(path.c_str(), 0755), 0);
 }
 
@@ -66,4 +66,4 @@ Outcome ToolTest::RunShell(const std::string& line) const {
   return RunProgram({"/bin/sh", "-c"}, {line});
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -7,10 +7,10 @@
 #include <memory>
 #include <string>
 
-#include "host_process.h"
-#include "support/temporary_directory.h"
+#include "tests/phone/host_process.h"
+#include "tests/support/temporary_directory.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 using phone_test::Environment;
 using phone_test::HostProcess;
@@ -46,7 +46,7 @@ class ToolTest : public testing::Test {
  private:
   Words Command(const Words& arguments) const;
 
-  TemporaryDirectory directory_;
+  test::TemporaryDirectory directory_;
   std::string folder_;
   Environment environment_;
 };
@@ -57,6 +57,6 @@ inline constexpr char kTwoDevices[] = R"(
 printf 'List of devices attached\n0123456789ABCDEF\tdevice\nFEDCBA98\tunauthorized\n\n'
 )";
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TESTS_CLI_TOOL_RUN_H

@@ -1,10 +1,10 @@
-#include "typed_text.h"
+#include "tools/cli/typed_text.h"
 
 #include <gmock/gmock.h>
 
-#include "errors.h"
+#include "tools/cli/errors.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 using testing::ElementsAre;
@@ -36,4 +36,4 @@ TEST(PiecesToType, RefusesWhatInputCannotType) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::cli

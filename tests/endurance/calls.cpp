@@ -1,4 +1,4 @@
-#include "calls.h"
+#include "tests/endurance/calls.h"
 
 #include <darokleim.h>
 

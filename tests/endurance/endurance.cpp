@@ -15,8 +15,8 @@
 #include <thread>
 #include <vector>
 
-#include "calls.h"
-#include "host_resources.h"
+#include "tests/endurance/calls.h"
+#include "tests/endurance/host_resources.h"
 
 namespace darokleim::endurance {
 namespace {

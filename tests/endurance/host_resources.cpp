@@ -1,4 +1,4 @@
-#include "host_resources.h"
+#include "tests/endurance/host_resources.h"
 
 #include <malloc.h>
 #include <unistd.h>

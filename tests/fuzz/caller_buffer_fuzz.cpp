@@ -2,12 +2,12 @@
 #include <algorithm>
 #include <memory>
 
-#include "core/caller_buffer.h"
 #include "darokleim.h"
-#include "fuzz.h"
+#include "src/core/caller_buffer.h"
+#include "tests/fuzz/fuzz.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   if (size < 2) return 0;
   const int capacity = static_cast<std::int8_t>(data[0]);
   const std::size_t most = data[1];

@@ -1,10 +1,10 @@
 // The classifier against its rules spelt out one by one, with and without the flag for other packages' failures.
 #include <vector>
 
-#include "core/classifier.h"
-#include "core/string_helper.h"
 #include "darokleim.h"
-#include "fuzz.h"
+#include "src/core/classifier.h"
+#include "src/core/string_helper.h"
+#include "tests/fuzz/fuzz.h"
 
 namespace {
 
@@ -80,7 +80,7 @@ class PlainClassifier {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   const std::string text = Text(data, size);
   for (const int ret : {0, 1001}) {
     for (const bool line_failure_only : {false, true}) {

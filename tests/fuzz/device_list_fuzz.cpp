@@ -2,13 +2,13 @@
 #include <regex>
 #include <vector>
 
-#include "core/connection_word.h"
-#include "core/string_helper.h"
-#include "device/device_line.h"
-#include "fuzz.h"
+#include "src/core/connection_word.h"
+#include "src/core/string_helper.h"
+#include "src/device/device_line.h"
+#include "tests/fuzz/fuzz.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   static const std::regex kPattern("^([a-zA-Z0-9]+)\\s+(\\b(device|offline|unauthorized)\\b)$");
   constexpr std::size_t kLongestForTheStandard = 2'000;  // it takes a stack frame for each character
   std::vector<std::string> lines;

@@ -1,12 +1,12 @@
 // FreeBytes is the fourth piece of the text split at blanks.
 #include <vector>
 
-#include "core/string_helper.h"
-#include "filesystem/df_output.h"
-#include "fuzz.h"
+#include "src/core/string_helper.h"
+#include "src/filesystem/df_output.h"
+#include "tests/fuzz/fuzz.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   const std::string rows = Text(data, size);
   std::vector<std::string> pieces;
   StringHelper::StringSplit(pieces, rows, " ");

@@ -7,11 +7,11 @@
 #include <list>
 #include <string>
 
-#include "filesystem/file_info.h"
-#include "filesystem/file_list_json.h"
-#include "fuzz.h"
-#include "support/plain_file_list_json.h"
-#include "support/temporary_directory.h"
+#include "src/filesystem/file_info.h"
+#include "src/filesystem/file_list_json.h"
+#include "tests/fuzz/fuzz.h"
+#include "tests/support/plain_file_list_json.h"
+#include "tests/support/temporary_directory.h"
 
 namespace {
 
@@ -20,14 +20,14 @@ class WithoutSideFile {
  public:
   WithoutSideFile() {
     static const int elsewhere = [] {
-      static const darokleim::TemporaryDirectory directory;
+      static const darokleim::sdk::TemporaryDirectory directory;
       std::filesystem::create_directory(directory.path() / "F:\\file_list.json");
       return open(directory.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     }();
-    darokleim::Require(fchdir(elsewhere) == 0);
+    darokleim::sdk::Require(fchdir(elsewhere) == 0);
   }
   ~WithoutSideFile() {
-    darokleim::Require(fchdir(before_) == 0);
+    darokleim::sdk::Require(fchdir(before_) == 0);
     close(before_);
   }
 
@@ -56,9 +56,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   const std::string root = data.ConsumeRandomLengthString(20);
   const std::list<FileInfo> files = FilesIn(data, root);
   const WithoutSideFile elsewhere;
-  darokleim::Require(serialization_file_list(&files, with_size) ==
-                     darokleim::PlainFlatList(files, with_size));
-  darokleim::Require(serialization_file_list_keep_folder_structer(&files, root, with_size) ==
-                     darokleim::PlainTree(files, root, with_size));
+  darokleim::sdk::Require(serialization_file_list(&files, with_size) ==
+                          darokleim::sdk::PlainFlatList(files, with_size));
+  darokleim::sdk::Require(serialization_file_list_keep_folder_structer(&files, root, with_size) ==
+                          darokleim::sdk::PlainTree(files, root, with_size));
   return 0;
 }

@@ -1,14 +1,14 @@
 // DecodeFindOut gives what its plain form gives.
-#include "filesystem/find_listing.h"
-#include "fuzz.h"
-#include "unit/filesystem/plain_listing.h"
+#include "src/filesystem/find_listing.h"
+#include "tests/fuzz/fuzz.h"
+#include "tests/unit/filesystem/plain_listing.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   const std::string text = Text(data, size);
   std::list<FileInfo> files, plain;
   Require(DecodeFindOut(text.data(), static_cast<int>(text.size()), &files) ==
-          testing::PlainDecodeFindOut(text, &plain));
+          test::PlainDecodeFindOut(text, &plain));
   Require(files == plain);
   return 0;
 }

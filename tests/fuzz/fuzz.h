@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <string>
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 // Ends the run: the fuzzer keeps the input.
 inline void Require(bool holds) {
@@ -18,7 +18,7 @@ inline std::string Text(const std::uint8_t* data, std::size_t size) {
   return {reinterpret_cast<const char*>(data), size};
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 

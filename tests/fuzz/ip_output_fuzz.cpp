@@ -2,12 +2,12 @@
 #include <regex>
 #include <vector>
 
-#include "core/string_helper.h"
-#include "device/ip_output.h"
-#include "fuzz.h"
+#include "src/core/string_helper.h"
+#include "src/device/ip_output.h"
+#include "tests/fuzz/fuzz.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   static const std::regex kPattern("^\\d+\\.\\d+\\.\\d+\\.\\d+/\\d+$");
   constexpr std::size_t kLongestForTheStandard = 2'000;  // it takes a stack frame for each character
   const std::string text = Text(data, std::min(size, kLongestForTheStandard));

@@ -1,10 +1,10 @@
 // A line of ls -l matches as the standard library's regular expressions say, whatever line matched before.
-#include "filesystem/ls_line.h"
-#include "fuzz.h"
-#include "spliced_listing.h"
-#include "unit/filesystem/plain_listing.h"
+#include "src/filesystem/ls_line.h"
+#include "tests/fuzz/fuzz.h"
+#include "tests/fuzz/spliced_listing.h"
+#include "tests/unit/filesystem/plain_listing.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 constexpr std::string_view kGoodLines[] = {
@@ -14,16 +14,16 @@ constexpr std::string_view kGoodLines[] = {
 void CompareMatch(LsLineMatcher matcher, const std::string& line) {
   const auto match = matcher.Match(line);
   std::smatch plain;
-  Require(match.has_value() == testing::PlainMatchLsLine(line, plain));
+  Require(match.has_value() == test::PlainMatchLsLine(line, plain));
   if (match)
     Require(match->size == plain[1].str() && match->time == plain[2].str() && match->name == plain[3].str());
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   const std::string input = Text(data, size);
   for (const std::string_view good : kGoodLines) {
     LsLineMatcher used;

@@ -1,13 +1,13 @@
 // DecodeLSOut gives what its plain form gives.
 #include <cstdio>
 
-#include "filesystem/ls_listing.h"
-#include "fuzz.h"
-#include "spliced_listing.h"
-#include "unit/filesystem/plain_listing.h"
+#include "src/filesystem/ls_listing.h"
+#include "tests/fuzz/fuzz.h"
+#include "tests/fuzz/spliced_listing.h"
+#include "tests/unit/filesystem/plain_listing.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   // Lines that cannot be read are printed.
   static std::FILE* const silent = std::freopen("/dev/null", "w", stdout);
   Require(silent != nullptr);
@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::list<FileInfo> files, plain;
   std::string trace;
   Require(DecodeLSOut(text.data(), static_cast<int>(text.size()), &files) ==
-          testing::PlainDecodeLSOut(text, &plain, &trace));
+          test::PlainDecodeLSOut(text, &plain, &trace));
   Require(files == plain);
   return 0;
 }

@@ -1,10 +1,10 @@
 // The pieces of a MIUI version.
 #include "darokleim.h"
-#include "device/miui_texts.h"
-#include "fuzz.h"
+#include "src/device/miui_texts.h"
+#include "tests/fuzz/fuzz.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   const std::string text = Text(data, size);
   IsDatedName(AfterFirstV(text));
 

@@ -4,9 +4,9 @@
 #include <locale>
 #include <sstream>
 
-#include "core/numbers.h"
-#include "core/string_helper.h"
-#include "fuzz.h"
+#include "src/core/numbers.h"
+#include "src/core/string_helper.h"
+#include "tests/fuzz/fuzz.h"
 
 namespace {
 
@@ -40,7 +40,7 @@ unsigned long long PlainBytes(const std::string& number, unsigned long long unit
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   const std::string text = Text(data, size);
   Require(LeadingInteger(text) == std::atoll(text.c_str()));
 

@@ -6,8 +6,8 @@
 #include <memory>
 #include <optional>
 
-#include "apps/package_files.h"
-#include "fuzz.h"
+#include "src/apps/package_files.h"
+#include "tests/fuzz/fuzz.h"
 
 namespace {
 
@@ -33,7 +33,7 @@ Files ReadPlainly(const std::string& json) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   constexpr std::ptrdiff_t kCertainlyNotTooDeep = 400;
   const std::string json = Text(data, size);
   const Files files = ReadPackageFiles(json);

@@ -3,20 +3,20 @@
 #include <optional>
 #include <regex>
 
-#include "apps/package_output.h"
-#include "fuzz.h"
+#include "src/apps/package_output.h"
+#include "tests/fuzz/fuzz.h"
 
 namespace {
 
 void RequireSame(std::optional<std::string_view> found, bool matches, const std::string& expected) {
-  darokleim::Require(found.has_value() == matches);
-  if (found) darokleim::Require(*found == expected);
+  darokleim::sdk::Require(found.has_value() == matches);
+  if (found) darokleim::sdk::Require(*found == expected);
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   static const std::regex kPackageLine("^[^:]*:(\\S+)\\s*$");
   static const std::regex kVersion("versionName=[0-9\\.]+");
   static const std::regex kCurrentUser("Current user: (\\d+)");

@@ -4,16 +4,16 @@
 
 #include <string_view>
 
-#include "common/io.h"
-#include "fuzz.h"
-#include "server/client_session.h"
+#include "tests/fuzz/fuzz.h"
+#include "tools/phone/common/io.h"
+#include "tools/phone/server/client_session.h"
 
 namespace {
 
 using namespace darokleim::phone;
 
 // The session has ended, so nothing more will come.
-std::string TakeAnswer(const UniqueFd& client) {
+std::string TakeAnswer(const base::UniqueFd& client) {
   std::string answer;
   char buffer[4096];
   ssize_t count;
@@ -30,13 +30,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static Forwards forwards(&phones);
   if (size > kFitsIntoASocket) return 0;
   auto ends = MakeSocketPair(SOCK_STREAM);
-  darokleim::Require(ends && WriteAll(ends->first.get(), data, size));
+  darokleim::sdk::Require(ends && WriteAll(ends->first.get(), data, size));
   shutdown(ends->first.get(), SHUT_WR);
   ClientSession(
       &phones, &forwards, [] {}, &ends->second)
       .Run();
   ends->second.Reset();
   const std::string answer = TakeAnswer(ends->first);
-  darokleim::Require(answer.empty() || answer.rfind("OKAY", 0) == 0 || answer.rfind("FAIL", 0) == 0);
+  darokleim::sdk::Require(answer.empty() || answer.rfind("OKAY", 0) == 0 || answer.rfind("FAIL", 0) == 0);
   return 0;
 }

@@ -4,14 +4,14 @@
 #include <utility>
 #include <vector>
 
-#include "common/address.h"
-#include "common/faults.h"
-#include "device/event_log.h"
-#include "device/packages/binary_xml.h"
-#include "device/shell_packets.h"
-#include "device/shell_service.h"
-#include "fuzz.h"
-#include "server/phone_options.h"
+#include "tests/fuzz/fuzz.h"
+#include "tools/phone/common/address.h"
+#include "tools/phone/common/faults.h"
+#include "tools/phone/device/event_log.h"
+#include "tools/phone/device/packages/binary_xml.h"
+#include "tools/phone/device/shell_packets.h"
+#include "tools/phone/device/shell_service.h"
+#include "tools/phone/server/phone_options.h"
 
 namespace {
 
@@ -52,10 +52,10 @@ void ParseOptions(const std::string& text) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string text = darokleim::Text(data, size);
+  const std::string text = darokleim::sdk::Text(data, size);
   const Heard whole = Hear(text, text.size() + 1);
   for (const std::size_t piece : {std::size_t{1}, std::size_t{2}, std::size_t{7}})
-    darokleim::Require(Hear(text, piece) == whole);
+    darokleim::sdk::Require(Hear(text, piece) == whole);
   for (const bool legacy : {false, true}) ParseShellService(text, legacy);
   ParseOptions(text);
   ParseBinaryXml(text);

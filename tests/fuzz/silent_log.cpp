@@ -2,7 +2,7 @@
 #include <cstdarg>
 #include <cstdio>
 
-#include "platform/log_library.h"
+#include "src/platform/log_library.h"
 
 void LogEx(const char* /*module*/, int /*level*/, const char* format, ...) {
   char line[256];

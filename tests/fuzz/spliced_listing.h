@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace darokleim {
+namespace darokleim::sdk {
 
 // The first two bytes of the input say how much of the line stands before and behind the rest of it.
 inline std::string Spliced(std::string_view line, const std::string& input) {
@@ -16,6 +16,6 @@ inline std::string Spliced(std::string_view line, const std::string& input) {
          std::string(line.substr(line.size() - part(input[1])));
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::sdk
 
 #endif  // DAROKLEIM_TESTS_FUZZ_SPLICED_LISTING_H

@@ -4,12 +4,12 @@
 #include <regex>
 #include <vector>
 
-#include "core/string_helper.h"
-#include "filesystem/stat_output.h"
-#include "fuzz.h"
+#include "src/core/string_helper.h"
+#include "src/filesystem/stat_output.h"
+#include "tests/fuzz/fuzz.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   static const std::regex kPattern("^\\s+Size:\\s+(\\d+)(.*)$");
   constexpr std::size_t kLongestForTheStandard = 2'000;  // it takes a stack frame for each character
   const std::string output = Text(data, std::min(size, kLongestForTheStandard));

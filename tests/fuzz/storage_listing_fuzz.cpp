@@ -1,7 +1,7 @@
 // The volumes of a listing, against the rules spelt out over its lines.
-#include "core/string_helper.h"
-#include "filesystem/storage_listing.h"
-#include "fuzz.h"
+#include "src/core/string_helper.h"
+#include "src/filesystem/storage_listing.h"
+#include "tests/fuzz/fuzz.h"
 
 namespace {
 
@@ -16,7 +16,7 @@ std::string LastWord(const std::string& line) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   const std::string listing = Text(data, size);
   std::vector<std::string> lines;
   StringHelper::StringSplit(lines, listing, "\n");

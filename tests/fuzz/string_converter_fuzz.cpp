@@ -3,8 +3,8 @@
 #include <bitset>
 #include <string>
 
-#include "core/string_converter.h"
-#include "fuzz.h"
+#include "src/core/string_converter.h"
+#include "tests/fuzz/fuzz.h"
 
 namespace {
 
@@ -40,7 +40,7 @@ std::wstring PlainWide(const std::string& text) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace darokleim;
+  using namespace darokleim::sdk;
   const std::string text = Text(data, size);
   const std::wstring wide = StringConverter::UTF8ToWide(text);
   Require(wide == PlainWide(text));

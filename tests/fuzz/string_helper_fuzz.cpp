@@ -4,12 +4,12 @@
 #include <string>
 #include <vector>
 
-#include "core/string_helper.h"
-#include "fuzz.h"
+#include "src/core/string_helper.h"
+#include "tests/fuzz/fuzz.h"
 
 namespace {
 
-using darokleim::Require;
+using darokleim::sdk::Require;
 
 std::vector<std::string> PlainSplit(const std::string& text, const std::string& separator) {
   std::vector<std::string> pieces;

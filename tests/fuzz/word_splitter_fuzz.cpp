@@ -5,19 +5,19 @@
 #include <string_view>
 #include <vector>
 
-#include "fuzz.h"
-#include "platform/channel/command.h"
-#include "platform/channel/device_quoting.h"
-#include "platform/channel/word_splitter.h"
+#include "base/shell_quoting.h"
+#include "channel/command/command.h"
+#include "channel/command/word_splitter.h"
+#include "tests/fuzz/fuzz.h"
 
 using namespace darokleim::channel;
-using darokleim::Require;
+using darokleim::sdk::Require;
 
 namespace {
 
 void RequireThatQuotedWordsSplitBack(const std::vector<Word>& words) {
   std::string text;
-  for (const Word& word : words) text += ' ' + QuoteForDevice(word.text);
+  for (const Word& word : words) text += ' ' + base::QuoteForShell(word.text);
   const std::vector<Word> again = SplitWords(text);
   Require(again.size() == words.size());
   for (size_t i = 0; i < words.size(); ++i) Require(again[i].text == words[i].text && again[i].quoted);
@@ -26,14 +26,14 @@ void RequireThatQuotedWordsSplitBack(const std::vector<Word>& words) {
 // Whatever it holds, quotes included; but those around the whole path are taken off where the SDK uses just a pair.
 void RequireThatAPathStaysWhole(const std::string& path) {
   for (const char* quotes : {"shell ls \"\"", "shell stat -c %Y \"\""}) {
-    Require(ReadCommand(quotes + path + "\"\"", Assist::kOn).words.back() == QuoteForDevice(path));
+    Require(ReadCommand(quotes + path + "\"\"", Assist::kOn).words.back() == base::QuoteForShell(path));
   }
   for (const char* command : {"ls", "restore"}) {
     Require(ReadCommand(command + (" \"" + path) + '"', Assist::kOn).words.back() == path);
   }
   std::string unquoted = path;
   RemoveOwnQuotes(&unquoted);
-  Require(ReadCommand("shell rm \"" + path + '"', Assist::kOn).words.back() == QuoteForDevice(unquoted));
+  Require(ReadCommand("shell rm \"" + path + '"', Assist::kOn).words.back() == base::QuoteForShell(unquoted));
 }
 
 // Two paths, where the text says where the first one ends.
@@ -46,7 +46,7 @@ void RequireThatTwoPathsStayWhole(const std::string& path) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  std::string text = darokleim::Text(data, size);
+  std::string text = darokleim::sdk::Text(data, size);
   text.resize(std::min(text.find('\0'), text.size()));  // an argument text ends at its zero byte
 
   const std::vector<Word> words = SplitWords(text);

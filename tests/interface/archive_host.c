@@ -4,9 +4,9 @@
 #include <string.h>
 
 #include "darokleim.h"
-#include "expect.h"
-#include "platform/command_channel.h"
-#include "platform/log_library.h"
+#include "src/platform/command_channel.h"
+#include "src/platform/log_library.h"
+#include "tests/interface/expect.h"
 
 enum { kStatus = 1077 };
 

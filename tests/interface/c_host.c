@@ -4,7 +4,7 @@
 #include <sys/stat.h>
 
 #include "darokleim.h"
-#include "expect.h"
+#include "tests/interface/expect.h"
 
 // The channel's status before it was started.
 enum { kChannelNotStarted = 3001 };

@@ -1,10 +1,10 @@
-#include "platform/log/line_text.h"
+#include "log/line_text.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-namespace darokleim {
+namespace darokleim::log {
 namespace {
 
 std::string Format(const char* format, ...) {
@@ -59,4 +59,4 @@ TEST(OnOneLine, KeepsEveryOtherByte) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::log

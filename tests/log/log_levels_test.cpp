@@ -1,9 +1,9 @@
 #include <gmock/gmock.h>
 #include <stdlib.h>
 
-#include "opened_log.h"
+#include "tests/log/opened_log.h"
 
-namespace darokleim {
+namespace darokleim::log {
 namespace {
 
 using testing::ElementsAre;
@@ -68,4 +68,4 @@ TEST_F(LogLevels, AreNamedInTheLine) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::log

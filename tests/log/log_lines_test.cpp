@@ -8,9 +8,9 @@
 #include <thread>
 #include <vector>
 
-#include "opened_log.h"
+#include "tests/log/opened_log.h"
 
-namespace darokleim {
+namespace darokleim::log {
 namespace {
 
 using testing::AllOf;
@@ -86,12 +86,12 @@ TEST(LogLines, OfNullArgumentsAreDropped) {
 
 TEST(LogLines, GoToTheFileOfTheirModule) {
   const OpenedLog first;
-  const TemporaryDirectory directory;
+  const test::TemporaryDirectory directory;
   ASSERT_TRUE(InitLogEx(&directory, "LogLines.other", directory.File("other.log").c_str()));
   LogEx(first.module(), 1, "one");
   LogEx("LogLines.other", 1, "two");
   EXPECT_THAT(first.Lines(), ElementsAre(EndsWith("one")));
-  EXPECT_THAT(ReadLines(directory.File("other.log")),
+  EXPECT_THAT(test::ReadLines(directory.File("other.log")),
               ElementsAre(AllOf(HasSubstr("[LogLines.other]"), EndsWith("two"))));
 }
 
@@ -114,11 +114,12 @@ TEST(LogLines, OfTwoModulesShareAFile) {
 }
 
 TEST(LogLines, AreAppendedToWhatStandsInTheFile) {
-  const TemporaryDirectory directory;
-  WriteFile(directory.File("kept.log"), "from an earlier run\n");
+  const test::TemporaryDirectory directory;
+  test::WriteFile(directory.File("kept.log"), "from an earlier run\n");
   ASSERT_TRUE(InitLogEx(nullptr, "LogLines.appended", directory.File("kept.log").c_str()));
   LogEx("LogLines.appended", 1, "text");
-  EXPECT_THAT(ReadLines(directory.File("kept.log")), ElementsAre("from an earlier run", EndsWith("text")));
+  EXPECT_THAT(test::ReadLines(directory.File("kept.log")),
+              ElementsAre("from an earlier run", EndsWith("text")));
 }
 
 TEST(LogLines, OfSixtyFourThreadsStayWhole) {
@@ -162,7 +163,7 @@ TEST(LogLines, OfSixtyFourThreadsStayWhole) {
 
 TEST(LogLines, OfModulesOpenedByManyThreadsAtOnceAreAllThere) {
   constexpr int kThreads = 16;
-  const TemporaryDirectory directory;
+  const test::TemporaryDirectory directory;
   std::vector<std::thread> threads;
   for (int thread = 0; thread < kThreads; ++thread) {
     threads.emplace_back([&directory, thread] {
@@ -172,8 +173,8 @@ TEST(LogLines, OfModulesOpenedByManyThreadsAtOnceAreAllThere) {
     });
   }
   for (auto& thread : threads) thread.join();
-  EXPECT_EQ(ReadLines(directory.File("common.log")).size(), static_cast<size_t>(kThreads));
+  EXPECT_EQ(test::ReadLines(directory.File("common.log")).size(), static_cast<size_t>(kThreads));
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::log

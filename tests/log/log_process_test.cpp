@@ -12,9 +12,9 @@
 #include <thread>
 #include <vector>
 
-#include "opened_log.h"
+#include "tests/log/opened_log.h"
 
-namespace darokleim {
+namespace darokleim::log {
 namespace {
 
 using testing::ElementsAre;
@@ -104,4 +104,4 @@ TEST(LogProcessTest, AChildForkedWhileOthersWriteCanLog) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::log

@@ -10,9 +10,9 @@
 #include <filesystem>
 #include <thread>
 
-#include "opened_log.h"
+#include "tests/log/opened_log.h"
 
-namespace darokleim {
+namespace darokleim::log {
 namespace {
 
 using testing::ElementsAre;
@@ -26,15 +26,15 @@ void WaitForNextAttempt() {
 }
 
 TEST(LogTroubleTest, AFileThatCannotBeOpenedIsReportedAndItsLinesAreDropped) {
-  const TemporaryDirectory directory;
-  WriteFile(directory.File("file"), "");
+  const test::TemporaryDirectory directory;
+  test::WriteFile(directory.File("file"), "");
   EXPECT_FALSE(InitLogEx(nullptr, "LogTrouble.file", directory.File("file/below.log").c_str()));
   EXPECT_FALSE(InitLogEx(nullptr, "LogTrouble.file", directory.path().c_str())) << "a directory";
   EXPECT_FALSE(InitLogEx(nullptr, "LogTrouble.file", ""));
   EXPECT_FALSE(InitLogEx(nullptr, "LogTrouble.file", nullptr));
   EXPECT_FALSE(InitLogEx(nullptr, nullptr, directory.File("good.log").c_str()));
   LogEx("LogTrouble.file", 3, "dropped");
-  EXPECT_EQ(ReadFile(directory.File("file")), "");
+  EXPECT_EQ(test::ReadFile(directory.File("file")), "");
 }
 
 TEST(LogTroubleTest, APathLongerThanTheSystemAllowsIsRefused) {
@@ -43,21 +43,21 @@ TEST(LogTroubleTest, APathLongerThanTheSystemAllowsIsRefused) {
 }
 
 TEST(LogTroubleTest, APipeIsRefusedWithoutWaitingForItsReader) {
-  const TemporaryDirectory directory;
+  const test::TemporaryDirectory directory;
   ASSERT_EQ(mkfifo(directory.File("pipe").c_str(), 0600), 0);
   EXPECT_FALSE(InitLogEx(nullptr, "LogTrouble.pipe", directory.File("pipe").c_str()));
 }
 
 TEST(LogTroubleTest, AModuleThatFailedMayBeOpenedElsewhere) {
-  const TemporaryDirectory directory;
+  const test::TemporaryDirectory directory;
   EXPECT_FALSE(InitLogEx(nullptr, "LogTrouble.second", directory.path().c_str()));
   EXPECT_TRUE(InitLogEx(nullptr, "LogTrouble.second", directory.File("good.log").c_str()));
   LogEx("LogTrouble.second", 1, "text");
-  EXPECT_EQ(ReadLines(directory.File("good.log")).size(), 1u);
+  EXPECT_EQ(test::ReadLines(directory.File("good.log")).size(), 1u);
 }
 
 TEST(LogTroubleTest, ADirectoryWithoutWritePermissionIsReported) {
-  const TemporaryDirectory directory;
+  const test::TemporaryDirectory directory;
   const std::string closed = directory.File("closed");
   ASSERT_TRUE(std::filesystem::create_directory(closed));
   ASSERT_EQ(chmod(directory.path().c_str(), 0755), 0);
@@ -135,7 +135,7 @@ TEST(LogTroubleTest, ALongLogIsRotatedAndBounded) {
   const auto newest = log.Lines();
   ASSERT_FALSE(newest.empty());
   EXPECT_THAT(newest.back(), HasSubstr("] " + std::to_string(kMegabytes - 1) + " rrr"));
-  const auto previous = ReadLines(log.directory().File("test.1.log"));
+  const auto previous = test::ReadLines(log.directory().File("test.1.log"));
   ASSERT_FALSE(previous.empty());
   EXPECT_THAT(previous.back(), HasSubstr("] " + std::to_string(kMegabytes - 1 - newest.size()) + " rrr"));
 }
@@ -147,7 +147,7 @@ TEST(LogTroubleTest, ALineLongerThanAFileIsStillWhole) {
   LogEx(log.module(), 1, "%s", text.c_str());
   LogEx(log.module(), 1, "after");
   EXPECT_THAT(log.Lines(), ElementsAre(EndsWith("after")));
-  const auto previous = ReadLines(log.directory().File("test.1.log"));
+  const auto previous = test::ReadLines(log.directory().File("test.1.log"));
   ASSERT_EQ(previous.size(), 1u);
   EXPECT_TRUE(previous[0].ends_with("] " + text));
 }
@@ -158,7 +158,7 @@ TEST(LogTroubleTest, AFailedRotationNeitherCrashesNorEndsTheLog) {
   const std::string logs = log.directory().File("logs");
   for (int line = 0; line < 9; ++line) LogEx(log.module(), 1, "%s", text.c_str());
   std::filesystem::rename(logs, logs + ".moved");
-  WriteFile(logs, "in the way");
+  test::WriteFile(logs, "in the way");
   for (int line = 0; line < 5; ++line) LogEx(log.module(), 1, "%s", text.c_str());
   LogEx(log.module(), 1, "short");
   WaitForNextAttempt();
@@ -189,7 +189,7 @@ TEST(LogTroubleTest, ARemovedFileComesBackWithTheNextRotation) {
 }
 
 TEST(LogTroubleTest, RotationIgnoresTheCurrentDirectory) {
-  const TemporaryDirectory directory;
+  const test::TemporaryDirectory directory;
   const auto before = std::filesystem::current_path();
   std::filesystem::current_path(directory.path());
   const bool opened = InitLogEx(nullptr, "LogTrouble.relative", "relative.log");
@@ -203,4 +203,4 @@ TEST(LogTroubleTest, RotationIgnoresTheCurrentDirectory) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::log

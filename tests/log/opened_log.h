@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "platform/log_library.h"
-#include "support/file_content.h"
-#include "support/temporary_directory.h"
+#include "src/platform/log_library.h"
+#include "tests/support/file_content.h"
+#include "tests/support/temporary_directory.h"
 
-namespace darokleim {
+namespace darokleim::log {
 
 class OpenedLog {
  public:
@@ -24,16 +24,16 @@ class OpenedLog {
   bool opened() const { return opened_; }
   const char* module() const { return module_.c_str(); }
   const std::string& path() const { return path_; }
-  const TemporaryDirectory& directory() const { return directory_; }
-  std::vector<std::string> Lines() const { return ReadLines(path_); }
+  const test::TemporaryDirectory& directory() const { return directory_; }
+  std::vector<std::string> Lines() const { return test::ReadLines(path_); }
 
  private:
-  TemporaryDirectory directory_;
+  test::TemporaryDirectory directory_;
   std::string path_;
   std::string module_;
   bool opened_ = false;
 };
 
-}  // namespace darokleim
+}  // namespace darokleim::log
 
 #endif  // DAROKLEIM_TESTS_LOG_OPENED_LOG_H

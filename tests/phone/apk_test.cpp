@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "device/packages/apk_file.h"
-#include "device/packages/binary_xml.h"
-#include "phone_under_test.h"
+#include "tests/phone/phone_under_test.h"
+#include "tools/phone/device/packages/apk_file.h"
+#include "tools/phone/device/packages/binary_xml.h"
 
 namespace darokleim::phone_test {
 namespace {

@@ -1,9 +1,9 @@
-#include "each_phone.h"
+#include "tests/phone/each_phone.h"
 
 #include <darokleim.h>
 #include <stdlib.h>
 
-#include "platform/command_channel.h"
+#include "src/platform/command_channel.h"
 
 namespace darokleim::phone_test {
 

@@ -7,7 +7,7 @@
 #include <ostream>
 #include <string>
 
-#include "simulated_phones.h"
+#include "tests/phone/simulated_phones.h"
 
 namespace darokleim::phone_test {
 

@@ -9,8 +9,8 @@
 #include <set>
 #include <thread>
 
-#include "each_phone.h"
-#include "phone_under_test.h"
+#include "tests/phone/each_phone.h"
+#include "tests/phone/phone_under_test.h"
 
 namespace darokleim::phone_test {
 namespace {

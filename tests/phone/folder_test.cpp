@@ -6,7 +6,7 @@
 #include <ctime>
 #include <filesystem>
 
-#include "phone_under_test.h"
+#include "tests/phone/phone_under_test.h"
 
 namespace darokleim::phone_test {
 namespace {

@@ -1,4 +1,4 @@
-#include "foreign_server.h"
+#include "tests/phone/foreign_server.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>

@@ -1,4 +1,4 @@
-#include "host_process.h"
+#include "tests/phone/host_process.h"
 
 #include <fcntl.h>
 #include <poll.h>

@@ -1,4 +1,4 @@
-#include "host_sockets.h"
+#include "tests/phone/host_sockets.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>

@@ -1,4 +1,4 @@
-#include "phone_under_test.h"
+#include "tests/phone/phone_under_test.h"
 
 namespace darokleim::phone_test {
 namespace {

@@ -1,4 +1,4 @@
-#include "path_trials.h"
+#include "tests/phone/path_trials.h"
 
 #include <darokleim.h>
 #include <fcntl.h>
@@ -9,7 +9,7 @@
 #include <filesystem>
 #include <memory>
 
-#include "phone_under_test.h"
+#include "tests/phone/phone_under_test.h"
 
 namespace darokleim::phone_test {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "trial_place.h"
+#include "tests/phone/trial_place.h"
 
 namespace darokleim::phone_test {
 

@@ -1,4 +1,4 @@
-#include "paths_document.h"
+#include "tests/phone/paths_document.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -6,7 +6,7 @@
 
 #include <stdexcept>
 
-#include "phone_under_test.h"
+#include "tests/phone/phone_under_test.h"
 
 namespace darokleim::phone_test {
 

@@ -6,9 +6,9 @@
 #include <cstdlib>
 #include <thread>
 
-#include "each_phone.h"
-#include "path_trials.h"
-#include "paths_document.h"
+#include "tests/phone/each_phone.h"
+#include "tests/phone/path_trials.h"
+#include "tests/phone/paths_document.h"
 
 namespace darokleim::phone_test {
 namespace {

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "simulated_phones.h"
+#include "tests/phone/simulated_phones.h"
 
 namespace darokleim::phone_test {
 

@@ -2,8 +2,8 @@
 
 #include <filesystem>
 
-#include "host_sockets.h"
-#include "phone_under_test.h"
+#include "tests/phone/host_sockets.h"
+#include "tests/phone/phone_under_test.h"
 
 namespace darokleim::phone_test {
 namespace {

@@ -10,15 +10,15 @@
 #include <random>
 #include <thread>
 
-#include "common/address.h"
-#include "common/wire.h"
-#include "device/sync_messages.h"
-#include "phone_under_test.h"
+#include "tests/phone/phone_under_test.h"
+#include "tools/phone/common/address.h"
+#include "tools/phone/common/wire.h"
+#include "tools/phone/device/sync_messages.h"
 
 namespace darokleim::phone_test {
 namespace {
 
-using phone::UniqueFd;
+using base::UniqueFd;
 using phone::WithLength;
 using testing::EndsWith;
 using testing::HasSubstr;
@@ -55,7 +55,7 @@ class RawClient {
 
  private:
   static constexpr int kPatienceMilliseconds = 20000;
-  UniqueFd fd_;
+  base::UniqueFd fd_;
 };
 
 class Robustness : public testing::Test {

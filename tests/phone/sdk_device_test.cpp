@@ -3,8 +3,8 @@
 #include <cstdlib>
 #include <memory>
 
-#include "platform/command_channel.h"
-#include "sdk_on_phone.h"
+#include "src/platform/command_channel.h"
+#include "tests/phone/sdk_on_phone.h"
 
 namespace darokleim::phone_test {
 namespace {

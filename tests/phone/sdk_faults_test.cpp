@@ -9,9 +9,9 @@
 #include <filesystem>
 #include <thread>
 
-#include "foreign_server.h"
-#include "sdk_on_phone.h"
-#include "support/own_process.h"
+#include "tests/phone/foreign_server.h"
+#include "tests/phone/sdk_on_phone.h"
+#include "tests/support/own_process.h"
 
 #if defined(__linux__)
 #include <sched.h>
@@ -177,7 +177,7 @@ TEST_P(SdkFaults, TheHostsDiskIsFull) {
   const std::string file = LargeFile("4M");
   const std::string disk = OnHost("disk");
   std::filesystem::create_directory(disk);
-  InProcessOfItsOwn([&] {
+  test::InProcessOfItsOwn([&] {
     ASSERT_TRUE(MountDisk(disk, 0)) << strerror(errno);
     EXPECT_EQ(Pull(file, disk + "/back"), ADB_RESULT_NO_SPACE_LEFT);
     EXPECT_FALSE(std::filesystem::exists(disk + "/back")) << "adb takes back what it began";
@@ -192,7 +192,7 @@ TEST_P(SdkFaults, TheHostsDiskIsReadOnly) {
   const std::string file = LargeFile("4K");
   const std::string disk = OnHost("disk");
   std::filesystem::create_directory(disk);
-  InProcessOfItsOwn([&] {
+  test::InProcessOfItsOwn([&] {
     ASSERT_TRUE(MountDisk(disk, MS_RDONLY)) << strerror(errno);
     EXPECT_EQ(Pull(file, disk + "/back"), 1001);
     EXPECT_FALSE(std::filesystem::exists(disk + "/back"));

@@ -1,4 +1,4 @@
-#include "sdk_on_phone.h"
+#include "tests/phone/sdk_on_phone.h"
 
 #include <unistd.h>
 

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "phone_under_test.h"
+#include "tests/phone/phone_under_test.h"
 
 namespace darokleim::phone_test {
 

@@ -4,7 +4,7 @@
 #include <functional>
 #include <thread>
 
-#include "sdk_on_phone.h"
+#include "tests/phone/sdk_on_phone.h"
 
 namespace darokleim::phone_test {
 namespace {

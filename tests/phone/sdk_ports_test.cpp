@@ -1,6 +1,6 @@
 // Port mappings between the host and a phone, and what flows through them.
-#include "host_sockets.h"
-#include "sdk_on_phone.h"
+#include "tests/phone/host_sockets.h"
+#include "tests/phone/sdk_on_phone.h"
 
 namespace darokleim::phone_test {
 namespace {

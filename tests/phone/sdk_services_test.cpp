@@ -3,7 +3,7 @@
 #include <mutex>
 #include <thread>
 
-#include "sdk_on_phone.h"
+#include "tests/phone/sdk_on_phone.h"
 
 namespace darokleim::phone_test {
 namespace {

@@ -14,12 +14,12 @@
 #include <cstdlib>
 #include <string>
 
-#include "support/process_namespace.h"
-#include "support/sleeper.h"
+#include "tests/support/process_namespace.h"
+#include "tests/unit/support/sleeper.h"
 
 namespace {
 
-using darokleim::testing::Sleeper;
+using darokleim::test::Sleeper;
 
 sockaddr_in LocalAddress(std::uint16_t port) {
   sockaddr_in address{};
@@ -76,7 +76,7 @@ void PrintServer(std::uint16_t port) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (!darokleim::IsFirstProcessOfNamespace()) {
+  if (!darokleim::test::IsFirstProcessOfNamespace()) {
     std::fputs("not in a PID namespace of its own\n", stderr);
     return 2;
   }

@@ -4,28 +4,28 @@
 #include <filesystem>
 #include <string>
 
-#include "support/process_namespace.h"
-#include "support/temporary_directory.h"
+#include "tests/support/process_namespace.h"
+#include "tests/support/temporary_directory.h"
 
 #if defined(__linux__)
 namespace darokleim::phone_test {
 namespace {
 
 void LinkProgram(const std::string& program, const std::string& link) {
-  std::string path = RunCommand("command -v " + program).output;
+  std::string path = test::RunCommand("command -v " + program).output;
   path.erase(path.find('\n'));
   std::filesystem::create_symlink(path, link);
 }
 
 TEST(ServerControlTest, StartsRestartsAndKillsARealServer) {
-  const CommandOutcome allowed = RunInProcessNamespace("true");
+  const test::CommandOutcome allowed = test::RunInProcessNamespace("true");
   ASSERT_NE(allowed.exit_status, 127) << allowed.output;
   if (allowed.exit_status != 0) GTEST_SKIP() << "the system refuses PID namespaces: " << allowed.output;
 
-  const TemporaryDirectory directory;
+  const test::TemporaryDirectory directory;
   for (const char* program : {"adb", "busybox"}) LinkProgram(program, directory.File(program));
-  const CommandOutcome outcome =
-      RunInProcessNamespace("'" DAROKLEIM_SERVER_CONTROL_HOST "' '" + directory.path().native() + "'");
+  const test::CommandOutcome outcome =
+      test::RunInProcessNamespace("'" DAROKLEIM_SERVER_CONTROL_HOST "' '" + directory.path().native() + "'");
   EXPECT_EQ(outcome.exit_status, 0);
   EXPECT_EQ(outcome.output,
             "server: gone\n"

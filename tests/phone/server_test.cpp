@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 
-#include "simulated_phones.h"
+#include "tests/phone/simulated_phones.h"
 
 namespace darokleim::phone_test {
 namespace {

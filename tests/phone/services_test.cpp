@@ -1,6 +1,6 @@
 #include <unistd.h>
 
-#include "phone_under_test.h"
+#include "tests/phone/phone_under_test.h"
 
 namespace darokleim::phone_test {
 namespace {

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <thread>
 
-#include "simulated_phones.h"
+#include "tests/phone/simulated_phones.h"
 
 namespace darokleim::phone_test {
 namespace {

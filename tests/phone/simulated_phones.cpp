@@ -1,4 +1,4 @@
-#include "simulated_phones.h"
+#include "tests/phone/simulated_phones.h"
 
 #include <signal.h>
 

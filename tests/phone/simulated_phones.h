@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "host_process.h"
+#include "tests/phone/host_process.h"
 
 namespace darokleim::phone_test {
 

@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "simulated_phones.h"
+#include "tests/phone/simulated_phones.h"
 
 namespace darokleim::phone_test {
 namespace {

@@ -1,10 +1,10 @@
-#include "trial_place.h"
+#include "tests/phone/trial_place.h"
 
 #include <sys/stat.h>
 
 #include <utility>
 
-#include "phone_under_test.h"
+#include "tests/phone/phone_under_test.h"
 
 namespace darokleim::phone_test {
 

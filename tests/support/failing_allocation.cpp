@@ -1,4 +1,4 @@
-#include "support/failing_allocation.h"
+#include "tests/support/failing_allocation.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -33,7 +33,7 @@ void operator delete(void* memory, std::size_t) noexcept {
   Free(memory);
 }
 
-namespace darokleim::testing {
+namespace darokleim::test {
 
 FailingAllocation::FailingAllocation(long number) {
   left = number;
@@ -51,4 +51,4 @@ long LiveAllocations() {
   return live;
 }
 
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

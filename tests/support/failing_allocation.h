@@ -3,7 +3,7 @@
 #ifndef DAROKLEIM_TESTS_SUPPORT_FAILING_ALLOCATION_H
 #define DAROKLEIM_TESTS_SUPPORT_FAILING_ALLOCATION_H
 
-namespace darokleim::testing {
+namespace darokleim::test {
 
 // While it lives, one allocation fails, in whichever thread: the one with this number, the next being 0.
 class FailingAllocation {
@@ -29,6 +29,6 @@ long WithEachAllocationFailing(Trial trial) {
   }
 }
 
-}  // namespace darokleim::testing
+}  // namespace darokleim::test
 
 #endif  // DAROKLEIM_TESTS_SUPPORT_FAILING_ALLOCATION_H

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace darokleim {
+namespace darokleim::test {
 
 // Empty when there is no such file.
 inline std::string ReadFile(const std::string& path) {
@@ -27,6 +27,6 @@ inline void WriteFile(const std::string& path, const std::string& content) {
   std::ofstream(path, std::ios::binary) << content;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::test
 
 #endif  // DAROKLEIM_TESTS_SUPPORT_FILE_CONTENT_H

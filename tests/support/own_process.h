@@ -9,7 +9,7 @@
 #include <cstdio>
 #include <exception>
 
-namespace darokleim {
+namespace darokleim::test {
 
 // For what changes a whole process. The body's expectations count.
 template <typename Body>
@@ -31,6 +31,6 @@ void InProcessOfItsOwn(Body body) {
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "wait status " << status;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::test
 
 #endif  // DAROKLEIM_TESTS_SUPPORT_OWN_PROCESS_H

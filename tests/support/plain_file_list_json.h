@@ -12,10 +12,10 @@
 #include <unordered_map>
 #include <utility>
 
-#include "filesystem/file_info.h"
-#include "filesystem/json_text.h"
+#include "src/filesystem/file_info.h"
+#include "src/filesystem/json_text.h"
 
-namespace darokleim {
+namespace darokleim::test {
 
 inline std::string PlainFlatList(const std::list<FileInfo>& files, bool with_size) {
   static const Json::StaticString file("file"), size("size"), time("time"), utc_timestamp("utc_timestamp");
@@ -62,6 +62,6 @@ inline std::string PlainTree(const std::list<FileInfo>& files, const std::string
   return JsonToString(top);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::test
 
 #endif  // DAROKLEIM_TESTS_SUPPORT_PLAIN_FILE_LIST_JSON_H

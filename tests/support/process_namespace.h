@@ -9,7 +9,7 @@
 #include <cstdio>
 #include <string>
 
-namespace darokleim {
+namespace darokleim::test {
 
 struct CommandOutcome {
   int exit_status;
@@ -43,6 +43,6 @@ inline bool IsFirstProcessOfNamespace() {
   return getpid() == 1 && readlink("/proc/self", self.data(), self.size() - 1) == 1 && self[0] == '1';
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::test
 
 #endif  // DAROKLEIM_TESTS_SUPPORT_PROCESS_NAMESPACE_H

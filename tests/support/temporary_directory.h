@@ -9,7 +9,7 @@
 #include <string>
 #include <system_error>
 
-namespace darokleim {
+namespace darokleim::test {
 
 class TemporaryDirectory {
  public:
@@ -32,6 +32,6 @@ class TemporaryDirectory {
   std::filesystem::path path_;
 };
 
-}  // namespace darokleim
+}  // namespace darokleim::test
 
 #endif  // DAROKLEIM_TESTS_SUPPORT_TEMPORARY_DIRECTORY_H

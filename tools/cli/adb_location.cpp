@@ -1,4 +1,4 @@
-#include "adb_location.h"
+#include "tools/cli/adb_location.h"
 
 #include <errno.h>
 #include <stdlib.h>
@@ -10,11 +10,11 @@
 #include <string_view>
 #include <vector>
 
-#include "errors.h"
-#include "host_directories.h"
-#include "system_error.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/host_directories.h"
+#include "tools/cli/system_error.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 namespace fs = std::filesystem;
@@ -134,4 +134,4 @@ HostPrograms FindHostPrograms(const std::string& named_adb, const std::string& n
   return programs;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // The programs that the library needs. Paths are absolute; symbolic links are kept, because a program may look at
 // the name that it was started by.
@@ -20,6 +20,6 @@ struct HostPrograms {
 // on a phone. Throws ToolError when adb is not found or what is named cannot be used.
 HostPrograms FindHostPrograms(const std::string& named_adb, const std::string& named_busybox);
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_ADB_LOCATION_H

@@ -1,14 +1,14 @@
-#include "app_command.h"
+#include "tools/cli/app_command.h"
 
 #include <darokleim.h>
 #include <sys/stat.h>
 
 #include <cerrno>
 
-#include "errors.h"
-#include "system_error.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/system_error.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 bool IsInstalled(const Device& device, const std::string& package) {
   bool installed = false;
@@ -35,4 +35,4 @@ std::string FileName(const std::string& path) {
   return path.substr(path.rfind('/') + 1);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

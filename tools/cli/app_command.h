@@ -4,9 +4,9 @@
 
 #include <string>
 
-#include "device.h"
+#include "tools/cli/device.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // Whether the device lists the package.
 bool IsInstalled(const Device& device, const std::string& package);
@@ -20,6 +20,6 @@ void CheckApkFile(const std::string& path);
 // The part of the path behind the last slash.
 std::string FileName(const std::string& path);
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_APP_COMMAND_H

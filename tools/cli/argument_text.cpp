@@ -1,10 +1,10 @@
-#include "argument_text.h"
+#include "tools/cli/argument_text.h"
 
 #include <algorithm>
 
-#include "errors.h"
+#include "tools/cli/errors.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 bool IsPlainCharacter(char c) {
@@ -35,4 +35,4 @@ void CheckCanBeCarried(std::string_view path) {
   }
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

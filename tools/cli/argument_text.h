@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // For a bare place, without quotes: chmod, find, df. A plain text stays as it is.
 std::string ForBarePlace(std::string_view text);
@@ -14,6 +14,6 @@ std::string ForBarePlace(std::string_view text);
 // Throws ToolError for a path that holds what stands between two paths of one command.
 void CheckCanBeCarried(std::string_view path);
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_ARGUMENT_TEXT_H

@@ -2,13 +2,13 @@
 #ifndef DAROKLEIM_TOOLS_CLI_BACKUP_QUESTION_H
 #define DAROKLEIM_TOOLS_CLI_BACKUP_QUESTION_H
 
-#include "device.h"
+#include "tools/cli/device.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // After Ctrl-C the question would stay on the phone. A second Ctrl-C ends the tool without this.
 void CloseQuestionIfCancelled(const Device& device);
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_BACKUP_QUESTION_H

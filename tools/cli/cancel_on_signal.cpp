@@ -1,10 +1,10 @@
-#include "cancel_on_signal.h"
+#include "tools/cli/cancel_on_signal.h"
 
 #include <signal.h>
 
 #include <initializer_list>
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 bool cancel_flag = false;
@@ -35,4 +35,4 @@ bool IsCancelled() {
   return __atomic_load_n(&cancel_flag, __ATOMIC_RELAXED);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -6,9 +6,9 @@
 #include <memory>
 #include <string>
 
-#include "tool.h"
+#include "tools/cli/tool.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 struct CommandText {
   const char* name;
@@ -48,6 +48,6 @@ inline void AddJsonFlag(CLI::App& command, bool& json, const std::string& what) 
   command.add_flag("--json", json, "Print " + what);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_COMMAND_H

@@ -1,8 +1,8 @@
-#include "command_line_walk.h"
+#include "tools/cli/command_line_walk.h"
 
 #include <algorithm>
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 const CLI::App* FindSubcommand(const CLI::App& command, const std::string& name) {
@@ -125,4 +125,4 @@ std::vector<const CLI::Option*> Positionals(const CLI::App& command) {
   return positionals;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

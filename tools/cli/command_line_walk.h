@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // Where the next word stands.
 struct CommandLinePlace {
@@ -27,6 +27,6 @@ std::vector<const CLI::App*> ShownSubcommands(const CLI::App& command);
 std::vector<const CLI::Option*> ShownOptions(const CLI::App& command);
 std::vector<const CLI::Option*> Positionals(const CLI::App& command);
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_COMMAND_LINE_WALK_H

@@ -1,4 +1,4 @@
-#include "completion.h"
+#include "tools/cli/completion.h"
 
 #include <darokleim.h>
 
@@ -7,11 +7,11 @@
 #include <exception>
 #include <string_view>
 
-#include "command_line_walk.h"
-#include "device_list.h"
-#include "library_block.h"
+#include "tools/cli/command_line_walk.h"
+#include "tools/cli/device_list.h"
+#include "tools/cli/library_block.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -137,4 +137,4 @@ Lines Completions(const CLI::App& root, Tool& tool, const std::vector<std::strin
   return lines;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -1,35 +1,32 @@
-#include "device.h"
+#include "tools/cli/device.h"
 
 #include <stdlib.h>
 
 #include <algorithm>
 #include <vector>
 
-#include "cancel_on_signal.h"
-#include "device_list.h"
-#include "errors.h"
-#include "result_text.h"
+#include "base/ascii.h"
+#include "tools/cli/cancel_on_signal.h"
+#include "tools/cli/device_list.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/result_text.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kHowToName[] = "Name one with -s SERIAL or in ANDROID_SERIAL.";
 constexpr char kUnlisted[] =
     "Emulators and devices reached over the network are not listed; they have to be named.";
 
-bool IsAsciiLetterOrDigit(char c) {
-  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
-
 // Whether the library lists devices with such serial numbers.
 bool IsListed(const std::string& serial) {
-  return std::all_of(serial.begin(), serial.end(), IsAsciiLetterOrDigit);
+  return std::all_of(serial.begin(), serial.end(), base::IsAsciiLetterOrDigit);
 }
 
 // The serial number goes into adb's command as it is, so it must be one word and no option.
 void CheckSerial(const std::string& serial, const std::string& source) {
   const auto allowed = [](char c) {
-    return IsAsciiLetterOrDigit(c) || std::string("._:-[]%@+=/,#~").find(c) != std::string::npos;
+    return base::IsAsciiLetterOrDigit(c) || std::string("._:-[]%@+=/,#~").find(c) != std::string::npos;
   };
   if (serial.empty() || serial.front() == '-' || !std::all_of(serial.begin(), serial.end(), allowed)) {
     throw ToolError("\"" + serial + "\" (from " + source + ") is no serial number. See `darokleim devices`.");
@@ -88,4 +85,4 @@ Device ChooseDevice(const Session& session, const std::string& named) {
   return {session, TheOnlyUsable(session)};
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

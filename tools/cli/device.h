@@ -4,9 +4,9 @@
 #include <string>
 #include <utility>
 
-#include "session.h"
+#include "tools/cli/session.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // The device that a command works with. The session must outlive it.
 class Device {
@@ -35,6 +35,6 @@ class Device {
 // the list of devices, when that does not tell which.
 Device ChooseDevice(const Session& session, const std::string& named);
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_DEVICE_H

@@ -1,12 +1,12 @@
-#include "device_entry.h"
+#include "tools/cli/device_entry.h"
 
 #include <darokleim.h>
 
-#include "argument_text.h"
-#include "errors.h"
-#include "file_listing.h"
+#include "tools/cli/argument_text.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/file_listing.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 std::string Action(const DevicePath& path) {
@@ -98,4 +98,4 @@ DevicePath TargetFor(const Device& device, const DevicePath& path, const std::st
   return entry && entry->is_folder ? path.Child(name) : path;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

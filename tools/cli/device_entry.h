@@ -6,10 +6,10 @@
 #include <optional>
 #include <string>
 
-#include "device.h"
-#include "device_path.h"
+#include "tools/cli/device.h"
+#include "tools/cli/device_path.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 struct DeviceEntry {
   bool is_folder = false;
@@ -27,6 +27,6 @@ DeviceEntry RequireEntry(const Device& device, const DevicePath& path, const std
 // The path below the folder when `path` names one, as cp and mv do; otherwise the path itself.
 DevicePath TargetFor(const Device& device, const DevicePath& path, const std::string& name);
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_DEVICE_ENTRY_H

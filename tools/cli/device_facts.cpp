@@ -1,13 +1,13 @@
-#include "device_facts.h"
+#include "tools/cli/device_facts.h"
 
 #include <darokleim.h>
 
 #include <array>
 
-#include "device_property.h"
-#include "library_block.h"
+#include "tools/cli/device_property.h"
+#include "tools/cli/library_block.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 using TextFunction = int (*)(const char* serial, char* buffer, int buffer_size, const bool* cancel);
@@ -130,4 +130,4 @@ const std::vector<DeviceFact>& DeviceFacts() {
   return facts;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "device.h"
+#include "tools/cli/device.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 struct DeviceFact {
   std::string name;   // as in JSON and on the command line
@@ -25,6 +25,6 @@ const std::vector<DeviceFact>& DeviceFacts();
 // Any system property, under its own name.
 DeviceFact PropertyFact(const std::string& name, const std::string& property, const std::string& label);
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_DEVICE_FACTS_H

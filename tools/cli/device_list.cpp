@@ -1,13 +1,13 @@
-#include "device_list.h"
+#include "tools/cli/device_list.h"
 
 #include <darokleim.h>
 
 #include <algorithm>
 
-#include "library_block.h"
-#include "table.h"
+#include "tools/cli/library_block.h"
+#include "tools/cli/table.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 const char kNoDeviceAdvice[] = R"(No device is attached. Check that
   - the phone is connected with a cable that carries data, not only power,
@@ -54,4 +54,4 @@ std::string DeviceTable(const std::vector<AttachedDevice>& devices) {
   return table.Text();
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
-#include "session.h"
+#include "tools/cli/session.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 struct AttachedDevice {
   std::string serial;
@@ -32,6 +32,6 @@ std::string DeviceTable(const std::vector<AttachedDevice>& devices);
 // What to check when there is none; a few lines.
 extern const char kNoDeviceAdvice[];
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_DEVICE_LIST_H

@@ -1,9 +1,9 @@
-#include "device_path.h"
+#include "tools/cli/device_path.h"
 
-#include "argument_text.h"
-#include "errors.h"
+#include "tools/cli/argument_text.h"
+#include "tools/cli/errors.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 std::string WithSingleSlashes(std::string_view path) {
   std::string text;
@@ -30,4 +30,4 @@ DevicePath DevicePath::Child(std::string_view name) const {
   return DevicePath((IsRoot() ? "" : text_) + "/" + std::string(name));
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace darokleim {
+namespace darokleim::cli {
 
 std::string WithSingleSlashes(std::string_view path);
 
@@ -28,6 +28,6 @@ class DevicePath {
   std::string text_;
 };
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_DEVICE_PATH_H

@@ -1,10 +1,10 @@
-#include "device_property.h"
+#include "tools/cli/device_property.h"
 
 #include <darokleim.h>
 
-#include "platform/command_channel.h"
+#include "src/platform/command_channel.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 // The text belongs to the command channel, not to the library.
@@ -35,4 +35,4 @@ std::string ReadProperty(const Device& device, const std::string& name) {
   return text;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -3,14 +3,14 @@
 
 #include <string>
 
-#include "device.h"
+#include "tools/cli/device.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // The value of an Android system property, without blanks and line ends at its end; empty when the device has no
 // such property.
 std::string ReadProperty(const Device& device, const std::string& name);
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_DEVICE_PROPERTY_H

@@ -1,17 +1,14 @@
-#include "device_words.h"
+#include "tools/cli/device_words.h"
 
 #include <algorithm>
 
-#include "errors.h"
+#include "base/ascii.h"
+#include "tools/cli/errors.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr int kLastPort = 65535;
-
-bool IsAsciiLetterOrDigit(char c) {
-  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
 
 bool IsDigit(char c) {
   return c >= '0' && c <= '9';
@@ -27,7 +24,7 @@ bool IsPort(const std::string& text) {
 CLI::Validator WordOf(const std::string& others, const std::string& what) {
   const auto check = [others, what](const std::string& word) -> std::string {
     const auto allowed = [&others](char c) {
-      return IsAsciiLetterOrDigit(c) || others.find(c) != std::string::npos;
+      return base::IsAsciiLetterOrDigit(c) || others.find(c) != std::string::npos;
     };
     const bool fits = !word.empty() && word.front() != '-' && std::all_of(word.begin(), word.end(), allowed);
     return fits ? "" : "\"" + word + "\" is no " + what;
@@ -55,4 +52,4 @@ void CheckLength(const std::string& command, std::size_t limit, const std::strin
                   " bytes more than fit into the command.");
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <string>
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // A positional argument PACKAGE, required.
 void AddPackageArgument(CLI::App& command, std::string& package);
@@ -23,6 +23,6 @@ CLI::Validator WordOf(const std::string& others, const std::string& what);
 // Throws ToolError for a command of more than `limit` bytes; `what` is the part that is too long.
 void CheckLength(const std::string& command, std::size_t limit, const std::string& what);
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_DEVICE_WORDS_H

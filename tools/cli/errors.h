@@ -4,7 +4,7 @@
 
 #include <stdexcept>
 
-namespace darokleim {
+namespace darokleim::cli {
 
 enum ExitStatus : int { kExitOk = 0, kExitFailed = 1, kExitUsage = 2, kExitCancelled = 130 };
 
@@ -32,6 +32,6 @@ class OutputClosed : public std::exception {
   const char* what() const noexcept override { return "standard output is closed"; }
 };
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_ERRORS_H

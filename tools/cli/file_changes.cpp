@@ -1,13 +1,13 @@
-#include "file_changes.h"
+#include "tools/cli/file_changes.h"
 
 #include <darokleim.h>
 #include <unistd.h>
 
-#include "device_entry.h"
-#include "errors.h"
-#include "standard_streams.h"
+#include "tools/cli/device_entry.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/standard_streams.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 // Why a change that the device reported as done was not made: the phones concerned say nothing more.
@@ -55,4 +55,4 @@ UnfinishedFile::~UnfinishedFile() {
   }
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -4,10 +4,10 @@
 
 #include <string>
 
-#include "device.h"
-#include "device_path.h"
+#include "tools/cli/device.h"
+#include "tools/cli/device_path.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // All throw ToolError when the device did not do it.
 
@@ -43,6 +43,6 @@ class UnfinishedFile {
   bool in_place_ = false;
 };
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_FILE_CHANGES_H

@@ -1,18 +1,18 @@
-#include "file_listing.h"
+#include "tools/cli/file_listing.h"
 
 #include <darokleim.h>
 #include <json/reader.h>
 
 #include <memory>
 
-#include "errors.h"
-#include "human_text.h"
-#include "library_block.h"
-#include "result_text.h"
-#include "side_file.h"
-#include "standard_streams.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/human_text.h"
+#include "tools/cli/library_block.h"
+#include "tools/cli/result_text.h"
+#include "tools/cli/side_file.h"
+#include "tools/cli/standard_streams.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 // What JSON has for bytes that are no UTF-8: U+FFFD.
@@ -113,4 +113,4 @@ void WarnOfLostNames(std::size_t count) {
              ": a listing cannot carry them and has U+FFFD in their place.");
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -11,10 +11,10 @@
 #include <string_view>
 #include <vector>
 
-#include "device.h"
-#include "device_path.h"
+#include "tools/cli/device.h"
+#include "tools/cli/device_path.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 struct ListedFile {
   std::string path;
@@ -55,6 +55,6 @@ bool HasLostBytes(std::string_view name);
 // Says on standard error that so many names are not what they are on the device; nothing for none.
 void WarnOfLostNames(std::size_t count);
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_FILE_LISTING_H

@@ -1,4 +1,4 @@
-#include "folder_push.h"
+#include "tools/cli/folder_push.h"
 
 #include <darokleim.h>
 
@@ -7,17 +7,17 @@
 #include <string>
 #include <vector>
 
-#include "device_entry.h"
-#include "errors.h"
-#include "file_changes.h"
-#include "file_listing.h"
-#include "host_file.h"
-#include "human_text.h"
-#include "progress.h"
-#include "result_text.h"
-#include "standard_streams.h"
+#include "tools/cli/device_entry.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/file_changes.h"
+#include "tools/cli/file_listing.h"
+#include "tools/cli/host_file.h"
+#include "tools/cli/human_text.h"
+#include "tools/cli/progress.h"
+#include "tools/cli/result_text.h"
+#include "tools/cli/standard_streams.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 // What stands below the target on the device, by path.
@@ -117,4 +117,4 @@ Transfer PushFolder(const Tool& tool, const Device& device, const PushSource& so
   return transfer;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -1,4 +1,4 @@
-#include "host_directories.h"
+#include "tools/cli/host_directories.h"
 
 #include <errno.h>
 #include <pwd.h>
@@ -13,10 +13,10 @@
 #include <string>
 #include <system_error>
 
-#include "errors.h"
-#include "system_error.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/system_error.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 namespace fs = std::filesystem;
@@ -95,4 +95,4 @@ fs::path ExecutableDirectory() {
 #endif
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

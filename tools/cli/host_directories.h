@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <optional>
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // $HOME, or what the system's user list says; nothing for a user without one.
 std::optional<std::filesystem::path> HomeDirectory();
@@ -28,6 +28,6 @@ void MakePrivateDirectory(const std::filesystem::path& directory);
 // The directory that holds the running executable, symbolic links resolved; empty when the system does not tell.
 std::filesystem::path ExecutableDirectory();
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_HOST_DIRECTORIES_H

@@ -1,4 +1,4 @@
-#include "host_file.h"
+#include "tools/cli/host_file.h"
 
 #include <errno.h>
 #include <stdio.h>
@@ -9,11 +9,11 @@
 #include <system_error>
 #include <utility>
 
-#include "argument_text.h"
-#include "errors.h"
-#include "system_error.h"
+#include "tools/cli/argument_text.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/system_error.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 namespace fs = std::filesystem;
 
@@ -112,4 +112,4 @@ void UnfinishedOnHost::PutInPlace() {
   }
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // The bytes of a file, or of all files below a folder; what cannot be read counts nothing.
 std::uint64_t SizeOnHost(const std::filesystem::path& path);
@@ -44,6 +44,6 @@ class UnfinishedOnHost {
   std::filesystem::path path_;
 };
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_HOST_FILE_H

@@ -1,4 +1,4 @@
-#include "human_text.h"
+#include "tools/cli/human_text.h"
 
 #include <time.h>
 
@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <limits>
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr std::array<const char*, 7> kUnits = {"B", "KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};
@@ -51,4 +51,4 @@ std::string UtcTimeText(std::uint64_t seconds) {
   return TimeText(seconds, gmtime_r, "%Y-%m-%dT%H:%M:%SZ");
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

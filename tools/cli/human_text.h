@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // "0 B", "1023 B", "1.0 KiB", "12 MiB": powers of 1024, two digits at least, rounded to the nearest.
 std::string SizeText(std::uint64_t bytes);
@@ -20,6 +20,6 @@ std::string LocalTimeText(std::uint64_t seconds);
 // The same as "2020-01-02T03:04:05Z", for JSON.
 std::string UtcTimeText(std::uint64_t seconds);
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_HUMAN_TEXT_H

@@ -1,8 +1,8 @@
-#include "json.h"
+#include "tools/cli/json.h"
 
 #include <json/writer.h>
 
-namespace darokleim {
+namespace darokleim::cli {
 
 std::string JsonText(const Json::Value& document) {
   Json::StreamWriterBuilder builder;
@@ -10,4 +10,4 @@ std::string JsonText(const Json::Value& document) {
   return Json::writeString(builder, document) + "\n";
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -5,11 +5,11 @@
 
 #include <string>
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // The document, indented by two blanks, and a line end; pure ASCII.
 std::string JsonText(const Json::Value& document);
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_JSON_H

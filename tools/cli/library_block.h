@@ -5,7 +5,7 @@
 
 #include <string_view>
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // Receives a block of the library through a `char**` and an `int*`, and gives it back at its end.
 class LibraryBlock {
@@ -30,6 +30,6 @@ class LibraryBlock {
   int length_ = 0;
 };
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_LIBRARY_BLOCK_H

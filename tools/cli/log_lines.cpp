@@ -1,4 +1,4 @@
-#include "log_lines.h"
+#include "tools/cli/log_lines.h"
 
 #include <json/writer.h>
 
@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr std::string_view kPriorities = "VDIWEFS";
@@ -121,4 +121,4 @@ void LogLines::Finish() {
   if (!rest_.empty()) Add("\n");
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -6,9 +6,9 @@
 #include <string>
 #include <string_view>
 
-#include "output.h"
+#include "tools/cli/output.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // Prints the device's log, which comes in pieces of any size.
 class LogLines {
@@ -33,6 +33,6 @@ class LogLines {
 // tag and message. Of any other line, such as "--------- beginning of main", the line.
 Json::Value ParseLogLine(std::string_view line);
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_LOG_LINES_H

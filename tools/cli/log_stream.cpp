@@ -1,4 +1,4 @@
-#include "log_stream.h"
+#include "tools/cli/log_stream.h"
 
 #include <darokleim.h>
 
@@ -9,9 +9,9 @@
 #include <optional>
 #include <string_view>
 
-#include "cancel_on_signal.h"
+#include "tools/cli/cancel_on_signal.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr auto kLookForCancel = std::chrono::milliseconds(20);
@@ -96,4 +96,4 @@ bool FollowLog(const Device& device, const std::string& filter, LogLines& lines)
   return status.has_value();
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -1,5 +1,5 @@
-#include "tool.h"
+#include "tools/cli/tool.h"
 
 int main(int argc, char** argv) {
-  return darokleim::RunTool(argc, argv);
+  return darokleim::cli::RunTool(argc, argv);
 }

@@ -1,11 +1,11 @@
-#include "manual_page.h"
+#include "tools/cli/manual_page.h"
 
 #include <algorithm>
 
-#include "command_line_walk.h"
-#include "roff_text.h"
+#include "tools/cli/command_line_walk.h"
+#include "tools/cli/roff_text.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kDescription[] =
@@ -157,4 +157,4 @@ std::string ManualPage(const CLI::App& root, const std::string& version) {
   return page;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -1,16 +1,16 @@
-#include "output.h"
+#include "tools/cli/output.h"
 
 #include <errno.h>
 #include <stdlib.h>
 #include <unistd.h>
 
-#include "cancel_on_signal.h"
-#include "errors.h"
-#include "json.h"
-#include "system_error.h"
-#include "terminal_text.h"
+#include "tools/cli/cancel_on_signal.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/json.h"
+#include "tools/cli/system_error.h"
+#include "tools/cli/terminal_text.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 bool ColoursAreWanted() {
@@ -71,4 +71,4 @@ void Output::WriteJson(const Json::Value& document) {
   Write(JsonText(document));
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

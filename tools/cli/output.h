@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace darokleim {
+namespace darokleim::cli {
 
 enum class Colour { kFolder, kFaint, kGood, kBad };
 
@@ -36,6 +36,6 @@ class Output {
   bool has_colours_;
 };
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_OUTPUT_H

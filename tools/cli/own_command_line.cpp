@@ -1,4 +1,4 @@
-#include "own_command_line.h"
+#include "tools/cli/own_command_line.h"
 
 #if defined(__APPLE__)
 #include <crt_externs.h>
@@ -6,7 +6,7 @@
 #include <fstream>
 #endif
 
-namespace darokleim {
+namespace darokleim::cli {
 
 std::vector<std::string> OwnCommandLine() {
 #if defined(__APPLE__)
@@ -20,4 +20,4 @@ std::vector<std::string> OwnCommandLine() {
 #endif
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

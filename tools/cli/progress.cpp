@@ -1,4 +1,4 @@
-#include "progress.h"
+#include "tools/cli/progress.h"
 
 #include <pthread.h>
 #include <signal.h>
@@ -9,10 +9,10 @@
 #include <chrono>
 #include <utility>
 
-#include "human_text.h"
-#include "terminal_text.h"
+#include "tools/cli/human_text.h"
+#include "tools/cli/terminal_text.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -116,4 +116,4 @@ std::string CutToPlaces(const std::string& text, std::size_t places) {
   return text.substr(0, end);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

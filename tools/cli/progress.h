@@ -8,7 +8,7 @@
 #include <string>
 #include <thread>
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // A line on standard error that says what goes on for as long as this object lives. Only on a terminal; what takes
 // no time shows nothing. A thread of its own keeps the line, so the work is not held up.
@@ -46,6 +46,6 @@ std::string TransferText(const std::string& label, std::uint64_t done, std::uint
 // As many characters of the text as fit into so many places.
 std::string CutToPlaces(const std::string& text, std::size_t places);
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_PROGRESS_H

@@ -1,14 +1,14 @@
-#include "push_source.h"
+#include "tools/cli/push_source.h"
 
 #include <darokleim.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "argument_text.h"
-#include "errors.h"
-#include "host_file.h"
+#include "tools/cli/argument_text.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/host_file.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 PushSource FindPushSource(const std::string& named) {
   const std::string action = "cannot push " + named + ": ";
@@ -32,4 +32,4 @@ int RunPush(const Device& device, const PushSource& source, const DevicePath& ta
   return AdbPushFile(device.serial(), source.path.c_str(), target.c_str(), device.cancel());
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -6,10 +6,10 @@
 #include <filesystem>
 #include <string>
 
-#include "device.h"
-#include "device_path.h"
+#include "tools/cli/device.h"
+#include "tools/cli/device_path.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 struct PushSource {
   std::filesystem::path path;  // absolute
@@ -24,6 +24,6 @@ PushSource FindPushSource(const std::string& named);
 // The code of the library.
 int RunPush(const Device& device, const PushSource& source, const DevicePath& target);
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_PUSH_SOURCE_H

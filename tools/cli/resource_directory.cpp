@@ -1,4 +1,4 @@
-#include "resource_directory.h"
+#include "tools/cli/resource_directory.h"
 
 #include <errno.h>
 #include <stdio.h>
@@ -9,11 +9,11 @@
 #include <string_view>
 #include <system_error>
 
-#include "errors.h"
-#include "host_directories.h"
-#include "system_error.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/host_directories.h"
+#include "tools/cli/system_error.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 namespace fs = std::filesystem;
@@ -71,4 +71,4 @@ fs::path MakeResourceDirectory(const HostPrograms& programs) {
   return MakeBelow(TemporaryUserDirectory(), programs.adb, busybox);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -3,9 +3,9 @@
 
 #include <filesystem>
 
-#include "adb_location.h"
+#include "tools/cli/adb_location.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // The library wants one directory that holds "adb" and "busybox". Makes one of symbolic links to the programs, in
 // the user's cache, or returns the one that an earlier run made: the same programs have the same directory, so any
@@ -15,6 +15,6 @@ namespace darokleim {
 // there would stay on the device as its busybox.
 std::filesystem::path MakeResourceDirectory(const HostPrograms& programs);
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_RESOURCE_DIRECTORY_H

@@ -1,4 +1,4 @@
-#include "result_text.h"
+#include "tools/cli/result_text.h"
 
 #include <darokleim.h>
 #include <string.h>
@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <iterator>
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 struct ResultText {
@@ -162,4 +162,4 @@ bool MayComeFromAName(int code) {
   }
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

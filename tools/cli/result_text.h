@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // Name, number, meaning, and what helps:
 // "ADB_RESULT_CANNOT_CONNECT_DAEMON (27): adb could not reach its server. Start it with …"
@@ -20,6 +20,6 @@ bool IsExitStatus(int code);
 // All codes for messages but those of the connection.
 bool MayComeFromAName(int code);
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_RESULT_TEXT_H

@@ -1,12 +1,12 @@
-#include "roff_text.h"
+#include "tools/cli/roff_text.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
 
-#include "terminal_text.h"
+#include "tools/cli/terminal_text.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 // Of a whole UTF-8 character of several bytes.
@@ -74,4 +74,4 @@ std::string RoffText(std::string_view text) {
   return laid_out ? roff + ".EE\n" : roff;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // A line of UTF-8 text as the formatters of manual pages read it, whatever it holds.
 std::string RoffLine(std::string_view text);
@@ -12,6 +12,6 @@ std::string RoffLine(std::string_view text);
 // Several lines, of which those that begin with two blanks stay as they are laid out.
 std::string RoffText(std::string_view text);
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_ROFF_TEXT_H

@@ -1,4 +1,4 @@
-#include "session.h"
+#include "tools/cli/session.h"
 
 #include <darokleim.h>
 #include <errno.h>
@@ -10,15 +10,15 @@
 #include <optional>
 #include <system_error>
 
-#include "cancel_on_signal.h"
-#include "errors.h"
-#include "host_directories.h"
-#include "resource_directory.h"
-#include "result_text.h"
-#include "standard_streams.h"
-#include "system_error.h"
+#include "tools/cli/cancel_on_signal.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/host_directories.h"
+#include "tools/cli/resource_directory.h"
+#include "tools/cli/result_text.h"
+#include "tools/cli/standard_streams.h"
+#include "tools/cli/system_error.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 namespace fs = std::filesystem;
@@ -81,4 +81,4 @@ void Session::CheckCode(int code, const std::string& action) const {
   throw ToolError(message);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -4,9 +4,9 @@
 
 #include <string>
 
-#include "adb_location.h"
+#include "tools/cli/adb_location.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // As given on the command line; empty where not.
 struct SessionOptions {
@@ -39,6 +39,6 @@ class Session {
   std::string log_directory_;
 };
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_SESSION_H

@@ -1,4 +1,4 @@
-#include "side_file.h"
+#include "tools/cli/side_file.h"
 
 #include <fcntl.h>
 #include <stdlib.h>
@@ -7,7 +7,7 @@
 #include <string>
 #include <system_error>
 
-namespace darokleim {
+namespace darokleim::cli {
 
 namespace fs = std::filesystem;
 
@@ -35,4 +35,4 @@ SideFileCatcher::~SideFileCatcher() {
   if (!directory_.empty()) fs::remove_all(directory_, error);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

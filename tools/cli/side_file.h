@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // The library's listings leave a copy of themselves in the current directory. While this object lives, that is a
 // directory of the tool's own, and the copy goes with it: nobody asked for a file. Where there is no place for such
@@ -20,6 +20,6 @@ class SideFileCatcher {
   int previous_ = -1;  // the current directory before
 };
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_SIDE_FILE_H

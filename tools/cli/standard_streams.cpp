@@ -1,4 +1,4 @@
-#include "standard_streams.h"
+#include "tools/cli/standard_streams.h"
 
 #include <fcntl.h>
 #include <signal.h>
@@ -7,9 +7,9 @@
 #include <iostream>
 #include <string>
 
-#include "terminal_text.h"
+#include "tools/cli/terminal_text.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 namespace {
 
@@ -37,4 +37,4 @@ void PrintError(std::string_view message) {
             << std::endl;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

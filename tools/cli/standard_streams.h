@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // Prepares descriptors 0 to 2, before anything else is opened: those that are closed are taken, so that no file
 // of the library lands on them, and what the library itself prints goes to standard error.
@@ -13,6 +13,6 @@ int TakeStandardOutput();
 // "darokleim: " and the message, on standard error.
 void PrintError(std::string_view message);
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_STANDARD_STREAMS_H

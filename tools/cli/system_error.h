@@ -3,11 +3,11 @@
 
 #include <string>
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // "Permission denied" and the like.
 std::string SystemErrorText(int error_number);
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_SYSTEM_ERROR_H

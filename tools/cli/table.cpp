@@ -1,9 +1,9 @@
-#include "table.h"
+#include "tools/cli/table.h"
 
 #include <algorithm>
 #include <string_view>
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr std::size_t kGap = 2;  // blanks between two columns
@@ -54,4 +54,4 @@ std::string Table::Text() const {
   return text;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // Rows of text in aligned columns. Each character of a UTF-8 text counts as one place, colours as
 // none.
@@ -20,6 +20,6 @@ class Table {
   std::vector<std::vector<std::string>> rows_;
 };
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_TABLE_H

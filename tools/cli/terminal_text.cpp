@@ -1,8 +1,8 @@
-#include "terminal_text.h"
+#include "tools/cli/terminal_text.h"
 
 #include <cstdio>
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 unsigned char Byte(char c) {
@@ -82,4 +82,4 @@ std::string EscapeControls(std::string_view text, std::string_view keep) {
   return escaped;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // The text with every control character and every byte that is not UTF-8 written as \n, \t, \x1b …, so that no name
 // moves the cursor or changes colours. `keep` are control characters that stay.
@@ -15,6 +15,6 @@ std::string EscapeControls(std::string_view text, std::string_view keep = "");
 // The bytes of the UTF-8 character that the text begins with; 0 when it begins with none.
 std::size_t LengthOfCharacter(std::string_view text);
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_TERMINAL_TEXT_H

@@ -1,15 +1,15 @@
-#include "tool.h"
+#include "tools/cli/tool.h"
 
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <utility>
 
-#include "cancel_on_signal.h"
-#include "commands/commands.h"
-#include "errors.h"
-#include "standard_streams.h"
+#include "tools/cli/cancel_on_signal.h"
+#include "tools/cli/commands/commands.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/standard_streams.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kExamples[] = R"(Examples:
@@ -98,4 +98,4 @@ int RunTool(int argc, const char* const* argv) try {
   return kExitFailed;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -8,11 +8,11 @@
 #include <string>
 #include <string_view>
 
-#include "device.h"
-#include "output.h"
-#include "session.h"
+#include "tools/cli/device.h"
+#include "tools/cli/output.h"
+#include "tools/cli/session.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // What a subcommand works with.
 class Tool {
@@ -49,6 +49,6 @@ class Tool {
 // Returns the exit status.
 int RunTool(int argc, const char* const* argv);
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_TOOL_H

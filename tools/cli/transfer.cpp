@@ -1,8 +1,8 @@
-#include "transfer.h"
+#include "tools/cli/transfer.h"
 
-#include "human_text.h"
+#include "tools/cli/human_text.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 void ReportTransfer(Tool& tool, const Transfer& transfer) {
   const Output& output = tool.output();
@@ -34,4 +34,4 @@ Json::Value TransfersJson(const std::vector<Transfer>& transfers) {
   return list;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "tool.h"
+#include "tools/cli/tool.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 struct Transfer {
   std::string source;
@@ -35,6 +35,6 @@ class Stopwatch {
   std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_TRANSFER_H

@@ -1,10 +1,10 @@
-#include "typed_text.h"
+#include "tools/cli/typed_text.h"
 
 #include <algorithm>
 
-#include "errors.h"
+#include "tools/cli/errors.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 bool IsPrintableAscii(char c) {
@@ -57,4 +57,4 @@ std::vector<std::string> PiecesToType(const std::string& text) {
   return pieces;
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

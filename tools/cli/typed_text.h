@@ -4,13 +4,13 @@
 #include <string>
 #include <vector>
 
-namespace darokleim {
+namespace darokleim::cli {
 
 // The texts to give to AdbInputStringToDevice one after the other, so that the device types `text`: its `input` reads
 // "%s" as a blank, and the way there takes quotes off. Throws ToolError for an empty text and for characters that
 // `input` cannot type: it knows printable ASCII only.
 std::vector<std::string> PiecesToType(const std::string& text);
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_TYPED_TEXT_H

@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "device/daemon.h"
-#include "device/layout.h"
-#include "device/programs/programs.h"
-#include "server/control.h"
-#include "server/server.h"
+#include "tools/phone/device/daemon.h"
+#include "tools/phone/device/layout.h"
+#include "tools/phone/device/programs/programs.h"
+#include "tools/phone/server/control.h"
+#include "tools/phone/server/server.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 #include <string>
 
-#include "support/device_output.h"
-#include "support/refused_calls.h"
-#include "support/sdk_test.h"
+#include "tests/unit/support/device_output.h"
+#include "tests/unit/support/refused_calls.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 using namespace std::string_literals;
@@ -97,4 +97,4 @@ TEST_F(BackupTest, TheCommandToStopIsCutAt127Characters) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

@@ -1,11 +1,11 @@
 #include <iterator>
 #include <string>
 
-#include "support/device_output.h"
-#include "support/refused_calls.h"
-#include "support/sdk_test.h"
+#include "tests/unit/support/device_output.h"
+#include "tests/unit/support/refused_calls.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 using namespace std::string_literals;
@@ -285,4 +285,4 @@ TEST_F(InstallFromHostTest, OnlyTheInstallCommandIsCut) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

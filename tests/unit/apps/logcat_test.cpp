@@ -2,9 +2,9 @@
 #include <string>
 #include <thread>
 
-#include "support/sdk_test.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 class LogcatTest : public SdkTest {};
@@ -78,4 +78,4 @@ TEST_F(LogcatTest, StreamCommandsAreCutAt255Characters) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

@@ -1,4 +1,4 @@
-#include "apps/package_files.h"
+#include "src/apps/package_files.h"
 
 #include <gtest/gtest.h>
 #include <pthread.h>
@@ -13,7 +13,7 @@
 #define DAROKLEIM_SANITIZED
 #endif
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 using namespace std::string_literals;
@@ -161,4 +161,4 @@ TEST(PackageFilesTest, TenMegabytes) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk

@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "support/device_output.h"
-#include "support/refused_calls.h"
-#include "support/sdk_test.h"
+#include "tests/unit/support/device_output.h"
+#include "tests/unit/support/refused_calls.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 using namespace std::string_literals;
@@ -402,4 +402,4 @@ TEST_F(PackageNamesTest, NullArgumentsAreRefused) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

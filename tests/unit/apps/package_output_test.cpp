@@ -1,4 +1,4 @@
-#include "apps/package_output.h"
+#include "src/apps/package_output.h"
 
 #include <gtest/gtest.h>
 
@@ -8,9 +8,9 @@
 #include <regex>
 #include <string>
 
-#include "support/device_output.h"
+#include "tests/unit/support/device_output.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 using namespace std::string_literals;
@@ -68,8 +68,8 @@ TEST(CurrentUserTest, TheNumberBehindTheWords) {
 }
 
 TEST(CurrentUserTest, NoneOfTheRealDumpsNamesOne) {
-  for (const std::string& sample : testing::DeviceOutputsIn("users")) {
-    EXPECT_EQ(OrNone(FindCurrentUser(testing::DeviceOutput(sample))), "none") << sample;
+  for (const std::string& sample : test::DeviceOutputsIn("users")) {
+    EXPECT_EQ(OrNone(FindCurrentUser(test::DeviceOutput(sample))), "none") << sample;
   }
 }
 
@@ -167,4 +167,4 @@ TEST(PackageOutputTest, ManyMarksWithoutAValueTakeNoLongerThanTheirLength) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk

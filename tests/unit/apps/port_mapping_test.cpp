@@ -3,10 +3,10 @@
 #include <string>
 #include <vector>
 
-#include "support/device_output.h"
-#include "support/sdk_test.h"
+#include "tests/unit/support/device_output.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 using namespace std::string_literals;
@@ -163,4 +163,4 @@ TEST_F(PortOrderTest, TheSideThatListensComesFirst) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

@@ -2,10 +2,10 @@
 #include <iterator>
 #include <string>
 
-#include "support/device_output.h"
-#include "support/sdk_test.h"
+#include "tests/unit/support/device_output.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 using namespace std::string_literals;
@@ -113,4 +113,4 @@ TEST_F(UninstallOutputTest, RealOutputs) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

@@ -5,12 +5,12 @@
 #include <cstdlib>
 #include <string>
 
-#include "core/server_control.h"
-#include "support/listed_processes.h"
-#include "support/sdk_test.h"
-#include "support/sleeper.h"
+#include "src/core/server_control.h"
+#include "tests/unit/support/listed_processes.h"
+#include "tests/unit/support/sdk_test.h"
+#include "tests/unit/support/sleeper.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 // What of the list of processes the SDK reads, in bytes.
@@ -151,4 +151,4 @@ TEST_F(AdbProcessesTest, APipeThatCannotBeOpenedIsLogged) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

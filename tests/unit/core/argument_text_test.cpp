@@ -1,11 +1,11 @@
-#include "core/argument_text.h"
+#include "src/core/argument_text.h"
 
 #include <gtest/gtest.h>
 
 #include <stdexcept>
 #include <string>
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 TEST(ArgumentTextTest, MeasuredHasNoLimit) {
@@ -38,4 +38,4 @@ TEST(ArgumentTextTest, BytesPassUnchanged) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk

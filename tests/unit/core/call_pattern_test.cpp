@@ -3,10 +3,10 @@
 #include <climits>
 #include <string>
 
-#include "core/adb_run.h"
-#include "support/sdk_test.h"
+#include "src/core/adb_run.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 class CallPatternTest : public SdkTest {};
@@ -64,15 +64,15 @@ TEST_F(CallPatternTest, ANullCancelFlagIsHandedOn) {
 TEST_F(CallPatternTest, TheTextOfTheRunIsReadableUntilItEnds) {
   using namespace std::string_literals;
   channel.Expect(" version").Prints("one\0two"s);
-  const AdbRun run(" version", &cancel);
+  const sdk::AdbRun run(" version", &cancel);
   EXPECT_TRUE(run.has_output());
   EXPECT_EQ(run.output(), "one\0two"s);
   EXPECT_EQ(run.output_as_c_text(), "one");
   channel.Expect(" version");
-  const AdbRun silent(" version", &cancel);
+  const sdk::AdbRun silent(" version", &cancel);
   EXPECT_FALSE(silent.has_output());
   EXPECT_EQ(silent.output(), "");
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

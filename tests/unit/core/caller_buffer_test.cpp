@@ -1,4 +1,4 @@
-#include "core/caller_buffer.h"
+#include "src/core/caller_buffer.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 
 #include "darokleim.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 using namespace std::string_literals;
@@ -165,4 +165,4 @@ TEST(FillCallerBufferTest, AgreesWithTheRuleOnRandomTexts) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk

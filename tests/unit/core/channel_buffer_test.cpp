@@ -1,4 +1,4 @@
-#include "core/channel_buffer.h"
+#include "src/core/channel_buffer.h"
 
 #include <gtest/gtest.h>
 
@@ -6,10 +6,10 @@
 #include <stdexcept>
 #include <string>
 
-#include "core/adb_run.h"
-#include "support/sdk_test.h"
+#include "src/core/adb_run.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 using namespace std::string_literals;
@@ -18,7 +18,7 @@ class ChannelBufferTest : public SdkTest {};
 
 TEST_F(ChannelBufferTest, NothingHandedOutNothingGivenBack) {
   {
-    const ChannelBuffer buffer;
+    const sdk::ChannelBuffer buffer;
     EXPECT_FALSE(buffer.has_text());
     EXPECT_EQ(buffer.text(), "");
     EXPECT_EQ(buffer.c_text(), "");
@@ -29,7 +29,7 @@ TEST_F(ChannelBufferTest, NothingHandedOutNothingGivenBack) {
 TEST_F(ChannelBufferTest, AnEmptyTextIsATextAndGoesBack) {
   channel.Expect(" version").Prints("");
   {
-    const AdbRun run(" version", &cancel);
+    const sdk::AdbRun run(" version", &cancel);
     EXPECT_TRUE(run.has_output());
     EXPECT_EQ(run.output(), "");
   }
@@ -38,16 +38,16 @@ TEST_F(ChannelBufferTest, AnEmptyTextIsATextAndGoesBack) {
 
 TEST(ChannelTextTest, IsAsLongAsTheChannelSays) {
   const char text[] = "one\0two";
-  EXPECT_EQ(ChannelText(text, 7), "one\0two"s);
-  EXPECT_EQ(ChannelText(text, 2), "on");
-  EXPECT_EQ(ChannelText(nullptr, 7), "");
-  EXPECT_EQ(ChannelText(nullptr, -1), "");
+  EXPECT_EQ(sdk::ChannelText(text, 7), "one\0two"s);
+  EXPECT_EQ(sdk::ChannelText(text, 2), "on");
+  EXPECT_EQ(sdk::ChannelText(nullptr, 7), "");
+  EXPECT_EQ(sdk::ChannelText(nullptr, -1), "");
 }
 
 TEST(ChannelTextTest, ALengthBelowZeroIsRefused) {
   const char text[] = "one";
-  EXPECT_THROW(ChannelText(text, -1), std::length_error);
+  EXPECT_THROW(sdk::ChannelText(text, -1), std::length_error);
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

@@ -1,14 +1,14 @@
-#include "core/classifier.h"
+#include "src/core/classifier.h"
 
 #include <map>
 #include <string>
 #include <type_traits>
 #include <vector>
 
-#include "support/device_output.h"
-#include "support/sdk_test.h"
+#include "tests/unit/support/device_output.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 static_assert(std::is_same_v<decltype(CheckOutbufErrorWithRet), int(const std::string&, int, bool)>);
@@ -233,4 +233,4 @@ TEST_F(ClassifierTest, SuccessIsFoundAnywhereAsItIsWritten) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

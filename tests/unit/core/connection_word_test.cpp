@@ -1,4 +1,4 @@
-#include "core/connection_word.h"
+#include "src/core/connection_word.h"
 
 #include <gtest/gtest.h>
 

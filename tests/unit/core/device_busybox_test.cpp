@@ -1,9 +1,9 @@
 #include <string>
 
-#include "core/sdk.h"
-#include "support/sdk_test.h"
+#include "src/core/sdk.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 constexpr char kLook[] = " -s S1 shell ls \"\"/data/local/tmp/busybox\"\"";
@@ -73,4 +73,4 @@ TEST_F(DeviceBusyboxTest, ANullSerialIsTheFirstStepsAffair) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

@@ -1,4 +1,4 @@
-#include "core/handed_out.h"
+#include "src/core/handed_out.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 
 #include "darokleim.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 TEST(HandedOutTest, ABlockEndsInAZeroByte) {
@@ -60,4 +60,4 @@ TEST(HandedOutTest, FreeingSetsTheCallersPointerToNull) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk

@@ -1,4 +1,4 @@
-#include "core/numbers.h"
+#include "src/core/numbers.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <random>
 #include <string>
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 TEST(LeadingIntegerTest, IsAtoll) {
@@ -39,4 +39,4 @@ TEST(LeadingIntegerTest, NeedsNoTerminatingZero) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk

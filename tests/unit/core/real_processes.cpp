@@ -3,10 +3,10 @@
 #include <cstdio>
 
 #include "darokleim.h"
-#include "platform/command_channel.h"
-#include "platform/log_library.h"
-#include "support/process_namespace.h"
-#include "support/sleeper.h"
+#include "src/platform/command_channel.h"
+#include "src/platform/log_library.h"
+#include "tests/support/process_namespace.h"
+#include "tests/unit/support/sleeper.h"
 
 bool InitLogEx(const void*, const char*, const char*) {
   return true;
@@ -24,17 +24,17 @@ int ExecuteAdbCommandAnsynchronization(const char*, const bool*, void*, void*) {
 void ReleaseAdbOutBuffer(char*) {}
 
 int main() {
-  if (!darokleim::IsFirstProcessOfNamespace()) {
+  if (!darokleim::test::IsFirstProcessOfNamespace()) {
     std::fputs("not in a PID namespace of its own\n", stderr);
     return 2;
   }
-  darokleim::testing::Sleeper processes[] = {
-      darokleim::testing::Sleeper("adb -L tcp:5037 fork-server server"),
-      darokleim::testing::Sleeper("/opt/tools/adb -s X logcat"),
-      darokleim::testing::Sleeper("vi adb.txt"),
-      darokleim::testing::Sleeper("adbd"),
-      darokleim::testing::Sleeper("my_adb"),
-      darokleim::testing::Sleeper("sleep"),
+  darokleim::test::Sleeper processes[] = {
+      darokleim::test::Sleeper("adb -L tcp:5037 fork-server server"),
+      darokleim::test::Sleeper("/opt/tools/adb -s X logcat"),
+      darokleim::test::Sleeper("vi adb.txt"),
+      darokleim::test::Sleeper("adbd"),
+      darokleim::test::Sleeper("my_adb"),
+      darokleim::test::Sleeper("sleep"),
   };
   AdbKillDaemon(nullptr);
   for (auto& process : processes) {

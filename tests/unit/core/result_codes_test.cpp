@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "support/sdk_test.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 struct Outcome {
@@ -139,4 +139,4 @@ TEST(ResultCodeTableTest, NamesNoCodeThatNothingReturns) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

@@ -1,5 +1,5 @@
 // Each test stands for the life of one process: what AdbSdkInit keeps, it never gives up.
-#include "core/sdk.h"
+#include "src/core/sdk.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -9,9 +9,9 @@
 #include <filesystem>
 #include <fstream>
 
-#include "support/sdk_test.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 namespace fs = std::filesystem;
@@ -149,4 +149,4 @@ TEST_F(SdkStartTest, PathsAreBytesOfAnyLength) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

@@ -1,11 +1,11 @@
 #include <string>
 
-#include "support/device_output.h"
-#include "support/listed_processes.h"
-#include "support/sdk_test.h"
-#include "support/sleeper.h"
+#include "tests/unit/support/device_output.h"
+#include "tests/unit/support/listed_processes.h"
+#include "tests/unit/support/sdk_test.h"
+#include "tests/unit/support/sleeper.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 using namespace std::string_literals;
@@ -134,4 +134,4 @@ TEST_F(ServerControlTest, RestartingKillsAndStartsWithoutAnyCancelFlag) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

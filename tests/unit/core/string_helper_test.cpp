@@ -1,4 +1,4 @@
-#include "core/string_helper.h"
+#include "src/core/string_helper.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "support/temporary_directory.h"
+#include "tests/support/temporary_directory.h"
 
 namespace {
 
@@ -233,7 +233,7 @@ class DecimalCommaTest : public ::testing::Test {
     setenv("LOCPATH", locales_.path().c_str(), 1);
   }
 
-  darokleim::TemporaryDirectory locales_;
+  darokleim::test::TemporaryDirectory locales_;
 };
 
 TEST_F(DecimalCommaTest, SizesHaveAPointAllTheSame) {

@@ -1,8 +1,8 @@
 #include <string>
 
-#include "support/sdk_test.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 constexpr char kCommand[] = " -s S1 'shell date +\"%Y-%m-%d %H:%M:%S\"'";
@@ -90,4 +90,4 @@ TEST_F(ClockTest, TheCommandIsCutAt255Characters) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

@@ -1,4 +1,4 @@
-#include "device/device_line.h"
+#include "src/device/device_line.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <regex>
 #include <string>
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 std::string Matched(std::string_view line) {
@@ -81,4 +81,4 @@ TEST(DeviceLineTest, ALineOfAMillionCharacters) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk

@@ -3,10 +3,10 @@
 #include <map>
 #include <string>
 
-#include "support/device_output.h"
-#include "support/sdk_test.h"
+#include "tests/unit/support/device_output.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 using namespace std::string_literals;
@@ -223,4 +223,4 @@ TEST_F(DeviceListTest, RealOutputs) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

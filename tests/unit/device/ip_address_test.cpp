@@ -2,10 +2,10 @@
 #include <map>
 #include <string>
 
-#include "support/device_output.h"
-#include "support/sdk_test.h"
+#include "tests/unit/support/device_output.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 constexpr char kCommand[] = " -s S1 shell ip address | grep wlan | grep inet";
@@ -117,4 +117,4 @@ TEST_F(IpAddressTest, RealOutputs) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

@@ -1,4 +1,4 @@
-#include "device/ip_output.h"
+#include "src/device/ip_output.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <regex>
 #include <string>
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 using namespace std::string_literals;
@@ -117,4 +117,4 @@ TEST(FindAddressTest, OddTexts) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk

@@ -2,9 +2,9 @@
 #include <ctime>
 #include <string>
 
-#include "support/sdk_test.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 using namespace std::string_literals;
@@ -84,4 +84,4 @@ TEST_F(MiuiBuildDateTest, TheLastYearThatACalendarHolds) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

@@ -1,10 +1,10 @@
-#include "device/miui_texts.h"
+#include "src/device/miui_texts.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 using namespace std::string_literals;
@@ -82,4 +82,4 @@ TEST(MiuiTextsTest, OthersAreShownWhole) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk

@@ -1,14 +1,14 @@
-#include "device/property.h"
+#include "src/device/property.h"
 
 #include <climits>
 #include <string>
 
-#include "core/argument_text.h"
-#include "platform/command_channel.h"
-#include "support/device_output.h"
-#include "support/sdk_test.h"
+#include "src/core/argument_text.h"
+#include "src/platform/command_channel.h"
+#include "tests/unit/support/device_output.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 using namespace std::string_literals;
@@ -106,7 +106,7 @@ TEST_F(GetPropInfoTest, NothingIsQuoted) {
 TEST_F(GetPropInfoTest, ThePropertyGivesItsBufferBack) {
   channel.Expect(" -s S1 shell getprop ro.x").Prints("a\0b\n"s);
   {
-    const Property property("S1", "ro.x", &cancel);
+    const sdk::Property property("S1", "ro.x", &cancel);
     EXPECT_EQ(property.code(), ADB_RESULT_OK);
     EXPECT_TRUE(property.has_value());
     EXPECT_EQ(property.value(), "a\0b\n"s);
@@ -117,16 +117,16 @@ TEST_F(GetPropInfoTest, ThePropertyGivesItsBufferBack) {
 
 TEST_F(GetPropInfoTest, ThePropertyHasNoValueAfterAFailure) {
   channel.Expect(" -s S1 shell getprop ro.x").Prints("1\n").Returns(1001);
-  const Property failed("S1", "ro.x", &cancel);
+  const sdk::Property failed("S1", "ro.x", &cancel);
   EXPECT_FALSE(failed.has_value());
   EXPECT_EQ(failed.value(), "");
   EXPECT_EQ(failed.c_value(), "");
   EXPECT_EQ(failed.code(), 1001);
   channel.Expect(" -s S1 shell getprop ro.x");
-  const Property absent("S1", "ro.x", &cancel);
+  const sdk::Property absent("S1", "ro.x", &cancel);
   EXPECT_FALSE(absent.has_value());
   EXPECT_EQ(absent.code(), ADB_RESULT_OK);
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

@@ -1,9 +1,9 @@
 #include <string>
 
-#include "support/device_output.h"
-#include "support/sdk_test.h"
+#include "tests/unit/support/device_output.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 constexpr char kFirst[] = " -s S1 shell ls /system/bin/su";
@@ -138,4 +138,4 @@ TEST_F(RootTest, RealOutputs) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

@@ -1,14 +1,14 @@
-#include "filesystem/adb_ls_listing.h"
+#include "src/filesystem/adb_ls_listing.h"
 
 #include <gtest/gtest.h>
 
 #include <random>
 #include <stdexcept>
 
-#include "filesystem/local_zone.h"
-#include "filesystem/plain_listing.h"
+#include "tests/unit/filesystem/local_zone.h"
+#include "tests/unit/filesystem/plain_listing.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 using namespace std::string_literals;
@@ -188,4 +188,4 @@ TEST_F(AdbLsListingTest, LinesWithAByteChangedSameAsThePlainForm) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

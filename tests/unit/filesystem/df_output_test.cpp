@@ -1,18 +1,18 @@
-#include "filesystem/df_output.h"
+#include "src/filesystem/df_output.h"
 
 #include <gtest/gtest.h>
 
 #include <map>
 #include <string>
 
-#include "support/device_output.h"
+#include "tests/unit/support/device_output.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 using namespace std::string_literals;
-using testing::DeviceOutput;
-using testing::DeviceOutputsIn;
+using test::DeviceOutput;
+using test::DeviceOutputsIn;
 
 constexpr unsigned long long kGiB = 1073741824;
 constexpr unsigned long long kMiB = 1048576;
@@ -84,4 +84,4 @@ TEST(FreeBytesTest, RealOutputs) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk

@@ -5,15 +5,15 @@
 #include <list>
 #include <string>
 
-#include "filesystem/adb_ls_listing.h"
-#include "filesystem/local_zone.h"
-#include "filesystem/ls_listing.h"
-#include "filesystem/own_directory.h"
-#include "support/device_output.h"
-#include "support/plain_file_list_json.h"
-#include "support/sdk_test.h"
+#include "src/filesystem/adb_ls_listing.h"
+#include "src/filesystem/ls_listing.h"
+#include "tests/support/plain_file_list_json.h"
+#include "tests/unit/filesystem/local_zone.h"
+#include "tests/unit/filesystem/own_directory.h"
+#include "tests/unit/support/device_output.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 using ::testing::HasSubstr;
@@ -253,4 +253,4 @@ TEST_F(DirectoryListingTest, FiveThousandFoldersInEachOther) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

@@ -1,8 +1,8 @@
 #include <string>
 
-#include "support/sdk_test.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 // A line of adb's own listing.
@@ -137,4 +137,4 @@ TEST_F(FileExistenceTest, NamesAreComparedByteByByte) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

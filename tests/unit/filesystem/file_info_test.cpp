@@ -1,4 +1,4 @@
-#include "filesystem/file_info.h"
+#include "src/filesystem/file_info.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "filesystem/file_list_json.h"
+#include "src/filesystem/file_list_json.h"
 
 #include <gtest/gtest.h>
 #include <pthread.h>
@@ -10,11 +10,11 @@
 #include <list>
 #include <string>
 
-#include "filesystem/own_directory.h"
-#include "filesystem/random_file_list.h"
-#include "support/plain_file_list_json.h"
+#include "tests/support/plain_file_list_json.h"
+#include "tests/unit/filesystem/own_directory.h"
+#include "tests/unit/filesystem/random_file_list.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 using namespace std::string_literals;
@@ -273,4 +273,4 @@ TEST_F(FileListJsonTest, FiveThousandFoldersInEachOtherNeedNoStack) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

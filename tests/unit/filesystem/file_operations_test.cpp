@@ -2,9 +2,9 @@
 #include <string>
 #include <vector>
 
-#include "support/sdk_test.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 class FileOperationsTest : public SdkTest {
@@ -105,4 +105,4 @@ TEST_F(FileOperationsTest, PathsHaveNoLimit) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

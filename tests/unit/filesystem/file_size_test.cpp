@@ -1,9 +1,9 @@
 #include <string>
 
-#include "support/device_output.h"
-#include "support/sdk_test.h"
+#include "tests/unit/support/device_output.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 class FileSizeTest : public SdkTest {
@@ -69,4 +69,4 @@ TEST_F(FileSizeTest, NullArgumentsAreRefused) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

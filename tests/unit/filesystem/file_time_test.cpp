@@ -1,8 +1,8 @@
 #include <string>
 
-#include "support/sdk_test.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 class FileTimeTest : public SdkTest {
@@ -89,4 +89,4 @@ TEST_F(FileTimeTest, NullArgumentsAreRefused) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

@@ -1,9 +1,9 @@
 #include <string>
 
-#include "support/device_output.h"
-#include "support/sdk_test.h"
+#include "tests/unit/support/device_output.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 class FileTransferTest : public SdkTest {
@@ -169,4 +169,4 @@ TEST_F(ScreenshotTest, ARelativePathIsItsOwnFileName) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

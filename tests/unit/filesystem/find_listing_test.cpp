@@ -1,14 +1,14 @@
-#include "filesystem/find_listing.h"
+#include "src/filesystem/find_listing.h"
 
 #include <gtest/gtest.h>
 
 #include <random>
 #include <stdexcept>
 
-#include "filesystem/plain_listing.h"
-#include "support/device_output.h"
+#include "tests/unit/filesystem/plain_listing.h"
+#include "tests/unit/support/device_output.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 using namespace std::string_literals;
@@ -107,4 +107,4 @@ TEST(FindListingTest, SameAsThePlainForm) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

@@ -1,10 +1,10 @@
 #include <cstring>
 #include <string>
 
-#include "support/device_output.h"
-#include "support/sdk_test.h"
+#include "tests/unit/support/device_output.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 constexpr char kAbsent[] = "stat: No such file or directory\n";
@@ -123,4 +123,4 @@ TEST_F(FirstStorageTest, ARealAnswer) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

@@ -1,9 +1,9 @@
 #include <string>
 
-#include "support/device_output.h"
-#include "support/sdk_test.h"
+#include "tests/unit/support/device_output.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 constexpr char kCommand[] = " -s S1 shell df /sdcard | grep /";
@@ -90,4 +90,4 @@ TEST_F(FreeSpaceTest, RealRefusals) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

@@ -1,8 +1,8 @@
-#include "filesystem/json_text.h"
+#include "src/filesystem/json_text.h"
 
 #include <gtest/gtest.h>
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 TEST(JsonTextTest, NothingPutInIsNull) {
@@ -41,4 +41,4 @@ TEST(JsonTextTest, IsPureAscii) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk

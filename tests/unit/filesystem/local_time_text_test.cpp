@@ -1,4 +1,4 @@
-#include "filesystem/local_time_text.h"
+#include "src/filesystem/local_time_text.h"
 
 #include <gtest/gtest.h>
 #include <time.h>
@@ -10,17 +10,17 @@
 #include <thread>
 #include <vector>
 
-#include "filesystem/local_zone.h"
-#include "filesystem/plain_listing.h"
+#include "tests/unit/filesystem/local_zone.h"
+#include "tests/unit/filesystem/plain_listing.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 constexpr std::uint64_t kDay = 86400;
 
 TEST(LocalTimeTextTest, SecondsOfADay) {
   const LocalZone zone("UTC0");
-  LocalTimeText text(10);
+  sdk::LocalTimeText text(10);
   EXPECT_EQ(text.Of(0), "1970-01-01 00:00:00");
   EXPECT_EQ(text.Of(1), "1970-01-01 00:00:01");
   EXPECT_EQ(text.Of(kDay - 1), "1970-01-01 23:59:59");
@@ -31,14 +31,14 @@ TEST(LocalTimeTextTest, SecondsOfADay) {
 
 TEST(LocalTimeTextTest, TheZoneIsReadAnewByEachObject) {
   LocalZone west("EST5");
-  EXPECT_EQ(LocalTimeText(1).Of(0), "1969-12-31 19:00:00");
+  EXPECT_EQ(sdk::LocalTimeText(1).Of(0), "1969-12-31 19:00:00");
   LocalZone east("NPT-5:45");
-  EXPECT_EQ(LocalTimeText(1).Of(0), "1970-01-01 05:45:00");
+  EXPECT_EQ(sdk::LocalTimeText(1).Of(0), "1970-01-01 05:45:00");
 }
 
 TEST(LocalTimeTextTest, FarTimes) {
   const LocalZone zone("UTC0");
-  LocalTimeText text(10);
+  sdk::LocalTimeText text(10);
   EXPECT_EQ(text.Of(253402300799), "9999-12-31 23:59:59");
   EXPECT_EQ(text.Of(253402300800), "10000-01-01 00:00:00");
   EXPECT_EQ(text.Of(3155695200000000), "") << "24 bytes do not hold a year of nine digits";
@@ -69,7 +69,7 @@ std::vector<time_t> Changes(time_t begin, time_t end) {
 }
 
 int ExpectSameAround(const std::vector<time_t>& times) {
-  LocalTimeText text(times.size());
+  sdk::LocalTimeText text(times.size());
   int compared = 0;
   for (const time_t time : times) {
     for (const long apart : {-172800L, -86400L, -43200L, -3601L, -3600L, -1801L, -61L, -2L, -1L, 0L, 1L, 59L,
@@ -120,7 +120,7 @@ TEST(LocalTimeTextTest, AroundLeapSeconds) {
     const LocalZone zone(name);
     // From the first to the last leap second so far, each second of the days around them.
     for (const std::uint64_t leap : {78796800ULL, 1483228826ULL}) {
-      LocalTimeText text(10);
+      sdk::LocalTimeText text(10);
       bool met = false;
       for (std::uint64_t at = leap - kDay; at < leap + kDay; ++at) {
         const std::string plain = PlainLocalTime(at);
@@ -136,7 +136,7 @@ TEST(LocalTimeTextTest, AnyTimeInAnyOrder) {
   std::mt19937_64 random(1);
   for (const char* name : {"UTC0", "Europe/Berlin", "Australia/Lord_Howe", "NPT-5:45"}) {
     const LocalZone zone(name);
-    LocalTimeText few(1), many(1'000'000);
+    sdk::LocalTimeText few(1), many(1'000'000);
     for (int i = 0; i < 100'000; ++i) {
       const std::uint64_t at = random() >> (random() % 48);
       const std::string plain = PlainLocalTime(at);
@@ -152,7 +152,7 @@ TEST(LocalTimeTextTest, FromManyThreads) {
   for (int i = 0; i < 8; ++i) {
     threads.emplace_back([i] {
       for (int round = 0; round < 50; ++round) {
-        LocalTimeText text(100);
+        sdk::LocalTimeText text(100);
         for (std::uint64_t day = 0; day < 100; ++day) {
           const std::string time = text.Of(1'600'000'000 + day * kDay + static_cast<std::uint64_t>(i));
           EXPECT_EQ(time.size(), 19U);
@@ -165,4 +165,4 @@ TEST(LocalTimeTextTest, FromManyThreads) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-namespace darokleim::testing {
+namespace darokleim::test {
 
 class LocalZone {
  public:
@@ -29,6 +29,6 @@ class LocalZone {
   std::optional<std::string> before_;
 };
 
-}  // namespace darokleim::testing
+}  // namespace darokleim::test
 
 #endif  // DAROKLEIM_TESTS_UNIT_FILESYSTEM_LOCAL_ZONE_H

@@ -1,19 +1,19 @@
-#include "filesystem/ls_line.h"
+#include "src/filesystem/ls_line.h"
 
 #include <gtest/gtest.h>
 
 #include <random>
 #include <string>
 
-#include "filesystem/plain_listing.h"
+#include "tests/unit/filesystem/plain_listing.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 using namespace std::string_literals;
 
 // size|time|name
-std::string Matched(std::string_view line, LsLineMatcher matcher = {}) {
+std::string Matched(std::string_view line, sdk::LsLineMatcher matcher = {}) {
   const auto match = matcher.Match(line);
   if (!match) return "none";
   return std::string(match->size).append("|").append(match->time).append("|").append(match->name);
@@ -108,7 +108,7 @@ class AgainstRegex : public ::testing::Test {
         matches ? plain[1].str() + "|" + plain[2].str() + "|" + plain[3].str() : "none";
     ASSERT_EQ(Matched(line), expected) << ::testing::PrintToString(line);
     // After each of a few other lines.
-    for (const LsLineMatcher& matcher : used_) {
+    for (const sdk::LsLineMatcher& matcher : used_) {
       ASSERT_EQ(Matched(line, matcher), expected) << ::testing::PrintToString(line);
     }
   }
@@ -124,17 +124,17 @@ class AgainstRegex : public ::testing::Test {
 
   std::string Blanks() { return Mostly({" ", "  ", "\t", " \v\f", "\r", "\n"}, {"", "\0"s, "\xa0", "\x85"}); }
 
-  static LsLineMatcher After(std::string_view line) {
-    LsLineMatcher matcher;
+  static sdk::LsLineMatcher After(std::string_view line) {
+    sdk::LsLineMatcher matcher;
     EXPECT_TRUE(matcher.Match(line)) << line;
     return matcher;
   }
 
-  const std::vector<LsLineMatcher> used_ = {After("-rw-rw---- 1 root sdcard_rw 1 2020-01-02 03:04 a"),
-                                            After("-rw-rw---- root sdcard_rw 1 2020-01-02 03:04 a"),
-                                            After("-rw-rw---- 1 0 9  5 2020-01-02 03:04 a"),
-                                            After("-rw-rw---- 1 0 9 2020-01-02 03:04 a"),
-                                            After("-rwxrwxrwx  123 7777\t2020-01-02 0\t0000-99-99 3:4 a")};
+  const std::vector<sdk::LsLineMatcher> used_ = {
+      After("-rw-rw---- 1 root sdcard_rw 1 2020-01-02 03:04 a"),
+      After("-rw-rw---- root sdcard_rw 1 2020-01-02 03:04 a"),
+      After("-rw-rw---- 1 0 9  5 2020-01-02 03:04 a"), After("-rw-rw---- 1 0 9 2020-01-02 03:04 a"),
+      After("-rwxrwxrwx  123 7777\t2020-01-02 0\t0000-99-99 3:4 a")};
   std::mt19937 random_{1};
   int matched_ = 0;
 };
@@ -180,4 +180,4 @@ TEST_F(AgainstRegex, LinesWithAByteChanged) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

@@ -1,4 +1,4 @@
-#include "filesystem/ls_listing.h"
+#include "src/filesystem/ls_listing.h"
 
 #include <gtest/gtest.h>
 
@@ -6,12 +6,12 @@
 #include <random>
 #include <stdexcept>
 
-#include "core/string_converter.h"
-#include "core/string_helper.h"
-#include "filesystem/plain_listing.h"
-#include "support/device_output.h"
+#include "src/core/string_converter.h"
+#include "src/core/string_helper.h"
+#include "tests/unit/filesystem/plain_listing.h"
+#include "tests/unit/support/device_output.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 using namespace std::string_literals;
@@ -353,4 +353,4 @@ TEST(LsListingTest, OtherBytesComeOutAsTheyWentIn) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

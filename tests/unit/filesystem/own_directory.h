@@ -6,10 +6,10 @@
 #include <string>
 #include <system_error>
 
-#include "support/file_content.h"
-#include "support/temporary_directory.h"
+#include "tests/support/file_content.h"
+#include "tests/support/temporary_directory.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 
 class OwnDirectory {
  public:
@@ -29,6 +29,6 @@ class OwnDirectory {
   const TemporaryDirectory directory_;
 };
 
-}  // namespace darokleim::testing
+}  // namespace darokleim::test
 
 #endif  // DAROKLEIM_TESTS_UNIT_FILESYSTEM_OWN_DIRECTORY_H

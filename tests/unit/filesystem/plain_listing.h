@@ -13,8 +13,8 @@
 #include <tuple>
 #include <vector>
 
-#include "core/string_helper.h"
-#include "filesystem/file_info.h"
+#include "src/core/string_helper.h"
+#include "src/filesystem/file_info.h"
 
 inline bool operator==(const FileInfo& a, const FileInfo& b) {
   return std::tie(a.size, a.mode, a.file, a.time, a.utc_timestamp) ==
@@ -26,7 +26,7 @@ inline std::ostream& operator<<(std::ostream& out, const FileInfo& info) {
              << info.time << "\", 0x" << info.utc_timestamp << std::dec << "}";
 }
 
-namespace darokleim::testing {
+namespace darokleim::test {
 
 // Uses a line's length in stack.
 inline bool PlainMatchLsLine(const std::string& line, std::smatch& match) {
@@ -105,6 +105,6 @@ inline bool PlainDecodeFindOut(std::string text, std::list<FileInfo>* files) {
   return true;
 }
 
-}  // namespace darokleim::testing
+}  // namespace darokleim::test
 
 #endif  // DAROKLEIM_TESTS_UNIT_FILESYSTEM_PLAIN_LISTING_H

@@ -7,9 +7,9 @@
 #include <random>
 #include <string>
 
-#include "filesystem/file_info.h"
+#include "src/filesystem/file_info.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 
 class RandomFileList {
  public:
@@ -67,6 +67,6 @@ class RandomFileList {
   std::mt19937_64 random_;
 };
 
-}  // namespace darokleim::testing
+}  // namespace darokleim::test
 
 #endif  // DAROKLEIM_TESTS_UNIT_FILESYSTEM_RANDOM_FILE_LIST_H

@@ -1,4 +1,4 @@
-#include "filesystem/side_file.h"
+#include "src/filesystem/side_file.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -7,9 +7,9 @@
 #include <filesystem>
 #include <string>
 
-#include "filesystem/own_directory.h"
+#include "tests/unit/filesystem/own_directory.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 namespace fs = std::filesystem;
@@ -101,4 +101,4 @@ TEST_F(SideFileTest, LeavesNoFileOpen) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

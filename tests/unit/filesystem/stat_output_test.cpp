@@ -1,4 +1,4 @@
-#include "filesystem/stat_output.h"
+#include "src/filesystem/stat_output.h"
 
 #include <gtest/gtest.h>
 
@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "core/string_helper.h"
+#include "src/core/string_helper.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 TEST(StatOutputTest, TheSizeOfALegacyPhone) {
@@ -67,4 +67,4 @@ TEST(StatOutputTest, IsTheExpressionForAnyBytes) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk

@@ -1,4 +1,4 @@
-#include "filesystem/storage_listing.h"
+#include "src/filesystem/storage_listing.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,14 +7,14 @@
 #include <string>
 #include <vector>
 
-#include "support/device_output.h"
+#include "tests/unit/support/device_output.h"
 
-namespace darokleim {
+namespace darokleim::sdk {
 namespace {
 
 using namespace std::string_literals;
-using testing::DeviceOutput;
-using testing::DeviceOutputsIn;
+using test::DeviceOutput;
+using test::DeviceOutputsIn;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -116,4 +116,4 @@ TEST(StorageListingTest, RealOutputs) {
 }
 
 }  // namespace
-}  // namespace darokleim
+}  // namespace darokleim::sdk

@@ -2,12 +2,12 @@
 #include <filesystem>
 #include <string>
 
-#include "filesystem/own_directory.h"
-#include "support/device_output.h"
-#include "support/plain_file_list_json.h"
-#include "support/sdk_test.h"
+#include "tests/support/plain_file_list_json.h"
+#include "tests/unit/filesystem/own_directory.h"
+#include "tests/unit/support/device_output.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 class SuffixSearchTest : public SdkTest {
@@ -209,4 +209,4 @@ TEST_F(SuffixSearchTest, NullAndEmptyArgumentsAreRefused) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

@@ -1,9 +1,9 @@
 #include <cstring>
 #include <string>
 
-#include "support/sdk_test.h"
+#include "tests/unit/support/sdk_test.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 using namespace std::string_literals;
@@ -122,4 +122,4 @@ TEST_F(VolumeSearchTest, TheCommandIsCutAt255Characters) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

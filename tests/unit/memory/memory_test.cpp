@@ -11,12 +11,12 @@
 #include <vector>
 
 #include "darokleim.h"
-#include "platform/command_channel.h"
-#include "platform/log_library.h"
-#include "support/failing_allocation.h"
-#include "support/temporary_directory.h"
+#include "src/platform/command_channel.h"
+#include "src/platform/log_library.h"
+#include "tests/support/failing_allocation.h"
+#include "tests/support/temporary_directory.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 // What adb prints for every command; null for nothing at all.
@@ -24,10 +24,10 @@ const char* output = nullptr;
 int buffers_out = 0;
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test
 
-using darokleim::testing::buffers_out;
-using darokleim::testing::output;
+using darokleim::test::buffers_out;
+using darokleim::test::output;
 
 // A channel and a log that ask operator new for nothing.
 int ExecuteAdbCommandSynchronization(const char* /*args*/, const bool* /*cancel*/, char** out, int* out_len) {
@@ -61,7 +61,7 @@ bool InitLogEx(const void* /*log_context*/, const char* /*module*/, const char* 
 
 void LogEx(const char* /*module*/, int /*level*/, const char* /*format*/, ...) {}
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 struct Call {
@@ -295,4 +295,4 @@ TEST_P(MemoryTest, RunsOut) {
 INSTANTIATE_TEST_SUITE_P(OfEachFunction, MemoryTest, ::testing::ValuesIn(AllCalls()));
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

@@ -1,4 +1,4 @@
-#include "support/device_output.h"
+#include "tests/unit/support/device_output.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <fstream>
 #include <iterator>
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 const std::filesystem::path kFolder = std::filesystem::path(DAROKLEIM_TEST_DATA) / "device-output";
@@ -40,4 +40,4 @@ std::set<std::string> DeviceOutputsIn(const std::string& folder) {
   return names;
 }
 
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

@@ -6,7 +6,7 @@
 #include <set>
 #include <string>
 
-namespace darokleim::testing {
+namespace darokleim::test {
 
 // The sample of this name, e.g. "adb-devices/recovery.txt". A missing one fails the test.
 std::string DeviceOutput(const std::string& name);
@@ -18,6 +18,6 @@ std::string DeviceProperty(const std::string& name, const std::string& property)
 // The names of all samples in one folder, so that a test can tell that it knows each.
 std::set<std::string> DeviceOutputsIn(const std::string& folder);
 
-}  // namespace darokleim::testing
+}  // namespace darokleim::test
 
 #endif  // DAROKLEIM_TESTS_UNIT_SUPPORT_DEVICE_OUTPUT_H

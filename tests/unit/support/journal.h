@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace darokleim::testing {
+namespace darokleim::test {
 
 struct Event {
   enum class Kind { kLogged, kRan, kGaveBack, kStarted, kOpenedLog, kInitChannel };
@@ -72,6 +72,6 @@ inline std::ostream& operator<<(std::ostream& out, const Event& event) {
   return out;
 }
 
-}  // namespace darokleim::testing
+}  // namespace darokleim::test
 
 #endif  // DAROKLEIM_TESTS_UNIT_SUPPORT_JOURNAL_H

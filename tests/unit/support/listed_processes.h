@@ -7,10 +7,10 @@
 #include <filesystem>
 #include <string>
 
-#include "support/file_content.h"
-#include "support/temporary_directory.h"
+#include "tests/support/file_content.h"
+#include "tests/support/temporary_directory.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 
 // While it lives, `ps` prints these lines, so that nobody can kill the processes of the machine by its
 // list. Ends the program when that cannot be had.
@@ -45,6 +45,6 @@ class ListedProcesses {
   std::string path_before_;
 };
 
-}  // namespace darokleim::testing
+}  // namespace darokleim::test
 
 #endif  // DAROKLEIM_TESTS_UNIT_SUPPORT_LISTED_PROCESSES_H

@@ -4,9 +4,9 @@
 
 #include <string>
 
-#include "support/journal.h"
+#include "tests/unit/support/journal.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 
 // The journal of so many calls that a function with the usual log lines refused: no command, no leave line.
 inline Journal RefusedCalls(const std::string& function, int times) {
@@ -18,6 +18,6 @@ inline Journal RefusedCalls(const std::string& function, int times) {
   return journal;
 }
 
-}  // namespace darokleim::testing
+}  // namespace darokleim::test
 
 #endif  // DAROKLEIM_TESTS_UNIT_SUPPORT_REFUSED_CALLS_H

@@ -1,11 +1,11 @@
-#include "support/scripted_channel.h"
+#include "tests/unit/support/scripted_channel.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <memory>
 
-namespace darokleim::testing {
+namespace darokleim::test {
 
 Answer& ScriptedChannel::Expect(std::string args) {
   return answers_.emplace_back(std::move(args));
@@ -86,4 +86,4 @@ void ScriptedChannel::CheckNothingIsLeft() {
   handed_out_.clear();
 }
 
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

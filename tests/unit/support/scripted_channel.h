@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-namespace darokleim::testing {
+namespace darokleim::test {
 
 // What the channel does when the SDK runs one command. As it stands: no buffer, value 0, and the command
 // must have been given the test's own cancel flag.
@@ -85,6 +85,6 @@ class ScriptedChannel {
   int stream_status_ = 0;
 };
 
-}  // namespace darokleim::testing
+}  // namespace darokleim::test
 
 #endif  // DAROKLEIM_TESTS_UNIT_SUPPORT_SCRIPTED_CHANNEL_H

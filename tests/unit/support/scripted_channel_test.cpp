@@ -1,11 +1,11 @@
 // The scripted channel is what every unit test trusts: it must notice a buffer that is lost or given back twice,
 // and a command that is not in the script.
-#include "support/scripted_channel.h"
+#include "tests/unit/support/scripted_channel.h"
 
 #include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 class ScriptedChannelTest : public ::testing::Test {
@@ -58,4 +58,4 @@ TEST_F(ScriptedChannelTest, AnotherCancelFlagFailsTheTest) {
 }
 
 }  // namespace
-}  // namespace darokleim::testing
+}  // namespace darokleim::test

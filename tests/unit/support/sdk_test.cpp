@@ -1,14 +1,14 @@
-#include "support/sdk_test.h"
+#include "tests/unit/support/sdk_test.h"
 
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <iterator>
 
-#include "platform/command_channel.h"
-#include "platform/log_library.h"
+#include "src/platform/command_channel.h"
+#include "src/platform/log_library.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 namespace {
 
 SdkTest* current = nullptr;
@@ -46,15 +46,15 @@ void SdkTest::Note(Event event) {
   journal_.push_back(std::move(event));
 }
 
-}  // namespace darokleim::testing
+}  // namespace darokleim::test
 
-using darokleim::testing::Event;
-using darokleim::testing::SdkTest;
+using darokleim::test::Event;
+using darokleim::test::SdkTest;
 
 bool InitLogEx(const void* log_context, const char* module, const char* log_file_path) {
   EXPECT_STREQ(module, "AdbSDK");
   SdkTest::Current().log_context = log_context;
-  SdkTest::Current().Note(darokleim::testing::OpenedLog(log_file_path));
+  SdkTest::Current().Note(darokleim::test::OpenedLog(log_file_path));
   return SdkTest::Current().log_opens;
 }
 
@@ -73,22 +73,22 @@ void LogEx(const char* module, int level, const char* format, ...) {
 
 int InitAdbCommuncation2Server(const char* adb_path, const char* log_dir, const void* log_context) {
   SdkTest::Current().channel_context = log_context;
-  SdkTest::Current().Note(darokleim::testing::InitChannel(adb_path, log_dir));
+  SdkTest::Current().Note(darokleim::test::InitChannel(adb_path, log_dir));
   return 77;  // the SDK must not care
 }
 
 int ExecuteAdbCommandSynchronization(const char* args, const bool* cancel, char** out, int* out_len) {
   SdkTest& test = SdkTest::Current();
-  test.Note(darokleim::testing::Ran(args));
+  test.Note(darokleim::test::Ran(args));
   return test.channel.Run(args, cancel, &test.cancel, out, out_len);
 }
 
 int ExecuteAdbCommandAnsynchronization(const char* args, const bool* cancel, void* context, void* on_output) {
-  SdkTest::Current().Note(darokleim::testing::Started(args));
+  SdkTest::Current().Note(darokleim::test::Started(args));
   return SdkTest::Current().channel.Start({args, cancel, context, on_output});
 }
 
 void ReleaseAdbOutBuffer(char* out) {
-  SdkTest::Current().Note(darokleim::testing::GaveBack());
+  SdkTest::Current().Note(darokleim::test::GaveBack());
   SdkTest::Current().channel.TakeBack(out);
 }

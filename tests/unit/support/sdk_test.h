@@ -19,10 +19,10 @@
 #include <string>
 
 #include "darokleim.h"
-#include "support/journal.h"
-#include "support/scripted_channel.h"
+#include "tests/unit/support/journal.h"
+#include "tests/unit/support/scripted_channel.h"
 
-namespace darokleim::testing {
+namespace darokleim::test {
 
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
@@ -54,6 +54,6 @@ class SdkTest : public ::testing::Test {
   Journal journal_;
 };
 
-}  // namespace darokleim::testing
+}  // namespace darokleim::test
 
 #endif  // DAROKLEIM_TESTS_UNIT_SUPPORT_SDK_TEST_H

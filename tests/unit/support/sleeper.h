@@ -11,7 +11,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace darokleim::testing {
+namespace darokleim::test {
 
 // Lives as long as this object, or two minutes when the test dies before. Its process id stays its own until
 // then, also when it was killed. Holds none of the test's streams open.
@@ -63,6 +63,6 @@ class Sleeper {
   State state_ = State::kSleeps;
 };
 
-}  // namespace darokleim::testing
+}  // namespace darokleim::test
 
 #endif  // DAROKLEIM_TESTS_UNIT_SUPPORT_SLEEPER_H

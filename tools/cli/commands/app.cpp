@@ -1,9 +1,9 @@
 // darokleim app
-#include "command.h"
-#include "commands/app_commands.h"
-#include "commands/commands.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/app_commands.h"
+#include "tools/cli/commands/commands.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(Each has a --help of its own.
@@ -20,4 +20,4 @@ void AddAppCommand(CLI::App& app, Tool& tool) {
   for (const auto add_command : kAppCommands) add_command(group, tool);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

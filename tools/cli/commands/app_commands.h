@@ -6,7 +6,7 @@ namespace CLI {
 class App;
 }
 
-namespace darokleim {
+namespace darokleim::cli {
 
 class Tool;
 
@@ -33,6 +33,6 @@ inline constexpr void (*kAppCommands[])(CLI::App&, Tool&) = {
     AddAppStartCommand,
 };
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_COMMANDS_APP_COMMANDS_H

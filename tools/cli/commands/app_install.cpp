@@ -3,12 +3,12 @@
 
 #include <string>
 
-#include "app_command.h"
-#include "command.h"
-#include "commands/app_commands.h"
-#include "device_words.h"
+#include "tools/cli/app_command.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/app_commands.h"
+#include "tools/cli/device_words.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] =
@@ -44,4 +44,4 @@ void AddAppInstallCommand(CLI::App& group, Tool& tool) {
                       Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -3,12 +3,12 @@
 
 #include <string>
 
-#include "command.h"
-#include "commands/app_commands.h"
-#include "device_words.h"
-#include "errors.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/app_commands.h"
+#include "tools/cli/device_words.h"
+#include "tools/cli/errors.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] =
@@ -52,4 +52,4 @@ void AddAppInstallFromDeviceCommand(CLI::App& group, Tool& tool) {
                       Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -5,14 +5,14 @@
 #include <string>
 #include <vector>
 
-#include "app_command.h"
-#include "argument_text.h"
-#include "command.h"
-#include "commands/app_commands.h"
-#include "errors.h"
-#include "human_text.h"
+#include "tools/cli/app_command.h"
+#include "tools/cli/argument_text.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/app_commands.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/human_text.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] =
@@ -67,4 +67,4 @@ void AddAppInstallMultipleCommand(CLI::App& group, Tool& tool) {
                       Describe, Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

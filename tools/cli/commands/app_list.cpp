@@ -6,13 +6,13 @@
 #include <string_view>
 #include <vector>
 
-#include "command.h"
-#include "commands/app_commands.h"
-#include "device_words.h"
-#include "library_block.h"
-#include "table.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/app_commands.h"
+#include "tools/cli/device_words.h"
+#include "tools/cli/library_block.h"
+#include "tools/cli/table.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(Examples:
@@ -124,4 +124,4 @@ void AddAppListCommand(CLI::App& group, Tool& tool) {
   AddCommand<Options>(group, tool, {"list", "List the installed packages", kFooter}, Describe, Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -6,14 +6,14 @@
 #include <string>
 #include <vector>
 
-#include "app_command.h"
-#include "command.h"
-#include "commands/app_commands.h"
-#include "device_words.h"
-#include "errors.h"
-#include "library_block.h"
+#include "tools/cli/app_command.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/app_commands.h"
+#include "tools/cli/device_words.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/library_block.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(Examples:
@@ -88,4 +88,4 @@ void AddAppPathCommand(CLI::App& group, Tool& tool) {
                       Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -4,13 +4,13 @@
 #include <string>
 #include <vector>
 
-#include "argument_text.h"
-#include "command.h"
-#include "commands/app_commands.h"
-#include "device_words.h"
-#include "errors.h"
+#include "tools/cli/argument_text.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/app_commands.h"
+#include "tools/cli/device_words.h"
+#include "tools/cli/errors.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] =
@@ -63,4 +63,4 @@ void AddAppStartCommand(CLI::App& group, Tool& tool) {
   AddCommand<Options>(group, tool, {"start", "Start an activity of an application", kFooter}, Describe, Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

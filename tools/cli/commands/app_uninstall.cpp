@@ -3,13 +3,13 @@
 
 #include <string>
 
-#include "app_command.h"
-#include "command.h"
-#include "commands/app_commands.h"
-#include "device_words.h"
-#include "errors.h"
+#include "tools/cli/app_command.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/app_commands.h"
+#include "tools/cli/device_words.h"
+#include "tools/cli/errors.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(Examples:
@@ -47,4 +47,4 @@ void AddAppUninstallCommand(CLI::App& group, Tool& tool) {
   AddCommand<Options>(group, tool, {"uninstall", "Remove an application", kFooter}, Describe, Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

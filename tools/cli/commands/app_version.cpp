@@ -4,13 +4,13 @@
 #include <string>
 #include <vector>
 
-#include "app_command.h"
-#include "command.h"
-#include "commands/app_commands.h"
-#include "device_words.h"
-#include "errors.h"
+#include "tools/cli/app_command.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/app_commands.h"
+#include "tools/cli/device_words.h"
+#include "tools/cli/errors.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(The digits and dots that the version's name begins with: 1.2.3 of 1.2.3-beta.
@@ -62,4 +62,4 @@ void AddAppVersionCommand(CLI::App& group, Tool& tool) {
                       Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -8,12 +8,12 @@
 #include <thread>
 #include <vector>
 
-#include "command.h"
-#include "commands/commands.h"
-#include "device_list.h"
-#include "errors.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
+#include "tools/cli/device_list.h"
+#include "tools/cli/errors.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] =
@@ -95,4 +95,4 @@ void AddAuthorizeCommand(CLI::App& app, Tool& tool) {
                       Describe, Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

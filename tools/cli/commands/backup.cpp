@@ -4,14 +4,14 @@
 
 #include <string>
 
-#include "backup_question.h"
-#include "command.h"
-#include "commands/commands.h"
-#include "device_words.h"
-#include "errors.h"
-#include "human_text.h"
+#include "tools/cli/backup_question.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
+#include "tools/cli/device_words.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/human_text.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] =
@@ -64,4 +64,4 @@ void AddBackupCommand(CLI::App& app, Tool& tool) {
                       Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

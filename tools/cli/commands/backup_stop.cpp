@@ -1,10 +1,10 @@
 // darokleim backup-stop
 #include <darokleim.h>
 
-#include "command.h"
-#include "commands/commands.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(The backup or restore that waits for the answer then ends.
@@ -26,4 +26,4 @@ void AddBackupStopCommand(CLI::App& app, Tool& tool) {
              Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -3,11 +3,11 @@
 
 #include <string>
 
-#include "command.h"
-#include "commands/commands.h"
-#include "errors.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
+#include "tools/cli/errors.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] =
@@ -34,4 +34,4 @@ void AddBusyboxCommand(CLI::App& app, Tool& tool) {
   AddCommand(app, tool, {"busybox", "Install busybox on the device", kFooter}, Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

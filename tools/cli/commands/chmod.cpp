@@ -4,13 +4,13 @@
 #include <string>
 #include <vector>
 
-#include "argument_text.h"
-#include "command.h"
-#include "commands/commands.h"
-#include "device_entry.h"
-#include "errors.h"
+#include "tools/cli/argument_text.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
+#include "tools/cli/device_entry.h"
+#include "tools/cli/errors.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(Examples:
@@ -57,4 +57,4 @@ void AddChmodCommand(CLI::App& app, Tool& tool) {
   AddCommand<Options>(app, tool, {"chmod", "Change the mode of files on the device", kFooter}, Describe, Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -6,7 +6,7 @@ namespace CLI {
 class App;
 }
 
-namespace darokleim {
+namespace darokleim::cli {
 
 class Tool;
 
@@ -81,6 +81,6 @@ inline constexpr void (*kCommands[])(CLI::App&, Tool&) = {
 };
 // clang-format on
 
-}  // namespace darokleim
+}  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_COMMANDS_COMMANDS_H

@@ -2,11 +2,11 @@
 #include <string>
 #include <vector>
 
-#include "command.h"
-#include "commands/commands.h"
-#include "completion.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
+#include "tools/cli/completion.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 void AddCompleteCommand(CLI::App& app, Tool& tool) {
   auto* command = app.add_subcommand("complete", "Print what may stand at the end of a command line");
@@ -20,4 +20,4 @@ void AddCompleteCommand(CLI::App& app, Tool& tool) {
   });
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

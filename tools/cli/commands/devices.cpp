@@ -2,11 +2,11 @@
 #include <string>
 #include <vector>
 
-#include "command.h"
-#include "commands/commands.h"
-#include "device_list.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
+#include "tools/cli/device_list.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(Examples:
@@ -48,4 +48,4 @@ void AddDevicesCommand(CLI::App& app, Tool& tool) {
   AddCommand<Options>(app, tool, {"devices", "List the attached devices", kFooter}, Describe, Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -4,16 +4,16 @@
 #include <string>
 #include <vector>
 
-#include "command.h"
-#include "commands/commands.h"
-#include "device_entry.h"
-#include "errors.h"
-#include "file_listing.h"
-#include "human_text.h"
-#include "progress.h"
-#include "table.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
+#include "tools/cli/device_entry.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/file_listing.h"
+#include "tools/cli/human_text.h"
+#include "tools/cli/progress.h"
+#include "tools/cli/table.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(Examples:
@@ -85,4 +85,4 @@ void AddDuCommand(CLI::App& app, Tool& tool) {
   AddCommand<Options>(app, tool, {"du", "Measure folders of the device", kFooter}, Describe, Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

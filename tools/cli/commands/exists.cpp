@@ -2,13 +2,13 @@
 #include <string>
 #include <vector>
 
-#include "command.h"
-#include "commands/commands.h"
-#include "device_entry.h"
-#include "errors.h"
-#include "table.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
+#include "tools/cli/device_entry.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/table.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(Examples:
@@ -69,4 +69,4 @@ void AddExistsCommand(CLI::App& app, Tool& tool) {
                       Describe, Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -5,15 +5,15 @@
 #include <string>
 #include <vector>
 
-#include "argument_text.h"
-#include "command.h"
-#include "commands/commands.h"
-#include "device_entry.h"
-#include "errors.h"
-#include "file_listing.h"
-#include "progress.h"
+#include "tools/cli/argument_text.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
+#include "tools/cli/device_entry.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/file_listing.h"
+#include "tools/cli/progress.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(Examples:
@@ -128,4 +128,4 @@ void AddFindCommand(CLI::App& app, Tool& tool) {
                       Describe, Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

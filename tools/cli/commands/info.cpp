@@ -3,13 +3,13 @@
 #include <string>
 #include <vector>
 
-#include "command.h"
-#include "commands/commands.h"
-#include "device_facts.h"
-#include "device_words.h"
-#include "table.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
+#include "tools/cli/device_facts.h"
+#include "tools/cli/device_words.h"
+#include "tools/cli/table.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] =
@@ -99,4 +99,4 @@ void AddInfoCommand(CLI::App& app, Tool& tool) {
   AddCommand<Options>(app, tool, {"info", "Show what a device says of itself", kFooter}, Describe, Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -4,14 +4,14 @@
 #include <string>
 #include <vector>
 
-#include "command.h"
-#include "commands/commands.h"
-#include "device_words.h"
-#include "errors.h"
-#include "log_lines.h"
-#include "log_stream.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
+#include "tools/cli/device_words.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/log_lines.h"
+#include "tools/cli/log_stream.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] =
@@ -89,4 +89,4 @@ void AddLogcatCommand(CLI::App& app, Tool& tool) {
   AddCommand<Options>(app, tool, {"logcat", "Show the device's log as it comes", kFooter}, Describe, Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -1,9 +1,9 @@
 // darokleim manual: writes the manual page when the tool is built. Not in --help.
-#include "command.h"
-#include "commands/commands.h"
-#include "manual_page.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
+#include "tools/cli/manual_page.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 
 void AddManualCommand(CLI::App& app, Tool& tool) {
   auto* command = app.add_subcommand("manual", "Print the manual page, darokleim.1");
@@ -11,4 +11,4 @@ void AddManualCommand(CLI::App& app, Tool& tool) {
   tool.OnRun(*command, [&app, &tool] { tool.output().Write(ManualPage(app, DAROKLEIM_VERSION)); });
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -2,11 +2,11 @@
 #include <string>
 #include <vector>
 
-#include "command.h"
-#include "commands/commands.h"
-#include "file_changes.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
+#include "tools/cli/file_changes.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(Examples:
@@ -33,4 +33,4 @@ void AddMkdirCommand(CLI::App& app, Tool& tool) {
   AddCommand<Options>(app, tool, {"mkdir", "Make folders on the device", kFooter}, Describe, Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -1,13 +1,13 @@
 // darokleim mv
 #include <string>
 
-#include "command.h"
-#include "commands/commands.h"
-#include "device_entry.h"
-#include "errors.h"
-#include "file_changes.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
+#include "tools/cli/device_entry.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/file_changes.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(Examples:
@@ -46,4 +46,4 @@ void AddMvCommand(CLI::App& app, Tool& tool) {
                       Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

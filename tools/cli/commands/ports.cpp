@@ -3,11 +3,11 @@
 
 #include <string>
 
-#include "command.h"
-#include "commands/commands.h"
-#include "device_words.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
+#include "tools/cli/device_words.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kForwardFooter[] =
@@ -96,4 +96,4 @@ void AddReverseCommand(CLI::App& app, Tool& tool) {
                       RemoveReverse);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -7,18 +7,18 @@
 #include <system_error>
 #include <vector>
 
-#include "command.h"
-#include "commands/commands.h"
-#include "device_entry.h"
-#include "errors.h"
-#include "file_listing.h"
-#include "host_file.h"
-#include "human_text.h"
-#include "progress.h"
-#include "result_text.h"
-#include "transfer.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
+#include "tools/cli/device_entry.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/file_listing.h"
+#include "tools/cli/host_file.h"
+#include "tools/cli/human_text.h"
+#include "tools/cli/progress.h"
+#include "tools/cli/result_text.h"
+#include "tools/cli/transfer.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 namespace fs = std::filesystem;
@@ -167,4 +167,4 @@ void AddPullCommand(CLI::App& app, Tool& tool) {
   AddCommand<Options>(app, tool, {"pull", "Copy files and folders from the device", kFooter}, Describe, Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -4,17 +4,17 @@
 #include <string>
 #include <vector>
 
-#include "command.h"
-#include "commands/commands.h"
-#include "device_entry.h"
-#include "errors.h"
-#include "file_changes.h"
-#include "folder_push.h"
-#include "progress.h"
-#include "push_source.h"
-#include "transfer.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
+#include "tools/cli/device_entry.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/file_changes.h"
+#include "tools/cli/folder_push.h"
+#include "tools/cli/progress.h"
+#include "tools/cli/push_source.h"
+#include "tools/cli/transfer.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(Examples:
@@ -124,4 +124,4 @@ void AddPushCommand(CLI::App& app, Tool& tool) {
   AddCommand<Options>(app, tool, {"push", "Copy files and folders to the device", kFooter}, Describe, Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -3,10 +3,10 @@
 
 #include <string>
 
-#include "command.h"
-#include "commands/commands.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(Does not wait until the device is back; that takes about a minute.
@@ -27,4 +27,4 @@ void AddRebootCommand(CLI::App& app, Tool& tool) {
   AddCommand(app, tool, {"reboot", "Restart the device", kFooter}, Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -3,10 +3,10 @@
 
 #include <string>
 
-#include "command.h"
-#include "commands/commands.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] =
@@ -28,4 +28,4 @@ void AddReconnectCommand(CLI::App& app, Tool& tool) {
   AddCommand(app, tool, {"reconnect", "Open the connection to the attached device again", kFooter}, Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

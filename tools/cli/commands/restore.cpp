@@ -5,13 +5,13 @@
 #include <cerrno>
 #include <string>
 
-#include "backup_question.h"
-#include "command.h"
-#include "commands/commands.h"
-#include "errors.h"
-#include "system_error.h"
+#include "tools/cli/backup_question.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/system_error.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] =
@@ -52,4 +52,4 @@ void AddRestoreCommand(CLI::App& app, Tool& tool) {
   AddCommand<Options>(app, tool, {"restore", "Bring the data of a backup back", kFooter}, Describe, Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -7,16 +7,16 @@
 #include <string>
 #include <system_error>
 
-#include "command.h"
-#include "commands/commands.h"
-#include "device_entry.h"
-#include "errors.h"
-#include "file_changes.h"
-#include "host_file.h"
-#include "human_text.h"
-#include "progress.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
+#include "tools/cli/device_entry.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/file_changes.h"
+#include "tools/cli/host_file.h"
+#include "tools/cli/human_text.h"
+#include "tools/cli/progress.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 namespace fs = std::filesystem;
@@ -144,4 +144,4 @@ void AddScreenshotCommand(CLI::App& app, Tool& tool) {
                       Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

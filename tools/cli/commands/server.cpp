@@ -5,12 +5,12 @@
 #include <string>
 #include <string_view>
 
-#include "command.h"
-#include "commands/commands.h"
-#include "errors.h"
-#include "own_command_line.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/own_command_line.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] =
@@ -112,4 +112,4 @@ void AddServerCommand(CLI::App& app, Tool& tool) {
   group.get_subcommand("kill")->alias("stop");
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -4,14 +4,14 @@
 #include <string>
 #include <vector>
 
-#include "command.h"
-#include "commands/commands.h"
-#include "device_entry.h"
-#include "errors.h"
-#include "human_text.h"
-#include "table.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
+#include "tools/cli/device_entry.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/human_text.h"
+#include "tools/cli/table.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(Examples:
@@ -95,4 +95,4 @@ void AddStatCommand(CLI::App& app, Tool& tool) {
                       Describe, Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -8,16 +8,16 @@
 #include <string>
 #include <vector>
 
-#include "argument_text.h"
-#include "command.h"
-#include "commands/commands.h"
-#include "device_entry.h"
-#include "errors.h"
-#include "human_text.h"
-#include "library_block.h"
-#include "table.h"
+#include "tools/cli/argument_text.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
+#include "tools/cli/device_entry.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/human_text.h"
+#include "tools/cli/library_block.h"
+#include "tools/cli/table.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(Examples:
@@ -169,4 +169,4 @@ void AddStorageCommand(CLI::App& app, Tool& tool) {
                       Describe, Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

@@ -4,11 +4,11 @@
 #include <string>
 #include <vector>
 
-#include "command.h"
-#include "commands/commands.h"
-#include "typed_text.h"
+#include "tools/cli/command.h"
+#include "tools/cli/commands/commands.h"
+#include "tools/cli/typed_text.h"
 
-namespace darokleim {
+namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] =
@@ -47,4 +47,4 @@ void AddTypeCommand(CLI::App& app, Tool& tool) {
   AddCommand<Options>(app, tool, {"type", "Type a text on the device", kFooter}, Describe, Run);
 }
 
-}  // namespace darokleim
+}  // namespace darokleim::cli

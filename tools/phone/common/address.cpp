@@ -1,4 +1,4 @@
-#include "common/address.h"
+#include "tools/phone/common/address.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -10,9 +10,9 @@
 #include <cstddef>
 #include <cstring>
 
-#include "common/io.h"
-#include "common/numbers.h"
-#include "common/wire.h"
+#include "tools/phone/common/io.h"
+#include "tools/phone/common/numbers.h"
+#include "tools/phone/common/wire.h"
 
 namespace darokleim::phone {
 
@@ -21,11 +21,11 @@ namespace {
 constexpr int kBacklog = 128;
 constexpr useconds_t kPauseMicroseconds = 10 * 1000;
 
-UniqueFd MakeSocket(int family) {
+base::UniqueFd MakeSocket(int family) {
 #if defined(__linux__)
-  return UniqueFd(socket(family, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  return base::UniqueFd(socket(family, SOCK_STREAM | SOCK_CLOEXEC, 0));
 #else
-  UniqueFd made(socket(family, SOCK_STREAM, 0));
+  base::UniqueFd made(socket(family, SOCK_STREAM, 0));
   SetCloseOnExec(made.get());
   return made;
 #endif
@@ -75,20 +75,21 @@ std::optional<SocketAddress> SocketAddress::OfName(std::string_view name, bool a
   return address;
 }
 
-UniqueFd SocketAddress::Connect() const {
-  UniqueFd connection = MakeSocket(bytes_.ss_family);
-  if (connect(connection.get(), reinterpret_cast<const sockaddr*>(&bytes_), length_) != 0) return UniqueFd();
+base::UniqueFd SocketAddress::Connect() const {
+  base::UniqueFd connection = MakeSocket(bytes_.ss_family);
+  if (connect(connection.get(), reinterpret_cast<const sockaddr*>(&bytes_), length_) != 0)
+    return base::UniqueFd();
   return connection;
 }
 
-UniqueFd SocketAddress::Listen() const {
-  UniqueFd listener = MakeSocket(bytes_.ss_family);
+base::UniqueFd SocketAddress::Listen() const {
+  base::UniqueFd listener = MakeSocket(bytes_.ss_family);
   const int on = 1;
   setsockopt(listener.get(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof(on));
   RemoveFile();
   if (bind(listener.get(), reinterpret_cast<const sockaddr*>(&bytes_), length_) != 0 ||
       listen(listener.get(), kBacklog) != 0) {
-    return UniqueFd();
+    return base::UniqueFd();
   }
   return listener;
 }
@@ -117,11 +118,11 @@ uint16_t Listener::port() const {
   return ntohs(bound.sin_port);
 }
 
-UniqueFd AcceptConnection(int listener) {
+base::UniqueFd AcceptConnection(int listener) {
 #if defined(__linux__)
-  UniqueFd connection(accept4(listener, nullptr, nullptr, SOCK_CLOEXEC));
+  base::UniqueFd connection(accept4(listener, nullptr, nullptr, SOCK_CLOEXEC));
 #else
-  UniqueFd connection(accept(listener, nullptr, nullptr));
+  base::UniqueFd connection(accept(listener, nullptr, nullptr));
 #endif
   if (connection.valid()) {
     SetCloseOnExec(connection.get());

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string_view>
 
-#include "common/unique_fd.h"
+#include "base/unique_fd.h"
 
 namespace darokleim::phone {
 
@@ -20,8 +20,8 @@ class SocketAddress {
   static SocketAddress OfPort(uint16_t port);
 
   // Both are not valid, with errno set, when it cannot be had.
-  UniqueFd Connect() const;
-  UniqueFd Listen() const;
+  base::UniqueFd Connect() const;
+  base::UniqueFd Listen() const;
 
   bool IsAnyFreePort() const;
   // Takes the file of a listener away; nothing to do for other addresses.
@@ -53,12 +53,12 @@ class Listener {
 
  private:
   SocketAddress address_;
-  UniqueFd fd_;
+  base::UniqueFd fd_;
 };
 
 // The next connection, without delay for small packets; not valid when it has gone again, or after a pause while
 // there is no descriptor for it.
-UniqueFd AcceptConnection(int listener);
+base::UniqueFd AcceptConnection(int listener);
 
 }  // namespace darokleim::phone
 

@@ -1,4 +1,4 @@
-#include "common/device_link.h"
+#include "tools/phone/common/device_link.h"
 
 #include <sys/socket.h>
 #include <sys/uio.h>
@@ -64,7 +64,7 @@ std::optional<LinkPacket> ReceivePacket(int link) {
   } while (received < 0 && errno == EINTR);
   if (received <= 0) return std::nullopt;
   LinkPacket packet{static_cast<LinkMessage>(bytes[0]),
-                    std::string(bytes.data() + 1, static_cast<size_t>(received) - 1), UniqueFd()};
+                    std::string(bytes.data() + 1, static_cast<size_t>(received) - 1), base::UniqueFd()};
   const cmsghdr* rights = CMSG_FIRSTHDR(&header);
   if (rights != nullptr && rights->cmsg_level == SOL_SOCKET && rights->cmsg_type == SCM_RIGHTS) {
     int descriptor;

@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-#include "common/io.h"
-#include "common/unique_fd.h"
+#include "base/unique_fd.h"
+#include "tools/phone/common/io.h"
 
 namespace darokleim::phone {
 
@@ -27,7 +27,7 @@ enum class LinkMessage : char {
 struct LinkPacket {
   LinkMessage message;
   std::string text;
-  UniqueFd descriptor;
+  base::UniqueFd descriptor;
 };
 
 // {server's end, phone's end}

@@ -1,11 +1,11 @@
-#include "common/faults.h"
+#include "tools/phone/common/faults.h"
 
 #include <cctype>
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
 
-#include "common/io.h"
+#include "tools/phone/common/io.h"
 
 namespace darokleim::phone {
 

@@ -1,4 +1,4 @@
-#include "common/io.h"
+#include "tools/phone/common/io.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -99,7 +99,7 @@ std::optional<FdPair> MakePipe() {
   SetCloseOnExec(ends[0]);
   SetCloseOnExec(ends[1]);
 #endif
-  return FdPair{UniqueFd(ends[0]), UniqueFd(ends[1])};
+  return FdPair{base::UniqueFd(ends[0]), base::UniqueFd(ends[1])};
 }
 
 std::optional<FdPair> MakeSocketPair(int type) {
@@ -111,10 +111,10 @@ std::optional<FdPair> MakeSocketPair(int type) {
   SetCloseOnExec(ends[0]);
   SetCloseOnExec(ends[1]);
 #endif
-  return FdPair{UniqueFd(ends[0]), UniqueFd(ends[1])};
+  return FdPair{base::UniqueFd(ends[0]), base::UniqueFd(ends[1])};
 }
 
-void FinishStream(UniqueFd stream) {
+void FinishStream(base::UniqueFd stream) {
   shutdown(stream.get(), SHUT_WR);
   std::vector<char> unread(kCopyChunk);
   for (;;) {
@@ -126,7 +126,7 @@ void FinishStream(UniqueFd stream) {
 }
 
 std::optional<std::string> ReadFile(const std::string& path) {
-  UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  base::UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (!file.valid()) return std::nullopt;
   std::string content;
   std::vector<char> buffer(kCopyChunk);
@@ -141,7 +141,7 @@ std::optional<std::string> ReadFile(const std::string& path) {
 bool WriteFile(const std::string& path, const std::string& content) {
   const std::string unfinished = path + ".new." + std::to_string(getpid());
   {
-    UniqueFd file(open(unfinished.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
+    base::UniqueFd file(open(unfinished.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
     if (!file.valid() || !WriteAll(file.get(), content.data(), content.size())) {
       unlink(unfinished.c_str());
       return false;

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "common/unique_fd.h"
+#include "base/unique_fd.h"
 
 namespace darokleim::phone {
 
@@ -27,8 +27,8 @@ void Relay(int one, int other);
 void SetCloseOnExec(int fd);
 
 struct FdPair {
-  UniqueFd first;
-  UniqueFd second;
+  base::UniqueFd first;
+  base::UniqueFd second;
 };
 // Close-on-exec at both ends: {read end, write end}.
 std::optional<FdPair> MakePipe();
@@ -37,7 +37,7 @@ std::optional<FdPair> MakeSocketPair(int type);
 
 // Ends a stream so that everything already written reaches the client: closing a socket with unread input
 // would reset the connection and throw the last output away.
-void FinishStream(UniqueFd stream);
+void FinishStream(base::UniqueFd stream);
 
 std::optional<std::string> ReadFile(const std::string& path);
 // Replaces the file in one step, so that a reader never sees half of it.

@@ -1,4 +1,4 @@
-#include "common/key_values.h"
+#include "tools/phone/common/key_values.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -6,8 +6,8 @@
 
 #include <algorithm>
 
-#include "common/io.h"
-#include "common/wire.h"
+#include "tools/phone/common/io.h"
+#include "tools/phone/common/wire.h"
 
 namespace darokleim::phone {
 

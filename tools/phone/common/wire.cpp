@@ -1,10 +1,10 @@
-#include "common/wire.h"
+#include "tools/phone/common/wire.h"
 
 #include <algorithm>
 #include <array>
 
-#include "common/io.h"
-#include "common/numbers.h"
+#include "tools/phone/common/io.h"
+#include "tools/phone/common/numbers.h"
 
 namespace darokleim::phone {
 

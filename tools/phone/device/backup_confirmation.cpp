@@ -1,14 +1,14 @@
-#include "device/backup_confirmation.h"
+#include "tools/phone/device/backup_confirmation.h"
 
 #include <unistd.h>
 
 #include <filesystem>
 #include <string>
 
-#include "common/faults.h"
-#include "common/io.h"
-#include "device/layout.h"
-#include "device/records.h"
+#include "tools/phone/common/faults.h"
+#include "tools/phone/common/io.h"
+#include "tools/phone/device/layout.h"
+#include "tools/phone/device/records.h"
 
 namespace darokleim::phone {
 

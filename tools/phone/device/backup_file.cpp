@@ -1,4 +1,4 @@
-#include "device/backup_file.h"
+#include "tools/phone/device/backup_file.h"
 
 #include <poll.h>
 #include <zlib.h>
@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "common/io.h"
+#include "tools/phone/common/io.h"
 
 namespace darokleim::phone {
 

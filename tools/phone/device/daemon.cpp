@@ -1,4 +1,4 @@
-#include "device/daemon.h"
+#include "tools/phone/device/daemon.h"
 
 #include <poll.h>
 #include <signal.h>
@@ -13,12 +13,12 @@
 #include <utility>
 #include <vector>
 
-#include "common/device_link.h"
-#include "common/io.h"
-#include "common/wire.h"
-#include "device/layout.h"
-#include "device/reverse_forwards.h"
-#include "device/services.h"
+#include "tools/phone/common/device_link.h"
+#include "tools/phone/common/io.h"
+#include "tools/phone/common/wire.h"
+#include "tools/phone/device/layout.h"
+#include "tools/phone/device/reverse_forwards.h"
+#include "tools/phone/device/services.h"
 
 namespace darokleim::phone {
 
@@ -36,12 +36,12 @@ class Daemon {
   void HearSignals();
   void BuryTheDead();
 
-  UniqueFd link_;
+  base::UniqueFd link_;
   const bool legacy_;
-  UniqueFd signals_;
+  base::UniqueFd signals_;
   ReverseForwards reverse_;
   // The stream of each running service. Kept only to cut it off when the cable is pulled.
-  std::map<pid_t, UniqueFd> services_;
+  std::map<pid_t, base::UniqueFd> services_;
 };
 
 bool Daemon::Prepare() {

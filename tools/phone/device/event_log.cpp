@@ -1,12 +1,12 @@
-#include "device/event_log.h"
+#include "tools/phone/device/event_log.h"
 
 #include <unistd.h>
 
 #include <chrono>
 
-#include "common/numbers.h"
-#include "common/wire.h"
-#include "device/records.h"
+#include "tools/phone/common/numbers.h"
+#include "tools/phone/common/wire.h"
+#include "tools/phone/device/records.h"
 
 namespace darokleim::phone {
 

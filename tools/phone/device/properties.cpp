@@ -1,7 +1,7 @@
-#include "device/properties.h"
+#include "tools/phone/device/properties.h"
 
-#include "common/numbers.h"
-#include "device/layout.h"
+#include "tools/phone/common/numbers.h"
+#include "tools/phone/device/layout.h"
 
 namespace darokleim::phone {
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "common/key_values.h"
+#include "tools/phone/common/key_values.h"
 
 namespace darokleim::phone {
 

@@ -1,11 +1,11 @@
-#include "device/reverse_forwards.h"
+#include "tools/phone/device/reverse_forwards.h"
 
 #include <cerrno>
 #include <cstring>
 #include <utility>
 
-#include "common/device_link.h"
-#include "common/wire.h"
+#include "tools/phone/common/device_link.h"
+#include "tools/phone/common/wire.h"
 
 namespace darokleim::phone {
 
@@ -75,7 +75,7 @@ void ReverseForwards::Accept(const pollfd& ready, int link) const {
   if (ready.revents == 0) return;
   for (const Forward& forward : forwards_) {
     if (forward.listener.get() != ready.fd) continue;
-    const UniqueFd connection = AcceptConnection(ready.fd);
+    const base::UniqueFd connection = AcceptConnection(ready.fd);
     if (connection.valid()) SendPacket(link, LinkMessage::kReverse, forward.remote, connection.get());
   }
 }

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "common/address.h"
+#include "tools/phone/common/address.h"
 
 namespace darokleim::phone {
 

@@ -1,9 +1,9 @@
-#include "device/screen.h"
+#include "tools/phone/device/screen.h"
 
 #include <algorithm>
 
-#include "common/numbers.h"
-#include "device/properties.h"
+#include "tools/phone/common/numbers.h"
+#include "tools/phone/device/properties.h"
 
 namespace darokleim::phone {
 

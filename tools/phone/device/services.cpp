@@ -1,4 +1,4 @@
-#include "device/services.h"
+#include "tools/phone/device/services.h"
 
 #include <signal.h>
 
@@ -8,27 +8,27 @@
 #include <thread>
 #include <utility>
 
-#include "common/address.h"
-#include "common/device_link.h"
-#include "common/faults.h"
-#include "common/io.h"
-#include "common/wire.h"
-#include "device/layout.h"
-#include "device/shell_service.h"
-#include "device/sync_service.h"
-#include "device/weak_cable.h"
+#include "tools/phone/common/address.h"
+#include "tools/phone/common/device_link.h"
+#include "tools/phone/common/faults.h"
+#include "tools/phone/common/io.h"
+#include "tools/phone/common/wire.h"
+#include "tools/phone/device/layout.h"
+#include "tools/phone/device/shell_service.h"
+#include "tools/phone/device/sync_service.h"
+#include "tools/phone/device/weak_cable.h"
 
 namespace darokleim::phone {
 
 namespace {
 
-void Say(UniqueFd stream, const std::string& text) {
+void Say(base::UniqueFd stream, const std::string& text) {
   SendOkay(stream.get());
   WriteAll(stream.get(), text.data(), text.size());
   FinishStream(std::move(stream));
 }
 
-UniqueFd WithFaults(UniqueFd stream) {
+base::UniqueFd WithFaults(base::UniqueFd stream) {
   const Faults faults(kStateFolder);
   if (const auto seconds = faults.Value(fault::kSlow)) {
     std::this_thread::sleep_for(std::chrono::duration<double>(std::strtod(seconds->c_str(), nullptr)));
@@ -38,7 +38,7 @@ UniqueFd WithFaults(UniqueFd stream) {
 }
 
 // The services that say one thing and then change the phone or its connection.
-bool AnswerAndAct(const Request& request, UniqueFd* stream) {
+bool AnswerAndAct(const Request& request, base::UniqueFd* stream) {
   std::string_view service = request.service;
   if (service == "reconnect") {
     Say(std::move(*stream), "done");
@@ -66,7 +66,7 @@ bool AnswerAndAct(const Request& request, UniqueFd* stream) {
 
 }  // namespace
 
-void RunService(const Request& request, UniqueFd stream) {
+void RunService(const Request& request, base::UniqueFd stream) {
   stream = WithFaults(std::move(stream));
   if (const auto shell = ParseShellService(request.service, request.legacy)) {
     RunShell(*shell, std::move(stream));
@@ -75,7 +75,7 @@ void RunService(const Request& request, UniqueFd stream) {
   } else if (!request.answer.empty()) {
     Say(std::move(stream), request.answer);
   } else if (const auto address = SocketAddress::Parse(request.service)) {
-    const UniqueFd program = address->Connect();
+    const base::UniqueFd program = address->Connect();
     if (!program.valid()) {
       SendFail(stream.get(), "closed");
     } else if (SendOkay(stream.get())) {
@@ -86,11 +86,11 @@ void RunService(const Request& request, UniqueFd stream) {
   }
 }
 
-void ConnectToPhoneAddress(const Request& request, UniqueFd stream) {
+void ConnectToPhoneAddress(const Request& request, base::UniqueFd stream) {
   const auto address = SocketAddress::Parse(request.service);
   if (!address) return;
   stream = WithFaults(std::move(stream));
-  const UniqueFd program = address->Connect();
+  const base::UniqueFd program = address->Connect();
   if (program.valid()) Relay(stream.get(), program.get());
 }
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "common/unique_fd.h"
+#include "base/unique_fd.h"
 
 namespace darokleim::phone {
 
@@ -16,10 +16,10 @@ struct Request {
 };
 
 // Answers OKAY or FAIL and serves until the stream ends.
-void RunService(const Request& request, UniqueFd stream);
+void RunService(const Request& request, base::UniqueFd stream);
 
 // The other end of a forward: carries bytes between the stream and the address that the request names.
-void ConnectToPhoneAddress(const Request& request, UniqueFd stream);
+void ConnectToPhoneAddress(const Request& request, base::UniqueFd stream);
 
 }  // namespace darokleim::phone
 

@@ -1,4 +1,4 @@
-#include "device/shell_command.h"
+#include "tools/phone/device/shell_command.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -13,10 +13,10 @@
 #include <thread>
 #include <vector>
 
-#include "common/io.h"
-#include "common/numbers.h"
-#include "common/wire.h"
-#include "device/layout.h"
+#include "tools/phone/common/io.h"
+#include "tools/phone/common/numbers.h"
+#include "tools/phone/common/wire.h"
+#include "tools/phone/device/layout.h"
 
 namespace darokleim::phone {
 
@@ -27,9 +27,9 @@ constexpr std::chrono::milliseconds kGraceAfterHangUp(200);
 // Where the command's three streams come from: descriptors, or the terminal of this name.
 struct ChildStreams {
   std::string terminal;
-  UniqueFd input;
-  UniqueFd output;
-  UniqueFd errors;
+  base::UniqueFd input;
+  base::UniqueFd output;
+  base::UniqueFd errors;
 };
 
 std::vector<std::string> Environment(const ShellRequest& request) {
@@ -62,12 +62,12 @@ std::vector<char*> Pointers(const std::vector<std::string>& words) {
 }
 
 bool OpenTerminal(bool raw, ShellCommand* command, ChildStreams* child) {
-  UniqueFd master(posix_openpt(O_RDWR | O_NOCTTY));
+  base::UniqueFd master(posix_openpt(O_RDWR | O_NOCTTY));
   if (!master.valid() || grantpt(master.get()) != 0 || unlockpt(master.get()) != 0) return false;
   SetCloseOnExec(master.get());
   child->terminal = ptsname(master.get());
   if (raw) {
-    UniqueFd terminal(open(child->terminal.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+    base::UniqueFd terminal(open(child->terminal.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
     termios settings;
     if (tcgetattr(terminal.get(), &settings) != 0) return false;
     cfmakeraw(&settings);

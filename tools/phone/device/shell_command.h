@@ -5,17 +5,17 @@
 
 #include <optional>
 
-#include "common/unique_fd.h"
-#include "device/shell_service.h"
+#include "base/unique_fd.h"
+#include "tools/phone/device/shell_service.h"
 
 namespace darokleim::phone {
 
 // A running command, the leader of a session of its own.
 struct ShellCommand {
   pid_t pid = -1;
-  UniqueFd input;   // what the command reads
-  UniqueFd output;  // what it prints
-  UniqueFd errors;  // not valid when they go with the output
+  base::UniqueFd input;   // what the command reads
+  base::UniqueFd output;  // what it prints
+  base::UniqueFd errors;  // not valid when they go with the output
 };
 
 std::optional<ShellCommand> StartShellCommand(const ShellRequest& request);

@@ -1,9 +1,9 @@
-#include "device/shell_packets.h"
+#include "tools/phone/device/shell_packets.h"
 
 #include <algorithm>
 
-#include "common/io.h"
-#include "common/wire.h"
+#include "tools/phone/common/io.h"
+#include "tools/phone/common/wire.h"
 
 namespace darokleim::phone {
 

@@ -1,9 +1,9 @@
-#include "device/shell_service.h"
+#include "tools/phone/device/shell_service.h"
 
-#include "common/wire.h"
-#include "device/layout.h"
-#include "device/shell_command.h"
-#include "device/shell_session.h"
+#include "tools/phone/common/wire.h"
+#include "tools/phone/device/layout.h"
+#include "tools/phone/device/shell_command.h"
+#include "tools/phone/device/shell_session.h"
 
 namespace darokleim::phone {
 
@@ -72,7 +72,7 @@ std::optional<ShellRequest> ParseShellService(std::string_view service, bool leg
   return std::nullopt;
 }
 
-void RunShell(const ShellRequest& request, UniqueFd stream) {
+void RunShell(const ShellRequest& request, base::UniqueFd stream) {
   auto command = StartShellCommand(request);
   if (!command) {
     SendFail(stream.get(), "cannot start a shell");

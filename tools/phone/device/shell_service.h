@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "common/unique_fd.h"
+#include "base/unique_fd.h"
 
 namespace darokleim::phone {
 
@@ -28,7 +28,7 @@ std::optional<ShellRequest> ParseShellService(std::string_view service, bool leg
 
 // Runs the command until it and its output have ended, or the client has gone: then the command ends too, with
 // everything that it started in its session.
-void RunShell(const ShellRequest& request, UniqueFd stream);
+void RunShell(const ShellRequest& request, base::UniqueFd stream);
 
 }  // namespace darokleim::phone
 

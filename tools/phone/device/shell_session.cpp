@@ -1,4 +1,4 @@
-#include "device/shell_session.h"
+#include "tools/phone/device/shell_session.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -12,8 +12,8 @@
 #include <cerrno>
 #include <utility>
 
-#include "common/io.h"
-#include "common/numbers.h"
+#include "tools/phone/common/io.h"
+#include "tools/phone/common/numbers.h"
 
 namespace darokleim::phone {
 
@@ -28,7 +28,7 @@ int ExitStatusOf(int status) {
 
 }  // namespace
 
-ShellSession::ShellSession(const ShellRequest& request, ShellCommand command, UniqueFd client)
+ShellSession::ShellSession(const ShellRequest& request, ShellCommand command, base::UniqueFd client)
     : request_(request), command_(std::move(command)), client_(std::move(client)), buffer_(kBufferSize) {
   // A command that does not read its input must not keep its output waiting.
   fcntl(command_.input.get(), F_SETFL, fcntl(command_.input.get(), F_GETFL) | O_NONBLOCK);
@@ -138,7 +138,7 @@ void ShellSession::CloseInput() {
   command_.input.Reset();
 }
 
-void ShellSession::FromCommand(UniqueFd* from, ShellPacket kind) {
+void ShellSession::FromCommand(base::UniqueFd* from, ShellPacket kind) {
   const ssize_t count = ReadSome(from->get(), buffer_.data(), buffer_.size());
   if (count < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) return;
   if (count <= 0) {

@@ -6,16 +6,16 @@
 #include <string>
 #include <vector>
 
-#include "device/shell_command.h"
-#include "device/shell_packets.h"
-#include "device/shell_service.h"
+#include "tools/phone/device/shell_command.h"
+#include "tools/phone/device/shell_packets.h"
+#include "tools/phone/device/shell_service.h"
 
 namespace darokleim::phone {
 
 // Carries a command's streams to its client and back.
 class ShellSession {
  public:
-  ShellSession(const ShellRequest& request, ShellCommand command, UniqueFd client);
+  ShellSession(const ShellRequest& request, ShellCommand command, base::UniqueFd client);
 
   // Until the command has ended, or the client has gone and the command was ended for it.
   void Run();
@@ -29,7 +29,7 @@ class ShellSession {
   void ClientWentAway();
   void ToCommand();
   void CloseInput();
-  void FromCommand(UniqueFd* from, ShellPacket kind);
+  void FromCommand(base::UniqueFd* from, ShellPacket kind);
   void Receive(ShellPacket kind, std::string_view data);
   void SetWindowSize(const std::string& size);
   // The exit status, or nothing when the client went away before.
@@ -37,7 +37,7 @@ class ShellSession {
 
   const ShellRequest& request_;
   ShellCommand command_;
-  UniqueFd client_;
+  base::UniqueFd client_;
   ShellPacketReader packets_;
   std::string pending_input_;
   bool close_input_when_empty_ = false;

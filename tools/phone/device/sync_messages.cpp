@@ -1,6 +1,6 @@
-#include "device/sync_messages.h"
+#include "tools/phone/device/sync_messages.h"
 
-#include "common/wire.h"
+#include "tools/phone/common/wire.h"
 
 namespace darokleim::phone {
 

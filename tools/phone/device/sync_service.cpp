@@ -1,4 +1,4 @@
-#include "device/sync_service.h"
+#include "tools/phone/device/sync_service.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -11,9 +11,9 @@
 #include <cstring>
 #include <utility>
 
-#include "common/io.h"
-#include "common/wire.h"
-#include "device/sync_messages.h"
+#include "tools/phone/common/io.h"
+#include "tools/phone/common/wire.h"
+#include "tools/phone/device/sync_messages.h"
 
 namespace darokleim::phone {
 
@@ -27,8 +27,8 @@ bool MakeFoldersFor(const std::string& path) {
   return true;
 }
 
-UniqueFd CreateFile(const std::string& path, mode_t mode) {
-  UniqueFd file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
+base::UniqueFd CreateFile(const std::string& path, mode_t mode) {
+  base::UniqueFd file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
   if (!file.valid() && errno == EEXIST) file.Reset(open(path.c_str(), O_WRONLY | O_CLOEXEC));
   return file;
 }
@@ -49,7 +49,7 @@ bool IsReplaced(const std::string& path, bool by_link) {
 
 }  // namespace
 
-SyncService::SyncService(UniqueFd client)
+SyncService::SyncService(base::UniqueFd client)
     : client_(std::move(client)), block_(kSyncHeaderSize + kSyncLargestData) {}
 
 void SyncService::Run() {
@@ -131,7 +131,7 @@ bool SyncService::TakeFile(const std::string& path, unsigned mode) {
   mode &= 0777;
   mode |= (mode >> 3) & 0070;
   mode |= (mode >> 3) & 0007;
-  UniqueFd file = CreateFile(path, mode);
+  base::UniqueFd file = CreateFile(path, mode);
   if (!file.valid() && errno == ENOENT) {
     if (!MakeFoldersFor(path)) return RefuseRestOfFile("secure_mkdirs failed");
     file = CreateFile(path, mode);
@@ -181,7 +181,7 @@ bool SyncService::TakeLink(const std::string& path) {
 }
 
 bool SyncService::Receive(const std::string& path) {
-  UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  base::UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (!file.valid()) return RefuseWithErrno("open failed");
   for (;;) {
     const ssize_t count = ReadSome(file.get(), block_.data() + kSyncHeaderSize, kSyncLargestData);

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "common/unique_fd.h"
+#include "base/unique_fd.h"
 
 namespace darokleim::phone {
 
@@ -13,7 +13,7 @@ namespace darokleim::phone {
 // a file in memory, whatever the file's size.
 class SyncService {
  public:
-  explicit SyncService(UniqueFd client);
+  explicit SyncService(base::UniqueFd client);
 
   // Serves requests until the client ends.
   void Run();
@@ -32,7 +32,7 @@ class SyncService {
   bool RefuseRestOfFile(const std::string& reason);
   bool Reply(const std::string& message) const;
 
-  UniqueFd client_;
+  base::UniqueFd client_;
   std::vector<char> block_;
 };
 

@@ -1,4 +1,4 @@
-#include "device/tools.h"
+#include "tools/phone/device/tools.h"
 
 namespace darokleim::phone {
 

@@ -1,9 +1,9 @@
-#include "device/users.h"
+#include "tools/phone/device/users.h"
 
 #include <cstdio>
 
-#include "common/faults.h"
-#include "device/layout.h"
+#include "tools/phone/common/faults.h"
+#include "tools/phone/device/layout.h"
 
 namespace darokleim::phone {
 

@@ -1,4 +1,4 @@
-#include "device/weak_cable.h"
+#include "tools/phone/device/weak_cable.h"
 
 #include <poll.h>
 #include <sys/socket.h>
@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "common/io.h"
+#include "tools/phone/common/io.h"
 
 namespace darokleim::phone {
 
@@ -34,7 +34,7 @@ void CarryUntilItBreaks(int one, int other, uint64_t left) {
 
 }  // namespace
 
-UniqueFd BehindWeakCable(UniqueFd client, uint64_t bytes) {
+base::UniqueFd BehindWeakCable(base::UniqueFd client, uint64_t bytes) {
   auto ends = MakeSocketPair(SOCK_STREAM);
   if (!ends) return client;
   const pid_t pid = fork();

@@ -3,13 +3,13 @@
 
 #include <cstdint>
 
-#include "common/unique_fd.h"
+#include "base/unique_fd.h"
 
 namespace darokleim::phone {
 
 // Puts a relay between the client and what serves it that breaks the connection after so many bytes, counted in
 // both directions together. The result is the end to serve instead.
-UniqueFd BehindWeakCable(UniqueFd client, uint64_t bytes);
+base::UniqueFd BehindWeakCable(base::UniqueFd client, uint64_t bytes);
 
 }  // namespace darokleim::phone
 

@@ -1,11 +1,11 @@
-#include "server/change_feed.h"
+#include "tools/phone/server/change_feed.h"
 
 #include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
 
-#include "common/io.h"
+#include "tools/phone/common/io.h"
 
 namespace darokleim::phone {
 

@@ -5,7 +5,7 @@
 #include <mutex>
 #include <vector>
 
-#include "common/unique_fd.h"
+#include "base/unique_fd.h"
 
 namespace darokleim::phone {
 
@@ -21,8 +21,8 @@ class ChangeFeed {
 
    private:
     friend class ChangeFeed;
-    UniqueFd read_end_;
-    UniqueFd write_end_;
+    base::UniqueFd read_end_;
+    base::UniqueFd write_end_;
   };
 
   // Null when the system has no descriptors left.

@@ -1,15 +1,15 @@
-#include "server/client_session.h"
+#include "tools/phone/server/client_session.h"
 
 #include <poll.h>
 
 #include <array>
 #include <cerrno>
 
-#include "common/io.h"
-#include "common/wire.h"
-#include "server/control.h"
-#include "server/features.h"
-#include "server/network_requests.h"
+#include "tools/phone/common/io.h"
+#include "tools/phone/common/wire.h"
+#include "tools/phone/server/control.h"
+#include "tools/phone/server/features.h"
+#include "tools/phone/server/network_requests.h"
 
 namespace darokleim::phone {
 

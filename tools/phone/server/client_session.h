@@ -4,10 +4,10 @@
 #include <functional>
 #include <string>
 
-#include "common/unique_fd.h"
-#include "server/forwards.h"
-#include "server/host_request.h"
-#include "server/phone_list.h"
+#include "base/unique_fd.h"
+#include "tools/phone/server/forwards.h"
+#include "tools/phone/server/host_request.h"
+#include "tools/phone/server/phone_list.h"
 
 namespace darokleim::phone {
 
@@ -16,7 +16,7 @@ class ClientSession {
  public:
   // `kill_server` is called for host:kill.
   ClientSession(PhoneList* phones, Forwards* forwards, std::function<void()> kill_server,
-                UniqueFd* connection)
+                base::UniqueFd* connection)
       : phones_(phones), forwards_(forwards), kill_server_(std::move(kill_server)), connection_(connection) {}
 
   void Run();
@@ -42,7 +42,7 @@ class ClientSession {
   PhoneList* phones_;
   Forwards* forwards_;
   std::function<void()> kill_server_;
-  UniqueFd* connection_;
+  base::UniqueFd* connection_;
   Phone* selected_ = nullptr;
   uint64_t selected_id_ = 0;
 };

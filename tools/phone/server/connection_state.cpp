@@ -1,4 +1,4 @@
-#include "server/connection_state.h"
+#include "tools/phone/server/connection_state.h"
 
 #include <array>
 

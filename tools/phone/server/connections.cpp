@@ -1,4 +1,4 @@
-#include "server/connections.h"
+#include "tools/phone/server/connections.h"
 
 #include <fcntl.h>
 #include <sys/socket.h>
@@ -11,7 +11,7 @@
 
 namespace darokleim::phone {
 
-void Connections::Serve(UniqueFd connection, std::function<void(UniqueFd*)> serve) {
+void Connections::Serve(base::UniqueFd connection, std::function<void(base::UniqueFd*)> serve) {
   JoinFinished();
   std::lock_guard lock(mutex_);
   if (stopped_) return;
@@ -29,7 +29,8 @@ void Connections::Serve(UniqueFd connection, std::function<void(UniqueFd*)> serv
   }
 }
 
-void Connections::Run(Connection* entry, UniqueFd connection, const std::function<void(UniqueFd*)>& serve) {
+void Connections::Run(Connection* entry, base::UniqueFd connection,
+                      const std::function<void(base::UniqueFd*)>& serve) {
   try {
     serve(&connection);
   } catch (const std::exception& error) {

@@ -6,7 +6,7 @@
 #include <mutex>
 #include <thread>
 
-#include "common/unique_fd.h"
+#include "base/unique_fd.h"
 
 namespace darokleim::phone {
 
@@ -17,7 +17,7 @@ class Connections {
 
   // Runs `serve` on a new thread and closes the connection afterwards; `serve` may take it away. After
   // StopAll(), and when the system has no thread left, the connection is closed at once.
-  void Serve(UniqueFd connection, std::function<void(UniqueFd*)> serve);
+  void Serve(base::UniqueFd connection, std::function<void(base::UniqueFd*)> serve);
   // Shuts every connection down and waits for its thread. Not to be called from `serve`.
   void StopAll();
   // Afterwards connections are served again.
@@ -27,11 +27,11 @@ class Connections {
   struct Connection {
     std::thread thread;
     // A duplicate, so that shutting down never meets a descriptor that was closed and given out again.
-    UniqueFd for_shutdown;
+    base::UniqueFd for_shutdown;
     bool finished = false;
   };
 
-  void Run(Connection* entry, UniqueFd connection, const std::function<void(UniqueFd*)>& serve);
+  void Run(Connection* entry, base::UniqueFd connection, const std::function<void(base::UniqueFd*)>& serve);
   void JoinFinished();
 
   std::mutex mutex_;

@@ -1,12 +1,12 @@
-#include "server/control.h"
+#include "tools/phone/server/control.h"
 
 #include <cstdio>
 #include <stdexcept>
 
-#include "common/address.h"
-#include "common/io.h"
-#include "common/wire.h"
-#include "device/records.h"
+#include "tools/phone/common/address.h"
+#include "tools/phone/common/io.h"
+#include "tools/phone/common/wire.h"
+#include "tools/phone/device/records.h"
 
 namespace darokleim::phone {
 
@@ -89,7 +89,7 @@ void AnswerControl(PhoneList* phones, std::string_view words, int client) {
 }
 
 int RunControl(uint16_t port, const std::vector<std::string>& words) {
-  const UniqueFd server = SocketAddress::OfPort(port).Connect();
+  const base::UniqueFd server = SocketAddress::OfPort(port).Connect();
   const std::string request = "host:" + std::string(kControlPrefix) + Joined(words);
   char verdict[4];
   if (!server.valid() || !SendText(server.get(), request) ||

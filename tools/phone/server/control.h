@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "server/phone_list.h"
+#include "tools/phone/server/phone_list.h"
 
 namespace darokleim::phone {
 

@@ -1,4 +1,4 @@
-#include "server/features.h"
+#include "tools/phone/server/features.h"
 
 namespace darokleim::phone {
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "server/phone_options.h"
+#include "tools/phone/server/phone_options.h"
 
 namespace darokleim::phone {
 

@@ -1,4 +1,4 @@
-#include "server/file_owners.h"
+#include "tools/phone/server/file_owners.h"
 
 #include <array>
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "server/phone_options.h"
-#include "server/storage_volume.h"
+#include "tools/phone/server/phone_options.h"
+#include "tools/phone/server/storage_volume.h"
 
 namespace darokleim::phone {
 

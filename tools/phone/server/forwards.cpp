@@ -1,4 +1,4 @@
-#include "server/forwards.h"
+#include "tools/phone/server/forwards.h"
 
 #include <poll.h>
 #include <unistd.h>
@@ -95,7 +95,7 @@ void Forwards::Accept(const Forward& forward) {
     if (poll(ends.data(), ends.size(), -1) < 0 && errno != EINTR) return;
     if (ends[1].revents != 0) return;
     if (ends[0].revents == 0) continue;
-    const UniqueFd connection = AcceptConnection(forward.listener.get());
+    const base::UniqueFd connection = AcceptConnection(forward.listener.get());
     std::string serial;
     std::string remote;
     {

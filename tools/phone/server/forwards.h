@@ -7,9 +7,9 @@
 #include <string>
 #include <thread>
 
-#include "common/address.h"
-#include "common/io.h"
-#include "server/phone_list.h"
+#include "tools/phone/common/address.h"
+#include "tools/phone/common/io.h"
+#include "tools/phone/server/phone_list.h"
 
 namespace darokleim::phone {
 

@@ -1,10 +1,10 @@
-#include "server/host_request.h"
+#include "tools/phone/server/host_request.h"
 
 #include <algorithm>
 #include <cctype>
 
-#include "common/numbers.h"
-#include "common/wire.h"
+#include "tools/phone/common/numbers.h"
+#include "tools/phone/common/wire.h"
 
 namespace darokleim::phone {
 

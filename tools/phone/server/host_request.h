@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "server/phone_list.h"
+#include "tools/phone/server/phone_list.h"
 
 namespace darokleim::phone {
 

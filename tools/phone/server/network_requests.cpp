@@ -1,4 +1,4 @@
-#include "server/network_requests.h"
+#include "tools/phone/server/network_requests.h"
 
 namespace darokleim::phone {
 

@@ -1,4 +1,4 @@
-#include "server/phone.h"
+#include "tools/phone/server/phone.h"
 
 #include <poll.h>
 #include <signal.h>
@@ -14,9 +14,9 @@
 #include <stdexcept>
 #include <utility>
 
-#include "common/wire.h"
-#include "server/features.h"
-#include "server/profile.h"
+#include "tools/phone/common/wire.h"
+#include "tools/phone/server/features.h"
+#include "tools/phone/server/profile.h"
 
 namespace darokleim::phone {
 
@@ -123,7 +123,7 @@ std::optional<Transport> Phone::transport() const {
   return transport;
 }
 
-bool Phone::Open(LinkMessage how, const std::string& service, const UniqueFd& connection) {
+bool Phone::Open(LinkMessage how, const std::string& service, const base::UniqueFd& connection) {
   std::lock_guard lock(mutex_);
   if (transport_id_ == 0 || !link_.valid()) return false;
   return SendPacket(link_.get(), how, service, connection.get());

@@ -11,11 +11,11 @@
 #include <thread>
 #include <vector>
 
-#include "common/device_link.h"
-#include "common/faults.h"
-#include "server/phone_folder.h"
-#include "server/phone_options.h"
-#include "server/sandbox.h"
+#include "tools/phone/common/device_link.h"
+#include "tools/phone/common/faults.h"
+#include "tools/phone/server/phone_folder.h"
+#include "tools/phone/server/phone_options.h"
+#include "tools/phone/server/sandbox.h"
 
 namespace darokleim::phone {
 
@@ -41,7 +41,7 @@ class Phone {
     std::function<void()> detached;
     std::function<uint64_t()> next_transport_id;
     // A program on the phone reached a reversed port: connect it to this address of the host.
-    std::function<void(const std::string& address, UniqueFd connection)> reversed;
+    std::function<void(const std::string& address, base::UniqueFd connection)> reversed;
   };
 
   // `socket` is the number of the USB socket that it is plugged into when it is. Throws std::runtime_error when its
@@ -61,7 +61,7 @@ class Phone {
   std::optional<Transport> transport() const;
 
   // Hands the client's connection over to the phone, which answers it. False when the phone is away.
-  bool Open(LinkMessage how, const std::string& service, const UniqueFd& connection);
+  bool Open(LinkMessage how, const std::string& service, const base::UniqueFd& connection);
 
   void SetState(ConnectionState state);
   void Unplug();
@@ -105,7 +105,7 @@ class Phone {
   bool plugged_ = true;
   uint64_t transport_id_ = 0;  // 0: not attached
   std::optional<Clock::time_point> attach_at_;
-  UniqueFd link_;
+  base::UniqueFd link_;
   pid_t sandbox_ = -1;
   FdPair wake_;  // ends the thread's wait for the phone
   std::thread life_;

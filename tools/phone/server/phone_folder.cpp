@@ -1,15 +1,15 @@
-#include "server/phone_folder.h"
+#include "tools/phone/server/phone_folder.h"
 
 #include <filesystem>
 #include <stdexcept>
 #include <vector>
 
-#include "common/io.h"
-#include "device/filesystem_view/view_paths.h"
-#include "device/layout.h"
-#include "device/programs/programs.h"
-#include "device/tools.h"
-#include "server/file_owners.h"
+#include "tools/phone/common/io.h"
+#include "tools/phone/device/filesystem_view/view_paths.h"
+#include "tools/phone/device/layout.h"
+#include "tools/phone/device/programs/programs.h"
+#include "tools/phone/device/tools.h"
+#include "tools/phone/server/file_owners.h"
 
 namespace darokleim::phone {
 

@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "common/faults.h"
-#include "server/phone_options.h"
-#include "server/sandbox_parts.h"
-#include "server/storage_volume.h"
-#include "server/temporary_folder.h"
+#include "tools/phone/common/faults.h"
+#include "tools/phone/server/phone_options.h"
+#include "tools/phone/server/sandbox_parts.h"
+#include "tools/phone/server/storage_volume.h"
+#include "tools/phone/server/temporary_folder.h"
 
 namespace darokleim::phone {
 
@@ -39,7 +39,7 @@ class PhoneFolder {
 
   std::optional<TemporaryFolder> temporary_;
   std::string path_;
-  UniqueFd lock_;
+  base::UniqueFd lock_;
   std::vector<StorageVolume> volumes_;
 };
 

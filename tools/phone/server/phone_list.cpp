@@ -1,4 +1,4 @@
-#include "server/phone_list.h"
+#include "tools/phone/server/phone_list.h"
 
 #include <algorithm>
 #include <cstdio>

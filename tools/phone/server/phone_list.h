@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "server/change_feed.h"
-#include "server/phone.h"
+#include "tools/phone/server/change_feed.h"
+#include "tools/phone/server/phone.h"
 
 namespace darokleim::phone {
 
@@ -29,7 +29,7 @@ struct Found {
 // The phones of one server. They are all added before the server answers its first request.
 class PhoneList {
  public:
-  using Reversed = std::function<void(const std::string& address, UniqueFd connection)>;
+  using Reversed = std::function<void(const std::string& address, base::UniqueFd connection)>;
   using Detached = std::function<void(const std::string& serial)>;
 
   // Throws std::runtime_error or std::invalid_argument.

@@ -1,4 +1,4 @@
-#include "server/phone_options.h"
+#include "tools/phone/server/phone_options.h"
 
 #include <algorithm>
 #include <functional>
@@ -6,8 +6,8 @@
 #include <stdexcept>
 #include <vector>
 
-#include "common/wire.h"
-#include "server/profile.h"
+#include "tools/phone/common/wire.h"
+#include "tools/phone/server/profile.h"
 
 namespace darokleim::phone {
 

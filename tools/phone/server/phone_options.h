@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "common/faults.h"
-#include "common/key_values.h"
-#include "server/connection_state.h"
+#include "tools/phone/common/faults.h"
+#include "tools/phone/common/key_values.h"
+#include "tools/phone/server/connection_state.h"
 
 namespace darokleim::phone {
 

@@ -1,4 +1,4 @@
-#include "server/profile.h"
+#include "tools/phone/server/profile.h"
 
 #include <functional>
 #include <map>

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "common/key_values.h"
-#include "server/phone_options.h"
+#include "tools/phone/common/key_values.h"
+#include "tools/phone/server/phone_options.h"
 
 namespace darokleim::phone {
 

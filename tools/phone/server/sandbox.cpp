@@ -1,12 +1,12 @@
-#include "server/sandbox.h"
+#include "tools/phone/server/sandbox.h"
 
 #include <fcntl.h>
 #include <signal.h>
 #include <spawn.h>
 #include <unistd.h>
 
-#include "device/filesystem_view/view_paths.h"
-#include "device/layout.h"
+#include "tools/phone/device/filesystem_view/view_paths.h"
+#include "tools/phone/device/layout.h"
 
 extern char** environ;
 
@@ -54,7 +54,7 @@ std::vector<std::string> SandboxCommand(const SandboxParts& parts, const PhoneFo
   return command;
 }
 
-pid_t StartSandbox(const std::vector<std::string>& command, UniqueFd link) {
+pid_t StartSandbox(const std::vector<std::string>& command, base::UniqueFd link) {
   std::vector<char*> arguments;
   for (const std::string& word : command) arguments.push_back(const_cast<char*>(word.c_str()));
   arguments.push_back(nullptr);

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "common/unique_fd.h"
-#include "server/phone_folder.h"
-#include "server/sandbox_parts.h"
+#include "base/unique_fd.h"
+#include "tools/phone/server/phone_folder.h"
+#include "tools/phone/server/sandbox_parts.h"
 
 namespace darokleim::phone {
 
@@ -20,7 +20,7 @@ std::vector<std::string> SandboxCommand(const SandboxParts& parts, const PhoneFo
 
 // Starts it with `link` as the phone's end of the link. The sandbox ends when the calling thread does. Negative:
 // an errno.
-pid_t StartSandbox(const std::vector<std::string>& command, UniqueFd link);
+pid_t StartSandbox(const std::vector<std::string>& command, base::UniqueFd link);
 
 }  // namespace darokleim::phone
 

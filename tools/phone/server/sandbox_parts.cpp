@@ -1,4 +1,4 @@
-#include "server/sandbox_parts.h"
+#include "tools/phone/server/sandbox_parts.h"
 
 #include <unistd.h>
 
@@ -8,8 +8,8 @@
 #include <set>
 #include <stdexcept>
 
-#include "common/wire.h"
-#include "device/layout.h"
+#include "tools/phone/common/wire.h"
+#include "tools/phone/device/layout.h"
 
 namespace darokleim::phone {
 

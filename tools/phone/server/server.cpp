@@ -1,4 +1,4 @@
-#include "server/server.h"
+#include "tools/phone/server/server.h"
 
 #include <poll.h>
 #include <signal.h>
@@ -14,14 +14,14 @@
 #include <stdexcept>
 #include <thread>
 
-#include "common/address.h"
-#include "common/io.h"
-#include "common/numbers.h"
-#include "server/client_session.h"
-#include "server/connections.h"
-#include "server/forwards.h"
-#include "server/phone_list.h"
-#include "server/temporary_folder.h"
+#include "tools/phone/common/address.h"
+#include "tools/phone/common/io.h"
+#include "tools/phone/common/numbers.h"
+#include "tools/phone/server/client_session.h"
+#include "tools/phone/server/connections.h"
+#include "tools/phone/server/forwards.h"
+#include "tools/phone/server/phone_list.h"
+#include "tools/phone/server/temporary_folder.h"
 
 namespace darokleim::phone {
 
@@ -73,7 +73,7 @@ class EndSignals {
 // The client that asked for the end hears of it last, when the port is free and every phone is off.
 class LastRequest {
  public:
-  void Keep(UniqueFd client) {
+  void Keep(base::UniqueFd client) {
     std::lock_guard lock(mutex_);
     if (!client_.valid()) client_ = std::move(client);
   }
@@ -85,16 +85,16 @@ class LastRequest {
 
  private:
   std::mutex mutex_;
-  UniqueFd client_;
+  base::UniqueFd client_;
 };
 
-void AcceptUntil(int end, int listener, const std::function<void(UniqueFd)>& serve) {
+void AcceptUntil(int end, int listener, const std::function<void(base::UniqueFd)>& serve) {
   for (;;) {
     std::array<pollfd, 2> ends = {{{listener, POLLIN, 0}, {end, POLLIN, 0}}};
     if (poll(ends.data(), ends.size(), -1) < 0 && errno != EINTR) return;
     if (ends[1].revents != 0) return;
     if (ends[0].revents == 0) continue;
-    UniqueFd client = AcceptConnection(listener);
+    base::UniqueFd client = AcceptConnection(listener);
     if (client.valid()) serve(std::move(client));
   }
 }
@@ -109,8 +109,8 @@ class Server {
   void AddPhones();
   // Until the end is asked for; true when by a client.
   bool ServeClients(Listener listener);
-  void Serve(UniqueFd client);
-  void Reversed(const std::string& address, UniqueFd connection);
+  void Serve(base::UniqueFd client);
+  void Reversed(const std::string& address, base::UniqueFd connection);
 
   const ServerOptions& options_;
   EndSignals end_;
@@ -147,7 +147,7 @@ int Server::Run() {
 }
 
 bool Server::ServeClients(Listener listener) {
-  AcceptUntil(end_.descriptor(), listener.get(), [this](UniqueFd client) { Serve(std::move(client)); });
+  AcceptUntil(end_.descriptor(), listener.get(), [this](base::UniqueFd client) { Serve(std::move(client)); });
   const bool asked = end_.TakeRequestFromClient();
   listener = Listener();
   connections_.StopAll();
@@ -159,13 +159,15 @@ void Server::AddPhones() {
   for (const PhoneOptions& phone : options_.phones) {
     phones_.Add(
         phone, &parts_,
-        [this](const std::string& address, UniqueFd connection) { Reversed(address, std::move(connection)); },
+        [this](const std::string& address, base::UniqueFd connection) {
+          Reversed(address, std::move(connection));
+        },
         [this](const std::string& serial) { forwards_.RemoveOf(serial); });
   }
 }
 
-void Server::Serve(UniqueFd client) {
-  connections_.Serve(std::move(client), [this](UniqueFd* connection) {
+void Server::Serve(base::UniqueFd client) {
+  connections_.Serve(std::move(client), [this](base::UniqueFd* connection) {
     const auto kill_server = [this, connection] {
       last_request_.Keep(std::move(*connection));
       end_.RequestFromClient();
@@ -174,11 +176,11 @@ void Server::Serve(UniqueFd client) {
   });
 }
 
-void Server::Reversed(const std::string& address, UniqueFd connection) {
+void Server::Reversed(const std::string& address, base::UniqueFd connection) {
   const auto host = SocketAddress::Parse(address);
   if (!host) return;
-  connections_.Serve(std::move(connection), [host = *host](UniqueFd* phone_end) {
-    const UniqueFd host_end = host.Connect();
+  connections_.Serve(std::move(connection), [host = *host](base::UniqueFd* phone_end) {
+    const base::UniqueFd host_end = host.Connect();
     if (host_end.valid()) Relay(phone_end->get(), host_end.get());
   });
 }

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "server/phone_options.h"
+#include "tools/phone/server/phone_options.h"
 
 namespace darokleim::phone {
 

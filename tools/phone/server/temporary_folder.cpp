@@ -1,4 +1,4 @@
-#include "server/temporary_folder.h"
+#include "tools/phone/server/temporary_folder.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -43,7 +43,7 @@ bool IsAbandoned(const std::string& folder) {
   struct stat status;
   if (lstat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) || status.st_uid != geteuid())
     return false;
-  const UniqueFd lock(open((folder + kLock).c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC));
+  const base::UniqueFd lock(open((folder + kLock).c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC));
   return lock.valid() && fstat(lock.get(), &status) == 0 &&
          status.st_mtime + kNewSeconds < std::time(nullptr) && flock(lock.get(), LOCK_EX | LOCK_NB) == 0;
 }
@@ -63,8 +63,8 @@ TemporaryFolder::~TemporaryFolder() {
   RemoveFolder(path_);
 }
 
-UniqueFd LockFolder(const std::string& folder) {
-  UniqueFd lock(open((folder + kLock).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+base::UniqueFd LockFolder(const std::string& folder) {
+  base::UniqueFd lock(open((folder + kLock).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
   if (lock.valid() && flock(lock.get(), LOCK_EX | LOCK_NB) != 0) lock.Reset();
   return lock;
 }

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "common/unique_fd.h"
+#include "base/unique_fd.h"
 
 namespace darokleim::phone {
 
@@ -23,7 +23,7 @@ class TemporaryFolder {
 };
 
 // Takes the folder for as long as the result is open; not valid when another phone has it.
-UniqueFd LockFolder(const std::string& folder);
+base::UniqueFd LockFolder(const std::string& folder);
 
 // Removes this user's temporary folders that nobody has locked any more: a server that is killed leaves its own.
 void RemoveAbandonedFolders();

@@ -24,7 +24,7 @@
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
-#include "device/filesystem_view/view_paths.h"
+#include "tools/phone/device/filesystem_view/view_paths.h"
 
 #define EXPORTED __attribute__((visibility("default")))
 

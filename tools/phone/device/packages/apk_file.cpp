@@ -1,4 +1,4 @@
-#include "device/packages/apk_file.h"
+#include "tools/phone/device/packages/apk_file.h"
 
 #include <zip.h>
 
@@ -8,8 +8,8 @@
 #include <optional>
 #include <set>
 
-#include "common/wire.h"
-#include "device/packages/binary_xml.h"
+#include "tools/phone/common/wire.h"
+#include "tools/phone/device/packages/binary_xml.h"
 
 namespace darokleim::phone {
 

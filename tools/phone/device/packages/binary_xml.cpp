@@ -1,4 +1,4 @@
-#include "device/packages/binary_xml.h"
+#include "tools/phone/device/packages/binary_xml.h"
 
 namespace darokleim::phone {
 

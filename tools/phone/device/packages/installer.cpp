@@ -1,4 +1,4 @@
-#include "device/packages/installer.h"
+#include "tools/phone/device/packages/installer.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -10,16 +10,16 @@
 #include <random>
 #include <utility>
 
-#include "common/faults.h"
-#include "common/io.h"
-#include "common/key_values.h"
-#include "common/numbers.h"
-#include "common/wire.h"
-#include "device/event_log.h"
-#include "device/layout.h"
-#include "device/packages/apk_file.h"
-#include "device/packages/package_store.h"
-#include "device/properties.h"
+#include "tools/phone/common/faults.h"
+#include "tools/phone/common/io.h"
+#include "tools/phone/common/key_values.h"
+#include "tools/phone/common/numbers.h"
+#include "tools/phone/common/wire.h"
+#include "tools/phone/device/event_log.h"
+#include "tools/phone/device/layout.h"
+#include "tools/phone/device/packages/apk_file.h"
+#include "tools/phone/device/packages/package_store.h"
+#include "tools/phone/device/properties.h"
 
 namespace darokleim::phone {
 
@@ -46,8 +46,8 @@ std::string NewCodePath(const std::string& package) {
 }
 
 bool CopyFile(const std::string& from, const std::string& to) {
-  const UniqueFd in(open(from.c_str(), O_RDONLY | O_CLOEXEC));
-  const UniqueFd out(open(to.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
+  const base::UniqueFd in(open(from.c_str(), O_RDONLY | O_CLOEXEC));
+  const base::UniqueFd out(open(to.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
   return in.valid() && out.valid() && CopyUntilEnd(in.get(), out.get());
 }
 

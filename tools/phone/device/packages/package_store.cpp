@@ -1,13 +1,13 @@
-#include "device/packages/package_store.h"
+#include "tools/phone/device/packages/package_store.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <map>
 
-#include "common/key_values.h"
-#include "common/numbers.h"
-#include "common/wire.h"
-#include "device/layout.h"
+#include "tools/phone/common/key_values.h"
+#include "tools/phone/common/numbers.h"
+#include "tools/phone/common/wire.h"
+#include "tools/phone/device/layout.h"
 
 namespace darokleim::phone {
 

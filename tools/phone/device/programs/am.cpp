@@ -3,12 +3,12 @@
 #include <optional>
 #include <string>
 
-#include "device/backup_confirmation.h"
-#include "device/event_log.h"
-#include "device/packages/package_store.h"
-#include "device/programs/programs.h"
-#include "device/records.h"
-#include "device/users.h"
+#include "tools/phone/device/backup_confirmation.h"
+#include "tools/phone/device/event_log.h"
+#include "tools/phone/device/packages/package_store.h"
+#include "tools/phone/device/programs/programs.h"
+#include "tools/phone/device/records.h"
+#include "tools/phone/device/users.h"
 
 namespace darokleim::phone {
 

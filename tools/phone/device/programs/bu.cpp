@@ -10,14 +10,14 @@
 #include <string>
 #include <utility>
 
-#include "common/io.h"
-#include "device/backup_confirmation.h"
-#include "device/backup_file.h"
-#include "device/event_log.h"
-#include "device/layout.h"
-#include "device/packages/package_store.h"
-#include "device/programs/programs.h"
-#include "device/properties.h"
+#include "tools/phone/common/io.h"
+#include "tools/phone/device/backup_confirmation.h"
+#include "tools/phone/device/backup_file.h"
+#include "tools/phone/device/event_log.h"
+#include "tools/phone/device/layout.h"
+#include "tools/phone/device/packages/package_store.h"
+#include "tools/phone/device/programs/programs.h"
+#include "tools/phone/device/properties.h"
 
 namespace darokleim::phone {
 

@@ -1,6 +1,6 @@
 #include <cstdio>
 
-#include "device/programs/programs.h"
+#include "tools/phone/device/programs/programs.h"
 
 namespace darokleim::phone {
 

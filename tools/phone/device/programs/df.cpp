@@ -5,7 +5,7 @@
 #include <cstring>
 #include <string>
 
-#include "device/programs/programs.h"
+#include "tools/phone/device/programs/programs.h"
 
 namespace darokleim::phone {
 

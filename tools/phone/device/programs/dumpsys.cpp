@@ -3,10 +3,10 @@
 #include <ctime>
 #include <string>
 
-#include "device/packages/package_store.h"
-#include "device/programs/programs.h"
-#include "device/properties.h"
-#include "device/users.h"
+#include "tools/phone/device/packages/package_store.h"
+#include "tools/phone/device/programs/programs.h"
+#include "tools/phone/device/properties.h"
+#include "tools/phone/device/users.h"
 
 namespace darokleim::phone {
 

@@ -1,9 +1,9 @@
 #include <cstdio>
 #include <string>
 
-#include "device/programs/programs.h"
-#include "device/properties.h"
-#include "device/records.h"
+#include "tools/phone/device/programs/programs.h"
+#include "tools/phone/device/properties.h"
+#include "tools/phone/device/records.h"
 
 namespace darokleim::phone {
 

@@ -1,10 +1,10 @@
 #include <cstdio>
 #include <string>
 
-#include "common/faults.h"
-#include "device/layout.h"
-#include "device/programs/programs.h"
-#include "device/properties.h"
+#include "tools/phone/common/faults.h"
+#include "tools/phone/device/layout.h"
+#include "tools/phone/device/programs/programs.h"
+#include "tools/phone/device/properties.h"
 
 namespace darokleim::phone {
 

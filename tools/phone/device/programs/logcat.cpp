@@ -10,13 +10,13 @@
 #include <string>
 #include <vector>
 
-#include "common/io.h"
-#include "common/numbers.h"
-#include "common/wire.h"
-#include "device/event_log.h"
-#include "device/layout.h"
-#include "device/programs/programs.h"
-#include "device/properties.h"
+#include "tools/phone/common/io.h"
+#include "tools/phone/common/numbers.h"
+#include "tools/phone/common/wire.h"
+#include "tools/phone/device/event_log.h"
+#include "tools/phone/device/layout.h"
+#include "tools/phone/device/programs/programs.h"
+#include "tools/phone/device/properties.h"
 
 namespace darokleim::phone {
 
@@ -161,7 +161,7 @@ class LogReader {
   }
 
   std::string path_;
-  UniqueFd file_;
+  base::UniqueFd file_;
   off_t offset_ = 0;
   std::string rest_;
 };

@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-#include "device/programs/programs.h"
+#include "tools/phone/device/programs/programs.h"
 
 namespace darokleim::phone {
 

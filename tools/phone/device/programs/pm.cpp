@@ -3,12 +3,12 @@
 #include <optional>
 #include <string>
 
-#include "device/packages/installer.h"
-#include "device/packages/package_store.h"
-#include "device/programs/pm_sessions.h"
-#include "device/programs/programs.h"
-#include "device/properties.h"
-#include "device/users.h"
+#include "tools/phone/device/packages/installer.h"
+#include "tools/phone/device/packages/package_store.h"
+#include "tools/phone/device/programs/pm_sessions.h"
+#include "tools/phone/device/programs/programs.h"
+#include "tools/phone/device/properties.h"
+#include "tools/phone/device/users.h"
 
 namespace darokleim::phone {
 

@@ -1,4 +1,4 @@
-#include "device/programs/pm_sessions.h"
+#include "tools/phone/device/programs/pm_sessions.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -10,14 +10,14 @@
 #include <filesystem>
 #include <random>
 
-#include "common/faults.h"
-#include "common/io.h"
-#include "common/numbers.h"
-#include "device/event_log.h"
-#include "device/layout.h"
-#include "device/packages/installer.h"
-#include "device/properties.h"
-#include "device/users.h"
+#include "tools/phone/common/faults.h"
+#include "tools/phone/common/io.h"
+#include "tools/phone/common/numbers.h"
+#include "tools/phone/device/event_log.h"
+#include "tools/phone/device/layout.h"
+#include "tools/phone/device/packages/installer.h"
+#include "tools/phone/device/properties.h"
+#include "tools/phone/device/users.h"
 
 namespace darokleim::phone {
 
@@ -80,7 +80,7 @@ int Report(const std::string& failure) {
 
 // As many bytes as the client announced, from the standard input into a file. Empty, or why not.
 std::string Receive(uint64_t size, const std::string& path) {
-  const UniqueFd file(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
+  const base::UniqueFd file(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
   std::vector<char> buffer(64 * 1024);
   bool written = file.valid();
   uint64_t left = size;

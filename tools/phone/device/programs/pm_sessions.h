@@ -3,7 +3,7 @@
 
 #include <optional>
 
-#include "device/programs/programs.h"
+#include "tools/phone/device/programs/programs.h"
 
 namespace darokleim::phone {
 

@@ -1,4 +1,4 @@
-#include "device/programs/programs.h"
+#include "tools/phone/device/programs/programs.h"
 
 #include <map>
 

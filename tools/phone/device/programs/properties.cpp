@@ -1,8 +1,8 @@
-#include "device/properties.h"
+#include "tools/phone/device/properties.h"
 
 #include <cstdio>
 
-#include "device/programs/programs.h"
+#include "tools/phone/device/programs/programs.h"
 
 namespace darokleim::phone {
 

@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "common/io.h"
-#include "common/wire.h"
-#include "device/packages/package_store.h"
-#include "device/programs/programs.h"
-#include "device/screen.h"
+#include "tools/phone/common/io.h"
+#include "tools/phone/common/wire.h"
+#include "tools/phone/device/packages/package_store.h"
+#include "tools/phone/device/programs/programs.h"
+#include "tools/phone/device/screen.h"
 
 namespace darokleim::phone {
 
@@ -88,8 +88,8 @@ int RunScreencap(const Words& words) {
   if (file.size() >= ending.size() && file.compare(file.size() - ending.size(), ending.size(), ending) == 0)
     png = true;
 
-  UniqueFd out(file.empty() ? dup(STDOUT_FILENO)
-                            : open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
+  base::UniqueFd out(file.empty() ? dup(STDOUT_FILENO)
+                                  : open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
   if (!out.valid()) {
     std::fprintf(stderr, "Error opening file: %s (%s)\n", file.c_str(), std::strerror(errno));
     return 1;

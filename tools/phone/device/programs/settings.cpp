@@ -1,11 +1,11 @@
 #include <cstdio>
 #include <string>
 
-#include "common/key_values.h"
-#include "device/layout.h"
-#include "device/programs/programs.h"
-#include "device/properties.h"
-#include "device/screen.h"
+#include "tools/phone/common/key_values.h"
+#include "tools/phone/device/layout.h"
+#include "tools/phone/device/programs/programs.h"
+#include "tools/phone/device/properties.h"
+#include "tools/phone/device/screen.h"
 
 namespace darokleim::phone {
 

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "common/io.h"
-#include "device/layout.h"
-#include "device/programs/programs.h"
+#include "tools/phone/common/io.h"
+#include "tools/phone/device/layout.h"
+#include "tools/phone/device/programs/programs.h"
 
 namespace darokleim::phone {
 

@@ -1,0 +1,82 @@
+// The four functions of the channel.
+#include <exception>
+
+#include "channel/channel_log.h"
+#include "channel/output/output_block.h"
+#include "channel/process/run.h"
+#include "channel/process/stream_registry.h"
+#include "channel/settings.h"
+#include "channel/status.h"
+#include "src/platform/command_channel.h"
+
+#define DAROKLEIM_CHANNEL_EXPORT __attribute__((visibility("default")))
+
+using namespace darokleim::channel;
+
+namespace {
+
+// No exception may reach the caller; the only ones to come are the system's refusals of memory.
+template <typename Function>
+int WithoutException(Function function) {
+  try {
+    return function();
+  } catch (const std::exception&) {
+    return kSystemRefused;
+  }
+}
+
+int RunAndHandOut(const Settings& settings, const char* args, const bool* cancel, char** out, int* out_len) {
+  OutputBuffer output;
+  const int status = Run(settings, args, CancelFlag(cancel), &output);
+  if (status >= kNotInitialised) return status;
+  *out_len = static_cast<int>(output.text().size());
+  *out = output.Release();
+  return *out == nullptr ? int{output.status()} : status;
+}
+
+}  // namespace
+
+extern "C" {
+
+DAROKLEIM_CHANNEL_EXPORT int InitAdbCommuncation2Server(const char* adb_path, const char* log_dir,
+                                                        const void* log_context) {
+  return WithoutException([&]() -> int {
+    OpenLog(log_context, log_dir);
+    if (adb_path == nullptr) return kBadArgument;
+    KeepSettings({adb_path, AssistFromEnvironment()});
+    return kDelivered;
+  });
+}
+
+DAROKLEIM_CHANNEL_EXPORT int ExecuteAdbCommandSynchronization(const char* args, const bool* cancel,
+                                                              char** out, int* out_len) {
+  if (args == nullptr || out == nullptr || out_len == nullptr) return kBadArgument;
+  *out = nullptr;
+  *out_len = 0;
+  return WithoutException([&]() -> int {
+    const std::optional<Settings> settings = KeptSettings();
+    if (!settings) return kNotInitialised;
+    const CommandTimer timer;
+    const int status = WithoutException([&] { return RunAndHandOut(*settings, args, cancel, out, out_len); });
+    if (*out == nullptr) *out_len = 0;
+    timer.Log(args, status, *out_len);
+    return status;
+  });
+}
+
+DAROKLEIM_CHANNEL_EXPORT int ExecuteAdbCommandAnsynchronization(const char* args, const bool* cancel,
+                                                                void* context, void* on_output) {
+  if (args == nullptr) return kBadArgument;
+  return WithoutException([&]() -> int {
+    const std::optional<Settings> settings = KeptSettings();
+    if (!settings) return kNotInitialised;
+    return StartStream(*settings, args, CancelFlag(cancel),
+                       {reinterpret_cast<OutputReceiver::Function>(on_output), context});
+  });
+}
+
+DAROKLEIM_CHANNEL_EXPORT void ReleaseAdbOutBuffer(char* out) {
+  FreeBlock(out);
+}
+
+}  // extern "C"

@@ -1,0 +1,30 @@
+// The channel's own log: a line for each command, and what else a user who looks for a fault must know.
+#ifndef DAROKLEIM_CHANNEL_CHANNEL_LOG_H
+#define DAROKLEIM_CHANNEL_CHANNEL_LOG_H
+
+#include <chrono>
+#include <string>
+#include <string_view>
+
+namespace darokleim::channel {
+
+// adb_channel.log in log_dir. Without it, or when it cannot be opened, the channel works without a log.
+void OpenLog(const void* log_context, const char* log_dir);
+
+// error: an errno value.
+void LogNotStarted(const std::string& program, int error);
+
+void LogNotices(std::string_view notices);
+
+// Times one command and writes its line.
+class CommandTimer {
+ public:
+  void Log(const char* arguments, int status, long long bytes) const;
+
+ private:
+  const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+};
+
+}  // namespace darokleim::channel
+
+#endif  // DAROKLEIM_CHANNEL_CHANNEL_LOG_H

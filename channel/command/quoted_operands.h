@@ -1,0 +1,42 @@
+// The operands of a command whose writer put each between the same quotes without a look at what it holds. Where
+// the quotes and the number of operands are known, so is where each ends: a path may hold quotes, blanks and
+// backslashes of its own.
+#ifndef DAROKLEIM_CHANNEL_COMMAND_QUOTED_OPERANDS_H
+#define DAROKLEIM_CHANNEL_COMMAND_QUOTED_OPERANDS_H
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+namespace darokleim::channel {
+
+struct QuotePair {
+  std::string_view opening, closing;
+};
+
+// `"…"`, `""…""`, `"'…'"` and `'"…"'`.
+constexpr QuotePair kDoubleQuotes = {"\"", "\""};
+constexpr QuotePair kDoubledDoubleQuotes = {"\"\"", "\"\""};
+constexpr QuotePair kSingleInDoubleQuotes = {"\"'", "'\""};
+constexpr QuotePair kDoubleInSingleQuotes = {"'\"", "\"'"};
+
+enum class OperandCount { kNone, kOne, kTwo, kMany };
+
+struct OperandForm {
+  OperandCount count = OperandCount::kNone;
+  QuotePair quotes;
+};
+
+struct QuotedOperands {
+  std::vector<std::string_view> operands;  // without their quotes
+  std::size_t length = 0;                  // of the text that they take, from its first quote to its last
+};
+
+// The operands that text begins with: they reach up to its last closing quotes before a blank or the end. None
+// when the text does not have the form; nor when there are several places where the first of two operands can end,
+// unless just one of them is followed by an absolute path.
+QuotedOperands ReadQuotedOperands(std::string_view text, const OperandForm& form);
+
+}  // namespace darokleim::channel
+
+#endif  // DAROKLEIM_CHANNEL_COMMAND_QUOTED_OPERANDS_H

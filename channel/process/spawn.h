@@ -1,0 +1,27 @@
+// Starts adb with its output in a pipe of ours.
+#ifndef DAROKLEIM_CHANNEL_PROCESS_SPAWN_H
+#define DAROKLEIM_CHANNEL_PROCESS_SPAWN_H
+
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
+#include "base/unique_fd.h"
+#include "channel/status.h"
+
+namespace darokleim::channel {
+
+struct Spawned {
+  pid_t pid = -1;
+  base::UniqueFd output;  // what the child prints on both streams; reading never blocks
+};
+
+// The child has the null device as standard input, one pipe for both outputs and no other descriptor of the
+// host's; a process group of its own, so that a terminal's Ctrl-C does not reach the adb server it may start;
+// no signal blocked or ignored. Returns kDelivered, kCannotStart or kSystemRefused.
+Status Spawn(const std::string& program, const std::vector<std::string>& words, Spawned* spawned);
+
+}  // namespace darokleim::channel
+
+#endif  // DAROKLEIM_CHANNEL_PROCESS_SPAWN_H

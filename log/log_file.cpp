@@ -1,0 +1,96 @@
+#include "log/log_file.h"
+
+#include <sys/stat.h>
+
+// The names of our levels where spdlog has its own: progress is spdlog's info, an echoed command its warning.
+#define SPDLOG_LEVEL_NAMES \
+  { "trace", "debug", "info", "command", "error", "critical", "off" }
+#include <spdlog/details/log_msg.h>
+#include <spdlog/sinks/rotating_file_sink.h>
+
+#include <utility>
+
+namespace darokleim::log {
+namespace {
+
+// adb_sdk.log and the older adb_sdk.1.log to adb_sdk.4.log: at most 50 MiB, but for a longer single line.
+constexpr std::size_t kMaxFileBytes = std::size_t{10} * 1024 * 1024;
+constexpr std::size_t kMaxOldFiles = 4;
+
+constexpr std::chrono::seconds kReopenInterval{1};
+constexpr char kLinePattern[] = "%Y-%m-%d %H:%M:%S.%e %z [%l] [%n] [%t] %v";
+
+spdlog::level::level_enum SpdlogLevel(LogLevel level) {
+  switch (level) {
+    case LogLevel::kTrace:
+      return spdlog::level::trace;
+    case LogLevel::kProgress:
+      return spdlog::level::info;
+    case LogLevel::kCommand:
+      return spdlog::level::warn;
+    case LogLevel::kError:
+      break;
+  }
+  return spdlog::level::err;
+}
+
+// Opening a pipe would wait for its reader, and neither a pipe nor a socket can be rotated.
+bool CanHoldLog(const std::string& path) {
+  struct stat status;
+  return stat(path.c_str(), &status) != 0 || S_ISREG(status.st_mode) || S_ISCHR(status.st_mode);
+}
+
+}  // namespace
+
+std::unique_ptr<LogFile> LogFile::Open(const std::string& absolute_path) {
+  std::unique_ptr<LogFile> file(new LogFile(absolute_path));
+  if (!file->OpenSink()) return nullptr;
+  return file;
+}
+
+LogFile::LogFile(std::string path) : path_(std::move(path)) {}
+
+LogFile::~LogFile() = default;
+
+void LogFile::Write(std::string_view module, LogLevel level, std::string_view line) {
+  if (sink_ == nullptr && !Recover(module)) {
+    ++lines_lost_;
+    return;
+  }
+  if (!TryWrite(module, level, line)) ++lines_lost_;
+}
+
+bool LogFile::OpenSink() try {
+  if (!CanHoldLog(path_)) return false;
+  auto sink = std::make_unique<spdlog::sinks::rotating_file_sink_st>(path_, kMaxFileBytes, kMaxOldFiles);
+  sink->set_pattern(kLinePattern);
+  sink_ = std::move(sink);
+  return true;
+} catch (const spdlog::spdlog_ex&) {
+  return false;
+}
+
+// A sink that has failed is given up: after a failed rotation it holds no open file.
+bool LogFile::TryWrite(std::string_view module, LogLevel level, std::string_view line) try {
+  sink_->log(spdlog::details::log_msg(spdlog::string_view_t(module.data(), module.size()), SpdlogLevel(level),
+                                      spdlog::string_view_t(line.data(), line.size())));
+  sink_->flush();
+  return true;
+} catch (const spdlog::spdlog_ex&) {
+  sink_.reset();
+  next_attempt_ = std::chrono::steady_clock::now() + kReopenInterval;
+  return false;
+}
+
+bool LogFile::Recover(std::string_view module) {
+  const auto now = std::chrono::steady_clock::now();
+  if (now < next_attempt_) return false;
+  next_attempt_ = now + kReopenInterval;
+  if (!OpenSink()) return false;
+  const auto notice = "lines lost while the log could not be written: " + std::to_string(lines_lost_);
+  if (!TryWrite(module, LogLevel::kError, notice)) return false;
+  lines_lost_ = 0;
+  return true;
+}
+
+}  // namespace darokleim::log

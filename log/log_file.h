@@ -1,0 +1,49 @@
+// One rotating log file.
+#ifndef DAROKLEIM_LOG_LOG_FILE_H
+#define DAROKLEIM_LOG_LOG_FILE_H
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace spdlog::sinks {
+class sink;
+}
+
+namespace darokleim::log {
+
+// The levels of LogEx, lowest first.
+enum class LogLevel : int { kTrace = 0, kProgress = 1, kCommand = 2, kError = 3 };
+
+// Writes each line through to the system before it returns, so that a crash of the host loses none. Not safe
+// for concurrent use: the caller serialises. When the file cannot be written (a full disk, a directory taken
+// away), lines are dropped and counted, and the file is opened again after a while.
+class LogFile {
+ public:
+  // Null when the file cannot be opened. Missing directories of the path are created.
+  static std::unique_ptr<LogFile> Open(const std::string& absolute_path);
+
+  ~LogFile();
+  LogFile(const LogFile&) = delete;
+  LogFile& operator=(const LogFile&) = delete;
+
+  void Write(std::string_view module, LogLevel level, std::string_view line);
+
+ private:
+  explicit LogFile(std::string path);
+
+  bool OpenSink();
+  bool TryWrite(std::string_view module, LogLevel level, std::string_view line);
+  bool Recover(std::string_view module);
+
+  std::string path_;
+  std::unique_ptr<spdlog::sinks::sink> sink_;  // null while the file cannot be written
+  std::chrono::steady_clock::time_point next_attempt_;
+  std::uint64_t lines_lost_ = 0;
+};
+
+}  // namespace darokleim::log
+
+#endif  // DAROKLEIM_LOG_LOG_FILE_H
