@@ -117,18 +117,19 @@
 /// Every function that returns `int` returns one of the constants of ::AdbResultCode or, unchanged, the
 /// *status* of the command channel, which runs adb for the library:
 ///
-/// | status | meaning |
-/// |---|---|
-/// | 0 | adb ran |
-/// | 1000 + N | adb, or the command on the device, failed with exit status N; 1001 is the usual one |
-/// | 2000 + S | signal S ended adb |
-/// | 3001 | the library is not started: no AdbSdkInit(), or it returned #ADB_RESULT_RESOURCE_INCOMPLETE |
-/// | 3002 | the adb executable cannot be started, or the command is longer than the host allows |
-/// | 3003 | cancelled |
-/// | 3005 | more output than an `int` can count |
-/// | 3006 | the system refused a pipe, a process or memory |
+/// | status | constant | meaning |
+/// |---|---|---|
+/// | 0 | | adb ran |
+/// | 1000 + N | #ADB_CHANNEL_EXIT_STATUS_BASE | adb, or the command on the device, failed with exit status N; 1001 is the usual one |
+/// | 2000 + S | #ADB_CHANNEL_SIGNAL_BASE | signal S ended adb |
+/// | 3001 | #ADB_CHANNEL_NOT_INITIALISED | the library is not started |
+/// | 3002 | #ADB_CHANNEL_CANNOT_START_ADB | the adb executable cannot be started |
+/// | 3003 | #ADB_CHANNEL_CANCELLED | cancelled |
+/// | 3005 | #ADB_CHANNEL_OUTPUT_TOO_LONG | more output than an `int` can count |
+/// | 3006 | #ADB_CHANNEL_SYSTEM_REFUSED | the system refused a pipe, a process or memory |
+/// | 3007 | #ADB_CHANNEL_CONNECTION_BROKEN | the connection broke in the middle of an answer |
 ///
-/// A channel that somebody puts in the place of the library's own has numbers of its own. With 3001 to 3006
+/// A channel that somebody puts in the place of the library's own has numbers of its own. With 3001 to 3007
 /// there is no text to read, and the status is the result. Otherwise most functions look in the text,
 /// everything that adb printed, for known messages, anywhere, in a fixed order; the first one found, from
 /// the top of the table down, is the result, whatever the status. Without any, the status is the result.
@@ -191,6 +192,15 @@
 
 #ifndef DAROKLEIM_INCLUDE_DAROKLEIM_H
 #define DAROKLEIM_INCLUDE_DAROKLEIM_H
+
+/// The version of the library that this header belongs to: as a text, in its three parts, and as one number
+/// that can be compared (`#if DAROKLEIM_VERSION_NUMBER >= 2000109`).
+#define DAROKLEIM_VERSION "2.0.109"
+#define DAROKLEIM_VERSION_MAJOR 2
+#define DAROKLEIM_VERSION_MINOR 0
+#define DAROKLEIM_VERSION_PATCH 109
+#define DAROKLEIM_VERSION_NUMBER \
+  (DAROKLEIM_VERSION_MAJOR * 1000000 + DAROKLEIM_VERSION_MINOR * 1000 + DAROKLEIM_VERSION_PATCH)
 
 #ifdef __cplusplus
 #include <string>
@@ -277,6 +287,29 @@ enum AdbResultCode {
   ADB_RESULT_USER_ACCESS_DENIED = 46,
   /// The storage of the device is full: have the user free some.
   ADB_RESULT_NO_SPACE_LEFT = 47
+};
+
+/// The statuses of the command channel, which functions return unchanged. The numbers never change.
+enum AdbChannelStatus {
+  /// 1000 + N: adb, or the command on the device, failed with exit status N (1 to 255). The device's text, in
+  /// adb_sdk.log, says why.
+  ADB_CHANNEL_EXIT_STATUS_BASE = 1000,
+  /// 2000 + S: the signal S ended adb; another program killed it, or it crashed.
+  ADB_CHANNEL_SIGNAL_BASE = 2000,
+  /// The library is not started: AdbSdkInit() was not called, or it returned #ADB_RESULT_RESOURCE_INCOMPLETE.
+  ADB_CHANNEL_NOT_INITIALISED = 3001,
+  /// The adb executable cannot be started: it is missing, is not executable or is for another processor. Also
+  /// when the command is longer than the host allows.
+  ADB_CHANNEL_CANNOT_START_ADB = 3002,
+  /// The cancel flag was set.
+  ADB_CHANNEL_CANCELLED = 3003,
+  /// adb printed more bytes than an `int` can count.
+  ADB_CHANNEL_OUTPUT_TOO_LONG = 3005,
+  /// The system refused a pipe, a process or memory: close files or end other calls, then try again.
+  ADB_CHANNEL_SYSTEM_REFUSED = 3006,
+  /// The connection to the device or to the adb server broke in the middle of an answer: try again. Only a
+  /// channel that speaks to the adb server itself reports it; adb does not report how an answer ended.
+  ADB_CHANNEL_CONNECTION_BROKEN = 3007
 };
 
 /// @defgroup start Start and release
@@ -645,7 +678,7 @@ DAROKLEIM_EXPORT int AdbChmodFile(const char* serial, const char* device_path, c
 /// in).
 ///
 /// Give a directory without a slash at its end: with one, only an empty directory is sure to be found. Read
-/// the answer only with #ADB_RESULT_OK: a command that could not be run (3001 to 3006) answers true.
+/// the answer only with #ADB_RESULT_OK: a command that could not be run (3001 to 3007) answers true.
 ///
 /// @param[in]  serial       Serial.
 /// @param[in]  device_path  Absolute path; a shell path to `ls`, a whole path to `adb ls`.
@@ -1003,7 +1036,7 @@ DAROKLEIM_EXPORT int AdbGetApkPathOfInstatlled(const char* serial, const char* p
 /// @retval ADB_RESULT_INVALID_PARAM  @p serial or @p package is null.
 /// @retval ADB_RESULT_NOT_FOUND      The package is not installed, or the command failed in any way once
 ///                                   adb ran: an absent device too.
-/// @return Otherwise a status from 3001 to 3006.
+/// @return Otherwise a status from 3001 to 3007.
 DAROKLEIM_EXPORT int AdbGetApkPathOfInstatlledEx(const char* serial, const char* package, char** json,
                                                  int* json_len, const bool* cancel);
 

@@ -2,8 +2,8 @@
 //
 //   app_versions RESOURCES [SERIAL]
 //
-// RESOURCES is a folder with the programs adb (for this computer) and busybox (for the phone). Without SERIAL the
-// first phone that is ready is asked.
+// RESOURCES is a folder with the programs adb (for this computer) and busybox (for the phone). Without SERIAL it
+// takes the first phone that is ready.
 #include <darokleim.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -14,6 +14,8 @@ static const char log_context[] = "app_versions";
 static void Complain(const char* what, int code) {
   if (code == ADB_RESULT_DEVICE_UNAUTHORIZED) {
     fprintf(stderr, "%s: allow USB debugging on the screen of the phone\n", what);
+  } else if (code == ADB_CHANNEL_CANNOT_START_ADB) {
+    fprintf(stderr, "%s: the adb in the resource folder cannot be started\n", what);
   } else {
     fprintf(stderr, "%s: error %d\n", what, code);
   }
@@ -47,7 +49,7 @@ static int PrintVersion(const char* serial, const char* package) {
   char version[256];
   const int code = AdbGetAppVersion(serial, package, version, (int)sizeof version, NULL);
   if (code == ADB_RESULT_NOT_FOUND) {
-    printf("%-40s (no number)\n", package);
+    printf("%-40s (no version number)\n", package);
     return ADB_RESULT_OK;
   }
   if (code == ADB_RESULT_OK) printf("%-40s %s\n", package, version);
@@ -60,7 +62,7 @@ static int PrintVersions(const char* serial) {
   int list_len = 0;
   int code = AdbGetPackagesNameOfInstalled(serial, "-3", &list, &list_len, NULL);
   if (code == ADB_RESULT_OK && list_len > 0) {
-    list[list_len - 1] = '\0';  // in place of the last line end; the list has no zero byte of its own
+    list[list_len - 1] = '\0';  // replaces the last line break; the list does not end in a zero byte
     for (char* line = strtok(list, "\r\n"); line != NULL; line = strtok(NULL, "\r\n")) {
       if (strncmp(line, prefix, strlen(prefix)) != 0) continue;
       code = PrintVersion(serial, line + strlen(prefix));

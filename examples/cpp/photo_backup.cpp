@@ -1,5 +1,5 @@
-// Copies the photos and videos of a phone's camera to this computer. A file that is there already is not copied again,
-// so that it may be run, and interrupted with Ctrl-C, at any time.
+// Copies the photos and videos of a phone's camera to this computer. Files that were copied before are skipped, so the
+// program can be interrupted with Ctrl-C at any time and run again.
 //
 //   photo_backup RESOURCES FOLDER SERIAL
 //
@@ -29,7 +29,7 @@ void CancelOnSignal(int) {
   __atomic_store_n(&cancel, true, __ATOMIC_RELAXED);
 }
 
-// A block that the library hands out, and gets back.
+// Owns a block of the library.
 struct Block {
   char* text = nullptr;
   int length = 0;
@@ -41,7 +41,7 @@ struct Block {
 };
 
 void Check(int code, const std::string& what) {
-  if (__atomic_load_n(&cancel, __ATOMIC_RELAXED)) throw std::runtime_error("interrupted");
+  if (code == ADB_CHANNEL_CANCELLED) throw std::runtime_error("interrupted");
   if (code == ADB_RESULT_DEVICE_UNAUTHORIZED) {
     throw std::runtime_error(what + ": allow USB debugging on the screen of the phone");
   }
@@ -81,7 +81,7 @@ std::vector<std::string> Photos(const std::string& serial, const std::string& fo
 // Where a file of the phone goes; never outside the destination, whatever the phone calls it.
 fs::path HostPath(const std::string& device_path, const std::string& camera, const fs::path& destination) {
   const fs::path below = fs::path(device_path).lexically_relative(camera);
-  if (below.empty() || *below.begin() == "..") throw std::runtime_error("strange path " + device_path);
+  if (below.empty() || *below.begin() == "..") throw std::runtime_error("unexpected path " + device_path);
   return destination / below;
 }
 
@@ -94,7 +94,7 @@ bool IsCopied(const std::string& serial, const std::string& device_path, const f
   return host_size == device_size;
 }
 
-// A file under its own name is always whole.
+// Copies under another name first: a file under its own name is always complete.
 void Copy(const std::string& serial, const std::string& device_path, const fs::path& host_path) {
   fs::create_directories(host_path.parent_path());
   const fs::path unfinished = host_path.string() + ".part";
@@ -116,7 +116,7 @@ void BackUp(const std::string& serial, const fs::path& destination) {
     std::cout << host_path.string() << '\n';
     ++copied;
   }
-  std::cout << copied << " copied, " << present << " were there\n";
+  std::cout << copied << " copied, " << present << " already copied\n";
 }
 
 }  // namespace

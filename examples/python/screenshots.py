@@ -16,10 +16,12 @@ OK = 0
 INVALID_PARAM = 4
 RESOURCE_INCOMPLETE = 6
 DEVICE_UNAUTHORIZED = 42
+CANNOT_START_ADB = 3002
 
 REASONS = {
     INVALID_PARAM: "an argument is missing",
     RESOURCE_INCOMPLETE: "adb or busybox is missing",
+    CANNOT_START_ADB: "the adb in the resource folder cannot be started",
     DEVICE_UNAUTHORIZED: "allow USB debugging on the screen of the phone",
 }
 

@@ -10,8 +10,11 @@ struct AdbError: Error, CustomStringConvertible {
   let code: Int32
 
   var description: String {
-    code == Int32(ADB_RESULT_DEVICE_UNAUTHORIZED.rawValue)
-      ? "allow USB debugging on the screen of the phone" : "error \(code)"
+    switch code {
+    case Int32(ADB_RESULT_DEVICE_UNAUTHORIZED.rawValue): return "allow USB debugging on the screen of the phone"
+    case Int32(ADB_CHANNEL_CANNOT_START_ADB.rawValue): return "the adb in the resource folder cannot be started"
+    default: return "error \(code)"
+    }
   }
 }
 

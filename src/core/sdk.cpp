@@ -15,7 +15,7 @@ std::string s_busybox_fullpath;
 namespace darokleim::sdk {
 namespace {
 
-constexpr char kVersion[] = "2.0.109-D-4c1143f";
+constexpr char kVersion[] = DAROKLEIM_VERSION "-D-4c1143f";
 
 // An entry of any kind will do; one whose status cannot be read counts as missing.
 bool Exists(const std::string& path) {

@@ -1,5 +1,5 @@
-// A host that brings a command channel and a log of its own: everything in the archive is linked in, and
-// these six functions are all that it wants besides the standard libraries and JsonCpp.
+// A host with a command channel and a log of its own: the whole archive is linked in, and needs only these six
+// functions besides the standard libraries and JsonCpp.
 #include <stddef.h>
 #include <string.h>
 

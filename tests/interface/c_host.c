@@ -1,13 +1,9 @@
-// A host application in C on the shared library. Run as: c_host DIRECTORY, an empty directory that may be
-// written.
+// A host application in C that uses the shared library: c_host DIRECTORY, an empty directory with write permission.
 #include <string.h>
 #include <sys/stat.h>
 
 #include "darokleim.h"
 #include "tests/interface/expect.h"
-
-// The channel's status before it was started.
-enum { kChannelNotStarted = 3001 };
 
 static void ExpectNullsRefused(const char* directory) {
   EXPECT(AdbSdkInit(NULL, directory, directory) == ADB_RESULT_INVALID_PARAM);
@@ -25,17 +21,17 @@ static void ExpectReleaseOfNothing(void) {
 
 static void ExpectChannelNotStarted(void) {
   char buffer[16] = "untouched";
-  EXPECT(AdbGetDevices(buffer, (int)sizeof buffer, NULL) == kChannelNotStarted);
+  EXPECT(AdbGetDevices(buffer, (int)sizeof buffer, NULL) == ADB_CHANNEL_NOT_INITIALISED);
   EXPECT(strcmp(buffer, "untouched") == 0);
 
   char* list = buffer;
   int list_len = 16;
-  EXPECT(AdbGetDevicesEx(&list, &list_len, NULL) == kChannelNotStarted);
+  EXPECT(AdbGetDevicesEx(&list, &list_len, NULL) == ADB_CHANNEL_NOT_INITIALISED);
   EXPECT(list == NULL);
   EXPECT(list_len == 0);
 
-  EXPECT(AdbReboot("0123456789ABCDEF", NULL) == kChannelNotStarted);
-  EXPECT(AdbReconnectDevice() == kChannelNotStarted);
+  EXPECT(AdbReboot("0123456789ABCDEF", NULL) == ADB_CHANNEL_NOT_INITIALISED);
+  EXPECT(AdbReconnectDevice() == ADB_CHANNEL_NOT_INITIALISED);
   EXPECT(AdbAuthenticateShow("0123456789ABCDEF", NULL) == ADB_RESULT_PROTOCOL_FAULT);
 }
 

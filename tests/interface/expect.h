@@ -1,4 +1,4 @@
-// Checks for the C programs here, which no test framework serves.
+// Checks for the C programs here, which use no test framework.
 #ifndef DAROKLEIM_TESTS_INTERFACE_EXPECT_H
 #define DAROKLEIM_TESTS_INTERFACE_EXPECT_H
 
@@ -9,7 +9,7 @@ static int failures = 0;
 #define EXPECT(condition)                                                     \
   do {                                                                        \
     if (!(condition)) {                                                       \
-      fprintf(stderr, "%s:%d: not so: %s\n", __FILE__, __LINE__, #condition); \
+      fprintf(stderr, "%s:%d: failed: %s\n", __FILE__, __LINE__, #condition); \
       ++failures;                                                             \
     }                                                                         \
   } while (0)

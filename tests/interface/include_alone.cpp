@@ -1,4 +1,4 @@
-// The header needs nothing before it.
+// The header needs no other header before it.
 #include "darokleim.h"
 
 // The types of the functions that only C++ callers see are part of their linkage names.

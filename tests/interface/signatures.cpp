@@ -1,7 +1,8 @@
-// The types of the functions, which callers in other languages repeat by hand, and the numbers of the codes: no
-// change of the header may change them.
+// The types of the functions, which callers in other languages repeat by hand, the numbers of the codes, and the
+// version.
 #include <darokleim.h>
 
+#include <string_view>
 #include <type_traits>
 
 namespace {
@@ -75,5 +76,23 @@ static_assert(ADB_RESULT_MIUI_TIME_CODE_FAILED == 44);
 static_assert(ADB_RESULT_MIUI_VERSION_NAME_FAILED == 45);
 static_assert(ADB_RESULT_USER_ACCESS_DENIED == 46);
 static_assert(ADB_RESULT_NO_SPACE_LEFT == 47);
+
+static_assert(ADB_CHANNEL_EXIT_STATUS_BASE == 1000);
+static_assert(ADB_CHANNEL_SIGNAL_BASE == 2000);
+static_assert(ADB_CHANNEL_NOT_INITIALISED == 3001);
+static_assert(ADB_CHANNEL_CANNOT_START_ADB == 3002);
+static_assert(ADB_CHANNEL_CANCELLED == 3003);
+static_assert(ADB_CHANNEL_OUTPUT_TOO_LONG == 3005);
+static_assert(ADB_CHANNEL_SYSTEM_REFUSED == 3006);
+static_assert(ADB_CHANNEL_CONNECTION_BROKEN == 3007);
+
+// The version of the build tree, which CMake hands over.
+static_assert(std::string_view(DAROKLEIM_VERSION) == DAROKLEIM_PROJECT_VERSION);
+static_assert(DAROKLEIM_VERSION_MAJOR == DAROKLEIM_PROJECT_VERSION_MAJOR);
+static_assert(DAROKLEIM_VERSION_MINOR == DAROKLEIM_PROJECT_VERSION_MINOR);
+static_assert(DAROKLEIM_VERSION_PATCH == DAROKLEIM_PROJECT_VERSION_PATCH);
+static_assert(DAROKLEIM_VERSION_NUMBER == 1'000'000 * DAROKLEIM_PROJECT_VERSION_MAJOR +
+                                              1'000 * DAROKLEIM_PROJECT_VERSION_MINOR +
+                                              DAROKLEIM_PROJECT_VERSION_PATCH);
 
 }  // namespace
