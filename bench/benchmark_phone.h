@@ -11,8 +11,8 @@
 #include <system_error>
 
 #include "darokleim.h"
-#include "tests/phone/host_process.h"
-#include "tests/phone/simulated_phones.h"
+#include "tests/support/process.h"
+#include "tests/support/simulated_phones.h"
 #include "tests/support/temporary_directory.h"
 
 namespace darokleim::bench {
@@ -24,7 +24,7 @@ class BenchmarkPhone {
   BenchmarkPhone() : phones_({std::string(kSerial) + ",android=modern"}) {
     setenv("ANDROID_ADB_SERVER_PORT", phones_.port().c_str(), 1);
     setenv("DAROKLEIM_CHANNEL_ASSIST", "1", 1);
-    std::filesystem::create_symlink(AdbPath(), OnHost("adb"));
+    std::filesystem::create_symlink(test::PathOfProgram("adb"), OnHost("adb"));
     std::ofstream(OnHost("busybox")) << "must be there; not used";
     if (AdbSdkInit(Folder().c_str(), "benchmark", Folder().c_str()) != ADB_RESULT_OK) {
       throw std::runtime_error("the library does not start");
@@ -41,8 +41,8 @@ class BenchmarkPhone {
   }
 
   // The same for a program of the host.
-  static std::string Output(const phone_test::Words& command) {
-    const phone_test::Outcome outcome = phone_test::RunProgram(command, {});
+  static std::string Output(const test::Words& command) {
+    const test::Outcome outcome = test::RunProgram(command, {});
     if (outcome.status == 0) return outcome.output;
     throw std::runtime_error(command[0] + " fails: " + outcome.errors + outcome.output);
   }
@@ -58,13 +58,8 @@ class BenchmarkPhone {
   }
 
  private:
-  static std::string AdbPath() {
-    const std::string path = Output({"sh", "-c", "command -v adb"});
-    return path.substr(0, path.find('\n'));
-  }
-
-  const TemporaryDirectory folder_;
-  const phone_test::SimulatedPhones phones_;
+  const test::TemporaryDirectory folder_;
+  const test::SimulatedPhones phones_;
 };
 
 }  // namespace darokleim::bench

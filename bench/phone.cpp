@@ -13,7 +13,7 @@
 namespace {
 
 using namespace darokleim::bench;
-using darokleim::phone_test::Words;
+using darokleim::test::Words;
 
 constexpr char kDirectory[] = "/sdcard/DCIM/many";
 constexpr char kSent[] = "/sdcard/sent.bin";

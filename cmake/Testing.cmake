@@ -33,7 +33,7 @@ target_precompile_headers(darokleim_test_headers PRIVATE <gmock/gmock.h> <gtest/
 function(darokleim_test)
   cmake_parse_arguments(ARG "" "NAME" "SOURCES;LIBRARIES;PROPERTIES" ${ARGN})
   add_executable(${ARG_NAME} ${ARG_SOURCES})
-  target_link_libraries(${ARG_NAME} PRIVATE darokleim_options darokleim_gtest ${ARG_LIBRARIES})
+  target_link_libraries(${ARG_NAME} PRIVATE darokleim_options darokleim_gtest darokleim_test_support ${ARG_LIBRARIES})
   target_precompile_headers(${ARG_NAME} REUSE_FROM darokleim_test_headers)
   set_target_properties(${ARG_NAME} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests")
   gtest_discover_tests(${ARG_NAME} TEST_PREFIX "${ARG_NAME}." DISCOVERY_TIMEOUT 60

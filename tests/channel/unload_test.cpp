@@ -142,25 +142,16 @@ TEST_F(UnloadTest, HappensWhenAReceiverEndsTheHost) {
   EXPECT_TRUE(EndsWithin(PidIn(file), milliseconds(5000)));
 }
 
-std::string OutputOf(const std::string& command) {
-  std::string output;
-  FILE* const pipe = popen(command.c_str(), "r");
-  if (pipe == nullptr) return output;
-  char piece[4096];
-  while (const size_t length = fread(piece, 1, sizeof piece, pipe)) output.append(piece, length);
-  pclose(pipe);
-  return output;
-}
-
 TEST(ExportedSymbols, AreTheFourFunctionsAndNothingElse) {
   const std::string functions[] = {"InitAdbCommuncation2Server", "ExecuteAdbCommandSynchronization",
                                    "ExecuteAdbCommandAnsynchronization", "ReleaseAdbOutBuffer"};
 #if defined(__APPLE__)
   const std::string prefix = "_";
-  const std::string list = OutputOf(DAROKLEIM_NM " -gU '" DAROKLEIM_CHANNEL_LIBRARY "'");
+  const std::string list = test::RunProgram({DAROKLEIM_NM, "-gU", DAROKLEIM_CHANNEL_LIBRARY}).output;
 #else
   const std::string prefix;
-  const std::string list = OutputOf(DAROKLEIM_NM " -D --defined-only '" DAROKLEIM_CHANNEL_LIBRARY "'");
+  const std::string list =
+      test::RunProgram({DAROKLEIM_NM, "-D", "--defined-only", DAROKLEIM_CHANNEL_LIBRARY}).output;
 #endif
   std::set<std::string> expected, found;
   for (const std::string& function : functions) expected.insert(prefix + function);

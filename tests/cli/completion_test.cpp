@@ -5,8 +5,8 @@
 #include <sstream>
 
 #include "tests/cli/tool_run.h"
-#include "tests/phone/simulated_phones.h"
 #include "tests/support/file_content.h"
+#include "tests/support/simulated_phones.h"
 
 namespace darokleim::cli {
 namespace {

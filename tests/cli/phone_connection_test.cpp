@@ -11,7 +11,7 @@
 namespace darokleim::cli {
 namespace {
 
-using phone_test::Eventually;
+using test::Eventually;
 using testing::HasSubstr;
 using testing::StartsWith;
 

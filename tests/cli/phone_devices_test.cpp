@@ -3,7 +3,7 @@
 #include <stdlib.h>
 
 #include "tests/cli/tool_run.h"
-#include "tests/phone/simulated_phones.h"
+#include "tests/support/simulated_phones.h"
 
 namespace darokleim::cli {
 namespace {
@@ -11,8 +11,8 @@ namespace {
 class PhoneDevicesTest : public ToolTest {
  protected:
   // The tool of a user whose adb talks to these phones.
-  Outcome RunOn(const phone_test::SimulatedPhones& phones, const Words& arguments) {
-    for (const auto& [variable, value] : phone_test::AdbEnvironment(phones.port())) Set(variable, value);
+  Outcome RunOn(const test::SimulatedPhones& phones, const Words& arguments) {
+    for (const auto& [variable, value] : test::AdbEnvironment(phones.port())) Set(variable, value);
     const char* path = getenv("PATH");
     Set("PATH", path == nullptr ? "/usr/bin:/bin" : path);
     return Run(arguments);
@@ -20,7 +20,7 @@ class PhoneDevicesTest : public ToolTest {
 };
 
 TEST_F(PhoneDevicesTest, ShowThePhonesOfTheServer) {
-  const phone_test::SimulatedPhones phones({"AAA111", "BBB222,state=offline", "CCC333,state=unauthorized"});
+  const test::SimulatedPhones phones({"AAA111", "BBB222,state=offline", "CCC333,state=unauthorized"});
   const auto text = RunOn(phones, {"devices"});
   EXPECT_EQ(text.status, 0) << text.errors;
   EXPECT_EQ(
@@ -33,7 +33,7 @@ TEST_F(PhoneDevicesTest, ShowThePhonesOfTheServer) {
 }
 
 TEST_F(PhoneDevicesTest, NoneIsAnEmptyArray) {
-  const phone_test::SimulatedPhones phones({});
+  const test::SimulatedPhones phones({});
   const auto json = RunOn(phones, {"devices", "--json"});
   EXPECT_EQ(json.status, 0) << json.errors;
   EXPECT_EQ(json.output, "[]\n");

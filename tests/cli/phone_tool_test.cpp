@@ -39,7 +39,7 @@ Json::Value ParseJson(const std::string& text) {
 
 PhoneToolTest::PhoneToolTest(const std::string& settings)
     : phones_({kSerial + (",android=" + GetParam()) + settings}) {
-  for (const auto& [variable, value] : phone_test::AdbEnvironment(phones_.port())) Set(variable, value);
+  for (const auto& [variable, value] : test::AdbEnvironment(phones_.port())) Set(variable, value);
   const char* path = getenv("PATH");
   Set("PATH", path == nullptr ? "/usr/bin:/bin" : path);
   std::filesystem::create_directory(File("work"));

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "tests/cli/tool_run.h"
-#include "tests/phone/simulated_phones.h"
+#include "tests/support/simulated_phones.h"
 
 namespace darokleim::cli {
 
@@ -24,7 +24,7 @@ class PhoneToolTest : public ToolTest, public testing::WithParamInterface<std::s
   explicit PhoneToolTest(const std::string& settings = ",card=1A2B-3C4D");
 
   bool is_legacy() const { return GetParam() == "legacy"; }
-  phone_test::SimulatedPhones& phones() { return phones_; }
+  test::SimulatedPhones& phones() { return phones_; }
 
   // What a command of the phone's shell prints, with line ends of a modern phone; line ends at its end taken off.
   std::string Shell(const std::string& command) const;
@@ -39,7 +39,7 @@ class PhoneToolTest : public ToolTest, public testing::WithParamInterface<std::s
   std::string Fail(const Words& arguments) const;
 
  private:
-  phone_test::SimulatedPhones phones_;
+  test::SimulatedPhones phones_;
 };
 
 // Paths below `folder` that every command has to carry through: blanks, quotes, characters of shells, scripts.

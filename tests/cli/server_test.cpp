@@ -6,8 +6,8 @@
 
 #include "tests/cli/tool_run.h"
 #include "tests/phone/phone_under_test.h"
-#include "tests/phone/simulated_phones.h"
 #include "tests/support/file_content.h"
+#include "tests/support/simulated_phones.h"
 
 namespace darokleim::cli {
 namespace {
@@ -78,7 +78,7 @@ class ForcedServerTest : public ServerTest {
  protected:
   // Beside a victim, whose end is the last line: 137 when it was killed, 124 when it lived on.
   void ExpectBesideVictim(const std::string& words, const std::string& expected) {
-    for (const auto& [variable, value] : phone_test::AdbEnvironment(phones_.port())) Set(variable, value);
+    for (const auto& [variable, value] : test::AdbEnvironment(phones_.port())) Set(variable, value);
     Set("PATH", getenv("PATH"));
     std::filesystem::create_directory(File("work"));
     test::WriteFile(File("work/adb.txt"), "");
@@ -101,7 +101,7 @@ $in_namespace true 2>/dev/null || in_namespace='unshare --user --map-root-user -
 $in_namespace true || exit 99
 $in_namespace)";
 
-  phone_test::SimulatedPhones phones_{{"TEST0001"}, {"--restart-on-kill"}};
+  test::SimulatedPhones phones_{{"TEST0001"}, {"--restart-on-kill"}};
 };
 
 TEST_F(ForcedServerTest, IsKilledWithWhatHoldsItsName) {
@@ -110,8 +110,8 @@ TEST_F(ForcedServerTest, IsKilledWithWhatHoldsItsName) {
 
 TEST_F(ForcedServerTest, IsRestarted) {
   ExpectBesideVictim("restart --force", "The adb server runs.\nstatus 0\nvictim 137\n");
-  EXPECT_TRUE(phone_test::Eventually(
-      [this] { return Run({"devices"}).output.find("TEST0001") != std::string::npos; }));
+  EXPECT_TRUE(
+      test::Eventually([this] { return Run({"devices"}).output.find("TEST0001") != std::string::npos; }));
 }
 
 TEST_F(ForcedServerTest, IsStartedAfterOneThatHangs) {

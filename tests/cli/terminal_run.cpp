@@ -8,10 +8,10 @@
 
 namespace darokleim::cli {
 
-using phone_test::Environment;
-using phone_test::Outcome;
-using phone_test::RunProgram;
-using phone_test::Words;
+using test::Environment;
+using test::Outcome;
+using test::RunProgram;
+using test::Words;
 
 Outcome RunOnTerminal(const Words& command, const Environment& variables) {
   const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);

@@ -2,12 +2,12 @@
 #ifndef DAROKLEIM_TESTS_CLI_TERMINAL_RUN_H
 #define DAROKLEIM_TESTS_CLI_TERMINAL_RUN_H
 
-#include "tests/phone/host_process.h"
+#include "tests/support/process.h"
 
 namespace darokleim::cli {
 
 // What the program printed on both streams, as it reached the terminal, is Outcome::output.
-phone_test::Outcome RunOnTerminal(const phone_test::Words& command, const phone_test::Environment& variables);
+test::Outcome RunOnTerminal(const test::Words& command, const test::Environment& variables);
 
 }  // namespace darokleim::cli
 

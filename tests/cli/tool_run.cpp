@@ -59,7 +59,7 @@ Words ToolTest::Command(const Words& arguments) const {
 
 Outcome ToolTest::RunProgram(Words command, const Words& arguments) const {
   command.insert(command.end(), arguments.begin(), arguments.end());
-  return phone_test::RunProgram(command, environment_);
+  return test::RunProgram(command, environment_);
 }
 
 Outcome ToolTest::RunShell(const std::string& line) const {

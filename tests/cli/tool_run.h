@@ -7,15 +7,15 @@
 #include <memory>
 #include <string>
 
-#include "tests/phone/host_process.h"
+#include "tests/support/process.h"
 #include "tests/support/temporary_directory.h"
 
 namespace darokleim::cli {
 
-using phone_test::Environment;
-using phone_test::HostProcess;
-using phone_test::Outcome;
-using phone_test::Words;
+using test::Environment;
+using test::HostProcess;
+using test::Outcome;
+using test::Words;
 
 class ToolTest : public testing::Test {
  protected:

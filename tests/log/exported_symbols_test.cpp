@@ -1,27 +1,20 @@
 #include <gtest/gtest.h>
-#include <stdio.h>
 
 #include <set>
 #include <sstream>
 #include <string>
 
-namespace {
+#include "tests/support/process.h"
 
-std::string OutputOf(const std::string& command) {
-  std::string output;
-  FILE* pipe = popen(command.c_str(), "r");
-  if (pipe == nullptr) return output;
-  char piece[4096];
-  while (const size_t length = fread(piece, 1, sizeof piece, pipe)) output.append(piece, length);
-  pclose(pipe);
-  return output;
-}
+namespace darokleim::log {
+namespace {
 
 TEST(ExportedSymbols, AreTheTwoFunctionsAndNothingElse) {
 #if defined(__APPLE__)
-  const std::string list = OutputOf(DAROKLEIM_NM " -gU '" DAROKLEIM_LOG_LIBRARY "'");
+  const std::string list = test::RunProgram({DAROKLEIM_NM, "-gU", DAROKLEIM_LOG_LIBRARY}).output;
 #else
-  const std::string list = OutputOf(DAROKLEIM_NM " -D --defined-only '" DAROKLEIM_LOG_LIBRARY "'");
+  const std::string list =
+      test::RunProgram({DAROKLEIM_NM, "-D", "--defined-only", DAROKLEIM_LOG_LIBRARY}).output;
 #endif
   std::set<std::string> names;
   std::istringstream lines(list);
@@ -34,3 +27,4 @@ TEST(ExportedSymbols, AreTheTwoFunctionsAndNothingElse) {
 }
 
 }  // namespace
+}  // namespace darokleim::log

@@ -4,7 +4,7 @@
 #include "tools/phone/device/packages/apk_file.h"
 #include "tools/phone/device/packages/binary_xml.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 namespace {
 
 using phone::ApkFile;
@@ -34,15 +34,15 @@ TEST(Apk, KnowsSplitsAndLibraries) {
 
 // Damaged input in every place gives a reason or other values, never a crash.
 TEST(Apk, StandsDamage) {
-  const std::string whole = ReadHostFile(DataFile("notes-unsigned.apk"));
+  const std::string whole = ReadFile(DataFile("notes-unsigned.apk"));
   const std::string path = testing::TempDir() + "/damaged-" + std::to_string(getpid()) + ".apk";
   int refused = 0;
   for (size_t i = 0; i < whole.size(); ++i) {
     std::string damaged = whole;
     damaged[i] = static_cast<char>(damaged[i] ^ 0x5a);
-    WriteHostFile(path, damaged);
+    WriteFile(path, damaged);
     refused += std::holds_alternative<std::string>(ReadApk(path)) ? 1 : 0;
-    WriteHostFile(path, whole.substr(0, i));
+    WriteFile(path, whole.substr(0, i));
     EXPECT_TRUE(std::holds_alternative<std::string>(ReadApk(path))) << i;
   }
   EXPECT_GT(refused, 0);
@@ -68,4 +68,4 @@ TEST(BinaryXml, StandsDamage) {
 }
 
 }  // namespace
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

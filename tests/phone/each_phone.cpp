@@ -5,7 +5,7 @@
 
 #include "src/platform/command_channel.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 
 namespace fs = std::filesystem;
 
@@ -19,8 +19,7 @@ class Resources {
     if (mkdtemp(folder.data()) == nullptr) return;
     folder_ = folder;
     for (const char* program : {"adb", "busybox"}) {
-      const std::string path = RunProgram({"sh", "-c", std::string("command -v ") + program}, {}).output;
-      fs::create_symlink(path.substr(0, path.find('\n')), folder_ / program);
+      fs::create_symlink(PathOfProgram(program), folder_ / program);
     }
   }
   ~Resources() {
@@ -70,4 +69,4 @@ std::string NameOfCombination(const testing::TestParamInfo<Combination>& combina
   return combination.param.Name();
 }
 
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

@@ -7,9 +7,9 @@
 #include <ostream>
 #include <string>
 
-#include "tests/phone/simulated_phones.h"
+#include "tests/support/simulated_phones.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 
 // An old or a new phone, and a channel that assists or does not.
 struct Combination {
@@ -53,6 +53,6 @@ std::string NameOfCombination(const testing::TestParamInfo<Combination>& combina
                                            Combination{"legacy", false}, Combination{"legacy", true}), \
                            NameOfCombination)
 
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test
 
 #endif  // DAROKLEIM_TESTS_PHONE_EACH_PHONE_H

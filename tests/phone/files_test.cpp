@@ -12,7 +12,7 @@
 #include "tests/phone/each_phone.h"
 #include "tests/phone/phone_under_test.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 namespace {
 
 namespace fs = std::filesystem;
@@ -52,7 +52,7 @@ class Files : public EachPhone {
   void Put(const std::string& entry, const std::string& content) const {
     const fs::path file = InTree(entry);
     fs::create_directories(file.parent_path());
-    WriteHostFile(file.string(), content);
+    WriteFile(file.string(), content);
     fs::last_write_time(file, fs::file_time_type::clock::now());
     const std::string touched = "@" + std::to_string(kTime);
     RunProgram({"touch", "-d", touched, file.string()}, {});
@@ -262,4 +262,4 @@ TEST_P(Files, OfAPhoneThatVanishesBetweenTwoCommands) {
 INSTANTIATE_FOR_EACH_PHONE(Files);
 
 }  // namespace
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

@@ -8,7 +8,7 @@
 
 #include "tests/phone/phone_under_test.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 namespace {
 
 namespace fs = std::filesystem;
@@ -93,4 +93,4 @@ TEST_F(Folders, KeepTheWholePhone) {
 }
 
 }  // namespace
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

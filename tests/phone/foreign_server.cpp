@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <utility>
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 
 ForeignServer::ForeignServer(std::string answer)
     : answer_(std::move(answer)), listener_(socket(AF_INET, SOCK_STREAM, 0)) {
@@ -44,4 +44,4 @@ void ForeignServer::AnswerAll() {
   }
 }
 
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

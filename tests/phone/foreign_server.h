@@ -5,7 +5,7 @@
 #include <string>
 #include <thread>
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 
 // Something else on a port of the host where adb looks for its server. It gives everyone the same answer and hangs up.
 class ForeignServer {
@@ -27,6 +27,6 @@ class ForeignServer {
   std::thread thread_;
 };
 
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test
 
 #endif  // DAROKLEIM_TESTS_PHONE_FOREIGN_SERVER_H

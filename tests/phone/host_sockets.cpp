@@ -5,7 +5,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 
 namespace {
 
@@ -77,4 +77,4 @@ int FreeHostPort() {
   return port;
 }
 
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

@@ -4,7 +4,7 @@
 #include <string>
 #include <thread>
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 
 // Sends the text to a port of the host and reads everything that comes back; nothing when nobody listens.
 std::string Exchange(int port, const std::string& text);
@@ -31,6 +31,6 @@ class HostEcho {
 // A port of the host where nobody listens, as far as can be known beforehand.
 int FreeHostPort();
 
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test
 
 #endif  // DAROKLEIM_TESTS_PHONE_HOST_SOCKETS_H

@@ -1,6 +1,6 @@
 #include "tests/phone/phone_under_test.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 namespace {
 
 using testing::HasSubstr;
@@ -44,7 +44,7 @@ TEST_P(Packages, TheInstalledFileIsTheOneThatWasSent) {
   Install({DataFile("notes-1.apk")});
   const std::string path = Text("pm path com.example.notes").substr(std::string("package:").size());
   Adb({"pull", path.substr(0, path.find('\n')), host_folder() + "/back.apk"});
-  EXPECT_TRUE(ReadHostFile(host_folder() + "/back.apk") == ReadHostFile(DataFile("notes-1.apk")));
+  EXPECT_TRUE(ReadFile(host_folder() + "/back.apk") == ReadFile(DataFile("notes-1.apk")));
 }
 
 TEST_P(Packages, AreInstalledFromTheirOwnStorage) {
@@ -97,7 +97,7 @@ TEST_P(Packages, AreRefusedForWhatTheirManifestSays) {
 }
 
 TEST_P(Packages, AreRefusedWhenTheyAreNone) {
-  WriteHostFile(host_folder() + "/text.apk", "this is no package");
+  WriteFile(host_folder() + "/text.apk", "this is no package");
   EXPECT_THAT(Install({host_folder() + "/text.apk"}), HasSubstr("Failure [INSTALL_PARSE_FAILED_NOT_APK"));
 }
 
@@ -163,4 +163,4 @@ TEST_P(Packages, OutliveAReboot) {
 INSTANTIATE_FOR_PHONES(Packages);
 
 }  // namespace
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

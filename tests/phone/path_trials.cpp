@@ -11,7 +11,7 @@
 
 #include "tests/phone/phone_under_test.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 
 namespace {
 
@@ -22,11 +22,11 @@ constexpr char kPackage[] = "com.example.notes";
 constexpr time_t kTime = 1577934245;
 
 bool HasContent(const fs::path& file) {
-  return ReadHostFile(file.string()) == kContent;
+  return ReadFile(file.string()) == kContent;
 }
 
 bool BeginsWith(const fs::path& file, const std::string& text) {
-  return ReadHostFile(file.string()).substr(0, text.size()) == text;
+  return ReadFile(file.string()).substr(0, text.size()) == text;
 }
 
 void SetTime(const fs::path& file) {
@@ -192,13 +192,13 @@ TrialResult AsInstalled(const TrialPlace& place, int code) {
 }
 
 TrialResult InstallFromHost(const TrialPlace& place) {
-  place.PutOnHost(place.name(), ReadHostFile(DataFile("notes-2.apk")));
+  place.PutOnHost(place.name(), ReadFile(DataFile("notes-2.apk")));
   return AsInstalled(place,
                      AdbInstallAppFromPCPath(place.serial(), place.OnHost(place.name()).c_str(), nullptr));
 }
 
 TrialResult InstallFromDevice(const TrialPlace& place) {
-  place.PutOnPhone(place.name(), ReadHostFile(DataFile("notes-2.apk")));
+  place.PutOnPhone(place.name(), ReadFile(DataFile("notes-2.apk")));
   return AsInstalled(
       place, AdbInstallAppFromDevicePath(place.serial(), place.OnPhone(place.name()).c_str(), nullptr));
 }
@@ -207,7 +207,7 @@ TrialResult InstallFromDevice(const TrialPlace& place) {
 TrialResult InstallMultiple(const TrialPlace& place) {
   Json::Value paths;
   const std::string apk = place.name() + "/base.apk";
-  place.PutOnHost(apk, ReadHostFile(DataFile("notes-2.apk")));
+  place.PutOnHost(apk, ReadFile(DataFile("notes-2.apk")));
   paths["files"].append(place.OnHost(apk));
   const std::string json = Json::writeString(Json::StreamWriterBuilder(), paths);
   return AsInstalled(place, AdbInstallMultipleAppFromPCPath(place.serial(), json.c_str(), nullptr));
@@ -229,7 +229,7 @@ TrialResult Backup(const TrialPlace& place) {
 TrialResult Restore(const TrialPlace& place) {
   InstallNotes(place);
   const fs::path note = place.SeenPath(std::string("/data/data/") + kPackage + "/files/note");
-  WriteHostFile(note.string(), kContent);
+  WriteFile(note.string(), kContent);
   AdbBackupApp(place.serial(), kPackage, place.OnHost("backup").c_str(), nullptr);
   fs::rename(place.OnHost("backup"), place.OnHost(place.name()));
   fs::remove(note);
@@ -282,4 +282,4 @@ std::vector<PathTrial> PathTrials() {
   };
 }
 
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

@@ -7,7 +7,7 @@
 
 #include "tests/phone/trial_place.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 
 struct TrialResult {
   int code;   // what the function returned
@@ -25,6 +25,6 @@ struct PathTrial {
 // Every function that takes a path, in the order in which they must run.
 std::vector<PathTrial> PathTrials();
 
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test
 
 #endif  // DAROKLEIM_TESTS_PHONE_PATH_TRIALS_H

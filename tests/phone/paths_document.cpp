@@ -8,7 +8,7 @@
 
 #include "tests/phone/phone_under_test.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 
 namespace {
 
@@ -48,7 +48,7 @@ std::string RenderTable(const std::vector<std::string>& columns,
 }
 
 std::string DocumentedTable(const std::string& key) {
-  const std::string document = ReadHostFile(kDocument);
+  const std::string document = ReadFile(kDocument);
   const Span span = SpanOfTable(document, key);
   return document.substr(span.begin, span.end - span.begin);
 }
@@ -56,10 +56,10 @@ std::string DocumentedTable(const std::string& key) {
 void DocumentTable(const std::string& key, const std::string& table) {
   const int lock = open(kDocument, O_RDONLY | O_CLOEXEC);
   flock(lock, LOCK_EX);
-  std::string document = ReadHostFile(kDocument);
+  std::string document = ReadFile(kDocument);
   const Span span = SpanOfTable(document, key);
-  WriteHostFile(kDocument, document.replace(span.begin, span.end - span.begin, table));
+  WriteFile(kDocument, document.replace(span.begin, span.end - span.begin, table));
   close(lock);
 }
 
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 
 // A table of docs/paths.md, as text: a row for each function, a column for each name.
 std::string RenderTable(const std::vector<std::string>& columns,
@@ -15,6 +15,6 @@ std::string DocumentedTable(const std::string& key);
 // Puts another text there. Several processes may do so at the same time.
 void DocumentTable(const std::string& key, const std::string& table);
 
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test
 
 #endif  // DAROKLEIM_TESTS_PHONE_PATHS_DOCUMENT_H

@@ -10,7 +10,7 @@
 #include "tests/phone/path_trials.h"
 #include "tests/phone/paths_document.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 namespace {
 
 struct AwkwardName {
@@ -105,4 +105,4 @@ TEST_P(Paths, AreTreatedAsDocumented) {
 INSTANTIATE_FOR_EACH_PHONE(Paths);
 
 }  // namespace
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

@@ -4,10 +4,8 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 
 namespace {
 
@@ -97,17 +95,8 @@ std::string Unix(std::string text) {
   return text;
 }
 
-void WriteHostFile(const std::string& path, const std::string& content) {
-  std::ofstream(path, std::ios::binary) << content;
-}
-
-std::string ReadHostFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(file), {});
-}
-
 std::string DataFile(const std::string& name) {
   return DAROKLEIM_PHONE_TEST_DATA "/" + name;
 }
 
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

@@ -6,9 +6,11 @@
 #include <memory>
 #include <string>
 
-#include "tests/phone/simulated_phones.h"
+#include "tests/support/eventually.h"
+#include "tests/support/file_content.h"
+#include "tests/support/simulated_phones.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 
 // A test that needs a phone and knows only its serial. It runs with a modern and a legacy simulated phone; or
 // with the attached one whose serial is in DAROKLEIM_TEST_SERIAL, through the machine's own adb server.
@@ -61,32 +63,12 @@ std::string NameOfPhone(const testing::TestParamInfo<std::string>& info);
 #define INSTANTIATE_FOR_PHONES(suite) \
   INSTANTIATE_TEST_SUITE_P(, suite, testing::ValuesIn(PhonesToTest()), NameOfPhone)
 
-// Tries again for up to five seconds.
-template <typename Condition>
-bool Eventually(const Condition& condition);
-
 // The text with the line ends of a modern phone.
 std::string Unix(std::string text);
-
-void WriteHostFile(const std::string& path, const std::string& content);
-std::string ReadHostFile(const std::string& path);
 
 // A file of this folder's data.
 std::string DataFile(const std::string& name);
 
-}  // namespace darokleim::phone_test
-
-#include <chrono>
-#include <thread>
-
-template <typename Condition>
-bool darokleim::phone_test::Eventually(const Condition& condition) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-  while (!condition()) {
-    if (std::chrono::steady_clock::now() > deadline) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  }
-  return true;
-}
+}  // namespace darokleim::test
 
 #endif  // DAROKLEIM_TESTS_PHONE_PHONE_UNDER_TEST_H

@@ -5,7 +5,7 @@
 #include "tests/phone/host_sockets.h"
 #include "tests/phone/phone_under_test.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 namespace {
 
 using testing::HasSubstr;
@@ -109,4 +109,4 @@ TEST_P(Ports, RefuseWhatIsNoAddress) {
 INSTANTIATE_FOR_PHONES(Ports);
 
 }  // namespace
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

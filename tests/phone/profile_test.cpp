@@ -1,6 +1,6 @@
 #include "tests/phone/phone_under_test.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 namespace {
 
 using testing::HasSubstr;
@@ -115,4 +115,4 @@ TEST(ManyPhones, WorkAtOnce) {
 }
 
 }  // namespace
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

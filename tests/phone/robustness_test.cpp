@@ -15,7 +15,7 @@
 #include "tools/phone/common/wire.h"
 #include "tools/phone/device/sync_messages.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 namespace {
 
 using base::UniqueFd;
@@ -225,4 +225,4 @@ TEST(RobustnessAtTheEnd, ClientsThatSayNothingDoNotKeepTheServer) {
 }
 
 }  // namespace
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

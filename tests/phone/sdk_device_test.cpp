@@ -6,7 +6,7 @@
 #include "src/platform/command_channel.h"
 #include "tests/phone/sdk_on_phone.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 namespace {
 
 using testing::HasSubstr;
@@ -265,4 +265,4 @@ TEST_P(SdkPhones, TellTheirMiuiVersion) {
 INSTANTIATE_TEST_SUITE_P(, SdkPhones, testing::Values("modern", "legacy"), NameOfPhone);
 
 }  // namespace
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

@@ -20,7 +20,7 @@
 #include <fstream>
 #endif
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 namespace {
 
 using std::chrono::milliseconds;
@@ -181,7 +181,7 @@ TEST_P(SdkFaults, TheHostsDiskIsFull) {
     ASSERT_TRUE(MountDisk(disk, 0)) << strerror(errno);
     EXPECT_EQ(Pull(file, disk + "/back"), ADB_RESULT_NO_SPACE_LEFT);
     EXPECT_FALSE(std::filesystem::exists(disk + "/back")) << "adb takes back what it began";
-    WriteHostFile(disk + "/filler", std::string(2 << 20, 'x'));
+    WriteFile(disk + "/filler", std::string(2 << 20, 'x'));
     EXPECT_EQ(AdbScreencapToPC(phone(), (disk + "/screen.png").c_str(), cancel_), ADB_RESULT_NO_SPACE_LEFT);
     std::filesystem::remove(disk + "/filler");
     EXPECT_EQ(Pull(LargeFile("4K"), disk + "/small"), kOk);
@@ -203,4 +203,4 @@ TEST_P(SdkFaults, TheHostsDiskIsReadOnly) {
 INSTANTIATE_FOR_PHONES(SdkFaults);
 
 }  // namespace
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

@@ -5,16 +5,11 @@
 #include <cstdlib>
 #include <filesystem>
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string PathOf(const std::string& program) {
-  const std::string path = RunProgram({"sh", "-c", "command -v " + program}, {}).output;
-  return path.substr(0, path.find('\n'));
-}
 
 // The library is started once in a process and keeps the adb that it was given.
 class StartedLibrary : public testing::Environment {
@@ -23,7 +18,7 @@ class StartedLibrary : public testing::Environment {
     folder_ = (fs::temp_directory_path() / "darokleim-sdk-test-XXXXXX").string();
     ASSERT_NE(mkdtemp(folder_.data()), nullptr);
     for (const char* program : {"adb", "busybox"})
-      fs::create_symlink(PathOf(program), folder_ + "/" + program);
+      fs::create_symlink(PathOfProgram(program), folder_ + "/" + program);
     setenv("DAROKLEIM_CHANNEL_ASSIST", kAssisted ? "1" : "0", 1);
     ASSERT_EQ(AdbSdkInit(folder_.c_str(), "phone_sdk_test", folder_.c_str()), kOk);
   }
@@ -49,4 +44,4 @@ std::string SdkOnPhone::Taken(char** text, int length) {
   return taken;
 }
 
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

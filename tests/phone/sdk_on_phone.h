@@ -7,7 +7,7 @@
 
 #include "tests/phone/phone_under_test.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 
 inline constexpr int kOk = ADB_RESULT_OK;
 
@@ -33,6 +33,6 @@ class SdkOnPhone : public PhoneUnderTest {
   int length_ = 0;
 };
 
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test
 
 #endif  // DAROKLEIM_TESTS_PHONE_SDK_ON_PHONE_H

@@ -6,7 +6,7 @@
 
 #include "tests/phone/sdk_on_phone.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 namespace {
 
 using testing::EndsWith;
@@ -51,7 +51,7 @@ class SdkPackages : public SdkOnPhone {
   void ExpectNothingIsLeft() const { EXPECT_EQ(Staged(), staged_before_) << "staged and left behind"; }
   // A copy of the package on the host.
   std::string PackageNamed(const std::string& name) const {
-    WriteHostFile(OnHost(name), ReadHostFile(DataFile("notes-1.apk")));
+    WriteFile(OnHost(name), ReadFile(DataFile("notes-1.apk")));
     return OnHost(name);
   }
 
@@ -129,7 +129,7 @@ TEST_P(SdkPackages, AFileThatIsNotOnThePhoneIsNotInstalled) {
 TEST_P(SdkPackages, ComeInSeveralFiles) {
   const std::string folder_of_split = OnHost("it's my \xe7\xac\x94\xe8\xae\xb0");
   std::filesystem::create_directory(folder_of_split);
-  WriteHostFile(folder_of_split + "/split.apk", ReadHostFile(DataFile("notes-1-split.apk")));
+  WriteFile(folder_of_split + "/split.apk", ReadFile(DataFile("notes-1-split.apk")));
   EXPECT_EQ(InstallSet({folder_of_split + "/split.apk", DataFile("notes-1.apk")}), kOk);
   EXPECT_EQ(AdbGetApkPathOfInstatlled(phone(), kNotes, buffer_, sizeof(buffer_), cancel_), kOk);
   EXPECT_THAT(buffer_, EndsWith("/base.apk"));
@@ -172,10 +172,10 @@ TEST_P(SdkPackages, OfTwoVersionsTheNewerStays) {
 }
 
 TEST_P(SdkPackages, AreRefusedForWhatTheyAre) {
-  WriteHostFile(OnHost("text.apk"), "this is no package");
-  WriteHostFile(OnHost("empty.apk"), "");
-  const std::string whole = ReadHostFile(DataFile("notes-1.apk"));
-  WriteHostFile(OnHost("half.apk"), whole.substr(0, whole.size() / 2));
+  WriteFile(OnHost("text.apk"), "this is no package");
+  WriteFile(OnHost("empty.apk"), "");
+  const std::string whole = ReadFile(DataFile("notes-1.apk"));
+  WriteFile(OnHost("half.apk"), whole.substr(0, whole.size() / 2));
   for (const std::string& file :
        {OnHost("text.apk"), OnHost("empty.apk"), OnHost("half.apk"), DataFile("notes-test-only.apk"),
         DataFile("notes-future.apk"), DataFile("notes-x86.apk")}) {
@@ -289,7 +289,7 @@ class SdkInterruptedInstall : public SdkPackages {
     std::thread install(
         [&] { code = AdbInstallAppFromPCPath(phone(), DataFile("notes-1.apk").c_str(), cancel); });
     const std::string staged = SeenFromHost("/data/local/tmp/notes-1.apk");
-    EXPECT_TRUE(Eventually([&] { return !ReadHostFile(staged).empty(); }));
+    EXPECT_TRUE(Eventually([&] { return !ReadFile(staged).empty(); }));
     // The push ends within a few milliseconds from here.
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
     rest();
@@ -300,8 +300,8 @@ class SdkInterruptedInstall : public SdkPackages {
 };
 
 TEST_P(SdkInterruptedInstall, ATransferThatBreaksLeavesNothing) {
-  std::string package = ReadHostFile(DataFile("notes-1.apk"));
-  WriteHostFile(OnHost("large.apk"), package + std::string(4000000, 'x'));
+  std::string package = ReadFile(DataFile("notes-1.apk"));
+  WriteFile(OnHost("large.apk"), package + std::string(4000000, 'x'));
   SwitchOn("drop-after=1M");
   EXPECT_EQ(Install(OnHost("large.apk")), 1001);
   EXPECT_NE(InstallSet({OnHost("large.apk")}), kOk);
@@ -338,4 +338,4 @@ TEST_P(SdkInterruptedInstall, AMultipleOneOfAPhoneThatIsGoneSaysSo) {
 INSTANTIATE_FOR_PHONES(SdkInterruptedInstall);
 
 }  // namespace
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

@@ -2,7 +2,7 @@
 #include "tests/phone/host_sockets.h"
 #include "tests/phone/sdk_on_phone.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 namespace {
 
 using testing::HasSubstr;
@@ -89,4 +89,4 @@ TEST_P(SdkPorts, WithoutThePhoneThereIsNone) {
 INSTANTIATE_FOR_PHONES(SdkPorts);
 
 }  // namespace
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

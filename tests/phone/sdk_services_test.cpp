@@ -5,7 +5,7 @@
 
 #include "tests/phone/sdk_on_phone.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 namespace {
 
 using testing::HasSubstr;
@@ -42,7 +42,7 @@ class SdkBackup : public SdkServices {
 
 TEST_P(SdkBackup, BringsTheDataBack) {
   EXPECT_EQ(Backup(cancel_), kOk);
-  EXPECT_THAT(ReadHostFile(file_()), StartsWith("ANDROID BACKUP\n"));
+  EXPECT_THAT(ReadFile(file_()), StartsWith("ANDROID BACKUP\n"));
   Shell(std::string("echo changed > ") + kNote);
   EXPECT_EQ(Restore(cancel_), kOk);
   EXPECT_EQ(Text(std::string("cat ") + kNote), "precious\n");
@@ -54,7 +54,7 @@ TEST_P(SdkBackup, NeedsAFileOfTheHost) {
 }
 
 TEST_P(SdkBackup, AFileThatIsNoneRestoresNothing) {
-  WriteHostFile(file_(), "no backup");
+  WriteFile(file_(), "no backup");
   EXPECT_EQ(Restore(cancel_), kOk) << "adb does not tell";
   EXPECT_EQ(Text(std::string("cat ") + kNote), "precious\n");
 }
@@ -67,7 +67,7 @@ TEST_P(SdkBackup, ThatNobodyConfirmsIsAbandoned) {
   EXPECT_EQ(AdbStopDeviceBackupRestoreProcess(phone(), cancel_), kOk);
   backup.join();
   EXPECT_EQ(code, kOk) << "adb does not tell";
-  EXPECT_EQ(ReadHostFile(file_()), "") << "but the file does";
+  EXPECT_EQ(ReadFile(file_()), "") << "but the file does";
 }
 
 TEST_P(SdkBackup, ARestoreThatNobodyConfirmsIsAbandoned) {
@@ -226,4 +226,4 @@ TEST_P(SdkServices, TypesIntoThePhone) {
 INSTANTIATE_FOR_PHONES(SdkServices);
 
 }  // namespace
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

@@ -1,6 +1,6 @@
 #include "tests/phone/sdk_on_phone.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 namespace {
 
 using testing::HasSubstr;
@@ -10,7 +10,7 @@ using testing::StartsWith;
 class Sdk : public SdkOnPhone {};
 
 TEST_P(Sdk, WorksOnFilesWithBlanksInTheirNames) {
-  WriteHostFile(OnHost("my photo.jpg"), "1234567");
+  WriteFile(OnHost("my photo.jpg"), "1234567");
   const std::string file = OnPhone("my photo.jpg");
   const std::string copy = OnPhone("a copy.jpg");
   const std::string moved = OnPhone("it is moved.jpg");
@@ -26,7 +26,7 @@ TEST_P(Sdk, WorksOnFilesWithBlanksInTheirNames) {
   EXPECT_EQ(AdbGetFileCreateTime(phone(), moved.c_str(), &number, cancel_), kOk);
   EXPECT_GT(number, 1000000000u);
   EXPECT_EQ(AdbPullFile(phone(), moved.c_str(), OnHost("back").c_str(), cancel_), kOk);
-  EXPECT_EQ(ReadHostFile(OnHost("back")), "1234567");
+  EXPECT_EQ(ReadFile(OnHost("back")), "1234567");
   EXPECT_EQ(AdbRemoveFile(phone(), moved.c_str(), cancel_), kOk);
   exists = true;
   EXPECT_EQ(AdbCheckFileExisted(phone(), moved.c_str(), &exists, cancel_), kOk);
@@ -44,7 +44,7 @@ TEST_P(Sdk, NamesWhatIsWrongWithAFile) {
             is_legacy() ? 1001 : 25);
   EXPECT_EQ(AdbCopyFile(phone(), OnPhone("none").c_str(), OnPhone("copy").c_str(), cancel_), 25);
   REQUIRE_SIMULATED_PHONE("would have to be filled");
-  WriteHostFile(OnHost("file"), std::string(200000, 'x'));
+  WriteFile(OnHost("file"), std::string(200000, 'x'));
   AdbPushFile(phone(), OnHost("file").c_str(), OnPhone("file").c_str(), cancel_);
   SwitchOn("full-storage");
   EXPECT_EQ(AdbPushFile(phone(), OnHost("file").c_str(), OnPhone("more").c_str(), cancel_), 47);
@@ -112,7 +112,7 @@ TEST_P(Sdk, FindsTheStorage) {
 
 TEST_P(Sdk, TakesPictures) {
   EXPECT_EQ(AdbScreencapToPC(phone(), OnHost("screen.png").c_str(), cancel_), kOk);
-  EXPECT_THAT(ReadHostFile(OnHost("screen.png")), StartsWith("\x89PNG"));
+  EXPECT_THAT(ReadFile(OnHost("screen.png")), StartsWith("\x89PNG"));
   EXPECT_EQ(AdbScreencapToDevice(phone(), OnPhone("the screen.png").c_str(), cancel_), kOk);
   EXPECT_EQ(Text("head -c 4 '" + OnPhone("the screen.png") + "' | tail -c 3"), "PNG");
 }
@@ -120,4 +120,4 @@ TEST_P(Sdk, TakesPictures) {
 INSTANTIATE_FOR_PHONES(Sdk);
 
 }  // namespace
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

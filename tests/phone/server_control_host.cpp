@@ -14,8 +14,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "tests/support/process_namespace.h"
-#include "tests/unit/support/sleeper.h"
+#include "tests/support/process.h"
+#include "tests/support/sleeper.h"
 
 namespace {
 

@@ -4,29 +4,23 @@
 #include <filesystem>
 #include <string>
 
-#include "tests/support/process_namespace.h"
+#include "tests/support/process.h"
 #include "tests/support/temporary_directory.h"
 
 #if defined(__linux__)
-namespace darokleim::phone_test {
+namespace darokleim::test {
 namespace {
 
-void LinkProgram(const std::string& program, const std::string& link) {
-  std::string path = test::RunCommand("command -v " + program).output;
-  path.erase(path.find('\n'));
-  std::filesystem::create_symlink(path, link);
-}
-
 TEST(ServerControlTest, StartsRestartsAndKillsARealServer) {
-  const test::CommandOutcome allowed = test::RunInProcessNamespace("true");
-  ASSERT_NE(allowed.exit_status, 127) << allowed.output;
-  if (allowed.exit_status != 0) GTEST_SKIP() << "the system refuses PID namespaces: " << allowed.output;
+  const Outcome allowed = RunInProcessNamespace({"true"});
+  ASSERT_NE(allowed.status, 127) << allowed.errors;
+  if (allowed.status != 0) GTEST_SKIP() << "the system refuses PID namespaces: " << allowed.errors;
 
-  const test::TemporaryDirectory directory;
-  for (const char* program : {"adb", "busybox"}) LinkProgram(program, directory.File(program));
-  const test::CommandOutcome outcome =
-      test::RunInProcessNamespace("'" DAROKLEIM_SERVER_CONTROL_HOST "' '" + directory.path().native() + "'");
-  EXPECT_EQ(outcome.exit_status, 0);
+  const TemporaryDirectory directory;
+  for (const char* program : {"adb", "busybox"})
+    std::filesystem::create_symlink(PathOfProgram(program), directory.File(program));
+  const Outcome outcome = RunInProcessNamespace({DAROKLEIM_SERVER_CONTROL_HOST, directory.path().native()});
+  EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.output,
             "server: gone\n"
             "AdbStartDaemonEx: 0\n"
@@ -46,5 +40,5 @@ TEST(ServerControlTest, StartsRestartsAndKillsARealServer) {
 }
 
 }  // namespace
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test
 #endif

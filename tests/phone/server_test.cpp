@@ -1,9 +1,9 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 
-#include "tests/phone/simulated_phones.h"
+#include "tests/support/simulated_phones.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 namespace {
 
 using testing::EndsWith;
@@ -215,4 +215,4 @@ TEST(CommandLine, ExplainsWhatItRefuses) {
 }
 
 }  // namespace
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

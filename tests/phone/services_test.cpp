@@ -2,7 +2,7 @@
 
 #include "tests/phone/phone_under_test.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 namespace {
 
 using testing::ContainsRegex;
@@ -109,7 +109,7 @@ TEST_P(Services, RecordsWhatIsTyped) {
 TEST_P(Services, TakesARealPicture) {
   Shell("screencap -p " + phone_folder() + "/screen.png");
   Adb({"pull", phone_folder() + "/screen.png", host_folder() + "/screen.png"});
-  const std::string picture = ReadHostFile(host_folder() + "/screen.png");
+  const std::string picture = ReadFile(host_folder() + "/screen.png");
   EXPECT_THAT(picture, StartsWith("\x89PNG\r\n\x1a\n"));
   EXPECT_THAT(picture, HasSubstr("IDAT"));
   EXPECT_GT(picture.size(), 1000u);
@@ -144,7 +144,7 @@ TEST_P(Services, BacksUpAndRestoresTheDataOfAnApplication) {
         " && echo precious > files/note && mkdir files/in && echo deep > files/in/x && echo y > "
         "shared_prefs/p.xml");
   EXPECT_EQ(Adb({"backup", "-f", file, "-noapk", "-nosystem", "com.example.notes"}).status, 0);
-  EXPECT_THAT(ReadHostFile(file), StartsWith("ANDROID BACKUP\n5\n1\nnone\n"));
+  EXPECT_THAT(ReadFile(file), StartsWith("ANDROID BACKUP\n5\n1\nnone\n"));
   Shell("cd " + data + " && rm -r files/* && echo changed > shared_prefs/p.xml");
   EXPECT_EQ(Adb({"restore", file}).status, 0);
   EXPECT_EQ(Text("cd " + data + " && cat files/note files/in/x shared_prefs/p.xml"), "precious\ndeep\ny\n");
@@ -156,10 +156,10 @@ TEST_P(Services, RestoreLeavesAloneWhatABrokenFileSays) {
   Shell("echo precious > /data/data/com.example.notes/files/note");
   const std::string file = host_folder() + "/notes.ab";
   Adb({"backup", "-f", file, "com.example.notes"});
-  const std::string whole = ReadHostFile(file);
+  const std::string whole = ReadFile(file);
   for (const std::string& broken :
        {std::string("nonsense"), whole.substr(0, whole.size() / 2), std::string()}) {
-    WriteHostFile(file, broken);
+    WriteFile(file, broken);
     Adb({"restore", file});
     EXPECT_EQ(Text("cat /data/data/com.example.notes/files/note"), "precious\n");
   }
@@ -172,7 +172,7 @@ TEST_P(Services, AnUnconfirmedBackupEndsWhenItsScreenIsStopped) {
   EXPECT_TRUE(Eventually([this] { return IsAsking(); }));
   Shell("am force-stop com.android.backupconfirm");
   EXPECT_THAT(backup->Finish().output, HasSubstr("confirm the backup operation"));
-  EXPECT_EQ(ReadHostFile(host_folder() + "/none.ab"), "");
+  EXPECT_EQ(ReadFile(host_folder() + "/none.ab"), "");
 }
 
 TEST_P(Services, SlowPhoneAnswersLater) {
@@ -198,4 +198,4 @@ TEST_P(Services, RebootTakesThePhoneAwayAndBack) {
 INSTANTIATE_FOR_PHONES(Services);
 
 }  // namespace
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

@@ -3,9 +3,9 @@
 #include <chrono>
 #include <thread>
 
-#include "tests/phone/simulated_phones.h"
+#include "tests/support/simulated_phones.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 namespace {
 
 using testing::HasSubstr;
@@ -133,4 +133,4 @@ TEST(Exec, GivesTheCommandAllItsInputBeforeItEnds) {
 }
 
 }  // namespace
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

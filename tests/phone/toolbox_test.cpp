@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 
-#include "tests/phone/simulated_phones.h"
+#include "tests/support/simulated_phones.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 namespace {
 
 using testing::ContainsRegex;
@@ -80,4 +80,4 @@ TEST(Tools, AreThoseThatWereAskedFor) {
 }
 
 }  // namespace
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

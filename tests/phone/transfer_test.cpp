@@ -6,7 +6,7 @@
 
 #include "tests/phone/phone_under_test.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 namespace {
 
 namespace fs = std::filesystem;
@@ -27,18 +27,18 @@ std::string ManyBytes(size_t count) {
 
 TEST_P(Transfer, BringsAFileThereAndBack) {
   const std::string bytes = ManyBytes(3 * 1000 * 1000 + 7);
-  WriteHostFile(host_folder() + "/there", bytes);
+  WriteFile(host_folder() + "/there", bytes);
   EXPECT_THAT(Adb({"push", "--sync", host_folder() + "/there", storage_folder() + "/file"}).output,
               HasSubstr("1 file pushed"));
   EXPECT_EQ(Text("wc -c < " + storage_folder() + "/file"), "3000007\n");
   EXPECT_THAT(Adb({"pull", "-a", storage_folder() + "/file", host_folder() + "/back"}).output,
               HasSubstr("1 file pulled"));
-  EXPECT_TRUE(ReadHostFile(host_folder() + "/back") == bytes);
+  EXPECT_TRUE(ReadFile(host_folder() + "/back") == bytes);
 }
 
 TEST_P(Transfer, KeepsTimeAndMode) {
   const std::string host = host_folder() + "/script";
-  WriteHostFile(host, "echo run\n");
+  WriteFile(host, "echo run\n");
   chmod(host.c_str(), 0750);
   const timespec times[] = {{1577934240, 0}, {1577934240, 0}};
   utimensat(AT_FDCWD, host.c_str(), times, 0);
@@ -52,28 +52,28 @@ TEST_P(Transfer, KeepsTimeAndMode) {
 }
 
 TEST_P(Transfer, SkipsWhatIsNotNewer) {
-  WriteHostFile(host_folder() + "/file", "content");
+  WriteFile(host_folder() + "/file", "content");
   const Words push = {"push", "--sync", host_folder() + "/file", phone_folder() + "/file"};
   EXPECT_THAT(Adb(push).output, HasSubstr("1 file pushed"));
   EXPECT_THAT(Adb(push).output, HasSubstr("0 files pushed, 1 skipped"));
 }
 
 TEST_P(Transfer, MakesTheFoldersOnTheWay) {
-  WriteHostFile(host_folder() + "/file", "content");
+  WriteFile(host_folder() + "/file", "content");
   Adb({"push", host_folder() + "/file", phone_folder() + "/a/b/c/file"});
   EXPECT_EQ(Text("cat " + phone_folder() + "/a/b/c/file"), "content");
 }
 
 TEST_P(Transfer, TakesWholeFoldersBothWays) {
   fs::create_directories(host_folder() + "/tree/in");
-  WriteHostFile(host_folder() + "/tree/one", "1");
-  WriteHostFile(host_folder() + "/tree/in/two words", "2");
+  WriteFile(host_folder() + "/tree/one", "1");
+  WriteFile(host_folder() + "/tree/in/two words", "2");
   fs::create_symlink("one", host_folder() + "/tree/link");
   EXPECT_THAT(Adb({"push", host_folder() + "/tree", phone_folder()}).output, HasSubstr("3 files pushed"));
   EXPECT_EQ(Text("cat '" + phone_folder() + "/tree/in/two words' " + phone_folder() + "/tree/link"), "21");
   EXPECT_THAT(Adb({"pull", phone_folder() + "/tree", host_folder() + "/back"}).output,
               HasSubstr("files pulled"));
-  EXPECT_EQ(ReadHostFile(host_folder() + "/back/in/two words"), "2");
+  EXPECT_EQ(ReadFile(host_folder() + "/back/in/two words"), "2");
 }
 
 TEST_P(Transfer, ListsAFolderInHexadecimal) {
@@ -103,14 +103,14 @@ TEST_P(Transfer, SaysThatAFileMayNotBeRead) {
 }
 
 TEST_P(Transfer, SaysThatTheSystemIsReadOnly) {
-  WriteHostFile(host_folder() + "/file", "content");
+  WriteFile(host_folder() + "/file", "content");
   const Outcome outcome = Adb({"push", host_folder() + "/file", "/system/bin/nothing"});
   EXPECT_THAT(outcome.output + outcome.errors, HasSubstr("couldn't create file: Read-only file system"));
 }
 
 TEST_P(Transfer, SaysThatTheStorageIsFull) {
   REQUIRE_SIMULATED_PHONE("would have to be filled");
-  WriteHostFile(host_folder() + "/file", std::string(1000000, 'x'));
+  WriteFile(host_folder() + "/file", std::string(1000000, 'x'));
   Adb({"push", host_folder() + "/file", storage_folder() + "/before"});
   SwitchOn("full-storage");
   for (const char* name : {"/before", "/new"}) {
@@ -124,7 +124,7 @@ TEST_P(Transfer, SaysThatTheStorageIsFull) {
 
 TEST_P(Transfer, FailsWhenTheConnectionBreaks) {
   REQUIRE_SIMULATED_PHONE("would have to be unplugged at the right moment");
-  WriteHostFile(host_folder() + "/file", ManyBytes(4000000));
+  WriteFile(host_folder() + "/file", ManyBytes(4000000));
   Adb({"push", host_folder() + "/file", storage_folder() + "/whole"});
   SwitchOn("drop-after=1M");
   EXPECT_NE(Adb({"push", host_folder() + "/file", storage_folder() + "/half"}).status, 0);
@@ -146,4 +146,4 @@ TEST_P(Transfer, EndsWhenThePhoneIsUnplugged) {
 INSTANTIATE_FOR_PHONES(Transfer);
 
 }  // namespace
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

@@ -6,7 +6,7 @@
 
 #include "tests/phone/phone_under_test.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 
 namespace {
 
@@ -25,7 +25,7 @@ void MakeFolder(const fs::path& folder) {
 
 void Put(const fs::path& file, const std::string& content) {
   MakeFolder(file.parent_path());
-  WriteHostFile(file.string(), content);
+  WriteFile(file.string(), content);
   fs::permissions(file, static_cast<fs::perms>(0666));
 }
 
@@ -64,9 +64,9 @@ void TrialPlace::PutOnHost(const std::string& entry, const std::string& content)
 
 bool TrialPlace::OthersAreUntouched() const {
   for (const char* other : kOthers) {
-    if (ReadHostFile(Seen(other).string()) != kOther || ModeOf(Seen(other)) != 0666) return false;
+    if (ReadFile(Seen(other).string()) != kOther || ModeOf(Seen(other)) != 0666) return false;
   }
   return true;
 }
 
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test

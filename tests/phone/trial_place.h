@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string>
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 
 // Where one function is tried on one name: a folder on the phone and one on the host, both new. On the phone there
 // are other files beside it, which nothing may touch: those that a name falls apart to, or is taken for a pattern of.
@@ -44,6 +44,6 @@ class TrialPlace {
   std::filesystem::path host_folder_;
 };
 
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test
 
 #endif  // DAROKLEIM_TESTS_PHONE_TRIAL_PLACE_H

@@ -9,25 +9,22 @@
 #include <cstdio>
 #include <exception>
 
+#include "tests/support/process.h"
+
 namespace darokleim::test {
 
 // For what changes a whole process. The body's expectations count.
 template <typename Body>
 void InProcessOfItsOwn(Body body) {
-  fflush(nullptr);
-  const pid_t pid = fork();
-  ASSERT_NE(pid, -1);
-  if (pid == 0) {
+  const int status = WaitStatusOfFork([&] {
     try {
       body();
     } catch (const std::exception& e) {
       ADD_FAILURE() << e.what();
     }
     fflush(nullptr);
-    _exit(testing::Test::HasFailure() ? 1 : 0);
-  }
-  int status = 0;
-  ASSERT_EQ(waitpid(pid, &status, 0), pid);
+    if (testing::Test::HasFailure()) _exit(1);
+  });
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "wait status " << status;
 }
 

@@ -6,9 +6,9 @@
 #include <string>
 
 #include "src/core/server_control.h"
+#include "tests/support/sleeper.h"
 #include "tests/unit/support/listed_processes.h"
 #include "tests/unit/support/sdk_test.h"
-#include "tests/unit/support/sleeper.h"
 
 namespace darokleim::test {
 namespace {

@@ -1,19 +1,19 @@
 // AdbKillDaemon among real processes, where it can reach none but the test's.
-#include "tests/support/process_namespace.h"
-
 #include <gtest/gtest.h>
+
+#include "tests/support/process.h"
 
 #if defined(__linux__)
 namespace darokleim::sdk {
 namespace {
 
 TEST(ProcessNamespaceTest, KillsRealProcessesByTheWord) {
-  const test::CommandOutcome allowed = test::RunInProcessNamespace("true");
-  ASSERT_NE(allowed.exit_status, 127) << allowed.output;
-  if (allowed.exit_status != 0) GTEST_SKIP() << "the system refuses PID namespaces: " << allowed.output;
+  const test::Outcome allowed = test::RunInProcessNamespace({"true"});
+  ASSERT_NE(allowed.status, 127) << allowed.errors;
+  if (allowed.status != 0) GTEST_SKIP() << "the system refuses PID namespaces: " << allowed.errors;
 
-  const test::CommandOutcome outcome = test::RunInProcessNamespace("'" DAROKLEIM_REAL_PROCESSES "'");
-  EXPECT_EQ(outcome.exit_status, 0);
+  const test::Outcome outcome = test::RunInProcessNamespace({DAROKLEIM_REAL_PROCESSES});
+  EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.output,
             "adb -L tcp:5037 fork-server server: killed\n"
             "/opt/tools/adb -s X logcat: killed\n"
@@ -24,9 +24,9 @@ TEST(ProcessNamespaceTest, KillsRealProcessesByTheWord) {
 }
 
 TEST(ProcessNamespaceTest, OutsideOfANamespaceTheProgramRefuses) {
-  const test::CommandOutcome outcome = test::RunCommand("'" DAROKLEIM_REAL_PROCESSES "'");
-  EXPECT_EQ(outcome.exit_status, 2);
-  EXPECT_EQ(outcome.output, "not in a PID namespace of its own\n");
+  const test::Outcome outcome = test::RunProgram({DAROKLEIM_REAL_PROCESSES});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.errors, "not in a PID namespace of its own\n");
 }
 
 }  // namespace

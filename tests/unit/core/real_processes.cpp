@@ -5,8 +5,8 @@
 #include "darokleim.h"
 #include "src/platform/command_channel.h"
 #include "src/platform/log_library.h"
-#include "tests/support/process_namespace.h"
-#include "tests/unit/support/sleeper.h"
+#include "tests/support/process.h"
+#include "tests/support/sleeper.h"
 
 bool InitLogEx(const void*, const char*, const char*) {
   return true;

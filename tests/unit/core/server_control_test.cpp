@@ -1,9 +1,9 @@
 #include <string>
 
+#include "tests/support/sleeper.h"
 #include "tests/unit/support/device_output.h"
 #include "tests/unit/support/listed_processes.h"
 #include "tests/unit/support/sdk_test.h"
-#include "tests/unit/support/sleeper.h"
 
 namespace darokleim::test {
 namespace {

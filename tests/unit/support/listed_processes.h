@@ -8,6 +8,7 @@
 #include <string>
 
 #include "tests/support/file_content.h"
+#include "tests/support/process.h"
 #include "tests/support/temporary_directory.h"
 
 namespace darokleim::test {
@@ -33,12 +34,8 @@ class ListedProcesses {
   static constexpr char kHeading[] = "    PID TTY      STAT   TIME THE TEST'S OWN\n";
 
   static std::string FirstLineOfPs() {
-    char line[sizeof kHeading] = "";
-    FILE* ps = popen("ps -ax", "r");
-    if (!ps) return "";
-    const bool read = std::fgets(line, sizeof line, ps) != nullptr;
-    pclose(ps);
-    return read ? line : "";
+    const std::string list = RunProgram({"ps", "-ax"}).output;
+    return list.substr(0, list.find('\n') + 1);
   }
 
   TemporaryDirectory directory_;

@@ -1,6 +1,6 @@
 // A real process that does nothing, for those who kill processes.
-#ifndef DAROKLEIM_TESTS_UNIT_SUPPORT_SLEEPER_H
-#define DAROKLEIM_TESTS_UNIT_SUPPORT_SLEEPER_H
+#ifndef DAROKLEIM_TESTS_SUPPORT_SLEEPER_H
+#define DAROKLEIM_TESTS_SUPPORT_SLEEPER_H
 
 #include <fcntl.h>
 #include <signal.h>
@@ -65,4 +65,4 @@ class Sleeper {
 
 }  // namespace darokleim::test
 
-#endif  // DAROKLEIM_TESTS_UNIT_SUPPORT_SLEEPER_H
+#endif  // DAROKLEIM_TESTS_SUPPORT_SLEEPER_H

@@ -1,12 +1,12 @@
-#ifndef DAROKLEIM_TESTS_PHONE_SIMULATED_PHONES_H
-#define DAROKLEIM_TESTS_PHONE_SIMULATED_PHONES_H
+#ifndef DAROKLEIM_TESTS_SUPPORT_SIMULATED_PHONES_H
+#define DAROKLEIM_TESTS_SUPPORT_SIMULATED_PHONES_H
 
 #include <memory>
 #include <string>
 
-#include "tests/phone/host_process.h"
+#include "tests/support/process.h"
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 
 // A server with phones on a port of its own, and the real adb client to talk to it.
 class SimulatedPhones {
@@ -34,6 +34,6 @@ class SimulatedPhones {
 // What every adb of a test gets in its environment to reach the server on this port.
 Environment AdbEnvironment(const std::string& port);
 
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test
 
-#endif  // DAROKLEIM_TESTS_PHONE_SIMULATED_PHONES_H
+#endif  // DAROKLEIM_TESTS_SUPPORT_SIMULATED_PHONES_H

@@ -1,10 +1,10 @@
-#include "tests/phone/simulated_phones.h"
+#include "tests/support/simulated_phones.h"
 
 #include <signal.h>
 
 #include <stdexcept>
 
-namespace darokleim::phone_test {
+namespace darokleim::test {
 
 namespace {
 
@@ -52,4 +52,4 @@ Environment AdbEnvironment(const std::string& port) {
   return {{"ANDROID_ADB_SERVER_PORT", port}, {"ANDROID_SERIAL", ""}, {"LC_ALL", "C.UTF-8"}};
 }
 
-}  // namespace darokleim::phone_test
+}  // namespace darokleim::test
