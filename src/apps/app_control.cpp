@@ -5,6 +5,8 @@
 #include "src/core/argument_text.h"
 #include "src/core/call_log.h"
 
+using namespace darokleim::sdk;
+
 namespace darokleim::sdk {
 namespace {
 
@@ -15,8 +17,7 @@ constexpr LogWording kStartWording{kLogInfo, "%s Enter ...", "%s Leave %d.", kLo
 }  // namespace darokleim::sdk
 
 int AdbStartApp(const char* serial, const char* component, const char* extras) {
-  using namespace darokleim::sdk;
-  CallLog log("AdbStartApp", kStartWording);
+  CallLog log(__func__, kStartWording);
   if (AnyNull(serial, component)) return log.Leave(log.InvalidParam());
   // No blank at the front, unlike other commands: part of the interface to the channel.
   const auto args = extras ? Cut(512, "-s %s shell am start -n %s %s", serial, component, extras)
@@ -26,8 +27,7 @@ int AdbStartApp(const char* serial, const char* component, const char* extras) {
 
 // Nothing is escaped: the device's shell splits the text, as applications expect.
 int AdbInputStringToDevice(const char* serial, const char* text, const bool* cancel) {
-  using namespace darokleim::sdk;
-  CallLog log("AdbInputStringToDevice");
+  CallLog log(__func__);
   if (AnyNull(serial, text)) return log.InvalidParam();
   return log.Leave(AdbRun(Measured(" -s %s shell input text \"%s\"", serial, text), cancel).Classify());
 }

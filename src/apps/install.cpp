@@ -1,12 +1,16 @@
-// AdbInstallAppFromPCPath, AdbInstallAppFromDevicePath: one APK file.
+// AdbInstallAppFromPCPath, AdbInstallAppFromDevicePath, AdbInstallMultipleAppFromPCPath: APK files.
 #include <string>
 #include <string_view>
 
 #include "darokleim.h"
+#include "src/apps/package_files.h"
 #include "src/core/adb_run.h"
 #include "src/core/argument_text.h"
 #include "src/core/call_log.h"
-#include "src/core/device_temp_dir.h"
+#include "src/filesystem/device_path.h"
+#include "src/platform/log_library.h"
+
+using namespace darokleim::sdk;
 
 namespace darokleim::sdk {
 namespace {
@@ -21,12 +25,14 @@ bool LacksRoom(const char* serial) {
   return free_bytes < kRoomForInstall;
 }
 
+// Stands in the log line for a list that cannot be read; a fixed mark that log readers know.
+constexpr int kParseFailureMark = 2264;
+
 }  // namespace
 }  // namespace darokleim::sdk
 
 int AdbInstallAppFromPCPath(const char* serial, const char* host_path, const bool* cancel) {
-  using namespace darokleim::sdk;
-  CallLog log("AdbInstallAppFromPCPath");
+  CallLog log(__func__);
   const std::string_view path = host_path;
   const std::string staged = std::string(kDeviceTempDir).append(path.substr(path.rfind('/') + 1));
   int code = AdbPushFile(serial, host_path, staged.c_str(), cancel);
@@ -37,12 +43,24 @@ int AdbInstallAppFromPCPath(const char* serial, const char* host_path, const boo
 }
 
 int AdbInstallAppFromDevicePath(const char* serial, const char* device_path, const bool* cancel) {
-  using namespace darokleim::sdk;
-  CallLog log("AdbInstallAppFromDevicePath");
+  CallLog log(__func__);
   if (AnyNull(serial, device_path)) return log.InvalidParam();
   // The double quotes inside the single ones are for the device's shell.
   const auto args = Cut(256, " -s %s shell pm install -r '\"%s\"'", serial, device_path);
   int code = AdbRun(args, cancel).Classify();
   if (code == ADB_RESULT_FAILURE && LacksRoom(serial)) code = ADB_RESULT_NOT_ENOUGH_SPACE;
   return log.Leave(code);
+}
+
+int AdbInstallMultipleAppFromPCPath(const char* serial, const char* json_paths, const bool* cancel) {
+  CallLog log(__func__);
+  const auto files = ReadPackageFiles(json_paths);
+  if (!files) {
+    LogEx(kLogModule, kLogError, "%s(%d): Json parse failed.", log.function(), kParseFailureMark);
+    return ADB_RESULT_JSON_PARSE_FAILED;
+  }
+  // No blank at the front, unlike other commands: part of the interface to the channel.
+  std::string args = std::string("-s ") + serial + " install-multiple -r";
+  for (const std::string& file : *files) args.append(" \"").append(file).append("\"");
+  return log.Leave(AdbRun(args, cancel).Classify());
 }

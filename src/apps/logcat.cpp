@@ -7,16 +7,16 @@
 #include "src/core/call_log.h"
 #include "src/platform/command_channel.h"
 
+using namespace darokleim::sdk;
+
 int AdbClearLogcat(const char* serial, const bool* cancel) {
-  using namespace darokleim::sdk;
-  CallLog log("AdbClearLogcat");
+  CallLog log(__func__);
   return log.Leave(AdbRun(Cut(128, " -s %s logcat -c", serial), cancel).Classify());
 }
 
 int AdbLogcatAnsync(const char* serial, const char* filter, void* on_output, void* context,
                     const bool* cancel) {
-  using namespace darokleim::sdk;
-  CallLog log("AdbLogcatAnsync");
+  CallLog log(__func__);
   // The channel may read the command for as long as the stream runs. Each call writes it anew: not for two
   // threads at once.
   static char command[256];

@@ -1,16 +1,79 @@
 // AdbCheckAppInstalled, AdbGetPackagesNameOfInstalled, AdbGetPackagesNameList: which packages a device has.
+#include <functional>
+#include <string>
 #include <string_view>
 
 #include "darokleim.h"
-#include "src/apps/package_listing.h"
 #include "src/apps/package_output.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
 #include "src/core/call_log.h"
-#include "src/core/handed_out.h"
+#include "src/core/caller_output.h"
 #include "src/core/text.h"
 #include "src/platform/log_library.h"
 
+using namespace darokleim::sdk;
+
 namespace darokleim::sdk {
 namespace {
+
+// What a listing that comes back without any output leads to.
+enum class AfterSilence { kGiveUp, kTryAgain };
+
+constexpr int kAttempts = 2;
+constexpr std::size_t kCommandCapacity = 256;
+
+// Where a step leaves the query: at the end of it, or, unless the attempts are used up, before another one.
+struct Progress {
+  int code;
+  enum { kSettled, kRefused, kTryAgain } next;
+};
+
+std::string ListCommand(const char* serial, const std::string& user_option, const char* filter) {
+  if (!filter) {
+    return Cut(kCommandCapacity, " -s %s shell pm list packages%s", serial, user_option.c_str());
+  }
+  return Cut(kCommandCapacity, " -s %s shell pm list packages%s %s", serial, user_option.c_str(), filter);
+}
+
+Progress List(const std::string& command, const bool* cancel, AfterSilence after_silence,
+              const std::function<void(std::string_view)>& use) {
+  const AdbRun run(command, cancel);
+  const int code = run.Classify();
+  if (!run.has_output()) {
+    return {code, after_silence == AfterSilence::kTryAgain ? Progress::kTryAgain : Progress::kSettled};
+  }
+  if (code == ADB_RESULT_USER_ACCESS_DENIED) return {code, Progress::kRefused};
+  if (code == ADB_RESULT_OK) use(run.output());
+  return {code, Progress::kSettled};
+}
+
+// Makes the user option name the device's current user. When the device names none, it stays.
+Progress ChooseCurrentUser(const char* serial, const bool* cancel, std::string& user_option) {
+  const AdbRun run(Cut(kCommandCapacity, " -s %s shell dumpsys user", serial), cancel);
+  const int code = run.Classify();
+  if (run.has_output() && code != ADB_RESULT_OK) return {code, Progress::kSettled};
+  const auto user = FindCurrentUser(run.output());
+  if (user) user_option = std::string(" --user ").append(*user);
+  return {code, Progress::kTryAgain};
+}
+
+// Lists packages, in at most two attempts, and hands the listing to use while the channel still holds it.
+// When the device refuses because the shell may not act for the user it means, it is asked for its current
+// user, whose packages the second attempt lists. A null filter adds nothing to the command.
+//
+// Returns the result code of the last command. ADB_RESULT_OK without a call of use: the second attempt was
+// refused as well; what the question for the user gave is the result then, and applications rely on it.
+int ListPackages(const char* serial, const char* filter, const bool* cancel, AfterSilence after_silence,
+                 const std::function<void(std::string_view listing)>& use) {
+  std::string user_option;
+  Progress progress{ADB_RESULT_OK, Progress::kTryAgain};
+  for (int attempt = 0; attempt < kAttempts && progress.next == Progress::kTryAgain; ++attempt) {
+    progress = List(ListCommand(serial, user_option, filter), cancel, after_silence, use);
+    if (progress.next == Progress::kRefused) progress = ChooseCurrentUser(serial, cancel, user_option);
+  }
+  return progress.code;
+}
 
 // The device lists every package whose name holds the one asked for. Each other one leaves a line in the log.
 bool Lists(std::string_view listing, const char* package, const CallLog& log) {
@@ -38,8 +101,7 @@ int HandOutListing(const char* serial, const char* filter, char** list, int* lis
 }  // namespace darokleim::sdk
 
 int AdbCheckAppInstalled(const char* serial, const char* package, bool* installed, const bool* cancel) {
-  using namespace darokleim::sdk;
-  CallLog log("AdbCheckAppInstalled");
+  CallLog log(__func__);
   if (AnyNull(serial, package, installed)) return log.InvalidParam();
   *installed = false;
   return log.Leave(
@@ -49,15 +111,13 @@ int AdbCheckAppInstalled(const char* serial, const char* package, bool* installe
 
 int AdbGetPackagesNameOfInstalled(const char* serial, const char* filter, char** list, int* list_len,
                                   const bool* cancel) {
-  using namespace darokleim::sdk;
-  CallLog log("AdbGetPackagesNameOfInstalled");
+  CallLog log(__func__);
   if (AnyNull(serial, filter)) return log.InvalidParam();
   return log.Leave(HandOutListing(serial, filter, list, list_len, cancel));
 }
 
 int AdbGetPackagesNameList(const char* serial, const char* filter, char** list, int* list_len) {
-  using namespace darokleim::sdk;
-  CallLog log("AdbGetPackagesNameList");
+  CallLog log(__func__);
   if (AnyNull(serial)) return log.InvalidParam();
   const bool never_cancelled = false;
   return log.Leave(HandOutListing(serial, filter, list, list_len, &never_cancelled));

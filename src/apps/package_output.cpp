@@ -28,8 +28,8 @@ std::optional<std::string_view> MatchPackageLine(std::string_view line) {
   const std::size_t colon = line.find(':');
   if (colon == std::string_view::npos) return std::nullopt;
   line.remove_prefix(colon + 1);
-  const std::size_t length = std::min(line.find_first_of(kBlanks), line.size());
-  const bool ends_behind = line.find_first_not_of(kBlanks, length) == std::string_view::npos;
+  const std::size_t length = std::min(line.find_first_of(kWhiteSpace), line.size());
+  const bool ends_behind = line.find_first_not_of(kWhiteSpace, length) == std::string_view::npos;
   if (length == 0 || !ends_behind) return std::nullopt;
   return line.substr(0, length);
 }

@@ -9,6 +9,8 @@
 #include "src/core/call_log.h"
 #include "src/platform/log_library.h"
 
+using namespace darokleim::sdk;
+
 namespace darokleim::sdk {
 namespace {
 
@@ -44,25 +46,20 @@ int ChangeMapping(CallLog log, const Direction& direction, const char* command, 
 }  // namespace darokleim::sdk
 
 int AdbFowardBind(const char* serial, const char* host_port, const char* device_port) {
-  using namespace darokleim::sdk;
-  return ChangeMapping(CallLog("AdbFowardBind", kForwardWording), kForward, "forward", serial,
+  return ChangeMapping(CallLog(__func__, kForwardWording), kForward, "forward", serial,
                        {host_port, device_port});
 }
 
 int AdbFowardRemove(const char* serial, const char* host_port) {
-  using namespace darokleim::sdk;
-  return ChangeMapping(CallLog("AdbFowardRemove", kForwardWording), kForward, "forward --remove", serial,
-                       {host_port});
+  return ChangeMapping(CallLog(__func__, kForwardWording), kForward, "forward --remove", serial, {host_port});
 }
 
 int AdbReverseBind(const char* serial, const char* device_port, const char* host_port) {
-  using namespace darokleim::sdk;
-  return ChangeMapping(CallLog("AdbReverseBind", kReverseWording), kReverse, "reverse", serial,
+  return ChangeMapping(CallLog(__func__, kReverseWording), kReverse, "reverse", serial,
                        {device_port, host_port});
 }
 
 int AdbReverseRemove(const char* serial, const char* device_port) {
-  using namespace darokleim::sdk;
-  return ChangeMapping(CallLog("AdbReverseRemove", kReverseRemoveWording), kReverse, "reverse --remove",
-                       serial, {device_port});
+  return ChangeMapping(CallLog(__func__, kReverseRemoveWording), kReverse, "reverse --remove", serial,
+                       {device_port});
 }

@@ -7,6 +7,8 @@
 #include "src/core/call_log.h"
 #include "src/core/classifier.h"
 
+using namespace darokleim::sdk;
+
 namespace darokleim::sdk {
 namespace {
 
@@ -24,15 +26,13 @@ int Ask(const std::string& args, const bool* cancel) {
 }  // namespace darokleim::sdk
 
 int AdbCheckAppExist(const char* serial, const char* package, int keep, const bool* cancel) {
-  using namespace darokleim::sdk;
-  CallLog log("AdbCheckAppExist");
+  CallLog log(__func__);
   const char* const option = keep != 0 ? " -k" : "";
   return log.Leave(Ask(Cut(kCommandCapacity, " -s %s shell pm path%s %s", serial, option, package), cancel));
 }
 
 int AdbUninstallApp(const char* serial, const char* package, int keep_data, const bool* cancel) {
-  using namespace darokleim::sdk;
-  CallLog log("AdbUninstallApp");
+  CallLog log(__func__);
   const char* const option = keep_data != 0 ? " -k" : "";
   return log.Leave(
       Ask(Cut(kCommandCapacity, " -s %s shell pm uninstall%s %s", serial, option, package), cancel));

@@ -5,6 +5,10 @@
 
 namespace darokleim::sdk {
 
+ChannelBuffer::~ChannelBuffer() {
+  if (buffer_) ReleaseAdbOutBuffer(buffer_);
+}
+
 AdbRun::AdbRun(const std::string& args, const bool* cancel)
     : status_(ExecuteAdbCommandSynchronization(args.c_str(), cancel, buffer_.out(), buffer_.out_len())) {}
 

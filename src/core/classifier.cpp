@@ -7,6 +7,8 @@
 #include "src/core/text.h"
 #include "src/platform/log_library.h"
 
+using namespace darokleim::sdk;
+
 namespace darokleim::sdk {
 namespace {
 
@@ -98,9 +100,9 @@ bool ReportsSuccess(std::string_view text) {
 }  // namespace darokleim::sdk
 
 int CheckOutbufErrorWithRet(const std::string& text, int ret, bool line_failure_only) {
-  return darokleim::sdk::Classify(text, ret, line_failure_only);
+  return Classify(text, ret, line_failure_only);
 }
 
 bool IsOutbufSuccess(const std::string& text) {
-  return darokleim::sdk::ReportsSuccess(text);
+  return ReportsSuccess(text);
 }

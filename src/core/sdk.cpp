@@ -9,6 +9,8 @@
 #include "src/platform/command_channel.h"
 #include "src/platform/log_library.h"
 
+using namespace darokleim::sdk;
+
 bool is_inited = false;
 std::string s_busybox_fullpath;
 
@@ -33,7 +35,6 @@ void OpenLog(const void* log_context, const char* log_dir) {
 }  // namespace darokleim::sdk
 
 int AdbSdkInit(const char* resource_dir, const void* log_context, const char* log_dir) {
-  using namespace darokleim::sdk;
   if (AnyNull(resource_dir, log_context, log_dir)) return ADB_RESULT_INVALID_PARAM;
   if (is_inited) return ADB_RESULT_OK;
   is_inited = true;
@@ -47,4 +48,14 @@ int AdbSdkInit(const char* resource_dir, const void* log_context, const char* lo
   }
   InitAdbCommuncation2Server(adb_path.c_str(), log_dir, log_context);
   return ADB_RESULT_OK;
+}
+
+int AdbConfigDeviceBusybox(const char* serial, const bool* cancel) {
+  constexpr char kDevicePath[] = "/data/local/tmp/busybox";
+  bool exists = false;
+  if (const int code = AdbCheckFileExisted(serial, kDevicePath, &exists, cancel)) return code;
+  if (!exists) {
+    if (const int code = AdbPushFile(serial, s_busybox_fullpath.c_str(), kDevicePath, cancel)) return code;
+  }
+  return AdbChmodFile(serial, kDevicePath, "a+x", cancel);
 }

@@ -1,6 +1,14 @@
 // AdbKillDaemon, AdbStartDaemon, AdbStartDaemonEx, AdbRestartDaemon: the adb server of the host.
 #include "src/core/server_control.h"
 
+#include <signal.h>
+#include <stdio.h>
+#include <sys/types.h>
+
+#include <array>
+#include <cerrno>
+#include <limits>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -10,8 +18,35 @@
 #include "src/core/text.h"
 #include "src/platform/log_library.h"
 
+using namespace darokleim::sdk;
+
 namespace darokleim::sdk {
 namespace {
+
+// The word, not the port, finds the processes: "my-adb" and "adb.txt" hold it, "adbd" and "my_adb" do not.
+constexpr char kListCommand[] = "ps -ax | grep -w adb | awk '{ print $1 }'";
+
+#if defined(__linux__)
+constexpr char kPipeMode[] = "re";  // not inherited by what other threads start meanwhile
+#else
+constexpr char kPipeMode[] = "r";
+#endif
+
+struct ClosePipe {
+  void operator()(FILE* pipe) const { pclose(pipe); }
+};
+
+void KillProcess(std::string_view id) {
+  const long long process = LeadingInteger(id);
+  if (process <= 0 || process > std::numeric_limits<pid_t>::max()) return;
+  kill(static_cast<pid_t>(process), SIGKILL);
+}
+
+// A number that the end of the buffer cut in two names another process.
+std::string_view WithoutCutNumber(std::string_view list, int next) {
+  if (next == EOF || next == '\n') return list;
+  return list.substr(0, list.rfind('\n') + 1);
+}
 
 constexpr int kServerPort = 5037;
 
@@ -40,20 +75,35 @@ int StartServer(const char* function, bool kill_first, const bool* cancel) {
 }  // namespace
 }  // namespace darokleim::sdk
 
+int KillListenNetProcess(int /*port*/) {
+  const std::unique_ptr<FILE, ClosePipe> pipe(popen(kListCommand, kPipeMode));
+  if (!pipe) {
+    LogEx(kLogModule, kLogError, "%s Pipe Create Failed. Error = %d", __func__, errno);
+    return 0;
+  }
+  // A fixed limit, on purpose: what is listed further down is spared.
+  std::array<char, 511> buffer;
+  const std::string_view list(buffer.data(), fread(buffer.data(), 1, buffer.size(), pipe.get()));
+  ForEachPiece(WithoutCutNumber(list, fgetc(pipe.get())), "\n", [](std::string_view id) {
+    KillProcess(id);
+    return true;
+  });
+  return 0;
+}
+
 void AdbKillDaemon(const bool* cancel) {
-  using namespace darokleim::sdk;
-  CallLog log("AdbKillDaemon", kServerWording);
+  CallLog log(__func__, kServerWording);
   LogOutput(AdbRun(" kill-server", cancel));
   KillListenNetProcess(kServerPort);
   log.Leave(ADB_RESULT_OK);
 }
 
 int AdbStartDaemon(bool kill_first, const bool* cancel) {
-  return darokleim::sdk::StartServer("AdbStartDaemon", kill_first, cancel);
+  return StartServer(__func__, kill_first, cancel);
 }
 
 int AdbStartDaemonEx(bool kill_first, const bool* cancel) {
-  return darokleim::sdk::StartServer("AdbStartDaemonEx", kill_first, cancel);
+  return StartServer(__func__, kill_first, cancel);
 }
 
 int AdbRestartDaemon() {

@@ -14,13 +14,15 @@
 
 #include "src/core/text.h"
 
+using namespace darokleim::sdk;
+
 namespace {
 
 constexpr unsigned long long kKibi = 1024ULL;
 
 unsigned long long UnitOf(std::string_view size) {
-  if (darokleim::sdk::Contains(size, "G")) return kKibi * kKibi * kKibi;
-  if (darokleim::sdk::Contains(size, "M")) return kKibi * kKibi;
+  if (Contains(size, "G")) return kKibi * kKibi * kKibi;
+  if (Contains(size, "M")) return kKibi * kKibi;
   return kKibi;
 }
 
@@ -28,7 +30,7 @@ unsigned long long UnitOf(std::string_view size) {
 // says; not "inf", "nan" or hexadecimal, which strtod knows too.
 double LeadingFraction(const std::string& text) {
   static const locale_t kPointLocale = newlocale(LC_ALL_MASK, "C", nullptr);
-  const std::size_t digits = text.find_first_not_of(darokleim::sdk::kBlanks);
+  const std::size_t digits = text.find_first_not_of(kWhiteSpace);
   const std::size_t end = text.find_first_not_of("+-0123456789.eE", digits);
   const std::string number = text.substr(digits, end == std::string::npos ? end : end - digits);
   return strtod_l(number.c_str(), nullptr, kPointLocale);
@@ -46,7 +48,7 @@ unsigned long long Truncated(double value) {
 long StringHelper::StringSplit(std::vector<std::string>& pieces, const std::string& text,
                                const std::string& separator) {
   const std::size_t before = pieces.size();
-  darokleim::sdk::ForEachPiece(text, separator, [&](std::string_view piece) {
+  ForEachPiece(text, separator, [&](std::string_view piece) {
     pieces.emplace_back(piece);
     return true;
   });
@@ -97,8 +99,7 @@ long StringHelper::StringTrimRight(std::string& text, char c) {
 
 unsigned long long StringHelper::StorageToNumber(const std::string& size) {
   const unsigned long long unit = UnitOf(size);
-  if (darokleim::sdk::Contains(size, "."))
-    return Truncated(LeadingFraction(size) * static_cast<double>(unit));
+  if (Contains(size, ".")) return Truncated(LeadingFraction(size) * static_cast<double>(unit));
   return static_cast<unsigned long long>(std::strtoll(size.c_str(), nullptr, 10)) * unit;
 }
 

@@ -3,11 +3,12 @@
 #include "src/core/adb_run.h"
 #include "src/core/argument_text.h"
 #include "src/core/call_log.h"
-#include "src/core/caller_buffer.h"
+#include "src/core/caller_output.h"
+
+using namespace darokleim::sdk;
 
 int AdbGetDeviceCurrentTime(const char* serial, char* buffer, int buffer_size, const bool* cancel) {
-  using namespace darokleim::sdk;
-  CallLog log("AdbGetDeviceCurrentTime");
+  CallLog log(__func__);
   if (AnyNull(serial, buffer)) return log.InvalidParam();
   FillCallerBuffer("", buffer, buffer_size);
   // One pair of single quotes around command and format, as the channel expects it.

@@ -9,6 +9,8 @@
 #include "src/core/text.h"
 #include "src/platform/log_library.h"
 
+using namespace darokleim::sdk;
+
 namespace darokleim::sdk {
 namespace {
 
@@ -30,24 +32,21 @@ int ReconnectCode(const AdbRun& run, const char* serial) {
 }  // namespace darokleim::sdk
 
 int AdbAuthenticateShow(const char* serial, const bool* cancel) {
-  using namespace darokleim::sdk;
-  CallLog log("AdbAuthenticateShow", kSerialWording);
+  CallLog log(__func__, kSerialWording);
   LogEx(kLogModule, kLogInfo, "%s Enter, serial %s.", log.function(), serial);
   const AdbRun run(Cut(256, " -s %s reconnect", serial), cancel);
   return log.Leave(ReconnectCode(run, serial));
 }
 
 int AdbReconnectDevice() {
-  using namespace darokleim::sdk;
-  CallLog log("AdbReconnectDevice", kServerWording);
+  CallLog log(__func__, kServerWording);
   const bool never_cancelled = false;
   const AdbRun run(" reconnect", &never_cancelled);
   return log.Leave(run.status());
 }
 
 int AdbReboot(const char* serial, const bool* cancel) {
-  using namespace darokleim::sdk;
-  CallLog log("AdbReboot");
+  CallLog log(__func__);
   if (AnyNull(serial)) return log.InvalidParam();
   const AdbRun run(Cut(128, " -s %s reboot", serial), cancel);
   return log.Leave(run.Classify());

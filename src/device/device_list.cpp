@@ -1,17 +1,40 @@
 // AdbGetDevices, AdbGetDevicesEx: which devices adb sees, as "serial-state;" entries.
+#include "src/device/device_list.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
 
+#include "base/ascii.h"
 #include "darokleim.h"
 #include "src/core/adb_run.h"
 #include "src/core/call_log.h"
-#include "src/core/handed_out.h"
+#include "src/core/caller_output.h"
 #include "src/core/text.h"
-#include "src/device/device_line.h"
+
+using namespace darokleim::sdk;
 
 namespace darokleim::sdk {
+namespace {
+
+constexpr bool IsListedState(std::string_view word) {
+  return word == "device" || word == "offline" || word == "unauthorized";
+}
+
+}  // namespace
+
+std::optional<DeviceLine> MatchDeviceLine(std::string_view line) {
+  std::size_t serial_end = 0;
+  while (serial_end < line.size() && base::IsAsciiLetterOrDigit(line[serial_end])) ++serial_end;
+  const std::size_t state_begin = line.find_first_not_of(kWhiteSpace, serial_end);
+  if (serial_end == 0 || state_begin == std::string_view::npos || state_begin == serial_end)
+    return std::nullopt;
+  const DeviceLine device{line.substr(0, serial_end), line.substr(state_begin)};
+  if (!IsListedState(device.state)) return std::nullopt;
+  return device;
+}
+
 namespace {
 
 constexpr char kListCommand[] = " devices";
@@ -48,9 +71,14 @@ class EntryBuffer {
 }  // namespace
 }  // namespace darokleim::sdk
 
+std::string convert_connect_string(const std::string& state) {
+  if (state == "unauthorized") return "unauthor";
+  if (state == "offline") return "offline";
+  return "author";
+}
+
 int AdbGetDevices(char* buffer, int buffer_size, const bool* cancel) {
-  using namespace darokleim::sdk;
-  CallLog log("AdbGetDevices", kDeviceListWording);
+  CallLog log(__func__, kDeviceListWording);
   if (AnyNull(buffer)) return log.InvalidParam();
   const AdbRun run(kListCommand, cancel);
   const int code = run.Classify();
@@ -61,8 +89,7 @@ int AdbGetDevices(char* buffer, int buffer_size, const bool* cancel) {
 }
 
 int AdbGetDevicesEx(char** list, int* list_len, const bool* cancel) {
-  using namespace darokleim::sdk;
-  CallLog log("AdbGetDevicesEx", kDeviceListWording);
+  CallLog log(__func__, kDeviceListWording);
   *list = nullptr;
   *list_len = 0;
   const AdbRun run(kListCommand, cancel);

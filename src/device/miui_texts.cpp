@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "src/core/numbers.h"
 #include "src/core/text.h"
 
 namespace darokleim::sdk {

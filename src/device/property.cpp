@@ -8,13 +8,14 @@
 #include "src/core/classifier.h"
 #include "src/platform/command_channel.h"
 
+using namespace darokleim::sdk;
+
 int GetPropInfo(const char* serial, const char* prop_name, char** out, int* out_len, const bool* cancel) {
-  using namespace darokleim::sdk;
   const std::string args = Cut(256, " -s %s shell getprop %s", serial, prop_name);
   const int status = ExecuteAdbCommandSynchronization(args.c_str(), cancel, out, out_len);
   // The text of a command that succeeded is the value, whatever it says: a property may hold any words.
   if (status == 0 || !out || !*out) return status;
-  return Classify(ChannelText(*out, *out_len), status);
+  return Classify(TextOf(*out, *out_len), status);
 }
 
 namespace darokleim::sdk {

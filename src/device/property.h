@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-#include "src/core/channel_buffer.h"
+#include "src/core/adb_run.h"
 
 namespace darokleim::sdk {
 

@@ -8,6 +8,8 @@
 #include "src/core/text.h"
 #include "src/device/property.h"
 
+using namespace darokleim::sdk;
+
 namespace darokleim::sdk {
 namespace {
 
@@ -34,25 +36,22 @@ int ReadAnswer(const char* function, const char* property_name,
 }  // namespace darokleim::sdk
 
 int AdbCheckLockedState(const char* serial, bool* locked, const bool* cancel) {
-  return darokleim::sdk::ReadAnswer<bool>("AdbCheckLockedState", "ro.boot.flash.locked",
-                                          {{"1", true}, {"0", false}}, serial, locked, cancel);
+  return ReadAnswer<bool>(__func__, "ro.boot.flash.locked", {{"1", true}, {"0", false}}, serial, locked,
+                          cancel);
 }
 
 int AdbCheckEncryptState(const char* serial, bool* encrypted, const bool* cancel) {
-  return darokleim::sdk::ReadAnswer<bool>("AdbCheckEncryptState", "ro.crypto.state",
-                                          {{"encrypted", true}, {"unencrypted", false}}, serial, encrypted,
-                                          cancel);
+  return ReadAnswer<bool>(__func__, "ro.crypto.state", {{"encrypted", true}, {"unencrypted", false}}, serial,
+                          encrypted, cancel);
 }
 
 int AdbGetEncryptType(const char* serial, int* type, const bool* cancel) {
-  return darokleim::sdk::ReadAnswer<int>("AdbGetEncryptType", "ro.crypto.type", {{"file", 0}, {"block", 1}},
-                                         serial, type, cancel);
+  return ReadAnswer<int>(__func__, "ro.crypto.type", {{"file", 0}, {"block", 1}}, serial, type, cancel);
 }
 
 // Unlike the others, always answers, also on failure.
 int AdbCheckIsHarmony(const char* serial, bool* is_harmony, const bool* cancel) {
-  using namespace darokleim::sdk;
-  CallLog log("AdbCheckIsHarmony");
+  CallLog log(__func__);
   const Property ring_tone(serial, "ro.config.ringtone", cancel);
   *is_harmony = Contains(ring_tone.c_value(), "Harmony");
   return log.Leave(ring_tone.code());

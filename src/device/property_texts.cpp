@@ -2,8 +2,10 @@
 // as text.
 #include "darokleim.h"
 #include "src/core/call_log.h"
-#include "src/core/caller_buffer.h"
+#include "src/core/caller_output.h"
 #include "src/device/property.h"
+
+using namespace darokleim::sdk;
 
 namespace darokleim::sdk {
 namespace {
@@ -21,21 +23,17 @@ int ReadText(const char* function, const char* property_name, const char* serial
 }  // namespace darokleim::sdk
 
 int AdbGetPhoneManufacturer(const char* serial, char* buffer, int buffer_size, const bool* cancel) {
-  return darokleim::sdk::ReadText("AdbGetPhoneManufacturer", "ro.product.manufacturer", serial, buffer,
-                                  buffer_size, cancel);
+  return ReadText(__func__, "ro.product.manufacturer", serial, buffer, buffer_size, cancel);
 }
 
 int AdbGetPhoneSoftVersion(const char* serial, char* buffer, int buffer_size, const bool* cancel) {
-  return darokleim::sdk::ReadText("AdbGetPhoneSoftVersion", "ro.build.version.release", serial, buffer,
-                                  buffer_size, cancel);
+  return ReadText(__func__, "ro.build.version.release", serial, buffer, buffer_size, cancel);
 }
 
 int AdbGetPhoneProductModel(const char* serial, char* buffer, int buffer_size, const bool* cancel) {
-  return darokleim::sdk::ReadText("AdbGetPhoneProductModel", "ro.product.model", serial, buffer, buffer_size,
-                                  cancel);
+  return ReadText(__func__, "ro.product.model", serial, buffer, buffer_size, cancel);
 }
 
 int AdbGetMiuiBuildRegin(const char* serial, char* buffer, int buffer_size, const bool* cancel) {
-  return darokleim::sdk::ReadText("AdbGetMiuiBuildRegin", "ro.miui.build.region", serial, buffer, buffer_size,
-                                  cancel);
+  return ReadText(__func__, "ro.miui.build.region", serial, buffer, buffer_size, cancel);
 }

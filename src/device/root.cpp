@@ -6,6 +6,8 @@
 #include "src/core/text.h"
 #include "src/platform/log_library.h"
 
+using namespace darokleim::sdk;
+
 namespace darokleim::sdk {
 namespace {
 
@@ -27,8 +29,7 @@ Probe LookFor(const char* path, const char* serial, const bool* cancel) {
 }  // namespace darokleim::sdk
 
 int IsDeviceHadBeenRooted(const char* serial, bool* rooted, const bool* cancel) {
-  using namespace darokleim::sdk;
-  CallLog log("IsDeviceHadBeenRooted");
+  CallLog log(__func__);
   if (AnyNull(serial)) return log.InvalidParam();
   *rooted = false;
   if (LookFor("/system/bin/su", serial, cancel).found) {

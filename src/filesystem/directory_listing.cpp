@@ -9,12 +9,13 @@
 #include "src/core/adb_run.h"
 #include "src/core/argument_text.h"
 #include "src/core/call_log.h"
-#include "src/core/handed_out.h"
+#include "src/core/caller_output.h"
 #include "src/filesystem/adb_ls_listing.h"
-#include "src/filesystem/adb_ls_run.h"
 #include "src/filesystem/file_info.h"
 #include "src/filesystem/file_list_json.h"
 #include "src/filesystem/ls_listing.h"
+
+using namespace darokleim::sdk;
 
 namespace darokleim::sdk {
 namespace {
@@ -57,8 +58,7 @@ void HandOutOnce(const std::string& document, std::list<FileInfo>* files, char**
 
 int AdbGetDirFiles(const char* serial, const char* dir, char** json, int* json_len, int recursive, int all,
                    const bool* cancel) {
-  using namespace darokleim::sdk;
-  CallLog log("AdbGetDirFiles", kListingWording);
+  CallLog log(__func__, kListingWording);
   std::list<FileInfo> files;
   {
     // An absent flag leaves its blanks.
@@ -76,8 +76,7 @@ int AdbGetDirFiles(const char* serial, const char* dir, char** json, int* json_l
 // recursive and all are without effect here and below: adb ls knows no options, and every folder is listed.
 int AdbGetDirFilesEx(const char* serial, const char* dir, char** json, int* json_len, int /*recursive*/,
                      int /*all*/, const bool* cancel) {
-  using namespace darokleim::sdk;
-  CallLog log("AdbGetDirFilesEx", kListingWording);
+  CallLog log(__func__, kListingWording);
   std::list<FileInfo> files;
   const int status = ListAllBelow(serial, dir, cancel, &files);
   if (status == ADB_RESULT_OK) HandOutOnce(serialization_file_list(&files, true), &files, json, json_len);
@@ -86,8 +85,7 @@ int AdbGetDirFilesEx(const char* serial, const char* dir, char** json, int* json
 
 int AdbGetDirFilesAndDirs(const char* serial, const char* dir, char** json, int* json_len, int /*recursive*/,
                           int /*all*/, const bool* cancel) {
-  using namespace darokleim::sdk;
-  CallLog log("AdbGetDirFilesAndDirs", kListingWording);
+  CallLog log(__func__, kListingWording);
   std::list<FileInfo> files;
   const int status = ListAllBelow(serial, dir, cancel, &files);
   if (status == ADB_RESULT_OK) {

@@ -6,8 +6,9 @@
 #include "src/core/adb_run.h"
 #include "src/core/argument_text.h"
 #include "src/core/call_log.h"
-#include "src/core/numbers.h"
 #include "src/core/text.h"
+
+using namespace darokleim::sdk;
 
 namespace darokleim::sdk {
 namespace {
@@ -29,8 +30,7 @@ int ReadDuOutput(std::string_view output, long long* size) {
 }  // namespace darokleim::sdk
 
 int AdbGetDirSize(const char* serial, const char* dir, long long* size, const bool* cancel) {
-  using namespace darokleim::sdk;
-  CallLog log("AdbGetDirSize");
+  CallLog log(__func__);
   if (AnyNull(serial, dir, size)) return log.InvalidParam();
   *size = 0;
   const int busybox = AdbConfigDeviceBusybox(serial, cancel);

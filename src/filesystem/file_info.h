@@ -14,7 +14,4 @@ struct FileInfo {
   std::uint64_t utc_timestamp = 0;  // of modification, seconds since 1970-01-01 00:00 UTC
 };
 
-// Looks at the directory bit alone: block devices and sockets, whose types hold that bit too, count.
-bool CheckIsDir(unsigned int mode);
-
 #endif  // DAROKLEIM_SRC_FILESYSTEM_FILE_INFO_H

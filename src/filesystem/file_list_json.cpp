@@ -6,8 +6,10 @@
 #include <utility>
 
 #include "src/filesystem/folder_tree.h"
-#include "src/filesystem/json_document.h"
+#include "src/filesystem/json_text.h"
 #include "src/filesystem/side_file.h"
+
+using namespace darokleim::sdk;
 
 namespace darokleim::sdk {
 namespace {
@@ -145,11 +147,11 @@ std::string WithSideFile(std::string document) {
 }  // namespace darokleim::sdk
 
 std::string serialization_file_list(const std::list<FileInfo>* files, bool with_size) {
-  return darokleim::sdk::WithSideFile(darokleim::sdk::FlatDocument(*files, with_size));
+  return WithSideFile(FlatDocument(*files, with_size));
 }
 
 std::string serialization_file_list_keep_folder_structer(const std::list<FileInfo>* files,
                                                          const std::string& root, bool with_size) {
-  const darokleim::sdk::FolderTree tree(*files, root);
-  return darokleim::sdk::WithSideFile(darokleim::sdk::TreeDocument(tree, root, with_size).Written());
+  const FolderTree tree(*files, root);
+  return WithSideFile(TreeDocument(tree, root, with_size).Written());
 }

@@ -6,8 +6,10 @@
 #include "src/core/adb_run.h"
 #include "src/core/argument_text.h"
 #include "src/core/call_log.h"
-#include "src/core/device_temp_dir.h"
 #include "src/core/text.h"
+#include "src/filesystem/device_path.h"
+
+using namespace darokleim::sdk;
 
 namespace darokleim::sdk {
 namespace {
@@ -19,8 +21,7 @@ constexpr LogWording kTransferWording{kLogInfo, nullptr, nullptr, kLogError, "%s
 }  // namespace darokleim::sdk
 
 int AdbPushFile(const char* serial, const char* host_path, const char* device_path, const bool* cancel) {
-  using namespace darokleim::sdk;
-  const CallLog log("AdbPushFile", kTransferWording);
+  const CallLog log(__func__, kTransferWording);
   if (AnyNull(serial, host_path, device_path)) return log.InvalidParam();
   const AdbRun run(Measured(" -s %s push --sync \"%s\" \"%s\"", serial, host_path, device_path), cancel);
   const bool done = Contains(run.output(), "file pushed") || Contains(run.output(), "file skipped");
@@ -30,8 +31,7 @@ int AdbPushFile(const char* serial, const char* host_path, const char* device_pa
 
 // Unlike a push, a pull is believed only when adb says that it happened: 1 when it does not say so.
 int AdbPullFile(const char* serial, const char* device_path, const char* host_path, const bool* cancel) {
-  using namespace darokleim::sdk;
-  const CallLog log("AdbPullFile", kTransferWording);
+  const CallLog log(__func__, kTransferWording);
   if (AnyNull(serial, device_path, host_path)) return log.InvalidParam();
   const AdbRun run(Measured(" -s %s pull -a \"%s\" \"%s\"", serial, device_path, host_path), cancel);
   const int code = run.Classify();
@@ -42,8 +42,7 @@ int AdbPullFile(const char* serial, const char* device_path, const char* host_pa
 
 // The first step that fails ends it, without a leave line; a failed pull leaves the file on the device.
 int AdbScreencapToPC(const char* serial, const char* host_path, const bool* cancel) {
-  using namespace darokleim::sdk;
-  CallLog log("AdbScreencapToPC");
+  CallLog log(__func__);
   if (AnyNull(serial, host_path)) return log.InvalidParam();
   const std::string name = std::filesystem::path(host_path).filename().string();
   if (name.empty()) return ADB_RESULT_INVALID_PARAM;

@@ -3,7 +3,9 @@
 #include <string>
 #include <string_view>
 
-#include "src/filesystem/listing_text.h"
+#include "src/core/text.h"
+
+using namespace darokleim::sdk;
 
 namespace {
 
@@ -18,7 +20,7 @@ std::string_view WithoutLineEnd(std::string_view line) {
 }  // namespace
 
 bool DecodeFindOut(const char* out, int len, std::list<FileInfo>* files) {
-  std::string_view rest = darokleim::sdk::ListingText(out, len);
+  std::string_view rest = TextOf(out, len);
   bool any_line = false;
   while (!rest.empty()) {
     const std::size_t end = rest.find('\n');

@@ -9,8 +9,10 @@
 #include <utility>
 
 #include "src/core/text.h"
-#include "src/filesystem/listing_text.h"
+#include "src/filesystem/device_path.h"
 #include "src/filesystem/ls_line.h"
+
+using namespace darokleim::sdk;
 
 namespace {
 
@@ -18,7 +20,7 @@ constexpr std::string_view kLineEnd = "\r\n";
 
 bool HasTwoLines(std::string_view text) {
   int lines = 0;
-  darokleim::sdk::ForEachPiece(text, kLineEnd, [&](std::string_view) { return ++lines < 2; });
+  ForEachPiece(text, kLineEnd, [&](std::string_view) { return ++lines < 2; });
   return lines == 2;
 }
 
@@ -46,8 +48,8 @@ std::uint64_t SizeOf(std::string_view digits) {
   return size;
 }
 
-FileInfo Record(std::string_view directory, const darokleim::sdk::LsLine& line) {
-  std::string path = darokleim::sdk::JoinListed(directory, line.name);
+FileInfo Record(std::string_view directory, const LsLine& line) {
+  std::string path = JoinPath(directory, line.name);
   UnescapeBlanks(path, directory.size() + 1);
   return {SizeOf(line.size), 0, std::move(path), std::string(line.time), 0};
 }
@@ -63,11 +65,11 @@ void Trace(std::string_view line) {
 }  // namespace
 
 bool DecodeLSOut(const char* out, int len, std::list<FileInfo>* files) {
-  const std::string_view text = darokleim::sdk::ListingText(out, len);
+  const std::string_view text = TextOf(out, len);
   if (!HasTwoLines(text)) return false;
   std::string_view directory;
-  darokleim::sdk::LsLineMatcher matcher;
-  darokleim::sdk::ForEachPiece(text, kLineEnd, [&](std::string_view line) {
+  LsLineMatcher matcher;
+  ForEachPiece(text, kLineEnd, [&](std::string_view line) {
     if (line.front() == '/') {
       directory = line.substr(0, line.size() - 1);
     } else if (line.front() == '-') {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "src/core/numbers.h"
 #include "src/core/text.h"
 
 namespace darokleim::sdk {
@@ -17,9 +16,9 @@ bool SkipRun(std::string_view* text, std::string_view characters) {
 
 std::optional<unsigned long long> SizeInLine(std::string_view line) {
   constexpr std::string_view kLabel = "Size:";
-  if (!SkipRun(&line, kBlanks) || line.substr(0, kLabel.size()) != kLabel) return std::nullopt;
+  if (!SkipRun(&line, kWhiteSpace) || line.substr(0, kLabel.size()) != kLabel) return std::nullopt;
   line.remove_prefix(kLabel.size());
-  if (!SkipRun(&line, kBlanks)) return std::nullopt;
+  if (!SkipRun(&line, kWhiteSpace)) return std::nullopt;
   const std::string_view number = line;
   if (!SkipRun(&line, "0123456789") || line.find_first_of("\r\n") != std::string_view::npos)
     return std::nullopt;

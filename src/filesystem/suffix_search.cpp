@@ -8,12 +8,14 @@
 #include "src/core/adb_run.h"
 #include "src/core/argument_text.h"
 #include "src/core/call_log.h"
-#include "src/core/handed_out.h"
+#include "src/core/caller_output.h"
 #include "src/core/text.h"
 #include "src/filesystem/file_info.h"
 #include "src/filesystem/file_list_json.h"
 #include "src/filesystem/find_listing.h"
 #include "src/platform/log_library.h"
+
+using namespace darokleim::sdk;
 
 namespace darokleim::sdk {
 namespace {
@@ -70,10 +72,9 @@ int Failed(const CallLog& log, int code, const std::string& directory) {
 
 int AdbGetFilesBySuffix(const char* serial, const char* dir, const char* suffixes, char** json, int* json_len,
                         const bool* cancel) {
-  using namespace darokleim::sdk;
   *json = nullptr;
   *json_len = 0;
-  CallLog log("AdbGetFilesBySuffix", kSearchWording);
+  CallLog log(__func__, kSearchWording);
   if (AnyNull(serial, dir) || *dir == '\0') return log.Leave(log.InvalidParam());
   std::string directory = dir;
   if (directory.back() != '/') directory += '/';

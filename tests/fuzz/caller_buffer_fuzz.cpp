@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "darokleim.h"
-#include "src/core/caller_buffer.h"
+#include "src/core/caller_output.h"
 #include "tests/fuzz/fuzz.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

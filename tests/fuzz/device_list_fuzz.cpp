@@ -2,9 +2,8 @@
 #include <regex>
 #include <vector>
 
-#include "src/core/connection_word.h"
 #include "src/core/string_helper.h"
-#include "src/device/device_line.h"
+#include "src/device/device_list.h"
 #include "tests/fuzz/fuzz.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -2,7 +2,7 @@
 #include <vector>
 
 #include "src/core/string_helper.h"
-#include "src/filesystem/df_output.h"
+#include "src/filesystem/storage_output.h"
 #include "tests/fuzz/fuzz.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

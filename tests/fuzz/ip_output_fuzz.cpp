@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "src/core/string_helper.h"
-#include "src/device/ip_output.h"
+#include "src/device/ip_address.h"
 #include "tests/fuzz/fuzz.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

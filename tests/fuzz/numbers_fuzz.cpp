@@ -4,8 +4,8 @@
 #include <locale>
 #include <sstream>
 
-#include "src/core/numbers.h"
 #include "src/core/string_helper.h"
+#include "src/core/text.h"
 #include "tests/fuzz/fuzz.h"
 
 namespace {

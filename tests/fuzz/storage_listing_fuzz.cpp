@@ -1,6 +1,6 @@
 // The volumes of a listing, against the rules spelt out over its lines.
 #include "src/core/string_helper.h"
-#include "src/filesystem/storage_listing.h"
+#include "src/filesystem/storage_output.h"
 #include "tests/fuzz/fuzz.h"
 
 namespace {

@@ -1,3 +1,10 @@
+#include "src/core/server_control.h"
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
 #include <string>
 
 #include "tests/support/sleeper.h"
@@ -131,6 +138,143 @@ TEST_F(ServerControlTest, RestartingKillsAndStartsWithoutAnyCancelFlag) {
                                      GaveBack(), Info("AdbKillDaemon Leave, return 0."), Ran(" start-server"),
                                      Info("daemon started successfully\n"), GaveBack(),
                                      Info("AdbStartDaemon Leave, return 1.")));
+}
+
+// What of the list of processes the SDK reads, in bytes.
+constexpr std::size_t kLimit = 511;
+
+class AdbProcessesTest : public SdkTest {
+ protected:
+  // A line that becomes `bytes` bytes of the list, its line end included, and names no process.
+  static std::string Padding(std::size_t bytes) { return std::string(bytes - 1, '0') + " adb\n"; }
+
+  Sleeper sleeper_{"sleeper"};
+};
+
+TEST_F(AdbProcessesTest, KillsByTheWordInTheLine) {
+  for (const std::string line :
+       {"adb", "/opt/adb -P 5038 fork-server server", "vi adb.txt", "my-adb", "adb:1", "x 'adb'"}) {
+    Sleeper process("x");
+    const ListedProcesses listed("  " + process.id() + " ?        S      0:00 " + line + "\n");
+    EXPECT_EQ(KillListenNetProcess(5037), 0);
+    EXPECT_TRUE(process.WasKilled()) << line;
+  }
+  EXPECT_THAT(journal(), IsEmpty());
+}
+
+TEST_F(AdbProcessesTest, SparesWhatOnlyLooksLikeTheWord) {
+  for (const std::string line : {"adbd --root_seclabel=u:r:su:s0", "my_adb", "ADB", "adb2", "sleep 1000"}) {
+    const ListedProcesses listed("  " + sleeper_.id() + " ?        S      0:00 " + line + "\n");
+    EXPECT_EQ(KillListenNetProcess(5037), 0);
+    EXPECT_FALSE(sleeper_.WasKilled()) << line;
+  }
+}
+
+TEST_F(AdbProcessesTest, ThePortMakesNoDifference) {
+  for (const int port : {1234, 0, -1}) {
+    Sleeper process("x");
+    const ListedProcesses listed(process.id() + " adb -P 5037\n");
+    EXPECT_EQ(KillListenNetProcess(port), 0);
+    EXPECT_TRUE(process.WasKilled()) << port;
+  }
+}
+
+TEST_F(AdbProcessesTest, KillsAllOfThem) {
+  Sleeper first("x");
+  Sleeper second("x");
+  const ListedProcesses listed(first.id() + " adb\n12345678901234567890 adb\n" + sleeper_.id() + " other\n" +
+                               second.id() + " adb\n");
+  EXPECT_EQ(KillListenNetProcess(5037), 0);
+  EXPECT_TRUE(first.WasKilled());
+  EXPECT_TRUE(second.WasKilled());
+  EXPECT_FALSE(sleeper_.WasKilled());
+}
+
+TEST_F(AdbProcessesTest, LeadingDigitsAreTheNumber) {
+  const ListedProcesses listed(sleeper_.id() + "xyz adb\n");
+  EXPECT_EQ(KillListenNetProcess(5037), 0);
+  EXPECT_TRUE(sleeper_.WasKilled());
+}
+
+TEST_F(AdbProcessesTest, WhatIsNoProcessNumberIsPassedOver) {
+  // 0 would be the test itself, the negative number the sleeper's process group. The bytes that are no text
+  // stand last: grep ends its output with them.
+  const ListedProcesses listed("0 adb\nPID adb\n-" + sleeper_.id() + " adb\n" + std::string(40, '9') +
+                               " adb\n\n" + sleeper_.id() +
+                               "00000000000 adb\n4294967296 adb\n\xff\xfe adb\n");
+  EXPECT_EQ(KillListenNetProcess(5037), 0);
+  EXPECT_FALSE(sleeper_.WasKilled());
+}
+
+TEST_F(AdbProcessesTest, AProcessThatIsGoneIsNoFailure) {
+  // Above every process number that systems give.
+  const ListedProcesses listed("99999999 adb\n" + sleeper_.id() + " adb\n");
+  EXPECT_EQ(KillListenNetProcess(5037), 0);
+  EXPECT_TRUE(sleeper_.WasKilled());
+}
+
+TEST_F(AdbProcessesTest, WhatTheLimitStillHoldsIsKilled) {
+  for (const std::size_t end : {kLimit - 1, kLimit}) {
+    Sleeper process("x");
+    const ListedProcesses listed(Padding(end - process.id().size()) + process.id() + " adb\n");
+    EXPECT_EQ(KillListenNetProcess(5037), 0);
+    EXPECT_TRUE(process.WasKilled()) << "the number ends at byte " << end;
+  }
+}
+
+TEST_F(AdbProcessesTest, ANumberThatEndsBehindTheLimitIsSpared) {
+  const ListedProcesses listed(Padding(kLimit + 1 - sleeper_.id().size()) + sleeper_.id() + " adb\n");
+  EXPECT_EQ(KillListenNetProcess(5037), 0);
+  EXPECT_FALSE(sleeper_.WasKilled());
+}
+
+TEST_F(AdbProcessesTest, WhatComesAfterTheLimitIsSpared) {
+  const ListedProcesses listed(Padding(kLimit) + sleeper_.id() + " adb\n");
+  EXPECT_EQ(KillListenNetProcess(5037), 0);
+  EXPECT_FALSE(sleeper_.WasKilled());
+}
+
+TEST_F(AdbProcessesTest, ANumberThatTheLimitCutsIsNoProcess) {
+  // Cut at the limit, it is the sleeper's.
+  const ListedProcesses listed(Padding(kLimit - sleeper_.id().size()) + sleeper_.id() + "00000000000 adb\n");
+  EXPECT_EQ(KillListenNetProcess(5037), 0);
+  EXPECT_FALSE(sleeper_.WasKilled());
+}
+
+TEST_F(AdbProcessesTest, TheFirstOfACutListIsKilled) {
+  const ListedProcesses listed(sleeper_.id() + " adb\n" + Padding(kLimit));
+  EXPECT_EQ(KillListenNetProcess(5037), 0);
+  EXPECT_TRUE(sleeper_.WasKilled());
+}
+
+TEST_F(AdbProcessesTest, AMillionBytesOfListEndAtTheLimit) {
+  Sleeper process("x");
+  const ListedProcesses listed(process.id() + " adb " + std::string(1'000'000, 'x') + "\n" +
+                               Padding(1'000'000) + sleeper_.id() + " adb\n");
+  EXPECT_EQ(KillListenNetProcess(5037), 0);
+  EXPECT_TRUE(process.WasKilled());
+  EXPECT_FALSE(sleeper_.WasKilled());
+}
+
+TEST_F(AdbProcessesTest, WithoutTheToolsNothingHappens) {
+  const std::string path = std::getenv("PATH");
+  setenv("PATH", "/nonexistent", 1);
+  EXPECT_EQ(KillListenNetProcess(5037), 0);
+  setenv("PATH", path.c_str(), 1);
+  EXPECT_THAT(journal(), IsEmpty());
+}
+
+TEST_F(AdbProcessesTest, APipeThatCannotBeOpenedIsLogged) {
+  // Before the descriptors are gone: the undefined-behaviour sanitizer needs some when it first meets a type.
+  ASSERT_THAT(SdkTest::Current().journal(), IsEmpty());
+  rlimit before;
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+  const rlimit none = {0, before.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+  EXPECT_EQ(KillListenNetProcess(5037), 0);
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+  EXPECT_THAT(journal(), ElementsAre(Error("KillListenNetProcess Pipe Create Failed. Error = " +
+                                           std::to_string(EMFILE))));
 }
 
 }  // namespace

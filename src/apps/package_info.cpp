@@ -1,0 +1,99 @@
+// AdbGetAppVersion, AdbGetApkPathOfInstatlled, AdbGetApkPathOfInstatlledEx: what the device knows of one package.
+#include <json/value.h>
+
+#include <cstring>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "darokleim.h"
+#include "src/apps/package_output.h"
+#include "src/core/adb_run.h"
+#include "src/core/argument_text.h"
+#include "src/core/call_log.h"
+#include "src/core/caller_output.h"
+#include "src/core/classifier.h"
+#include "src/core/text.h"
+#include "src/filesystem/json_text.h"
+
+using namespace darokleim::sdk;
+
+namespace darokleim::sdk {
+namespace {
+
+// Writes the text and a terminating zero, however long it is: callers bring the room for the longest there
+// can be. Behind a zero byte in the text only zeros follow.
+void FillUncheckedBuffer(std::string_view text, char* buffer) {
+  std::strncpy(buffer, text.data(), text.size());
+  buffer[text.size()] = '\0';
+}
+
+// Writes what is found in the first line of the output that has it. Returns ADB_RESULT_OK, or
+// ADB_RESULT_NOT_FOUND, the buffer untouched, when no line has it.
+template <typename Find>
+int FillWithFirstFound(std::string_view output, Find find, char* buffer) {
+  int code = ADB_RESULT_NOT_FOUND;
+  ForEachPiece(output, "\n", [&](std::string_view line) {
+    const std::optional<std::string_view> found = find(line);
+    if (!found) return true;
+    FillUncheckedBuffer(*found, buffer);
+    code = ADB_RESULT_OK;
+    return false;
+  });
+  return code;
+}
+
+AdbRun RunPmPath(const char* serial, const char* package, const bool* cancel) {
+  return AdbRun(Cut(256, " -s %s shell pm path %s", serial, package), cancel);
+}
+
+}  // namespace
+}  // namespace darokleim::sdk
+
+int AdbGetAppVersion(const char* serial, const char* package, char* buffer, int /*buffer_size*/,
+                     const bool* cancel) {
+  CallLog log(__func__);
+  if (AnyNull(serial, package, buffer)) return log.InvalidParam();
+  buffer[0] = '\0';
+  // The blank at the end is part of the command.
+  const AdbRun run(Cut(256, " -s %s shell dumpsys package %s ", serial, package), cancel);
+  if (!run.has_output()) return log.Leave(run.status());
+  // Dumps hold the word "Failure" for reasons of their own.
+  constexpr bool kLineFailureOnly = true;
+  const int code = Classify(run.output(), run.status(), kLineFailureOnly);
+  if (code != ADB_RESULT_OK) return log.Leave(code);
+  return log.Leave(FillWithFirstFound(run.output(), FindVersion, buffer));
+}
+
+int AdbGetApkPathOfInstatlled(const char* serial, const char* package, char* buffer, int /*buffer_size*/,
+                              const bool* cancel) {
+  CallLog log(__func__);
+  if (AnyNull(serial, package, buffer)) return log.InvalidParam();
+  buffer[0] = '\0';
+  const AdbRun run = RunPmPath(serial, package, cancel);
+  const int code = run.Classify();
+  if (!run.has_output() || code != ADB_RESULT_OK) return log.Leave(code);
+  return log.Leave(FillWithFirstFound(run.output(), MatchPackageLine, buffer));
+}
+
+// Deliberate: whatever the device answered, the caller gets a document, and every failure is "not found".
+int AdbGetApkPathOfInstatlledEx(const char* serial, const char* package, char** json, int* json_len,
+                                const bool* cancel) {
+  CallLog log(__func__);
+  if (AnyNull(serial, package)) return log.InvalidParam();
+  const AdbRun run = RunPmPath(serial, package, cancel);
+  const int code = run.Classify();
+  if (!run.has_output()) return log.Leave(code);
+  Json::Value document;
+  Json::Value& paths = document["path"];
+  if (code == ADB_RESULT_OK) {
+    ForEachPiece(run.output(), "\n", [&](std::string_view line) {
+      if (const auto path = MatchPackageLine(line)) paths.append(std::string(*path));
+      return true;
+    });
+  }
+  const std::string text = JsonToString(document);
+  // Here the terminating zero is part of the length.
+  HandOut({text.c_str(), text.size() + 1}, json, json_len);
+  return log.Leave(paths.isNull() ? ADB_RESULT_NOT_FOUND : ADB_RESULT_OK);
+}
