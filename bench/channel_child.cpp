@@ -1,4 +1,4 @@
-// Stands for adb in the channel's benchmarks: prints as many bytes as its last word says.
+// Takes the place of adb in the channel's benchmarks: prints as many bytes as its last word says.
 #include <unistd.h>
 
 #include <algorithm>

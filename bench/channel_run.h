@@ -33,7 +33,7 @@ class StartedChannel {
   }
 
  private:
-  const TemporaryDirectory log_directory_;
+  const test::TemporaryDirectory log_directory_;
 };
 
 }  // namespace darokleim::bench

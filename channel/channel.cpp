@@ -15,7 +15,7 @@ using namespace darokleim::channel;
 
 namespace {
 
-// No exception may reach the caller; the only ones to come are the system's refusals of memory.
+// No exception may reach the caller. The only possible ones say that memory or another resource ran out.
 template <typename Function>
 int WithoutException(Function function) {
   try {
@@ -25,7 +25,16 @@ int WithoutException(Function function) {
   }
 }
 
-int RunAndHandOut(const Settings& settings, const char* args, const bool* cancel, char** out, int* out_len) {
+int Run(const Settings& settings, const char* args, const CancelFlag& cancel, OutputBuffer* output) {
+  if (cancel.IsSet()) return kCancelled;
+  const Command command = ReadCommand(args, settings.assist());
+  const int status = RunAdb(settings.adb_path, command, cancel, output);
+  if (status >= kNotInitialised) return status;
+  output->ConvertLineEnds(command.line_ends);
+  return output->status() == kDelivered ? status : output->status();
+}
+
+int RunIntoBuffer(const Settings& settings, const char* args, const bool* cancel, char** out, int* out_len) {
   OutputBuffer output;
   const int status = Run(settings, args, CancelFlag(cancel), &output);
   if (status >= kNotInitialised) return status;
@@ -43,7 +52,7 @@ DAROKLEIM_CHANNEL_EXPORT int InitAdbCommuncation2Server(const char* adb_path, co
   return WithoutException([&]() -> int {
     OpenLog(log_context, log_dir);
     if (adb_path == nullptr) return kBadArgument;
-    KeepSettings({adb_path, AssistFromEnvironment()});
+    SetSettings({adb_path, ModeFromEnvironment()});
     return kDelivered;
   });
 }
@@ -54,10 +63,10 @@ DAROKLEIM_CHANNEL_EXPORT int ExecuteAdbCommandSynchronization(const char* args, 
   *out = nullptr;
   *out_len = 0;
   return WithoutException([&]() -> int {
-    const std::optional<Settings> settings = KeptSettings();
+    const std::optional<Settings> settings = CurrentSettings();
     if (!settings) return kNotInitialised;
     const CommandTimer timer;
-    const int status = WithoutException([&] { return RunAndHandOut(*settings, args, cancel, out, out_len); });
+    const int status = WithoutException([&] { return RunIntoBuffer(*settings, args, cancel, out, out_len); });
     if (*out == nullptr) *out_len = 0;
     timer.Log(args, status, *out_len);
     return status;
@@ -68,7 +77,7 @@ DAROKLEIM_CHANNEL_EXPORT int ExecuteAdbCommandAnsynchronization(const char* args
                                                                 void* context, void* on_output) {
   if (args == nullptr) return kBadArgument;
   return WithoutException([&]() -> int {
-    const std::optional<Settings> settings = KeptSettings();
+    const std::optional<Settings> settings = CurrentSettings();
     if (!settings) return kNotInitialised;
     return StartStream(*settings, args, CancelFlag(cancel),
                        {reinterpret_cast<OutputReceiver::Function>(on_output), context});

@@ -33,6 +33,10 @@ void LogNotices(std::string_view notices) {
   }
 }
 
+void LogIgnoredVariable(const char* name, const char* value, const char* reason) {
+  LogEx(kModule, kError, "%s=%s is ignored: %s", name, value, reason);
+}
+
 void CommandTimer::Log(const char* arguments, int status, long long bytes) const {
   using std::chrono::duration_cast;
   using std::chrono::milliseconds;

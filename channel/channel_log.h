@@ -1,4 +1,4 @@
-// The channel's own log: a line for each command, and what else a user who looks for a fault must know.
+// The channel's own log: a line for each command, and what else helps to find a fault.
 #ifndef DAROKLEIM_CHANNEL_CHANNEL_LOG_H
 #define DAROKLEIM_CHANNEL_CHANNEL_LOG_H
 
@@ -8,13 +8,16 @@
 
 namespace darokleim::channel {
 
-// adb_channel.log in log_dir. Without it, or when it cannot be opened, the channel works without a log.
+// Opens adb_channel.log in log_dir. Where log_dir is null or the file cannot be opened, the channel works without a log.
 void OpenLog(const void* log_context, const char* log_dir);
 
 // error: an errno value.
 void LogNotStarted(const std::string& program, int error);
 
 void LogNotices(std::string_view notices);
+
+// An environment variable whose value is not used as it is.
+void LogIgnoredVariable(const char* name, const char* value, const char* reason);
 
 // Times one command and writes its line.
 class CommandTimer {

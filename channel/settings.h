@@ -1,4 +1,4 @@
-// What the channel was told when it was initialised.
+// How the channel runs commands: what was given when it was initialised, and what the environment said then.
 #ifndef DAROKLEIM_CHANNEL_SETTINGS_H
 #define DAROKLEIM_CHANNEL_SETTINGS_H
 
@@ -9,17 +9,27 @@
 
 namespace darokleim::channel {
 
-struct Settings {
-  std::string adb_path;
-  Assist assist = Assist::kOff;
+// Each mode includes the one before it.
+enum class Mode {
+  kPlain,   // adb runs, nothing is changed
+  kAssist,  // shell commands get paths and line breaks as the SDK means them
+  kDirect,  // runs commands as kAssist does
 };
 
-// The assist as the environment asks for it: DAROKLEIM_CHANNEL_ASSIST=1.
-Assist AssistFromEnvironment();
+struct Settings {
+  std::string adb_path;
+  Mode mode = Mode::kPlain;
 
-// Both may be called at any time from any thread. A later initialisation counts for the commands after it.
-void KeepSettings(Settings settings);
-std::optional<Settings> KeptSettings();
+  Assist assist() const { return mode == Mode::kPlain ? Assist::kOff : Assist::kOn; }
+};
+
+// The mode that DAROKLEIM_CHANNEL names. Without that variable, DAROKLEIM_CHANNEL_ASSIST=1 is kAssist. An unknown
+// name is kPlain and a line in the log.
+Mode ModeFromEnvironment();
+
+// Both may be called at any time from any thread. A later initialisation applies to the commands after it.
+void SetSettings(Settings settings);
+std::optional<Settings> CurrentSettings();
 
 }  // namespace darokleim::channel
 

@@ -1,5 +1,4 @@
-// What a command of the channel can come to. Zero is success; the values never meet the result codes that the
-// SDK has of its own (0 to 47).
+// The status values of a command. Zero is success; no other value is also a result code of the SDK (0 to 47).
 #ifndef DAROKLEIM_CHANNEL_STATUS_H
 #define DAROKLEIM_CHANNEL_STATUS_H
 
@@ -12,11 +11,13 @@ enum Status : int {
   kSignalBase = 2000,      // plus the number of the signal that ended adb
 
   kNotInitialised = 3001,
-  kCannotStart = 3002,  // adb is missing, or nothing that can be executed
+  kCannotStart = 3002,  // adb is missing or cannot be executed
   kCancelled = 3003,
   kBadArgument = 3004,    // a null pointer where something is needed
   kTooMuchOutput = 3005,  // more than an int can count, with the zero byte after it
-  kSystemRefused = 3006,  // no descriptor, process, thread or memory to be had
+  kSystemRefused = 3006,  // the system refused a descriptor, a process, a thread or memory
+  kConnectionBroken =
+      3007,  // the connection to the phone broke in the middle of an answer; adb cannot report that
 };
 
 }  // namespace darokleim::channel

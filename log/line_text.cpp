@@ -31,7 +31,7 @@ std::string FormatText(const char* format, va_list arguments) {
   char short_text[512];
   va_list measured;
   va_copy(measured, arguments);
-  // The analyzer takes a copy of a caller's list for one that was never started.
+  // The analyzer mistakes a copy of a caller's list for one that was never started.
   // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
   const int length = std::vsnprintf(short_text, sizeof short_text, format, measured);
   va_end(measured);
@@ -42,7 +42,7 @@ std::string FormatText(const char* format, va_list arguments) {
     text.assign(short_text, static_cast<size_t>(length));
   } else {
     text.resize(static_cast<size_t>(length));
-    // The terminating zero falls on the string's own.
+    // The terminating zero replaces the string's own.
     std::vsnprintf(text.data(), text.size() + 1, format, arguments);
   }
   return text;

@@ -2,7 +2,7 @@
 
 #include <sys/stat.h>
 
-// The names of our levels where spdlog has its own: progress is spdlog's info, an echoed command its warning.
+// Our levels in place of spdlog's: progress is spdlog's info, an echoed command its warning.
 #define SPDLOG_LEVEL_NAMES \
   { "trace", "debug", "info", "command", "error", "critical", "off" }
 #include <spdlog/details/log_msg.h>
@@ -13,7 +13,7 @@
 namespace darokleim::log {
 namespace {
 
-// adb_sdk.log and the older adb_sdk.1.log to adb_sdk.4.log: at most 50 MiB, but for a longer single line.
+// adb_sdk.log and the older adb_sdk.1.log to adb_sdk.4.log: at most 50 MiB, unless a single line is longer.
 constexpr std::size_t kMaxFileBytes = std::size_t{10} * 1024 * 1024;
 constexpr std::size_t kMaxOldFiles = 4;
 
@@ -70,7 +70,7 @@ bool LogFile::OpenSink() try {
   return false;
 }
 
-// A sink that has failed is given up: after a failed rotation it holds no open file.
+// A sink that has failed is discarded: after a failed rotation it has no open file.
 bool LogFile::TryWrite(std::string_view module, LogLevel level, std::string_view line) try {
   sink_->log(spdlog::details::log_msg(spdlog::string_view_t(module.data(), module.size()), SpdlogLevel(level),
                                       spdlog::string_view_t(line.data(), line.size())));

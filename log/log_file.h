@@ -17,9 +17,9 @@ namespace darokleim::log {
 // The levels of LogEx, lowest first.
 enum class LogLevel : int { kTrace = 0, kProgress = 1, kCommand = 2, kError = 3 };
 
-// Writes each line through to the system before it returns, so that a crash of the host loses none. Not safe
-// for concurrent use: the caller serialises. When the file cannot be written (a full disk, a directory taken
-// away), lines are dropped and counted, and the file is opened again after a while.
+// Hands each line to the system before Write returns, so that a crash of the host loses none. Not safe for concurrent
+// use: the caller serialises. While the file cannot be written (a full disk, a removed directory), lines are dropped and
+// counted, and the file is reopened at most once a second.
 class LogFile {
  public:
   // Null when the file cannot be opened. Missing directories of the path are created.

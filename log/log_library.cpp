@@ -31,7 +31,7 @@ namespace {
 constexpr int kDefaultLowestLevel = static_cast<int>(LogLevel::kProgress);
 
 struct Module {
-  std::string name;  // as it stands in each line
+  std::string name;  // as written in each line
   LogFile* file;
   int lowest_level;
 };
@@ -48,12 +48,12 @@ Log& TheLog() {
   return log;
 }
 
-// A child forked while another thread writes would find the mutex locked for ever.
+// A child forked while another thread writes would otherwise find the mutex locked for ever.
 void KeepUsableAcrossFork() {
   pthread_atfork([] { TheLog().mutex.lock(); }, [] { TheLog().mutex.unlock(); },
                  [] { TheLog().mutex.unlock(); });
 #if defined(__APPLE__)
-  // The handlers outlive an unloaded library. Elsewhere the linker marks it as never unloaded.
+  // The handlers would outlive an unloaded library. On other systems the linker marks it as never unloaded.
   Dl_info self;
   if (dladdr(reinterpret_cast<const void*>(&LogEx), &self) != 0) {
     dlopen(self.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
@@ -73,7 +73,7 @@ int LowestLevelFromEnvironment() {
 bool OpenModule(const char* name, const char* path) {
   static const bool registered = (KeepUsableAcrossFork(), true);
   static_cast<void>(registered);
-  // Rotation opens the file again, when the host may be in another directory.
+  // Rotation reopens the file, perhaps after the host has changed its directory.
   const std::string absolute_path = std::filesystem::absolute(path).native();
 
   Log& log = TheLog();
@@ -89,7 +89,7 @@ bool OpenModule(const char* name, const char* path) {
   return true;
 }
 
-// Null when there is nothing to write. What is found stays valid: a module is never closed.
+// Null when there is nothing to write. The pointer remains valid: a module is never closed.
 const Module* FindModule(std::string_view name, int level) {
   Log& log = TheLog();
   const std::lock_guard lock(log.mutex);
@@ -131,5 +131,5 @@ DAROKLEIM_EXPORT void LogEx(const char* module, int level, const char* format, .
   darokleim::log::WriteLine(*found, known_level, darokleim::log::OnOneLine(text));
   errno = caller_errno;
 } catch (...) {
-  // A log that runs out of memory must not take its host with it.
+  // A log that runs out of memory must not end its host.
 }

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "base/shell_quoting.h"
-#include "channel/command/adb_commands.h"
 
 namespace darokleim::channel {
 namespace {
@@ -21,19 +20,35 @@ OptionForm FormOfAdbOption(std::string_view word) {
   return OptionForm::kAlone;
 }
 
-// A command word that holds blanks, as in `'shell date +"%H:%M"'`, is the command and its text.
+// How the SDK writes the paths of adb's own commands; kNone for a command without paths.
+OperandForm FindAdbOperands(std::string_view command) {
+  constexpr struct {
+    std::string_view name;
+    OperandCount paths;
+  } kCommandsWithPaths[] = {
+      {"backup", OperandCount::kOne}, {"install-multiple", OperandCount::kMany},
+      {"ls", OperandCount::kOne},     {"pull", OperandCount::kTwo},
+      {"push", OperandCount::kTwo},   {"restore", OperandCount::kOne},
+  };
+  for (const auto& known : kCommandsWithPaths) {
+    if (known.name == command) return {known.paths, kDoubleQuotes};
+  }
+  return {};
+}
+
+// A command word that holds spaces, as in `'shell date +"%H:%M"'`, is the command and its text.
 void SplitCommandWord(Command* command) {
   std::string& word = command->words.back();
-  word.erase(0, std::min(word.find_first_not_of(kBlanks), word.size()));
-  const size_t blank = word.find_first_of(kBlanks);
-  command->name = word.substr(0, blank);
-  if (blank == std::string::npos) return;
-  std::string text = word.substr(blank + 1);
-  word.resize(blank);
+  word.erase(0, std::min(word.find_first_not_of(kWhitespace), word.size()));
+  const size_t space = word.find_first_of(kWhitespace);
+  command->name = word.substr(0, space);
+  if (space == std::string::npos) return;
+  std::string text = word.substr(space + 1);
+  word.resize(space);
   if (!text.empty()) command->words.push_back(std::move(text));
 }
 
-// Up to and with the command word. False when the text ends before it.
+// Reads up to the command word and the word itself. False when the text ends before it.
 bool ReadUpToCommandWord(WordSplitter* splitter, Command* command) {
   Word word;
   while (splitter->Next(&word)) {
@@ -50,13 +65,13 @@ bool ReadUpToCommandWord(WordSplitter* splitter, Command* command) {
   return false;
 }
 
-void ReadPlainly(WordSplitter* splitter, std::vector<Word>* words) {
+void ReadPlain(WordSplitter* splitter, std::vector<Word>* words) {
   for (Word word; splitter->Next(&word);) words->push_back(std::move(word));
 }
 
-// Where the SDK puts paths between quotes, they are read as they are; everything else by the rules. words: what
-// came before, of a shell command.
-void ReadAsMeant(WordSplitter* splitter, const Command& command, std::vector<Word>* words) {
+// Paths that the SDK puts between quotes are taken as they are; everything else is split by the rules. words: those
+// that came before, of a shell command.
+void ReadAssisted(WordSplitter* splitter, const Command& command, std::vector<Word>* words) {
   Word word;
   while (!splitter->AtQuote() && splitter->Next(&word)) words->push_back(std::move(word));
   const bool shell = command.name == kShell;
@@ -66,7 +81,7 @@ void ReadAsMeant(WordSplitter* splitter, const Command& command, std::vector<Wor
   if (shell && form.quotes.opening == kDoubleQuotes.opening) {
     for (size_t i = first; i < words->size(); ++i) RemoveOwnQuotes(&(*words)[i].text);
   }
-  while (shell ? splitter->NextAsMeant(&word) : splitter->Next(&word)) words->push_back(std::move(word));
+  while (shell ? splitter->NextVerbatim(&word) : splitter->Next(&word)) words->push_back(std::move(word));
 }
 
 }  // namespace
@@ -82,9 +97,9 @@ Command ReadCommand(std::string_view arguments, Assist assist) {
   if (shell && command.words.back() != command.name) words = SplitWords(command.words.back());
   const size_t first = words.size();
   if (assisted) {
-    ReadAsMeant(&splitter, command, &words);
+    ReadAssisted(&splitter, command, &words);
   } else {
-    ReadPlainly(&splitter, &words);
+    ReadPlain(&splitter, &words);
   }
 
   if (shell) command.device = FindDeviceCommand(words);

@@ -1,4 +1,4 @@
-// One adb command, read from its argument text: the words adb is started with, and what is known of it.
+// One adb command, parsed from its argument text: the words that adb is started with, and what is known of it.
 #ifndef DAROKLEIM_CHANNEL_COMMAND_COMMAND_H
 #define DAROKLEIM_CHANNEL_COMMAND_COMMAND_H
 
@@ -12,7 +12,7 @@ namespace darokleim::channel {
 
 enum class Assist {
   kOff,
-  kOn,  // shell commands: paths arrive whole at the device's shell, line ends are those that the SDK reads
+  kOn,  // shell commands: paths reach the device's shell whole, line breaks are those that the SDK reads
 };
 
 struct Command {

@@ -18,7 +18,7 @@ struct KnownCommand {
 constexpr OperandForm kOnePath = {OperandCount::kOne, kDoubleQuotes};
 constexpr OperandForm kOneJoinedPath = {OperandCount::kOne, kDoubledDoubleQuotes};
 
-// Every other command is taken for one that is silent when it succeeds.
+// Every other command is treated as one that is silent when it succeeds.
 constexpr KnownCommand kKnownCommands[] = {
     {"am", {Answer::kText, LineEnds::kLf}},
     {"date", {Answer::kText, LineEnds::kLf}},
@@ -28,7 +28,7 @@ constexpr KnownCommand kKnownCommands[] = {
     {"find", {Answer::kText, LineEnds::kLf}},
     {"getprop", {Answer::kText, LineEnds::kCrLf}},
     {"ip", {Answer::kText, LineEnds::kLf}},
-    {"ls", {Answer::kText, LineEnds::kLf, kOneJoinedPath}},  // but see LineEndsOfListing
+    {"ls", {Answer::kText, LineEnds::kLf, kOneJoinedPath}},  // see LineEndsOfListing
     {"pm", {Answer::kText, LineEnds::kLf, {OperandCount::kOne, kDoubleInSingleQuotes}}},
     {"stat", {Answer::kText, LineEnds::kCrLf, kOneJoinedPath}},
 
@@ -60,8 +60,8 @@ bool EndsCommand(const Word& word) {
          std::string_view("|&;<>").find(word.text[0]) != std::string_view::npos;
 }
 
-// The long listing of /storage is the one that the volume searches read; they never quote it. Every other long
-// listing, of a quoted /storage too, is read by the parser that knows only CR LF.
+// The volume searches read the long listing of /storage, which they never quote. Every other long listing, also of a
+// quoted /storage, is read by the parser that accepts only CR LF.
 LineEnds LineEndsOfListing(WordIterator word, WordIterator end) {
   end = std::find_if(word, end, EndsCommand);
   const auto is_long = [](const Word& w) { return IsOption(w) && w.text.find('l') != std::string::npos; };

@@ -1,5 +1,5 @@
-// What is known of the commands of the device's shell: whether they answer by what they print, which line ends
-// the SDK reads their output with, and how it writes their paths.
+// What is known of the commands of the device's shell: whether they answer by what they print, which line breaks the
+// SDK expects in their output, and how it writes their paths.
 #ifndef DAROKLEIM_CHANNEL_COMMAND_DEVICE_COMMANDS_H
 #define DAROKLEIM_CHANNEL_COMMAND_DEVICE_COMMANDS_H
 
@@ -11,8 +11,8 @@
 namespace darokleim::channel {
 
 enum class Answer {
-  kText,        // prints its result or its complaint: the text decides, not the exit status
-  kExitStatus,  // silent when it succeeds: the exit status is the witness
+  kText,        // prints its result or its error: the text decides, not the exit status
+  kExitStatus,  // silent when it succeeds: the exit status decides
 };
 
 enum class LineEnds {
@@ -27,7 +27,7 @@ struct DeviceCommand {
   OperandForm operands = {};
 };
 
-// words: what follows adb's `shell`, one or more commands; the first one counts.
+// words: what follows adb's `shell`, one or more commands. The first one counts.
 DeviceCommand FindDeviceCommand(const std::vector<Word>& words);
 
 }  // namespace darokleim::channel

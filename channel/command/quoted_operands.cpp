@@ -9,7 +9,7 @@ namespace {
 
 constexpr size_t kNone = std::string_view::npos;
 
-// Where the last closing quotes before a blank or the end begin; kNone without any behind the opening ones.
+// Where the last closing quotes before whitespace or the end begin; kNone when there are none after the opening ones.
 size_t FindLastClosing(std::string_view text, const QuotePair& quotes) {
   size_t at = text.rfind(quotes.closing);
   while (at != kNone && at >= quotes.opening.size()) {
@@ -19,7 +19,7 @@ size_t FindLastClosing(std::string_view text, const QuotePair& quotes) {
   return kNone;
 }
 
-// Where part stands in text; kNone when it does not, or more than once.
+// The position of part in text; kNone unless it occurs exactly once.
 size_t FindOnly(std::string_view text, std::string_view part) {
   const size_t at = text.find(part);
   return at == text.rfind(part) ? at : kNone;

@@ -1,6 +1,6 @@
-// The operands of a command whose writer put each between the same quotes without a look at what it holds. Where
-// the quotes and the number of operands are known, so is where each ends: a path may hold quotes, blanks and
-// backslashes of its own.
+// The operands of a command that were each put between the same quotes without escaping. Where the quotes and the
+// number of operands are known, the end of each follows: a path may contain quotes, spaces and backslashes of its
+// own.
 #ifndef DAROKLEIM_CHANNEL_COMMAND_QUOTED_OPERANDS_H
 #define DAROKLEIM_CHANNEL_COMMAND_QUOTED_OPERANDS_H
 
@@ -29,12 +29,12 @@ struct OperandForm {
 
 struct QuotedOperands {
   std::vector<std::string_view> operands;  // without their quotes
-  std::size_t length = 0;                  // of the text that they take, from its first quote to its last
+  std::size_t length = 0;                  // of the text that they occupy, from its first quote to its last
 };
 
-// The operands that text begins with: they reach up to its last closing quotes before a blank or the end. None
-// when the text does not have the form; nor when there are several places where the first of two operands can end,
-// unless just one of them is followed by an absolute path.
+// The operands that text begins with. They reach up to its last closing quotes before whitespace or the end. Empty when
+// the text does not have the form, and when the first of two operands could end at several places, unless exactly one
+// of them is followed by an absolute path.
 QuotedOperands ReadQuotedOperands(std::string_view text, const OperandForm& form);
 
 }  // namespace darokleim::channel

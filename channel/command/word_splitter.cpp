@@ -7,16 +7,16 @@ namespace {
 
 constexpr size_t kNone = std::string_view::npos;
 
-bool IsBlank(char c) {
-  return kBlanks.find(c) != kNone;
+bool IsWhitespace(char c) {
+  return kWhitespace.find(c) != kNone;
 }
 
-// What a backslash outside quotes can take the meaning of.
+// What a backslash outside quotes can escape.
 bool CanBeEscaped(char c) {
-  return IsBlank(c) || c == '\'' || c == '"' || c == '\\';
+  return IsWhitespace(c) || c == '\'' || c == '"' || c == '\\';
 }
 
-// Where the quote that text begins with is closed; kNone when it never is.
+// Where the quote that text begins with is closed; kNone when it is not.
 size_t FindClosingQuote(std::string_view text) {
   if (text.front() == '\'') return text.find('\'', 1);
   for (size_t i = 1; i < text.size(); ++i) {
@@ -37,7 +37,7 @@ void UnescapeDoubleQuoted(std::string_view inside, std::string* text) {
 constexpr std::array<QuotePair, 4> kQuotePairs = {
     {kDoubledDoubleQuotes, kSingleInDoubleQuotes, kDoubleInSingleQuotes, kDoubleQuotes}};
 
-size_t FindClosingBeforeBlank(std::string_view text, const QuotePair& pair) {
+size_t FindClosingBeforeWhitespace(std::string_view text, const QuotePair& pair) {
   size_t at = text.find(pair.closing, pair.opening.size());
   while (at != kNone && !EndsWordAt(text, at + pair.closing.size())) at = text.find(pair.closing, at + 1);
   return at;
@@ -46,23 +46,23 @@ size_t FindClosingBeforeBlank(std::string_view text, const QuotePair& pair) {
 }  // namespace
 
 bool EndsWordAt(std::string_view text, size_t position) {
-  return position == text.size() || IsBlank(text[position]);
+  return position == text.size() || IsWhitespace(text[position]);
 }
 
-bool WordSplitter::SkipBlanks() {
-  rest_.remove_prefix(std::min(rest_.find_first_not_of(kBlanks), rest_.size()));
+bool WordSplitter::SkipWhitespace() {
+  rest_.remove_prefix(std::min(rest_.find_first_not_of(kWhitespace), rest_.size()));
   return !rest_.empty();
 }
 
 bool WordSplitter::Next(Word* word) {
   *word = {};
-  if (!SkipBlanks()) return false;
+  if (!SkipWhitespace()) return false;
   ReadPlain(word);
   return true;
 }
 
 void WordSplitter::ReadPlain(Word* word) {
-  while (!rest_.empty() && !IsBlank(rest_.front())) {
+  while (!rest_.empty() && !IsWhitespace(rest_.front())) {
     const char c = rest_.front();
     if (c == '\'' || c == '"') {
       const size_t closing = FindClosingQuote(rest_);
@@ -85,14 +85,14 @@ void WordSplitter::ReadPlain(Word* word) {
   }
 }
 
-bool WordSplitter::NextAsMeant(Word* word) {
+bool WordSplitter::NextVerbatim(Word* word) {
   *word = {};
-  if (!SkipBlanks()) return false;
-  if (!ReadQuotedWhole(word) && !ReadMeant(word)) ReadPlain(word);
+  if (!SkipWhitespace()) return false;
+  if (!ReadQuotedWord(word) && !ReadVerbatim(word)) ReadPlain(word);
   return true;
 }
 
-bool WordSplitter::ReadQuotedWhole(Word* word) {
+bool WordSplitter::ReadQuotedWord(Word* word) {
   const char quote = rest_.front();
   if (quote != '\'' && quote != '"') return false;
   const size_t closing = FindClosingQuote(rest_);
@@ -102,13 +102,13 @@ bool WordSplitter::ReadQuotedWhole(Word* word) {
   return true;
 }
 
-bool WordSplitter::ReadMeant(Word* word) {
+bool WordSplitter::ReadVerbatim(Word* word) {
   for (size_t i = 0; i < kQuotePairs.size(); ++i) {
     const QuotePair& pair = kQuotePairs[i];
-    if (closed_no_more_[i] || rest_.substr(0, pair.opening.size()) != pair.opening) continue;
-    const size_t closing = FindClosingBeforeBlank(rest_, pair);
+    if (has_no_closing_[i] || rest_.substr(0, pair.opening.size()) != pair.opening) continue;
+    const size_t closing = FindClosingBeforeWhitespace(rest_, pair);
     if (closing == kNone) {
-      closed_no_more_[i] = true;
+      has_no_closing_[i] = true;
       continue;
     }
     word->text = rest_.substr(pair.opening.size(), closing - pair.opening.size());
@@ -120,7 +120,7 @@ bool WordSplitter::ReadMeant(Word* word) {
 }
 
 bool WordSplitter::AtQuote() {
-  return SkipBlanks() && (rest_.front() == '\'' || rest_.front() == '"');
+  return SkipWhitespace() && (rest_.front() == '\'' || rest_.front() == '"');
 }
 
 void WordSplitter::NextOperands(const OperandForm& form, std::vector<Word>* words) {

@@ -1,4 +1,4 @@
-// Line ends of a text in memory: CR LF to LF and back.
+// Converts the line breaks of a text in memory: CR LF to LF and back.
 #ifndef DAROKLEIM_CHANNEL_OUTPUT_LINE_ENDS_H
 #define DAROKLEIM_CHANNEL_OUTPUT_LINE_ENDS_H
 
@@ -6,8 +6,8 @@
 
 namespace darokleim::channel {
 
-// Removes every carriage return that stands before a line feed, however many (old devices print CR CR LF now
-// and then). Returns the new length.
+// Removes the carriage returns before each line feed, however many (old devices sometimes print CR CR LF). Returns the
+// new length.
 size_t CollapseLineEnds(char* text, size_t length);
 
 size_t CountLineFeeds(const char* text, size_t length);

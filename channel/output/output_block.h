@@ -1,4 +1,4 @@
-// The memory that a command's output is collected in and handed out in.
+// The memory that holds a command's output, also in the hands of the caller.
 #ifndef DAROKLEIM_CHANNEL_OUTPUT_OUTPUT_BLOCK_H
 #define DAROKLEIM_CHANNEL_OUTPUT_OUTPUT_BLOCK_H
 
@@ -6,19 +6,19 @@
 
 namespace darokleim::channel {
 
-// A block is known by the address of its first byte alone; what it is made of stands before that byte.
+// A block is identified by the address of its first byte; its description is stored before that byte.
 
 struct Block {
   char* data = nullptr;  // null when there is no memory
   size_t capacity = 0;
 };
 
-// Makes a block (of null) or makes one larger, to at least size bytes, and keeps what it holds; it may move. It
-// is left as it was when there is no memory. most: what it may ever have to hold, at least size. A block that
-// gets large is given so much address space at once.
+// Makes a block (from null) or enlarges one to at least size bytes and keeps its content; it may move. When there is no
+// memory it is left as it was. most: the largest size that it may ever need. A block that becomes large gets that much
+// address space at once.
 Block GrowBlock(char* data, size_t size, size_t most);
 
-// Gives back what a block has beyond size bytes; it may move.
+// Frees what a block has beyond size bytes; it may move.
 char* ShrinkBlock(char* data, size_t size);
 
 void FreeBlock(char* data);

@@ -19,7 +19,7 @@ OutputBuffer::~OutputBuffer() {
 }
 
 std::span<char> OutputBuffer::Room() {
-  // One byte more than may be printed fits in: it shows that there is too much.
+  // There is room for one byte more than allowed: it shows that there is too much output.
   if (size_ > most_) status_ = kTooMuchOutput;
   if (status_ != kDelivered) return {};
   if (size_ == capacity_ && !Reserve(std::min(std::max(2 * capacity_, kFirstCapacity), most_ + 1))) return {};

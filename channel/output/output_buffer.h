@@ -1,4 +1,4 @@
-// The whole output of a command in one block of memory, which is handed out without being copied.
+// The whole output of a command in one block of memory, which the caller receives without a copy.
 #ifndef DAROKLEIM_CHANNEL_OUTPUT_OUTPUT_BUFFER_H
 #define DAROKLEIM_CHANNEL_OUTPUT_OUTPUT_BUFFER_H
 
@@ -22,7 +22,7 @@ class OutputBuffer final : public OutputSink {
   OutputBuffer& operator=(const OutputBuffer&) = delete;
 
   std::span<char> Room() override;
-  void Took(size_t count) override { size_ += count; }
+  void Commit(size_t count) override { size_ += count; }
 
   // kDelivered, kTooMuchOutput or kSystemRefused: why there is no more room.
   Status status() const { return status_; }
@@ -31,8 +31,8 @@ class OutputBuffer final : public OutputSink {
   void RemoveFirst(size_t count);
   void ConvertLineEnds(LineEnds line_ends);
 
-  // Hands out the block, text() followed by a zero byte, to be given back to FreeBlock; null when there is
-  // no memory.
+  // Gives the block to the caller: text() followed by a zero byte, to be freed by FreeBlock. Null when there is no
+  // memory.
   char* Release();
 
  private:

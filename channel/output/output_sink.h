@@ -1,4 +1,4 @@
-// Where the output of a command goes while it runs.
+// Where the output of a command goes while the command runs.
 #ifndef DAROKLEIM_CHANNEL_OUTPUT_OUTPUT_SINK_H
 #define DAROKLEIM_CHANNEL_OUTPUT_OUTPUT_SINK_H
 
@@ -9,10 +9,10 @@ namespace darokleim::channel {
 
 class OutputSink {
  public:
-  // Where the next bytes are to be put; empty when no more can be taken.
+  // Where the next bytes must be put; empty when the sink cannot take more.
   virtual std::span<char> Room() = 0;
-  // So many bytes were put there.
-  virtual void Took(size_t count) = 0;
+  // Adds the first count bytes of Room() to the output.
+  virtual void Commit(size_t count) = 0;
 
  protected:
   ~OutputSink() = default;

@@ -1,14 +1,14 @@
 #include "channel/output/stream_filter.h"
 
 #include "channel/channel_log.h"
+#include "channel/output/adb_messages.h"
 #include "channel/output/line_ends.h"
-#include "channel/output/server_notices.h"
 
 namespace darokleim::channel {
 namespace {
 
-// A first line that is longer than this is not waited for: no notice is.
-constexpr size_t kLongestLead = 4096;
+// No notice is longer: the filter does not wait for the end of a longer first line.
+constexpr size_t kLongestNotice = 4096;
 
 void ConvertLineEnds(LineEnds line_ends, std::string* text) {
   text->resize(CollapseLineEnds(text->data(), text->size()));
@@ -22,21 +22,21 @@ void ConvertLineEnds(LineEnds line_ends, std::string* text) {
 }  // namespace
 
 std::string_view StreamFilter::Pass(std::string_view piece) {
-  if (!leads_ && line_ends_ == LineEnds::kAsPrinted) return piece;
+  if (!at_start_ && line_ends_ == LineEnds::kAsPrinted) return piece;
   kept_ += piece;
-  if (leads_) {
+  if (at_start_) {
     if (!MayContinueNotices(kept_)) {
       DropNotices();
-    } else if (kept_.size() <= kLongestLead) {
+    } else if (kept_.size() <= kLongestNotice) {
       return {};
     }
-    leads_ = false;
+    at_start_ = false;
   }
   passed_ = std::move(kept_);
   kept_.clear();
   if (line_ends_ == LineEnds::kAsPrinted) return passed_;
 
-  // A carriage return at the end may belong to a line end that comes with the next piece.
+  // A carriage return at the end may belong to a line break that the next piece completes.
   const size_t last = passed_.find_last_not_of('\r');
   kept_ = passed_.substr(last + 1);
   passed_.resize(last + 1);
@@ -51,7 +51,7 @@ void StreamFilter::DropNotices() {
 }
 
 std::string_view StreamFilter::Finish() {
-  if (leads_) DropNotices();
+  if (at_start_) DropNotices();
   passed_ = std::move(kept_);
   kept_.clear();
   if (line_ends_ != LineEnds::kAsPrinted) ConvertLineEnds(line_ends_, &passed_);

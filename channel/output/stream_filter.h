@@ -1,5 +1,4 @@
-// What is done to the output of a command that comes in pieces: leading server notices are left out, line ends
-// are converted.
+// Processes the output of a stream piece by piece: removes leading server notices and converts line breaks.
 #ifndef DAROKLEIM_CHANNEL_OUTPUT_STREAM_FILTER_H
 #define DAROKLEIM_CHANNEL_OUTPUT_STREAM_FILTER_H
 
@@ -13,20 +12,20 @@ namespace darokleim::channel {
 class StreamFilter {
  public:
   explicit StreamFilter(const Command& command)
-      : line_ends_(command.line_ends), leads_(!command.ReportsOnServer()) {}
+      : line_ends_(command.line_ends), at_start_(!command.ReportsOnServer()) {}
 
-  // What may be passed on now that piece has come; what depends on later pieces is kept back. The text lives
-  // until the next call.
+  // The output that may be passed on after piece; what depends on later pieces is kept. The text is valid until the
+  // next call.
   std::string_view Pass(std::string_view piece);
 
-  // What was kept back, at the end of the output.
+  // What was kept, at the end of the output.
   std::string_view Finish();
 
  private:
   void DropNotices();
 
   const LineEnds line_ends_;
-  bool leads_;        // nothing but notices has come so far
+  bool at_start_;     // only notices have arrived so far
   std::string kept_;  // not yet passed on
   std::string passed_;
 };

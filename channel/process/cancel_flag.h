@@ -11,7 +11,7 @@ class CancelFlag {
   bool CanBeSet() const { return flag_ != nullptr; }
   bool IsSet() const { return flag_ != nullptr && __atomic_load_n(flag_, __ATOMIC_ACQUIRE); }
 
-  // How long a wait may last before the flag must be looked at again, in milliseconds; -1 for ever.
+  // How long a wait may last before the flag must be checked again, in milliseconds; -1: no limit.
   int LongestWait() const { return CanBeSet() ? 8 : -1; }
 
  private:

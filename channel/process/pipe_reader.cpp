@@ -1,7 +1,6 @@
 #include "channel/process/pipe_reader.h"
 
 #include <errno.h>
-#include <fcntl.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -26,7 +25,29 @@ ReadResult PipeReader::ReadFrom(int fd, size_t limit) {
   if (count < 0) return ResultOfFailure();
   if (count == 0) return ReadResult::kEnd;
   last_count_ = static_cast<size_t>(count);
-  sink_->Took(last_count_);
+  sink_->Commit(last_count_);
+  return ReadResult::kSome;
+}
+
+ReadResult PipeReader::Read() {
+  if (relay_.IsOpen()) return ReadThroughRelay();
+  const ReadResult result = ReadFrom(output_, kUnlimited);
+  if (!relay_tried_ && PipeRelay::IsWorthwhileAfter(last_count_)) {
+    relay_tried_ = true;
+    relay_.Open(output_);
+  }
+  return result;
+}
+
+ReadResult PipeReader::ReadThroughRelay() {
+  const ssize_t moved = relay_.MoveFrom(output_);
+  if (moved == 0) return ReadResult::kEnd;
+  if (moved < 0) return ResultOfFailure();
+  for (size_t left = static_cast<size_t>(moved); left > 0; left -= last_count_) {
+    ReadResult result = ReadResult::kNothingYet;
+    while (result == ReadResult::kNothingYet) result = ReadFrom(relay_.output(), left);
+    if (result != ReadResult::kSome) return result;
+  }
   return ReadResult::kSome;
 }
 
@@ -39,52 +60,5 @@ ReadResult PipeReader::Drain() {
   }
   return ReadResult::kEnd;
 }
-
-#if defined(__linux__)
-
-namespace {
-
-constexpr size_t kDefaultPipeSize = 64 * 1024;
-constexpr int kLargePipeSize = 1024 * 1024;  // the most that a user without privileges may ask for
-
-}  // namespace
-
-ReadResult PipeReader::Read() {
-  if (relay_in_.valid()) return ReadThroughRelay();
-  const ReadResult result = ReadFrom(output_, kUnlimited);
-  if (!much_ && last_count_ >= kDefaultPipeSize) PrepareForMuch();
-  return result;
-}
-
-// A short command never gets here: large pipes cost time, and all pipes of a user share a limit.
-void PipeReader::PrepareForMuch() {
-  much_ = true;
-  if (fcntl(output_, F_SETPIPE_SZ, kLargePipeSize) < 0) return;
-  int ends[2];
-  if (pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) return;
-  relay_out_.Reset(ends[0]);
-  if (base::UniqueFd in(ends[1]); fcntl(in.get(), F_SETPIPE_SZ, kLargePipeSize) >= 0)
-    relay_in_ = std::move(in);
-}
-
-ReadResult PipeReader::ReadThroughRelay() {
-  const ssize_t moved = splice(output_, nullptr, relay_in_.get(), nullptr, kLargePipeSize, SPLICE_F_MOVE);
-  if (moved == 0) return ReadResult::kEnd;
-  if (moved < 0) return ResultOfFailure();
-  for (size_t left = static_cast<size_t>(moved); left > 0; left -= last_count_) {
-    ReadResult result = ReadResult::kNothingYet;
-    while (result == ReadResult::kNothingYet) result = ReadFrom(relay_out_.get(), left);
-    if (result != ReadResult::kSome) return result;
-  }
-  return ReadResult::kSome;
-}
-
-#else
-
-ReadResult PipeReader::Read() {
-  return ReadFrom(output_, kUnlimited);
-}
-
-#endif
 
 }  // namespace darokleim::channel

@@ -27,7 +27,7 @@ char** Environment() {
 }
 #endif
 
-// Numbers below this one belong to the standard streams.
+// Lower numbers belong to the standard streams.
 constexpr int kFirstFreeFd = STDERR_FILENO + 1;
 
 bool OpenPipeAnywhere(base::UniqueFd* read_end, base::UniqueFd* write_end) {
@@ -43,8 +43,8 @@ bool OpenPipeAnywhere(base::UniqueFd* read_end, base::UniqueFd* write_end) {
   return true;
 }
 
-// Were the pipe to take the number of a standard stream that the host has closed, be it for a moment, whatever
-// the host prints then would end up among adb's output: those numbers are held by the null device meanwhile.
+// If the pipe took the number of a standard stream that the host has closed, even for a moment, what the host prints
+// then would be mixed into adb's output. The null device occupies those numbers in the meantime.
 bool OpenPipe(base::UniqueFd* read_end, base::UniqueFd* write_end) {
   std::array<base::UniqueFd, kFirstFreeFd> held;
   for (int stream = 0; stream < kFirstFreeFd; ++stream) {
@@ -95,7 +95,7 @@ class FileActions {
     if (error_ == 0) error_ = posix_spawn_file_actions_adddup2(&actions_, output, STDERR_FILENO);
 #if defined(__GLIBC__)
 #if __GLIBC_PREREQ(2, 34)
-    // Before the open, which then finds a free descriptor even where the host has used up its limit.
+    // Before the open, which then finds a free descriptor even where the host is out of descriptors.
     if (error_ == 0) error_ = posix_spawn_file_actions_addclosefrom_np(&actions_, kFirstFreeFd);
 #endif
 #endif
@@ -128,7 +128,7 @@ bool IsShortage(int error) {
 std::vector<char*> ArgumentVector(const std::string& program, const std::vector<std::string>& words) {
   std::vector<char*> argv;
   argv.reserve(words.size() + 2);
-  argv.push_back(const_cast<char*>(program.c_str()));  // posix_spawn does not write to them
+  argv.push_back(const_cast<char*>(program.c_str()));  // posix_spawn does not write to it
   for (const std::string& word : words) argv.push_back(const_cast<char*>(word.c_str()));
   argv.push_back(nullptr);
   return argv;

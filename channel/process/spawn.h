@@ -17,9 +17,9 @@ struct Spawned {
   base::UniqueFd output;  // what the child prints on both streams; reading never blocks
 };
 
-// The child has the null device as standard input, one pipe for both outputs and no other descriptor of the
-// host's; a process group of its own, so that a terminal's Ctrl-C does not reach the adb server it may start;
-// no signal blocked or ignored. Returns kDelivered, kCannotStart or kSystemRefused.
+// The child has the null device as standard input, one pipe for both outputs and no other descriptor of the host's. It
+// has a process group of its own, so that a terminal's Ctrl-C does not reach the adb server that it may start, and no
+// signal blocked or ignored. Returns kDelivered, kCannotStart or kSystemRefused.
 Status Spawn(const std::string& program, const std::vector<std::string>& words, Spawned* spawned);
 
 }  // namespace darokleim::channel

@@ -5,7 +5,7 @@
 #include <exception>
 #include <new>
 
-#include "channel/output/outcome.h"
+#include "channel/output/adb_messages.h"
 #include "channel/process/spawn.h"
 
 namespace darokleim::channel {
@@ -13,8 +13,8 @@ namespace {
 
 constexpr size_t kPieceSize = 64 * 1024;
 
-// While it lives, threads are started that run none of the host's signal handlers, but for those of its own
-// faults.
+// While it lives, threads start with all signals blocked, so that they run no handler of the host's; except the signals
+// of their own faults.
 class SignalsBlocked {
  public:
   SignalsBlocked() {
@@ -37,7 +37,7 @@ Stream::Stream(const Settings& settings, const char* arguments, const CancelFlag
                const OutputReceiver& receiver)
     : adb_path_(settings.adb_path),
       arguments_(arguments),
-      command_(ReadCommand(arguments, settings.assist)),
+      command_(ReadCommand(arguments, settings.assist())),
       cancel_(cancel),
       receiver_(receiver),
       piece_(kPieceSize),
@@ -54,21 +54,21 @@ Status Stream::Start() {
     thread_ = std::thread([this] { RunToEnd(); });
   } catch (const std::exception&) {  // no thread, or no memory to start one
     Terminate(&*child_);
-    child_->Collect();
+    child_->Reap();
     return kSystemRefused;
   }
   return kDelivered;
 }
 
 void Stream::RunToEnd() {
-  const PumpResult result = Pump(&*child_, output_.get(), cancel_, this);
-  if (result != PumpResult::kEnded) Terminate(&*child_);
-  const ExitOutcome exit = child_->Collect();
-  if (result == PumpResult::kEnded && !stopping_) DeliverFrom([this] { return filter_.Finish(); });
+  const ReadingEnd end = ReadOutput(&*child_, output_.get(), cancel_, this);
+  if (end != ReadingEnd::kOutputComplete) Terminate(&*child_);
+  const ExitOutcome exit = child_->Reap();
+  if (end == ReadingEnd::kOutputComplete && !stopping_) DeliverFrom([this] { return filter_.Finish(); });
 
-  const int status = StatusAfter(result, exit);
+  const int status = StatusAfter(end, exit);
   timer_.Log(arguments_.c_str(), status, bytes_);
-  GiveBackResources();
+  ReleaseResources();
   if (receiver_.function != nullptr) receiver_.function(receiver_.context, nullptr, status);
 
   const std::lock_guard lock(mutex_);
@@ -76,16 +76,16 @@ void Stream::RunToEnd() {
   finished_change_.notify_all();
 }
 
-// The stream itself stays until another one starts or the library is unloaded.
-void Stream::GiveBackResources() {
+// The stream object itself is kept until another stream starts or the library is unloaded.
+void Stream::ReleaseResources() {
   output_.Reset();
   std::vector<char>().swap(piece_);
   const std::lock_guard lock(mutex_);
   child_.reset();
 }
 
-int Stream::StatusAfter(PumpResult result, const ExitOutcome& exit) const {
-  if (stopping_ || result == PumpResult::kCancelled) return kCancelled;
+int Stream::StatusAfter(ReadingEnd end, const ExitOutcome& exit) const {
+  if (stopping_ || end == ReadingEnd::kCancelled) return kCancelled;
   if (out_of_memory_) return kSystemRefused;
   return StatusOf(command_, exit, [this] { return failures_.Found(); });
 }
@@ -95,7 +95,7 @@ std::span<char> Stream::Room() {
   return piece_;
 }
 
-void Stream::Took(size_t count) {
+void Stream::Commit(size_t count) {
   const std::string_view piece(piece_.data(), count);
   DeliverFrom([&] {
     failures_.Scan(piece);

@@ -1,4 +1,4 @@
-// A command that runs on while its output is passed on piece by piece.
+// A command whose output is passed on piece by piece while it runs.
 #ifndef DAROKLEIM_CHANNEL_PROCESS_STREAM_H
 #define DAROKLEIM_CHANNEL_PROCESS_STREAM_H
 
@@ -15,23 +15,23 @@
 #include <vector>
 
 #include "channel/channel_log.h"
-#include "channel/output/failure_lines.h"
+#include "channel/output/adb_messages.h"
 #include "channel/output/output_sink.h"
 #include "channel/output/stream_filter.h"
 #include "channel/process/cancel_flag.h"
 #include "channel/process/child.h"
-#include "channel/process/pump.h"
+#include "channel/process/read_output.h"
 #include "channel/settings.h"
 #include "channel/status.h"
 
 namespace darokleim::channel {
 
-// Whom the output goes to. Called on the stream's own thread with one piece after the other; the last call has
-// a null data and the final status in length.
+// The caller's function that receives the output. Called on the stream's own thread with one piece after the other; the
+// last call has null data and the final status in length.
 struct OutputReceiver {
   using Function = void (*)(void* context, const char* data, int length);
 
-  Function function = nullptr;  // null: the output is thrown away
+  Function function = nullptr;  // null: the output is discarded
   void* context = nullptr;
 };
 
@@ -42,27 +42,27 @@ class Stream final : public OutputSink {
   Stream(const Settings& settings, const char* arguments, const CancelFlag& cancel,
          const OutputReceiver& receiver);
 
-  // kDelivered when adb and the stream's thread run; else the status with which they do not.
+  // kDelivered when adb and the stream's thread run; otherwise the status that says why not.
   Status Start();
 
-  // For other threads: ask adb to end, or make it end. The stream then finishes with kCancelled.
+  // For other threads: send SIGTERM or SIGKILL to adb. The stream then finishes with kCancelled.
   void Stop() { End(SIGTERM); }
   void Kill() { End(SIGKILL); }
 
   bool Finished();
   bool WaitUntilFinished(Clock::time_point time);
-  // After the stream has finished; takes no time then.
+  // Only after the stream has finished; returns at once then.
   void Join() { thread_.join(); }
   bool IsOnThisThread() const { return thread_.get_id() == std::this_thread::get_id(); }
 
  private:
   std::span<char> Room() override;
-  void Took(size_t count) override;
+  void Commit(size_t count) override;
 
   void RunToEnd();
-  void GiveBackResources();
-  int StatusAfter(PumpResult result, const ExitOutcome& exit) const;
-  // What the filter gives, unless it runs out of memory.
+  void ReleaseResources();
+  int StatusAfter(ReadingEnd end, const ExitOutcome& exit) const;
+  // Passes on what filter returns, unless it runs out of memory.
   template <typename Filter>
   void DeliverFrom(Filter filter);
   void Deliver(std::string_view piece);
@@ -76,18 +76,18 @@ class Stream final : public OutputSink {
   const CommandTimer timer_;
 
   base::UniqueFd output_;
-  std::optional<Child> child_;  // taken away under mutex_: other threads signal it
+  std::optional<Child> child_;  // reset under mutex_: other threads signal it
   std::thread thread_;
   std::atomic<bool> stopping_ = false;
 
-  // Of the stream's thread alone.
+  // Used by the stream's thread only.
   std::vector<char> piece_;
   StreamFilter filter_;
   FailureLineScanner failures_;
   long long bytes_ = 0;
   bool out_of_memory_ = false;
 
-  std::mutex mutex_;  // of child_ and finished_
+  std::mutex mutex_;  // guards child_ and finished_
   std::condition_variable finished_change_;
   bool finished_ = false;
 };

@@ -24,7 +24,7 @@ class Registry {
     if (owner_ != getpid()) Abandon(&streams_);
     owner_ = getpid();
     JoinFinished();
-    // Listed before it runs: its receiver may end the process at its first call.
+    // Listed before it runs: its receiver may end the process in its first call.
     streams_.splice(streams_.end(), added);
     const Status started = Started(streams_.back().get());
     if (started != kDelivered) streams_.pop_back();
@@ -44,11 +44,11 @@ class Registry {
     });
   }
 
-  // A thread must not run on in code that is being unloaded, so it is waited for; but a receiver that does not
+  // A thread must not continue in code that is being unloaded, so each is waited for. But a receiver that does not
   // return (it may wait for the very thread that ends the process) must not keep a process from exiting.
   void StopAll() {
     constexpr std::chrono::milliseconds kGrace{40};
-    constexpr std::chrono::seconds kPatience{3};
+    constexpr std::chrono::seconds kReceiverTimeout{3};
 
     if (owner_ != getpid()) return Abandon(&streams_);
     StreamList streams = Close();
@@ -58,7 +58,7 @@ class Registry {
       if (stream->IsOnThisThread() || !stream->WaitUntilFinished(start + kGrace)) stream->Kill();
     }
     streams.remove_if([&](const std::unique_ptr<Stream>& stream) {
-      if (stream->IsOnThisThread() || !stream->WaitUntilFinished(start + kPatience)) return false;
+      if (stream->IsOnThisThread() || !stream->WaitUntilFinished(start + kReceiverTimeout)) return false;
       stream->Join();
       return true;
     });
@@ -71,8 +71,8 @@ class Registry {
     return std::move(streams_);
   }
 
-  // Streams whose receiver does not return, or those of the process that this one is a fork of, which has neither
-  // their threads nor their children.
+  // For streams whose receiver does not return, and in a fork for the streams of the parent: a fork has neither their
+  // threads nor their children.
   static void Abandon(StreamList* streams) {
     for (auto& stream : *streams) static_cast<void>(stream.release());
     streams->clear();

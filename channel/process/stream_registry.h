@@ -6,10 +6,9 @@
 
 namespace darokleim::channel {
 
-// Starts a command and returns: kDelivered when it runs, else the status with which it does not; the receiver
-// is then never called. arguments may be freed after the call; the flag behind cancel must stay until the
-// receiver's last call. Every stream that still runs is stopped when the library is unloaded or the process
-// exits.
+// Starts a command and returns: kDelivered when it runs, otherwise the status that says why not; the receiver is then
+// never called. arguments may be freed after the call; the flag of cancel must stay valid until the receiver's last call.
+// Every stream that still runs is stopped when the library is unloaded or the process exits.
 int StartStream(const Settings& settings, const char* arguments, const CancelFlag& cancel,
                 const OutputReceiver& receiver);
 

@@ -29,7 +29,7 @@ inline milliseconds Since(Clock::time_point start) {
 
 struct Result {
   int status = -1;
-  bool handed_out = false;  // a buffer, be it empty
+  bool handed_out = false;  // a buffer, even an empty one
   std::string output;
 };
 
@@ -55,7 +55,7 @@ inline const test::TemporaryDirectory& LogDirectory() {
   return directory;
 }
 
-// What adb is to do while a command has other words.
+// What misbehaving_adb does when the words of the command are others.
 class Misbehaviour {
  public:
   explicit Misbehaviour(const std::string& orders) { setenv("MISBEHAVE", orders.c_str(), 1); }
@@ -69,8 +69,8 @@ inline Result RunAdbWhere(const std::string& orders, const std::string& args) {
   return RunAdb(args);
 }
 
-// Waits for a process id in a file, for at most ten seconds. Never anything but the id of one process: what kill
-// takes beside that reaches many.
+// Waits for at most ten seconds for a process id in a file. Returns only the id of a single process: other numbers make
+// kill reach many.
 inline pid_t PidIn(const std::string& file) {
   for (const Clock::time_point start = Clock::now(); Since(start) < milliseconds(10000);) {
     pid_t pid = -1;
@@ -80,12 +80,12 @@ inline pid_t PidIn(const std::string& file) {
   throw std::runtime_error("no process id in " + file);
 }
 
-// kill, which takes what is no process id for many processes, only ever sees one.
+// Never passes kill a number that is not the id of one process: kill would then reach many.
 inline void EndProcess(pid_t pid) {
   if (pid > 1) kill(pid, SIGKILL);
 }
 
-// A zombie, as what nobody has collected yet, runs no more.
+// A zombie, a child that has ended but is not reaped yet, does not run.
 inline bool Runs(pid_t pid) {
   if (kill(pid, 0) != 0) return false;
 #if defined(__linux__)

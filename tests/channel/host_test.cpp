@@ -49,7 +49,7 @@ class HostTest : public ChannelTest {
     EXPECT_EQ(RunAdb(" ignore:15 sleep:60000", &cancel).status, 3003);
     other.join();
   }
-  // Where nobody can tell how adb ended.
+  // Where nobody can know how adb ended.
   void ExpectTheTextDecides() {
     EXPECT_EQ(RunAdb(" print:a error:b").output, "ab");
     EXPECT_EQ(RunAdb(" exit:3").status, 0);
@@ -188,12 +188,12 @@ TEST_F(HostTest, OutOfDescriptors) {
     EXPECT_EQ(result.status, 3006);
     EXPECT_FALSE(result.handed_out);
     EXPECT_EQ(ExecuteAdbCommandAnsynchronization(" exit:0", nullptr, nullptr, nullptr), 3006);
-    // With only some to spare a call finds its way or says that it cannot.
-    for (int spare = 1; spare <= 6; ++spare) {
+    // With only a few left a call finds its way or says that it cannot.
+    for (int left = 1; left <= 6; ++left) {
       close(taken.back());
       taken.pop_back();
       const Result tight = RunAdb(" flood:500000 exit:3");
-      EXPECT_EQ(tight.status, spare < 2 ? 3006 : 1003) << spare;
+      EXPECT_EQ(tight.status, left < 2 ? 3006 : 1003) << left;
     }
     for (const int fd : taken) close(fd);
     ExpectEverythingWorks();

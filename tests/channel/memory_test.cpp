@@ -1,4 +1,4 @@
-// Memory runs out at every moment at which the channel and the log ask for some.
+// Memory runs out at every moment at which the channel and the log allocate some.
 #include <future>
 #include <optional>
 #include <string_view>
@@ -18,7 +18,7 @@ constexpr int kNoMemory = 3006;
 class MemoryTest : public ChannelTest {
  protected:
   MemoryTest() {
-    // What is kept for the process is asked for once.
+    // What is kept for the process is allocated once.
     EXPECT_EQ(RunAdb(" print:first").status, 0);
   }
 };
@@ -122,7 +122,7 @@ void ExpectStream(const std::string& args, long long bytes) {
     return failed;
   });
   EXPECT_GT(allocations, 5);
-  // The last one is collected before its end is told.
+  // The last one is reaped before its end is reported.
   ExpectNoChildIsLeft();
 }
 

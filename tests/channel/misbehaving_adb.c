@@ -1,8 +1,8 @@
-// Stands for adb in the channel's tests and does what it is told: by its words, or, when MISBEHAVE is set in the
-// environment, by the words there. In order:
+// Takes the place of adb in the channel's tests and does what its words say, or, when MISBEHAVE is set in the
+// environment, what the words there say. In order:
 //
 //   words          prints each of its own words between < and >
-//   print:TEXT     on standard output; \s \n \r \0 \\ stand for blank, line feed, carriage return, NUL, backslash
+//   print:TEXT     on standard output; \s \n \r \0 \\ mean space, line feed, carriage return, NUL, backslash
 //   error:TEXT     the same on standard error
 //   flood:BYTES    prints so many bytes, 'x', in large pieces
 //   flood-for-ever
@@ -10,7 +10,7 @@
 //   exit:STATUS    ends
 //   signal:NUMBER  ends by this signal
 //   ignore:NUMBER  ignores this signal from now on
-//   tidy-up:FILE   when it is asked to end, from now on, makes FILE and ends
+//   tidy-up:FILE   from now on makes FILE and ends when it gets SIGTERM
 //   close          closes both outputs
 //   server:FILE    leaves a server behind, in a session of its own, that holds everything it inherited; its
 //                  process id goes to FILE

@@ -92,52 +92,5 @@ TEST_F(OutputTest, KeepsFailuresAmongNotices) {
   EXPECT_EQ(result.output, "* failed to start daemon\nerror: cannot connect\n");
 }
 
-class AssistTest : public ChannelTest {
- protected:
-  void SetUp() override {
-    setenv("DAROKLEIM_CHANNEL_ASSIST", "1", 1);
-    UseAdb(DAROKLEIM_MISBEHAVING_ADB);
-  }
-  void TearDown() override { unsetenv("DAROKLEIM_CHANNEL_ASSIST"); }
-};
-
-TEST_F(AssistTest, QuotesPathsForTheDevice) {
-  EXPECT_EQ(RunAdbWhere("words", R"( -s X shell cp "/a b" "/it's")").output,
-            R"(<-s><X><shell><cp><'/a b'><'/it'\''s'>)");
-}
-
-TEST_F(AssistTest, GivesTheLineEndsThatAreRead) {
-  EXPECT_EQ(RunAdbWhere("print:a\\nb\\r\\n", R"( -s X shell stat "/x")").output, "a\r\nb\r\n");
-  EXPECT_EQ(RunAdbWhere("print:a\\nb\\r\\n", " -s X shell ls -l /storage").output, "a\nb\n");
-  EXPECT_EQ(RunAdbWhere("print:a\\nb\\r\\n", " devices").output, "a\nb\r\n");
-}
-
-TEST_F(AssistTest, IsReadWhenTheChannelIsInitialised) {
-  unsetenv("DAROKLEIM_CHANNEL_ASSIST");
-  EXPECT_EQ(RunAdbWhere("words", R"(shell rm "/a b")").output, "<shell><rm><'/a b'>");
-  UseAdb(DAROKLEIM_MISBEHAVING_ADB);
-  EXPECT_EQ(RunAdbWhere("words", R"(shell rm "/a b")").output, "<shell><rm></a b>");
-  setenv("DAROKLEIM_CHANNEL_ASSIST", "0", 1);
-  UseAdb(DAROKLEIM_MISBEHAVING_ADB);
-  EXPECT_EQ(RunAdbWhere("words", R"(shell rm "/a b")").output, "<shell><rm></a b>");
-}
-
-class LogTest : public ChannelTest {};
-
-TEST_F(LogTest, HasALineForEachCommand) {
-  RunAdb(" print:logged exit:4");
-  UseAdb(File("missing"));
-  RunAdb("devices");
-  std::vector<std::string> lines = test::ReadLines(LogDirectory().File("adb_channel.log"));
-  ASSERT_GE(lines.size(), 3u);
-  lines.erase(lines.begin(), lines.end() - 3);
-  EXPECT_NE(lines[0].find("[info] [AdbChannel]"), std::string::npos);
-  EXPECT_NE(lines[0].find("adb print:logged exit:4: status 1004, 6 bytes, "), std::string::npos) << lines[0];
-  EXPECT_NE(lines[0].find(" ms"), std::string::npos);
-  EXPECT_NE(lines[1].find("missing cannot be started: No such file or directory"), std::string::npos)
-      << lines[1];
-  EXPECT_NE(lines[2].find("adb devices: status 3002, 0 bytes, "), std::string::npos) << lines[2];
-}
-
 }  // namespace
 }  // namespace darokleim::channel

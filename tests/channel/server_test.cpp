@@ -79,7 +79,7 @@ TEST_F(ServerTest, InheritsNothingOfTheHosts) {
   close(left_open);
 }
 
-TEST_F(ServerTest, IsInNoReachOfATerminal) {
+TEST_F(ServerTest, IsOutOfReachOfATerminal) {
   EXPECT_EQ(RunAdb(" group").output, "own");
 }
 

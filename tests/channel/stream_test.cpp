@@ -6,7 +6,7 @@
 #include "tests/channel/channel_run.h"
 #include "tests/support/file_content.h"
 
-// In a fork, what the threads that stayed behind own looks leaked.
+// In a fork, what the threads of the parent own looks leaked.
 static bool leaks_are_of_the_fork = false;
 extern "C" __attribute__((visibility("default"))) int __lsan_is_turned_off();
 extern "C" int __lsan_is_turned_off() {
@@ -116,14 +116,14 @@ TEST_F(StreamTest, PassesOnNothingOnceItIsCancelled) {
   EXPECT_EQ(collector.Output(), "");
 }
 
-TEST_F(StreamTest, ThrowsTheOutputAwayWithoutAReceiver) {
+TEST_F(StreamTest, DiscardsTheOutputWithoutAReceiver) {
   ASSERT_EQ(ExecuteAdbCommandAnsynchronization((" flood:1000000 pid:" + File("pid")).c_str(), nullptr,
                                                nullptr, nullptr),
             0);
   EXPECT_GT(PidIn(File("pid")), 0);  // it has got past a million bytes
 }
 
-TEST_F(StreamTest, DoesNotStartWhatIsNoProgram) {
+TEST_F(StreamTest, DoesNotStartAFileThatIsNotAProgram) {
   UseAdb(File("missing"));
   Collector collector;
   EXPECT_EQ(Start(" devices", &collector), 3002);

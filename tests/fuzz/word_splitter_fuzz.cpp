@@ -17,7 +17,7 @@ namespace {
 
 void RequireThatQuotedWordsSplitBack(const std::vector<Word>& words) {
   std::string text;
-  for (const Word& word : words) text += ' ' + base::QuoteForShell(word.text);
+  for (const Word& word : words) text += ' ' + darokleim::base::QuoteForShell(word.text);
   const std::vector<Word> again = SplitWords(text);
   Require(again.size() == words.size());
   for (size_t i = 0; i < words.size(); ++i) Require(again[i].text == words[i].text && again[i].quoted);
@@ -26,14 +26,16 @@ void RequireThatQuotedWordsSplitBack(const std::vector<Word>& words) {
 // Whatever it holds, quotes included; but those around the whole path are taken off where the SDK uses just a pair.
 void RequireThatAPathStaysWhole(const std::string& path) {
   for (const char* quotes : {"shell ls \"\"", "shell stat -c %Y \"\""}) {
-    Require(ReadCommand(quotes + path + "\"\"", Assist::kOn).words.back() == base::QuoteForShell(path));
+    Require(ReadCommand(quotes + path + "\"\"", Assist::kOn).words.back() ==
+            darokleim::base::QuoteForShell(path));
   }
   for (const char* command : {"ls", "restore"}) {
     Require(ReadCommand(command + (" \"" + path) + '"', Assist::kOn).words.back() == path);
   }
   std::string unquoted = path;
   RemoveOwnQuotes(&unquoted);
-  Require(ReadCommand("shell rm \"" + path + '"', Assist::kOn).words.back() == base::QuoteForShell(unquoted));
+  Require(ReadCommand("shell rm \"" + path + '"', Assist::kOn).words.back() ==
+          darokleim::base::QuoteForShell(unquoted));
 }
 
 // Two paths, where the text says where the first one ends.

@@ -40,11 +40,11 @@ TEST(FormatText, KeepsEveryLength) {
 }
 
 TEST(FormatText, GivesTheFormatWhenAnArgumentCannotBeConverted) {
-  // No multibyte text of the "C" locale stands for this character.
+  // The "C" locale has no multibyte text for this character.
   EXPECT_EQ(Format("wide %ls", L"\x4f60"), "wide %ls");
 }
 
-TEST(OnOneLine, ShowsLineEndsAndControlBytes) {
+TEST(OnOneLine, ShowsLineBreaksAndControlBytes) {
   EXPECT_EQ(OnOneLine("List of devices\nABC\tdevice\r\n"), "List of devices\\nABC\tdevice\\r\\n");
   EXPECT_EQ(OnOneLine(std::string("a\0b\x1b[31m\x7f", 9)), "a\\x00b\\x1b[31m\\x7f");
 }

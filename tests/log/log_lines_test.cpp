@@ -39,11 +39,11 @@ TEST(LogLines, OfOneCallAreAlwaysOne) {
 
 TEST(LogLines, HoldTheFormatWhenItCannotBeFilledIn) {
   const OpenedLog log;
-  LogEx(log.module(), 1, "wide %ls", L"\x4f60");  // no text of the "C" locale stands for it
+  LogEx(log.module(), 1, "wide %ls", L"\x4f60");  // the "C" locale has no text for it
   EXPECT_THAT(log.Lines(), ElementsAre(EndsWith("] wide %ls")));
 }
 
-TEST(LogLines, KeepBytesThatAreNoText) {
+TEST(LogLines, KeepBytesThatAreNotText) {
   const OpenedLog log;
   LogEx(log.module(), 3, "ret is %d,outbuf is:%s", 1, "\xff\xfe{}%s \xe4\xbd\xa0");
   LogEx(log.module(), 3, "with %c inside", '\0');
@@ -113,7 +113,7 @@ TEST(LogLines, OfTwoModulesShareAFile) {
               ElementsAre(EndsWith("one"), AllOf(HasSubstr("[LogLines.sharing]"), EndsWith("two"))));
 }
 
-TEST(LogLines, AreAppendedToWhatStandsInTheFile) {
+TEST(LogLines, AreAppendedToTheContentOfTheFile) {
   const test::TemporaryDirectory directory;
   test::WriteFile(directory.File("kept.log"), "from an earlier run\n");
   ASSERT_TRUE(InitLogEx(nullptr, "LogLines.appended", directory.File("kept.log").c_str()));

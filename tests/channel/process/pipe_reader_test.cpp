@@ -12,7 +12,7 @@ namespace {
 class Sink final : public OutputSink {
  public:
   std::span<char> Room() override { return room_; }
-  void Took(size_t count) override { text_.append(room_, count); }
+  void Commit(size_t count) override { text_.append(room_, count); }
 
   const std::string& text() const { return text_; }
 

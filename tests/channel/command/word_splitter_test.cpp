@@ -18,14 +18,14 @@ std::vector<std::string> Split(std::string_view text) {
   return words;
 }
 
-std::vector<std::string> SplitAsMeant(std::string_view text) {
+std::vector<std::string> SplitVerbatim(std::string_view text) {
   std::vector<std::string> words;
   WordSplitter splitter(text);
-  for (Word word; splitter.NextAsMeant(&word);) words.push_back(word.text);
+  for (Word word; splitter.NextVerbatim(&word);) words.push_back(word.text);
   return words;
 }
 
-TEST(WordSplitter, SeparatesAtBlanks) {
+TEST(WordSplitter, SeparatesAtWhitespace) {
   EXPECT_THAT(Split(""), IsEmpty());
   EXPECT_THAT(Split(" \t\n "), IsEmpty());
   EXPECT_THAT(Split(" -s X  shell\tls\n-l "), ElementsAre("-s", "X", "shell", "ls", "-l"));
@@ -47,7 +47,7 @@ TEST(WordSplitter, KeepsQuotesInsideOfOthers) {
   EXPECT_THAT(Split(R"("'a b'" '"a b"')"), ElementsAre("'a b'", R"("a b")"));
 }
 
-TEST(WordSplitter, EscapesBlanksQuotesAndBackslashesOnly) {
+TEST(WordSplitter, EscapesWhitespaceQuotesAndBackslashesOnly) {
   EXPECT_THAT(Split(R"(a\ b \" \' \\)"), ElementsAre("a b", "\"", "'", "\\"));
   EXPECT_THAT(Split(R"(-and \( -iname *.jpg \) \$)"),
               ElementsAre("-and", R"(\()", "-iname", "*.jpg", R"(\))", R"(\$)"));
@@ -59,14 +59,14 @@ TEST(WordSplitter, PassesOnWhatMeansSomethingToTheDevicesShell) {
               ElementsAre("df", "/x", "|", "grep", "/", ";", "a$b", "(c)", "<d", ">e", "~", "&&", "f"));
 }
 
-TEST(WordSplitter, TakesAQuoteThatIsNeverClosedForACharacter) {
+TEST(WordSplitter, TreatsAQuoteThatIsNeverClosedAsACharacter) {
   EXPECT_THAT(Split(R"(ls ""/sdcard/it's.txt"")"), ElementsAre("ls", "/sdcard/it's.txt"));
   EXPECT_THAT(Split(R"(push "a b)"), ElementsAre("push", "\"a", "b"));
   EXPECT_THAT(Split(R"("a\")"), ElementsAre(R"("a")"));
   EXPECT_THAT(Split("'"), ElementsAre("'"));
 }
 
-TEST(WordSplitter, TellsWhichWordsWereQuoted) {
+TEST(WordSplitter, MarksWordsThatWereQuoted) {
   const std::vector<Word> words = SplitWords(R"(a "b" c'd' "" \"e\" it's)");
   std::vector<bool> quoted;
   for (const Word& word : words) quoted.push_back(word.quoted);
@@ -89,42 +89,42 @@ TEST(WordSplitter, TakesTimeLinearInTheLength) {
     while (text.size() < 2'000'000) text += piece;
     const auto start = std::chrono::steady_clock::now();
     SplitWords(text);
-    SplitAsMeant(text);
+    SplitVerbatim(text);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10)) << piece;
   }
 }
 
-TEST(WordsAsMeant, AreThePlainOnesWhereNothingIsQuoted) {
-  EXPECT_THAT(SplitAsMeant(R"(-l  a\ b \( it's)"), ElementsAre("-l", "a b", R"(\()", "it's"));
+TEST(VerbatimWords, AreThePlainOnesWhereNothingIsQuoted) {
+  EXPECT_THAT(SplitVerbatim(R"(-l  a\ b \( it's)"), ElementsAre("-l", "a b", R"(\()", "it's"));
 }
 
-TEST(WordsAsMeant, ReachUpToTheClosingPair) {
-  EXPECT_THAT(SplitAsMeant(R"(""/a b"" x)"), ElementsAre("/a b", "x"));
-  EXPECT_THAT(SplitAsMeant(R"(""/a b"" ""/c d"")"), ElementsAre("/a b", "/c d"));
-  EXPECT_THAT(SplitAsMeant(R"(""/it's "5" \ $x"")"), ElementsAre(R"(/it's "5" \ $x)"));
-  EXPECT_THAT(SplitAsMeant(R"(""/a""")"), ElementsAre(R"(/a")"));
+TEST(VerbatimWords, ReachUpToTheClosingPair) {
+  EXPECT_THAT(SplitVerbatim(R"(""/a b"" x)"), ElementsAre("/a b", "x"));
+  EXPECT_THAT(SplitVerbatim(R"(""/a b"" ""/c d"")"), ElementsAre("/a b", "/c d"));
+  EXPECT_THAT(SplitVerbatim(R"(""/it's "5" \ $x"")"), ElementsAre(R"(/it's "5" \ $x)"));
+  EXPECT_THAT(SplitVerbatim(R"(""/a""")"), ElementsAre(R"(/a")"));
 }
 
-TEST(WordsAsMeant, HaveNoQuotesOfTheirOwn) {
-  EXPECT_THAT(SplitAsMeant(R"("'/a b'" "'/c d'")"), ElementsAre("/a b", "/c d"));
-  EXPECT_THAT(SplitAsMeant(R"("'/it's'" "'/a"b'")"), ElementsAre("/it's", R"(/a"b)"));
-  EXPECT_THAT(SplitAsMeant(R"('"/a b.apk"' '"/it's.apk"')"), ElementsAre("/a b.apk", "/it's.apk"));
+TEST(VerbatimWords, HaveNoQuotesOfTheirOwn) {
+  EXPECT_THAT(SplitVerbatim(R"("'/a b'" "'/c d'")"), ElementsAre("/a b", "/c d"));
+  EXPECT_THAT(SplitVerbatim(R"("'/it's'" "'/a"b'")"), ElementsAre("/it's", R"(/a"b)"));
+  EXPECT_THAT(SplitVerbatim(R"('"/a b.apk"' '"/it's.apk"')"), ElementsAre("/a b.apk", "/it's.apk"));
 }
 
-TEST(WordsAsMeant, KeepOtherQuotesAndBackslashesOfAPath) {
-  EXPECT_THAT(SplitAsMeant(R"("/it's" "/c\d")"), ElementsAre("/it's", R"(/c\d)"));
-  EXPECT_THAT(SplitAsMeant(R"("/a"b" "/c")"), ElementsAre(R"(/a"b)", "/c"));
-  EXPECT_THAT(SplitAsMeant(R"("/a\")"), ElementsAre(R"(/a\)"));
+TEST(VerbatimWords, KeepOtherQuotesAndBackslashesOfAPath) {
+  EXPECT_THAT(SplitVerbatim(R"("/it's" "/c\d")"), ElementsAre("/it's", R"(/c\d)"));
+  EXPECT_THAT(SplitVerbatim(R"("/a"b" "/c")"), ElementsAre(R"(/a"b)", "/c"));
+  EXPECT_THAT(SplitVerbatim(R"("/a\")"), ElementsAre(R"(/a\)"));
 }
 
-TEST(WordsAsMeant, MayBeEmpty) {
-  EXPECT_THAT(SplitAsMeant(R"("" x "" """" '')"), ElementsAre("", "x", "", "", ""));
+TEST(VerbatimWords, MayBeEmpty) {
+  EXPECT_THAT(SplitVerbatim(R"("" x "" """" '')"), ElementsAre("", "x", "", "", ""));
 }
 
-TEST(WordsAsMeant, FallBackToThePlainRulesWithoutAClosingQuote) {
-  EXPECT_THAT(SplitAsMeant(R"(""/a b)"), ElementsAre("/a", "b"));
-  EXPECT_THAT(SplitAsMeant(R"("a b)"), ElementsAre("\"a", "b"));
-  EXPECT_THAT(SplitAsMeant(R"(pre"a b"post)"), ElementsAre("prea bpost"));
+TEST(VerbatimWords, FallBackToThePlainRulesWithoutAClosingQuote) {
+  EXPECT_THAT(SplitVerbatim(R"(""/a b)"), ElementsAre("/a", "b"));
+  EXPECT_THAT(SplitVerbatim(R"("a b)"), ElementsAre("\"a", "b"));
+  EXPECT_THAT(SplitVerbatim(R"(pre"a b"post)"), ElementsAre("prea bpost"));
 }
 
 }  // namespace

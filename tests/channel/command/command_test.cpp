@@ -36,7 +36,7 @@ TEST(Command, MayBeMissing) {
   EXPECT_THAT(Plain(" -s").words, ElementsAre("-s"));
 }
 
-TEST(Command, IsSplitAtItsFirstBlank) {
+TEST(Command, IsSplitAtItsFirstSpace) {
   EXPECT_THAT(Plain(R"( -s X 'shell date +"%Y-%m-%d %H:%M:%S"')").words,
               ElementsAre("-s", "X", "shell", R"(date +"%Y-%m-%d %H:%M:%S")"));
   EXPECT_TRUE(Plain(R"( -s X 'shell date +"%Y"')").AnswersByText());
@@ -77,7 +77,7 @@ TEST(AssistedCommand, QuotesWhatWasQuoted) {
   EXPECT_THAT(Assisted(R"(shell ls "")").words, ElementsAre("shell", "ls", "''"));
 }
 
-// The text of each command that the SDK makes around a path, and where the path stands among the words.
+// The text of each command that the SDK makes around a path, and the position of the path among the words.
 struct Form {
   std::string before, after;
   size_t word;
@@ -116,7 +116,7 @@ TEST(AssistedCommand, KeepsAPathWhole) {
       EXPECT_EQ(command.words[form.word + 2], base::QuoteForShell(path)) << form.before;
     }
     for (const Form& form : adb_forms) {
-      // Of any number of paths nobody can tell where one ends that ends like this.
+      // Among any number of paths the end of this one cannot be known.
       if (form.before.rfind("install-multiple", 0) == 0 && std::string_view(path) == "/a\" ") continue;
       const Command command = Assisted("-s X " + form.before + path + form.after);
       ASSERT_GT(command.words.size(), form.word + 2) << form.before << path;
@@ -125,7 +125,7 @@ TEST(AssistedCommand, KeepsAPathWhole) {
   }
 }
 
-TEST(AssistedCommand, KeepsTheWordsBehindAPath) {
+TEST(AssistedCommand, KeepsTheWordsAfterAPath) {
   EXPECT_THAT(Assisted(R"(backup -f "/my "5" b.ab" -noapk -nosystem com.example)").words,
               ElementsAre("backup", "-f", R"(/my "5" b.ab)", "-noapk", "-nosystem", "com.example"));
   EXPECT_THAT(Assisted(R"(install-multiple -r "/a" b" "/c d" "/e")").words,
@@ -147,13 +147,13 @@ TEST(AssistedCommand, HasOneOperandWhereTheSdkGivesOne) {
   EXPECT_THAT(Assisted(R"(shell rm "" "")").words, ElementsAre("shell", "rm", "' '"));
 }
 
-TEST(AssistedCommand, PartsTwoPathsWhereOnlyOnePlaceCanBeMeant) {
+TEST(AssistedCommand, SeparatesTwoPathsWhereOnlyOnePlaceIsPossible) {
   EXPECT_THAT(Assisted(R"(shell cp "/a" "b" "/c")").words, ElementsAre("shell", "cp", R"('/a" "b')", "'/c'"))
       << "both are absolute";
   EXPECT_THAT(Assisted(R"(shell cp "a" "b")").words, ElementsAre("shell", "cp", "'a'", "'b'"));
   EXPECT_THAT(Assisted(R"(shell cp "/a" "/b" "/c")").words,
               ElementsAre("shell", "cp", "'/a'", "'/b'", "'/c'"))
-      << "as it stands: nobody can tell";
+      << "the end of the first cannot be known";
   EXPECT_THAT(Assisted(R"(shell cp "/a b" /c)").words, ElementsAre("shell", "cp", "'/a b'", "/c"));
 }
 

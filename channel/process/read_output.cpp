@@ -1,14 +1,14 @@
-#include "channel/process/pump.h"
+#include "channel/process/read_output.h"
 
 #include "channel/process/pipe_reader.h"
 
 namespace darokleim::channel {
 
-PumpResult Pump(Child* child, int output, const CancelFlag& cancel, OutputSink* sink) {
+ReadingEnd ReadOutput(Child* child, int output, const CancelFlag& cancel, OutputSink* sink) {
   PipeReader reader(output, sink);
   bool open = true;
   while (open || cancel.CanBeSet()) {
-    if (cancel.IsSet()) return PumpResult::kCancelled;
+    if (cancel.IsSet()) return ReadingEnd::kCancelled;
     const Child::Event event = child->Wait(open ? output : -1, cancel.LongestWait());
     ReadResult result = ReadResult::kNothingYet;
     if (event.ended) {
@@ -16,11 +16,11 @@ PumpResult Pump(Child* child, int output, const CancelFlag& cancel, OutputSink* 
     } else if (event.readable) {
       result = reader.Read();
     }
-    if (result == ReadResult::kSinkFull) return PumpResult::kSinkFull;
-    if (event.ended) return PumpResult::kEnded;
+    if (result == ReadResult::kSinkFull) return ReadingEnd::kSinkFull;
+    if (event.ended) return ReadingEnd::kOutputComplete;
     if (result == ReadResult::kEnd) open = false;
   }
-  return PumpResult::kEnded;
+  return ReadingEnd::kOutputComplete;
 }
 
 }  // namespace darokleim::channel

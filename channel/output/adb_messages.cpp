@@ -1,8 +1,7 @@
-#include "channel/output/server_notices.h"
+#include "channel/output/adb_messages.h"
 
 #include <algorithm>
-
-#include "channel/output/failure_lines.h"
+#include <array>
 
 namespace darokleim::channel {
 namespace {
@@ -11,6 +10,10 @@ constexpr std::string_view kNotices[] = {"* daemon ", "adb server "};
 
 // Worded like a notice, but adb gives up after it.
 constexpr std::string_view kServerFailure = "* daemon still not running";
+
+constexpr std::array<std::string_view, 5> kFailures = {"error: ", "adb: ", "* failed", "* cannot",
+                                                       "cannot connect"};
+constexpr size_t kLongestFailure = 14;
 
 bool BeginsWith(std::string_view text, std::string_view begin) {
   return text.substr(0, begin.size()) == begin;
@@ -26,9 +29,9 @@ size_t LengthOfCompleteNotices(std::string_view text) {
   size_t length = 0;
   for (;;) {
     const std::string_view rest = text.substr(length);
-    const size_t line_end = rest.find('\n');
-    if (line_end == std::string_view::npos || !IsNotice(rest.substr(0, line_end))) return length;
-    length += line_end + 1;
+    const size_t line_break = rest.find('\n');
+    if (line_break == std::string_view::npos || !IsNotice(rest.substr(0, line_break))) return length;
+    length += line_break + 1;
   }
 }
 
@@ -47,6 +50,23 @@ bool MayContinueNotices(std::string_view text) {
     return BeginsWith(line.size() < notice.size() ? notice : line,
                       line.size() < notice.size() ? line : notice);
   });
+}
+
+bool IsFailureLine(std::string_view line) {
+  return std::any_of(kFailures.begin(), kFailures.end(),
+                     [&](std::string_view begin) { return BeginsWith(line, begin); });
+}
+
+void FailureLineScanner::Scan(std::string_view piece) {
+  while (!found_ && !piece.empty()) {
+    const size_t line_break = piece.find('\n');
+    const size_t missing = kLongestFailure - std::min(line_begin_.size(), kLongestFailure);
+    line_begin_.append(piece.substr(0, std::min(line_break, missing)));
+    if (line_break == std::string_view::npos) return;
+    found_ = IsFailureLine(line_begin_);
+    line_begin_.clear();
+    piece.remove_prefix(line_break + 1);
+  }
 }
 
 }  // namespace darokleim::channel
