@@ -1,0 +1,24 @@
+#include "adb/device_services.h"
+
+#include "adb/message.h"
+
+namespace darokleim::adb {
+
+Result<std::string> RunService(const ServerAddress& server, const DeviceSelector& device,
+                               std::string_view service, const Limits& limits) {
+  Result<Connection> connection = OpenService(server, device, service, limits);
+  if (!connection.ok()) return connection.TakeError();
+  return ReadToEnd(&*connection, kLongestServiceText, limits);
+}
+
+Result<std::string> Reboot(const ServerAddress& server, const DeviceSelector& device, std::string_view target,
+                           const Limits& limits) {
+  return RunService(server, device, "reboot:" + std::string(target), limits);
+}
+
+Result<std::string> ReconnectFromDevice(const ServerAddress& server, const DeviceSelector& device,
+                                        const Limits& limits) {
+  return RunService(server, device, "reconnect", limits);
+}
+
+}  // namespace darokleim::adb

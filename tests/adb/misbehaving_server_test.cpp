@@ -1,0 +1,121 @@
+// Every call against a server that is slow, silent, cut off, gone or something else.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <thread>
+
+#include "adb/cancel_token.h"
+#include "tests/adb/operations.h"
+
+namespace darokleim::adb_test {
+namespace {
+
+using namespace adb;
+using std::chrono::milliseconds;
+
+Limits Within(milliseconds time) {
+  return {Clock::now() + time, nullptr};
+}
+
+std::string Shown(const Status& status) {
+  if (status.ok()) return "ok";
+  return "code " + std::to_string(static_cast<int>(status.error().code)) + ": " + status.error().message;
+}
+
+class MisbehavingServerTest : public testing::TestWithParam<Operation> {};
+
+INSTANTIATE_TEST_SUITE_P(Each, MisbehavingServerTest, testing::ValuesIn(Operations()),
+                         [](const auto& parameter) { return parameter.param.name; });
+
+TEST_P(MisbehavingServerTest, AWholeAnswerSucceeds) {
+  const ScriptedServer server(GetParam().conversation);
+  const Status status = GetParam().call(server.address(), Within(milliseconds(5000)));
+  EXPECT_TRUE(status.ok()) << Shown(status);
+  EXPECT_EQ(server.surprises(), "");
+}
+
+TEST_P(MisbehavingServerTest, AnAnswerByteByByteSucceeds) {
+  const ScriptedServer server(GetParam().conversation, {.byte_by_byte = true});
+  const Status status = GetParam().call(server.address(), Within(milliseconds(5000)));
+  EXPECT_TRUE(status.ok()) << Shown(status);
+}
+
+TEST_P(MisbehavingServerTest, AnAnswerCutAnywhereIsABrokenConnection) {
+  for (size_t cut = 0; cut < ReplyBytes(GetParam()); ++cut) {
+    const ScriptedServer server(GetParam().conversation, {.cut_after = cut});
+    const Status status = GetParam().call(server.address(), Within(milliseconds(5000)));
+    if (GetParam().is_whole_at(cut)) {
+      EXPECT_TRUE(status.ok()) << cut << ": " << Shown(status);
+      continue;
+    }
+    ASSERT_FALSE(status.ok()) << cut;
+    EXPECT_EQ(status.error().code, ErrorCode::kConnectionBroken) << cut << ": " << Shown(status);
+    EXPECT_EQ(status.error().message.rfind("expected ", 0), 0u) << cut << ": " << Shown(status);
+  }
+}
+
+TEST_P(MisbehavingServerTest, SilenceEndsAtTheDeadline) {
+  for (const size_t cut : {size_t{0}, size_t{3}, ReplyBytes(GetParam()) - 1}) {
+    const ScriptedServer server(GetParam().conversation, {.cut_after = cut, .hang_when_cut = true});
+    const Clock::time_point began = Clock::now();
+    const Status status = GetParam().call(server.address(), {began + milliseconds(50), nullptr});
+    ASSERT_FALSE(status.ok()) << cut;
+    EXPECT_EQ(status.error().code, ErrorCode::kTimedOut) << cut << ": " << Shown(status);
+    EXPECT_GE(Clock::now() - began, milliseconds(50));
+    EXPECT_LT(Clock::now() - began, milliseconds(2000));
+  }
+}
+
+TEST_P(MisbehavingServerTest, ATokenWakesAtOnce) {
+  const ScriptedServer server(GetParam().conversation, {.cut_after = 3, .hang_when_cut = true});
+  const auto token = CancelToken::Create();
+  ASSERT_TRUE(token.ok());
+  std::thread canceller([&] {
+    std::this_thread::sleep_for(milliseconds(20));
+    (*token)->Set();
+  });
+  const Status status = GetParam().call(server.address(), {Clock::now() + milliseconds(20000), token->get()});
+  canceller.join();
+  ASSERT_FALSE(status.ok());
+  EXPECT_EQ(status.error().code, ErrorCode::kCancelled) << Shown(status);
+}
+
+TEST_P(MisbehavingServerTest, SomethingElseIsAProtocolFault) {
+  // Each answer of the conversation in turn is another program's.
+  for (size_t which = 0; which < GetParam().conversation.size(); ++which) {
+    std::vector<Exchange> conversation = GetParam().conversation;
+    conversation.resize(which + 1);
+    conversation.back().reply = "HTTP/1.1 400 Bad Request\r\n\r\n";
+    const ScriptedServer server(conversation);
+    const Status status = GetParam().call(server.address(), Within(milliseconds(5000)));
+    ASSERT_FALSE(status.ok()) << which;
+    EXPECT_EQ(status.error().code, ErrorCode::kProtocolFault) << which << ": " << Shown(status);
+    EXPECT_NE(status.error().message.find("received 48 54 54 50 2f"), std::string::npos) << Shown(status);
+  }
+}
+
+TEST_P(MisbehavingServerTest, ARefusalHasTheServersWords) {
+  std::vector<Exchange> conversation = {GetParam().conversation.front()};
+  conversation.front().reply = "FAIL" + Request("device 'X' not found");
+  const ScriptedServer server(conversation);
+  const Status status = GetParam().call(server.address(), Within(milliseconds(5000)));
+  ASSERT_FALSE(status.ok());
+  EXPECT_EQ(status.error().code, ErrorCode::kRefused);
+  EXPECT_EQ(status.error().message, "device 'X' not found");
+}
+
+TEST_P(MisbehavingServerTest, NoServerIsNotConnectedTo) {
+  ServerAddress address;
+  {
+    const ScriptedServer gone(std::vector<Exchange>{});
+    address = gone.address();
+  }
+  const Status status = GetParam().call(address, Within(milliseconds(5000)));
+  ASSERT_FALSE(status.ok());
+  EXPECT_EQ(status.error().code, ErrorCode::kCannotConnect);
+  EXPECT_EQ(status.error().system_error, ECONNREFUSED);
+}
+
+}  // namespace
+}  // namespace darokleim::adb_test
