@@ -1,4 +1,4 @@
-// A command channel and a log that answer at once, so that what the library itself does can be measured.
+// A command channel and a log that answer immediately, so that what the library itself does can be measured.
 #ifndef DAROKLEIM_BENCH_ANSWERING_CHANNEL_H
 #define DAROKLEIM_BENCH_ANSWERING_CHANNEL_H
 

@@ -47,7 +47,7 @@ void FindFloor(std::string_view text, std::list<FileInfo>* files) {
   SplitLines(text, [&](std::string_view line) { files->push_back({0, 0, std::string(line), "", 0}); });
 }
 
-// Giving the records back is no part of the comparison.
+// Freeing the records is not part of the comparison.
 template <typename Fill>
 double SecondsToFill(Fill fill) {
   TidyHeap();

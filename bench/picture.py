@@ -1,16 +1,16 @@
-"""Line charts with logarithmic axes as one SVG, legible on light and dark pages."""
+"""Line charts with logarithmic axes, in one SVG that is legible on light and dark pages."""
 
 import math
 from collections import namedtuple
 from xml.sax.saxutils import escape
 
-# series: {name: [(x, y)]}; x_text and y_text write a value of an axis; the x axis is marked at powers of x_base.
+# series: {name: [(x, y)]}. x_text and y_text format a value of an axis. The x axis has ticks at powers of x_base.
 Panel = namedtuple("Panel", "title x_title series x_text y_text x_base")
 
 WIDTH, HEIGHT = 470, 390
 LEFT, RIGHT, TOP, PLOT_BOTTOM = 70, 36, 40, 270
 
-# Told apart by those who do not see all colours, and by their marks.
+# Colours that people with colour blindness can distinguish; the marks differ too.
 LIGHT = ["#0060a8", "#b85000", "#00785a", "#a03c80"]
 DARK = ["#5ab4f0", "#f0a050", "#3cc8a0", "#e08cc0"]
 
@@ -46,7 +46,7 @@ def mark(series, x, y):
 
 
 class Axis:
-    """A logarithmic one, from pixel `begin` to pixel `end`."""
+    """A logarithmic axis from pixel `begin` to pixel `end`."""
 
     def __init__(self, values, base, begin, end):
         self.low = math.floor(math.log(min(values), base) + 1e-9)
@@ -74,8 +74,8 @@ def draw_panel(panel, offset):
         x = x_axis.at(value)
         parts.append(f'<path class="grid" d="M{x:.1f} {TOP}V{PLOT_BOTTOM}"/>')
         parts.append(f'<text x="{x:.1f}" y="{PLOT_BOTTOM + 18}" text-anchor="middle">{panel.x_text(value)}</text>')
-    middle = (LEFT + WIDTH - RIGHT) / 2
-    parts.append(f'<text x="{middle}" y="{PLOT_BOTTOM + 36}" text-anchor="middle">{escape(panel.x_title)}</text>')
+    centre = (LEFT + WIDTH - RIGHT) / 2
+    parts.append(f'<text x="{centre}" y="{PLOT_BOTTOM + 36}" text-anchor="middle">{escape(panel.x_title)}</text>')
     for number, (name, of_series) in enumerate(panel.series.items()):
         pixels = [(x_axis.at(x), y_axis.at(y)) for x, y in sorted(of_series)]
         path = "L".join(f"{x:.1f} {y:.1f}" for x, y in pixels)

@@ -1,6 +1,6 @@
 // What the comparing programs of this folder share: ours against something else, measured in turn.
 //
-// A program prints a JSON array of objects, one a line: name, against (what stands on the other side), ours, floor
+// A program prints a JSON array of objects, one for each line: name, against (what ours is compared with), ours, floor
 // (the other side), ratio, goal (the highest ratio that is good enough) and unit ("s" or "B"). scripts/bench makes
 // a table of them.
 #ifndef DAROKLEIM_BENCH_REPORT_H
@@ -46,9 +46,9 @@ inline double Median(std::vector<double> values) {
 }
 
 // Runs the two in turn, each of them first every other time, after one unmeasured run of each. Both return the
-// seconds that count, for what a run must do besides (giving memory back). The ratio is the middle one of the
+// seconds that count, for what a run must do besides (giving memory back). The ratio is the median of the
 // ratios of runs made side by side, which whatever else the machine does disturbs less than the ratio of the two
-// middle times.
+// median times.
 template <typename Ours, typename Floor>
 Row CompareSeconds(const Comparison& comparison, Ours ours, Floor floor) {
   ours();

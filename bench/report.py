@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
-"""Makes tables, JSON and docs/performance.md of what the benchmark programs printed.
+"""Makes tables, JSON and docs/performance.md from the output of the benchmark programs.
 
     report.py table|json RESULTS
     report.py docs RESULTS DOCS
 
-RESULTS holds a NAME.json for each program: of bench_* as report.h says, of growth_* as Google Benchmark prints.
+RESULTS contains a NAME.json for each program: for bench_* in the form that report.h describes, for growth_* as Google
+Benchmark prints it.
 """
 
 import collections
@@ -23,7 +24,7 @@ PROGRAMS = {
     "bench_channel_output": "large output",
     "bench_parsers": "listing parsers",
     "bench_file_list": "file lists as JSON",
-    "bench_regex": "listings, against regular expressions",
+    "bench_regex": "listings, compared with regular expressions",
     "bench_phone": "on a simulated phone",
 }
 MIB = 1024 * 1024
@@ -42,7 +43,7 @@ def all_rows(results):
 
 
 def amount(value, unit):
-    """Three figures with the unit's own prefix: 1.43 ms, 183 MiB."""
+    """Three significant figures and the unit with a prefix: 1.43 ms, 183 MiB."""
     if unit == "B":
         return f"{value / MIB:.3g} MiB" if value < 1000 * MIB else f"{value / MIB / 1024:.3g} GiB"
     for scale, prefix in ((1, ""), (1e-3, "m"), (1e-6, "µ")):
@@ -88,7 +89,7 @@ def markdown_table(rows):
 
 
 def growth_points(results, program, value):
-    """{series: [(x, y)]} in the order of the program's own, of repeated runs the middle one."""
+    """{series: [(x, y)]} in the program's own order; of repeated runs, the median."""
     series = {}
     for run in load(results, program)["benchmarks"]:
         if run.get("error_occurred"):
@@ -145,10 +146,10 @@ def pictures(growth):
     return {
         "listings": [
             panel("Time of a listing", "files", growth.listing_times, x_text=count, y_text=secs, x_base=10),
-            panel("Most memory in use", "files", growth.listing_memory, x_text=count, y_text=mebibytes, x_base=10),
+            panel("Maximum memory", "files", growth.listing_memory, x_text=count, y_text=mebibytes, x_base=10),
         ],
         "commands": [
-            panel("Time per short command", "threads at once", growth.threads, x_text=count, y_text=secs, x_base=2),
+            panel("Time per short command", "threads", growth.threads, x_text=count, y_text=secs, x_base=2),
             panel("Time of output and files", "size", growth.sizes, x_text=size, y_text=secs, x_base=4),
         ],
     }
@@ -173,7 +174,7 @@ def first_match(path, pattern, otherwise):
 
 
 def machine():
-    """Its kind, never its name."""
+    """The kind of machine; never its name."""
     processor = first_match("/proc/cpuinfo", r"^model name\s*:\s*(.*)$", platform.processor() or platform.machine())
     hypervisor = first_match("/proc/cpuinfo", r"^flags.*\b(hypervisor)\b", "")
     memory = os.sysconf("SC_PAGE_SIZE") * os.sysconf("SC_PHYS_PAGES") / MIB / 1024
