@@ -193,12 +193,15 @@
 #ifndef DAROKLEIM_INCLUDE_DAROKLEIM_H
 #define DAROKLEIM_INCLUDE_DAROKLEIM_H
 
-/// The version of the library that this header belongs to: as a text, in its three parts, and as one number
-/// that can be compared (`#if DAROKLEIM_VERSION_NUMBER >= 2000109`).
+/// The version of the library that this header belongs to.
 #define DAROKLEIM_VERSION "2.0.109"
+/// The first part of the version.
 #define DAROKLEIM_VERSION_MAJOR 2
+/// The second part of the version.
 #define DAROKLEIM_VERSION_MINOR 0
+/// The third part of the version.
 #define DAROKLEIM_VERSION_PATCH 109
+/// The version as one number, to compare: `#if DAROKLEIM_VERSION_NUMBER >= 2000109`.
 #define DAROKLEIM_VERSION_NUMBER \
   (DAROKLEIM_VERSION_MAJOR * 1000000 + DAROKLEIM_VERSION_MINOR * 1000 + DAROKLEIM_VERSION_PATCH)
 
