@@ -4,7 +4,7 @@
 #include "channel/output/adb_messages.h"
 #include "channel/process/child.h"
 #include "channel/process/read_output.h"
-#include "channel/process/spawn.h"
+#include "channel/process/start_adb.h"
 
 namespace darokleim::channel {
 namespace {
@@ -18,8 +18,8 @@ bool HasFailureLine(std::string_view text) {
 // Runs until adb has ended, by itself or by us. Nothing here may throw: the child must be reaped.
 Status RunToEnd(const std::string& adb_path, const Command& command, const CancelFlag& cancel,
                 OutputBuffer* output, ExitOutcome* exit) {
-  Spawned spawned;
-  const Status started = Spawn(adb_path, command.words, &spawned);
+  base::Spawned spawned;
+  const Status started = StartAdb(adb_path, command.words, &spawned);
   if (started != kDelivered) return started;
 
   Child child(spawned.pid);

@@ -1,35 +1,16 @@
 #include "channel/process/stream.h"
 
-#include <signal.h>
-
 #include <exception>
 #include <new>
 
+#include "base/signals_blocked.h"
 #include "channel/output/adb_messages.h"
-#include "channel/process/spawn.h"
+#include "channel/process/start_adb.h"
 
 namespace darokleim::channel {
 namespace {
 
 constexpr size_t kPieceSize = 64 * 1024;
-
-// While it lives, threads start with all signals blocked, so that they run no handler of the host's; except the signals
-// of their own faults.
-class SignalsBlocked {
- public:
-  SignalsBlocked() {
-    sigset_t all;
-    sigfillset(&all);
-    for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP}) sigdelset(&all, fault);
-    pthread_sigmask(SIG_SETMASK, &all, &before_);
-  }
-  ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-  SignalsBlocked(const SignalsBlocked&) = delete;
-  SignalsBlocked& operator=(const SignalsBlocked&) = delete;
-
- private:
-  sigset_t before_;
-};
 
 }  // namespace
 
@@ -44,13 +25,13 @@ Stream::Stream(const Settings& settings, const char* arguments, const CancelFlag
       filter_(command_) {}
 
 Status Stream::Start() {
-  Spawned spawned;
-  const Status started = Spawn(adb_path_, command_.words, &spawned);
+  base::Spawned spawned;
+  const Status started = StartAdb(adb_path_, command_.words, &spawned);
   if (started != kDelivered) return started;
   output_ = std::move(spawned.output);
   child_.emplace(spawned.pid);
   try {
-    const SignalsBlocked blocked;
+    const base::SignalsBlocked blocked;
     thread_ = std::thread([this] { RunToEnd(); });
   } catch (const std::exception&) {  // no thread, or no memory to start one
     Terminate(&*child_);

@@ -1,4 +1,4 @@
-#include "channel/process/spawn.h"
+#include "base/spawn.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -12,9 +12,7 @@
 
 #include <array>
 
-#include "channel/channel_log.h"
-
-namespace darokleim::channel {
+namespace darokleim::base {
 namespace {
 
 #if defined(__APPLE__)
@@ -30,7 +28,7 @@ char** Environment() {
 // Lower numbers belong to the standard streams.
 constexpr int kFirstFreeFd = STDERR_FILENO + 1;
 
-bool OpenPipeAnywhere(base::UniqueFd* read_end, base::UniqueFd* write_end) {
+bool OpenPipeAnywhere(UniqueFd* read_end, UniqueFd* write_end) {
   int ends[2];
 #if defined(__linux__)
   if (pipe2(ends, O_CLOEXEC) != 0) return false;
@@ -45,8 +43,8 @@ bool OpenPipeAnywhere(base::UniqueFd* read_end, base::UniqueFd* write_end) {
 
 // If the pipe took the number of a standard stream that the host has closed, even for a moment, what the host prints
 // then would be mixed into adb's output. The null device occupies those numbers in the meantime.
-bool OpenPipe(base::UniqueFd* read_end, base::UniqueFd* write_end) {
-  std::array<base::UniqueFd, kFirstFreeFd> held;
+bool OpenPipe(UniqueFd* read_end, UniqueFd* write_end) {
+  std::array<UniqueFd, kFirstFreeFd> held;
   for (int stream = 0; stream < kFirstFreeFd; ++stream) {
     if (fcntl(stream, F_GETFD) < 0)
       held[static_cast<size_t>(stream)].Reset(open("/dev/null", O_RDWR | O_CLOEXEC));
@@ -121,10 +119,6 @@ class FileActions {
   int error_;
 };
 
-bool IsShortage(int error) {
-  return error == EAGAIN || error == ENOMEM || error == EMFILE || error == ENFILE;
-}
-
 std::vector<char*> ArgumentVector(const std::string& program, const std::vector<std::string>& words) {
   std::vector<char*> argv;
   argv.reserve(words.size() + 2);
@@ -136,22 +130,15 @@ std::vector<char*> ArgumentVector(const std::string& program, const std::vector<
 
 }  // namespace
 
-Status Spawn(const std::string& program, const std::vector<std::string>& words, Spawned* spawned) {
-  base::UniqueFd write_end;
-  if (!OpenPipe(&spawned->output, &write_end)) {
-    LogNotStarted(program, errno);
-    return kSystemRefused;
-  }
-
+int Spawn(const std::string& program, const std::vector<std::string>& words, Spawned* spawned) {
+  UniqueFd write_end;
+  if (!OpenPipe(&spawned->output, &write_end)) return errno;
   const std::vector<char*> argv = ArgumentVector(program, words);
   const Attributes attributes;
   const FileActions actions(write_end.get());
-  if (actions.error() != 0) return kSystemRefused;
-  const int error = posix_spawn(&spawned->pid, program.c_str(), actions.get(), attributes.get(), argv.data(),
-                                Environment());
-  if (error == 0) return kDelivered;
-  LogNotStarted(program, error);
-  return IsShortage(error) ? kSystemRefused : kCannotStart;
+  if (actions.error() != 0) return actions.error();
+  return posix_spawn(&spawned->pid, program.c_str(), actions.get(), attributes.get(), argv.data(),
+                     Environment());
 }
 
-}  // namespace darokleim::channel
+}  // namespace darokleim::base
