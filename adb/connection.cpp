@@ -89,6 +89,12 @@ Status Connection::WriteAll(std::string_view after_queue, const Limits& limits) 
   return {};
 }
 
+void Connection::WriteSome() {
+  size_t unused = 0;
+  while (queued() > 0 && WriteNow({}, &unused) == Progress::kSome) {
+  }
+}
+
 Status Connection::Flush(const Limits& limits) {
   return WriteAll({}, limits);
 }
@@ -172,8 +178,7 @@ Result<size_t> Connection::Read(std::span<char> target, const Limits& limits) {
   }
   for (;;) {
     if (Status status = Check(limits); !status.ok()) return status.TakeError();
-    size_t unused = 0;
-    if (queued() > 0) WriteNow({}, &unused);
+    WriteSome();
     size_t received = 0;
     switch (ReceiveNow(target, &received)) {
       case Progress::kSome:
@@ -189,8 +194,8 @@ Result<size_t> Connection::Read(std::span<char> target, const Limits& limits) {
 Result<bool> Connection::Fill(const Limits& limits) {
   for (;;) {
     if (Status status = Check(limits); !status.ok()) return status.TakeError();
+    WriteSome();
     size_t unused = 0;
-    if (queued() > 0) WriteNow({}, &unused);
     switch (ReceiveNow({}, &unused)) {
       case Progress::kSome:
         return true;

@@ -37,6 +37,8 @@ class Connection {
   void Queue(std::string_view bytes) { queue_.append(bytes); }
   size_t queued() const { return queue_.size() - written_; }
 
+  // As much of the queue as the system takes without waiting.
+  void WriteSome();
   // Writes everything queued. Keeps what arrives meanwhile in the buffer, as far as there is room.
   Status Flush(const Limits& limits);
   // The queue and these bytes, which are not copied, in one piece where the system takes them.
