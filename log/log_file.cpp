@@ -1,12 +1,10 @@
 #include "log/log_file.h"
 
-#include <sys/stat.h>
-
 // Our levels in place of spdlog's: progress is spdlog's info, an echoed command its warning.
 #define SPDLOG_LEVEL_NAMES \
   { "trace", "debug", "info", "command", "error", "critical", "off" }
 #include <spdlog/details/log_msg.h>
-#include <spdlog/sinks/rotating_file_sink.h>
+#include <spdlog/pattern_formatter.h>
 
 #include <utility>
 
@@ -14,8 +12,7 @@ namespace darokleim::log {
 namespace {
 
 // adb_sdk.log and the older adb_sdk.1.log to adb_sdk.4.log: at most 50 MiB, unless a single line is longer.
-constexpr std::size_t kMaxFileBytes = std::size_t{10} * 1024 * 1024;
-constexpr std::size_t kMaxOldFiles = 4;
+constexpr RotatingFile::Limits kLimits = {.bytes = std::size_t{10} * 1024 * 1024, .old_parts = 4};
 
 constexpr std::chrono::seconds kReopenInterval{1};
 constexpr char kLinePattern[] = "%Y-%m-%d %H:%M:%S.%e %z [%l] [%n] [%t] %v";
@@ -34,17 +31,21 @@ spdlog::level::level_enum SpdlogLevel(LogLevel level) {
   return spdlog::level::err;
 }
 
-// Opening a pipe would wait for its reader, and neither a pipe nor a socket can be rotated.
-bool CanHoldLog(const std::string& path) {
-  struct stat status;
-  return stat(path.c_str(), &status) != 0 || S_ISREG(status.st_mode) || S_ISCHR(status.st_mode);
+std::string FormatLine(std::string_view module, LogLevel level, std::string_view text) {
+  spdlog::pattern_formatter formatter(kLinePattern);
+  spdlog::memory_buf_t line;
+  formatter.format(
+      spdlog::details::log_msg(spdlog::string_view_t(module.data(), module.size()), SpdlogLevel(level),
+                               spdlog::string_view_t(text.data(), text.size())),
+      line);
+  return std::string(line.data(), line.size());
 }
 
 }  // namespace
 
 std::unique_ptr<LogFile> LogFile::Open(const std::string& absolute_path) {
   std::unique_ptr<LogFile> file(new LogFile(absolute_path));
-  if (!file->OpenSink()) return nullptr;
+  if (!file->OpenFile()) return nullptr;
   return file;
 }
 
@@ -53,31 +54,21 @@ LogFile::LogFile(std::string path) : path_(std::move(path)) {}
 LogFile::~LogFile() = default;
 
 void LogFile::Write(std::string_view module, LogLevel level, std::string_view line) {
-  if (sink_ == nullptr && !Recover(module)) {
+  if (file_ == nullptr && !Recover(module)) {
     ++lines_lost_;
     return;
   }
   if (!TryWrite(module, level, line)) ++lines_lost_;
 }
 
-bool LogFile::OpenSink() try {
-  if (!CanHoldLog(path_)) return false;
-  auto sink = std::make_unique<spdlog::sinks::rotating_file_sink_st>(path_, kMaxFileBytes, kMaxOldFiles);
-  sink->set_pattern(kLinePattern);
-  sink_ = std::move(sink);
-  return true;
-} catch (const spdlog::spdlog_ex&) {
-  return false;
+bool LogFile::OpenFile() {
+  file_ = RotatingFile::Open(path_, kLimits);
+  return file_ != nullptr;
 }
 
-// A sink that has failed is discarded: after a failed rotation it has no open file.
-bool LogFile::TryWrite(std::string_view module, LogLevel level, std::string_view line) try {
-  sink_->log(spdlog::details::log_msg(spdlog::string_view_t(module.data(), module.size()), SpdlogLevel(level),
-                                      spdlog::string_view_t(line.data(), line.size())));
-  sink_->flush();
-  return true;
-} catch (const spdlog::spdlog_ex&) {
-  sink_.reset();
+bool LogFile::TryWrite(std::string_view module, LogLevel level, std::string_view line) {
+  if (file_->Append(FormatLine(module, level, line))) return true;
+  file_.reset();
   next_attempt_ = std::chrono::steady_clock::now() + kReopenInterval;
   return false;
 }
@@ -86,7 +77,7 @@ bool LogFile::Recover(std::string_view module) {
   const auto now = std::chrono::steady_clock::now();
   if (now < next_attempt_) return false;
   next_attempt_ = now + kReopenInterval;
-  if (!OpenSink()) return false;
+  if (!OpenFile()) return false;
   const auto notice = "lines lost while the log could not be written: " + std::to_string(lines_lost_);
   if (!TryWrite(module, LogLevel::kError, notice)) return false;
   lines_lost_ = 0;

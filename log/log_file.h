@@ -8,9 +8,7 @@
 #include <string>
 #include <string_view>
 
-namespace spdlog::sinks {
-class sink;
-}
+#include "log/rotating_file.h"
 
 namespace darokleim::log {
 
@@ -22,7 +20,7 @@ enum class LogLevel : int { kTrace = 0, kProgress = 1, kCommand = 2, kError = 3 
 // counted, and the file is reopened at most once a second.
 class LogFile {
  public:
-  // Null when the file cannot be opened. Missing directories of the path are created.
+  // Null when the file cannot be opened.
   static std::unique_ptr<LogFile> Open(const std::string& absolute_path);
 
   ~LogFile();
@@ -34,12 +32,12 @@ class LogFile {
  private:
   explicit LogFile(std::string path);
 
-  bool OpenSink();
+  bool OpenFile();
   bool TryWrite(std::string_view module, LogLevel level, std::string_view line);
   bool Recover(std::string_view module);
 
   std::string path_;
-  std::unique_ptr<spdlog::sinks::sink> sink_;  // null while the file cannot be written
+  std::unique_ptr<RotatingFile> file_;  // null while the file cannot be written
   std::chrono::steady_clock::time_point next_attempt_;
   std::uint64_t lines_lost_ = 0;
 };

@@ -1,7 +1,9 @@
 #include <errno.h>
 #include <gmock/gmock.h>
 #include <stdio.h>
+#include <sys/resource.h>
 
+#include <filesystem>
 #include <map>
 #include <set>
 #include <string>
@@ -51,13 +53,31 @@ TEST(LogLines, KeepBytesThatAreNotText) {
                                        EndsWith("with \\x00 inside")));
 }
 
-TEST(LogLines, HoldAMegabyteWhole) {
+TEST(LogLines, HoldTheFirst64KiBOfALongText) {
   const OpenedLog log;
-  std::string text(1 << 20, 'm');
-  text.back() = '!';
+  const std::string text(1 << 20, 'm');
   LogEx(log.module(), 1, "<%s>", text.c_str());
-  EXPECT_THAT(log.Lines(), ElementsAre(EndsWith("<" + text + ">")));
+  EXPECT_THAT(log.Lines(), ElementsAre(EndsWith("<" + text.substr(0, 65535) +
+                                                " [cut: the first 65536 of 1048578 bytes]")));
 }
+
+#if defined(__linux__)  // elsewhere the unit of ru_maxrss differs
+// In KiB, of this process at any time.
+long LargestMemory() {
+  rusage usage;
+  getrusage(RUSAGE_SELF, &usage);
+  return usage.ru_maxrss;
+}
+
+TEST(LogLines, OfAnAnswerFullOfControlBytesCostNoMemory) {
+  const OpenedLog log;
+  const std::string answer(64 << 20, '\x01');
+  const long before = LargestMemory();
+  LogEx(log.module(), 3, "ret is %d,outbuf is:%s", 1, answer.c_str());
+  EXPECT_LT(LargestMemory() - before, 4 * 1024);
+  EXPECT_LT(std::filesystem::file_size(log.path()), 300u * 1024);
+}
+#endif
 
 TEST(LogLines, LeaveTheCallersErrno) {
   const OpenedLog log;

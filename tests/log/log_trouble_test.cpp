@@ -20,6 +20,12 @@ using testing::EndsWith;
 using testing::ExitedWithCode;
 using testing::HasSubstr;
 
+// Numbered lines of 60,000 bytes: 175 of them exceed the size at which the file is rotated.
+void LogLongLines(const char* module, int count) {
+  const std::string text(60'000, 'r');
+  for (int line = 0; line < count; ++line) LogEx(module, 1, "%d %s", line, text.c_str());
+}
+
 // Somewhat longer than the log waits before it opens a failed file again.
 void WaitForNextAttempt() {
   std::this_thread::sleep_for(std::chrono::milliseconds(1100));
@@ -46,6 +52,54 @@ TEST(LogTroubleTest, APipeIsRefusedWithoutWaitingForItsReader) {
   const test::TemporaryDirectory directory;
   ASSERT_EQ(mkfifo(directory.File("pipe").c_str(), 0600), 0);
   EXPECT_FALSE(InitLogEx(nullptr, "LogTrouble.pipe", directory.File("pipe").c_str()));
+}
+
+TEST(LogTroubleTest, ALinkInPlaceOfAFileIsNotFollowed) {
+  const test::TemporaryDirectory directory;
+  test::WriteFile(directory.File("target"), "kept");
+  std::filesystem::create_symlink("target", directory.File("link.log"));
+  std::filesystem::create_symlink("missing", directory.File("dangling.log"));
+  EXPECT_FALSE(InitLogEx(nullptr, "LogTrouble.link", directory.File("link.log").c_str()));
+  EXPECT_FALSE(InitLogEx(nullptr, "LogTrouble.link", directory.File("dangling.log").c_str()));
+  LogEx("LogTrouble.link", 3, "dropped");
+  EXPECT_EQ(test::ReadFile(directory.File("target")), "kept");
+  EXPECT_FALSE(std::filesystem::exists(directory.File("missing")));
+}
+
+TEST(LogTroubleTest, ALinkPutInPlaceOfTheFileIsNotFollowedByTheRotation) {
+  const OpenedLog log;
+  test::WriteFile(log.directory().File("target"), "kept");
+  LogLongLines(log.module(), 170);
+  std::filesystem::remove(log.path());
+  std::filesystem::create_symlink("target", log.path());
+  std::filesystem::create_symlink("target", log.directory().File("test.1.log"));
+  LogLongLines(log.module(), 20);
+  EXPECT_EQ(test::ReadFile(log.directory().File("target")), "kept");
+  EXPECT_EQ(log.Lines().size(), 16u);
+}
+
+mode_t ModeOf(const std::string& path) {
+  struct stat status;
+  EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
+  return status.st_mode & 0777;
+}
+
+TEST(LogTroubleTest, OnlyTheUserMayReadTheFileAndItsNewDirectories) {
+  umask(0);
+  const OpenedLog log("new/below/test.log");
+  LogLongLines(log.module(), 200);
+  EXPECT_EQ(ModeOf(log.directory().File("new")), 0700u);
+  EXPECT_EQ(ModeOf(log.directory().File("new/below")), 0700u);
+  EXPECT_EQ(ModeOf(log.path()), 0600u);
+  EXPECT_EQ(ModeOf(log.directory().File("new/below/test.1.log")), 0600u);
+}
+
+TEST(LogTroubleTest, AFileThatOthersMayReadIsTakenFromThem) {
+  const test::TemporaryDirectory directory;
+  test::WriteFile(directory.File("older.log"), "from an earlier version\n");
+  ASSERT_EQ(chmod(directory.File("older.log").c_str(), 0644), 0);
+  ASSERT_TRUE(InitLogEx(nullptr, "LogTrouble.older", directory.File("older.log").c_str()));
+  EXPECT_EQ(ModeOf(directory.File("older.log")), 0600u);
 }
 
 TEST(LogTroubleTest, AModuleThatFailedMayBeOpenedElsewhere) {
@@ -118,10 +172,9 @@ TEST(LogTroubleTest, WritingGoesOnWhenThereIsRoomAgain) {
 }
 
 TEST(LogTroubleTest, ALongLogIsRotatedAndBounded) {
-  constexpr int kMegabytes = 65;
+  constexpr int kLines = 1100;  // 66 MB
   const OpenedLog log;
-  const std::string text(1 << 20, 'r');
-  for (int line = 0; line < kMegabytes; ++line) LogEx(log.module(), 1, "%d %s", line, text.c_str());
+  LogLongLines(log.module(), kLines);
 
   std::uintmax_t total = 0;
   int files = 0;
@@ -134,32 +187,19 @@ TEST(LogTroubleTest, ALongLogIsRotatedAndBounded) {
   EXPECT_LE(total, 50u * 1024 * 1024);
   const auto newest = log.Lines();
   ASSERT_FALSE(newest.empty());
-  EXPECT_THAT(newest.back(), HasSubstr("] " + std::to_string(kMegabytes - 1) + " rrr"));
+  EXPECT_THAT(newest.back(), HasSubstr("] " + std::to_string(kLines - 1) + " rrr"));
   const auto previous = test::ReadLines(log.directory().File("test.1.log"));
   ASSERT_FALSE(previous.empty());
-  EXPECT_THAT(previous.back(), HasSubstr("] " + std::to_string(kMegabytes - 1 - newest.size()) + " rrr"));
-}
-
-TEST(LogTroubleTest, ALineLongerThanAFileIsStillWhole) {
-  const OpenedLog log;
-  const std::string text(12 << 20, 'w');
-  LogEx(log.module(), 1, "before");
-  LogEx(log.module(), 1, "%s", text.c_str());
-  LogEx(log.module(), 1, "after");
-  EXPECT_THAT(log.Lines(), ElementsAre(EndsWith("after")));
-  const auto previous = test::ReadLines(log.directory().File("test.1.log"));
-  ASSERT_EQ(previous.size(), 1u);
-  EXPECT_TRUE(previous[0].ends_with("] " + text));
+  EXPECT_THAT(previous.back(), HasSubstr("] " + std::to_string(kLines - 1 - newest.size()) + " rrr"));
 }
 
 TEST(LogTroubleTest, AFailedRotationNeitherCrashesNorEndsTheLog) {
   const OpenedLog log("logs/test.log");
-  const std::string text(1 << 20, 't');
   const std::string logs = log.directory().File("logs");
-  for (int line = 0; line < 9; ++line) LogEx(log.module(), 1, "%s", text.c_str());
+  LogLongLines(log.module(), 170);
   std::filesystem::rename(logs, logs + ".moved");
   test::WriteFile(logs, "in the way");
-  for (int line = 0; line < 5; ++line) LogEx(log.module(), 1, "%s", text.c_str());
+  LogLongLines(log.module(), 10);
   LogEx(log.module(), 1, "short");
   WaitForNextAttempt();
   LogEx(log.module(), 1, "the next attempt fails, too");
@@ -176,12 +216,11 @@ TEST(LogTroubleTest, AFailedRotationNeitherCrashesNorEndsTheLog) {
 // Nothing looks at each line whether its file is still there.
 TEST(LogTroubleTest, ARemovedFileComesBackWithTheNextRotation) {
   const OpenedLog log;
-  const std::string text(1 << 20, 'm');
   LogEx(log.module(), 1, "before");
   std::filesystem::remove(log.path());
-  for (int line = 0; line < 5; ++line) LogEx(log.module(), 1, "%s", text.c_str());
+  LogLongLines(log.module(), 100);
   EXPECT_FALSE(std::filesystem::exists(log.path()));
-  for (int line = 0; line < 5; ++line) LogEx(log.module(), 1, "%s", text.c_str());
+  LogLongLines(log.module(), 100);
   LogEx(log.module(), 1, "after");
   const auto lines = log.Lines();
   ASSERT_FALSE(lines.empty());
@@ -195,8 +234,7 @@ TEST(LogTroubleTest, RotationIgnoresTheCurrentDirectory) {
   const bool opened = InitLogEx(nullptr, "LogTrouble.relative", "relative.log");
   std::filesystem::current_path(before);
   ASSERT_TRUE(opened);
-  const std::string text(6 << 20, 'c');
-  for (int line = 0; line < 3; ++line) LogEx("LogTrouble.relative", 1, "%s", text.c_str());
+  LogLongLines("LogTrouble.relative", 200);
   EXPECT_TRUE(std::filesystem::exists(directory.File("relative.log")));
   EXPECT_TRUE(std::filesystem::exists(directory.File("relative.1.log")));
   EXPECT_FALSE(std::filesystem::exists(before / "relative.log"));
