@@ -22,9 +22,9 @@ enum class ShellForm {
 
 struct ShellCommand {
   ShellForm form = ShellForm::kV2;
-  std::string command;      // read by the phone's shell; a whole session where empty
-  std::string terminal;     // the value of TERM on the phone, for kV2; empty: none is passed
-  bool with_input = false;  // whether WriteInput() will be used; otherwise the command's input ends at once
+  std::string command = {};   // read by the phone's shell; a whole session where empty
+  std::string terminal = {};  // the value of TERM on the phone, for kV2; empty: none is passed
+  bool with_input = false;    // whether WriteInput() will be used; otherwise the command's input ends at once
   bool pseudo_terminal = false;  // for kV2; otherwise "raw", as adb has it for a command
 
   // The service's name, such as "shell,v2,TERM=xterm,raw:ls".
