@@ -49,7 +49,7 @@ void AddFlatRows(std::vector<Row>* rows, const std::string& name, const std::str
   const std::list<FileInfo> files = Files(camera);
   AddRows(
       rows, name, "JsonCpp", [&] { ExpectDocument(serialization_file_list(&files, true)); },
-      [&] { ExpectDocument(darokleim::sdk::PlainFlatList(files, true)); });
+      [&] { ExpectDocument(darokleim::test::PlainFlatList(files, true)); });
 }
 
 void AddTreeRows(std::vector<Row>* rows) {
@@ -57,7 +57,7 @@ void AddTreeRows(std::vector<Row>* rows) {
   AddRows(
       rows, "tree JSON, a million files in 10,000 folders", "JsonCpp",
       [&] { ExpectDocument(serialization_file_list_keep_folder_structer(&files, kRoot, true)); },
-      [&] { ExpectDocument(darokleim::sdk::PlainTree(files, kRoot, true)); });
+      [&] { ExpectDocument(darokleim::test::PlainTree(files, kRoot, true)); });
 }
 
 void AddListingRows(std::vector<Row>* rows) {
@@ -72,14 +72,14 @@ void AddListingRows(std::vector<Row>* rows) {
   AddRows(rows, "AdbGetDirFiles, a million files", "parser's floor and JsonCpp", list, [&] {
     std::list<FileInfo> files;
     LsFloor(output, &files);
-    ExpectDocument(darokleim::sdk::PlainFlatList(files, true));
+    ExpectDocument(darokleim::test::PlainFlatList(files, true));
   });
 }
 
 }  // namespace
 
 int main() {
-  const darokleim::sdk::TemporaryDirectory for_the_side_file;
+  const darokleim::test::TemporaryDirectory for_the_side_file;
   std::filesystem::current_path(for_the_side_file.path());
   std::vector<Row> rows;
   AddFlatRows(&rows, "flat JSON, a million files", "");

@@ -60,7 +60,7 @@ Row CompareDocuments(const Comparison& comparison, std::string ls, Built built) 
     AdbFreeResource(&json);
     return document;
   };
-  const auto other = [&] { return darokleim::sdk::PlainFlatList(RegexLs(ls, built), true); };
+  const auto other = [&] { return darokleim::test::PlainFlatList(RegexLs(ls, built), true); };
   Expect(ours() == other());
   return Compare(
       comparison, [&] { Expect(!ours().empty()); }, [&] { Expect(!other().empty()); });
@@ -87,7 +87,7 @@ void AddRows(std::vector<Row>* rows, int files, const std::string& of_files, Bui
 }  // namespace
 
 int main() {
-  const darokleim::sdk::TemporaryDirectory for_the_side_file;
+  const darokleim::test::TemporaryDirectory for_the_side_file;
   std::filesystem::current_path(for_the_side_file.path());
   std::vector<Row> rows;
   AddRows(&rows, 100'000, "100,000 files", Built::kOnce, 5);

@@ -1,4 +1,4 @@
-// AdbStartApp, AdbInputStringToDevice: what the user of a device would do by hand.
+// AdbStartApp, AdbInputStringToDevice: starting an activity and typing a text.
 #include "darokleim.h"
 #include "src/apps/error_word.h"
 #include "src/core/adb_run.h"
@@ -19,7 +19,7 @@ constexpr LogWording kStartWording{kLogInfo, "%s Enter ...", "%s Leave %d.", kLo
 int AdbStartApp(const char* serial, const char* component, const char* extras) {
   CallLog log(__func__, kStartWording);
   if (AnyNull(serial, component)) return log.Leave(log.InvalidParam());
-  // No blank at the front, unlike other commands: part of the interface to the channel.
+  // Without the leading space of other commands: part of the interface to the channel.
   const auto args = extras ? Cut(512, "-s %s shell am start -n %s %s", serial, component, extras)
                            : Cut(512, "-s %s shell am start -n %s", serial, component);
   return log.Leave(RunLookingForError(log, args, SilenceMeans::kFailure));

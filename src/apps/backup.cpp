@@ -1,4 +1,4 @@
-// AdbBackupApp, AdbRestoreApp, AdbStopDeviceBackupRestoreProcess: application data, as far as the user agrees.
+// AdbBackupApp, AdbRestoreApp, AdbStopDeviceBackupRestoreProcess: backups, which the user confirms on the device.
 #include "darokleim.h"
 #include "src/core/adb_run.h"
 #include "src/core/argument_text.h"

@@ -8,7 +8,7 @@
 namespace darokleim::sdk {
 namespace {
 
-// What printf makes of a null text; to hand one over is not everywhere safe.
+// What printf prints for a null text; not every C library accepts one.
 constexpr char kNoText[] = "(null)";
 
 bool Failed(const AdbRun& run, SilenceMeans silence_means) {

@@ -1,4 +1,4 @@
-// Commands that are judged by one word, "Error", in place of the classifier.
+// Commands whose result is decided by the word "Error", not by the classifier.
 #ifndef DAROKLEIM_SRC_APPS_ERROR_WORD_H
 #define DAROKLEIM_SRC_APPS_ERROR_WORD_H
 
@@ -8,11 +8,11 @@
 
 namespace darokleim::sdk {
 
-// How a command that the channel ran without handing out any output is taken.
+// The meaning of a command that ran without any output.
 enum class SilenceMeans { kFailure, kSuccess };
 
-// Runs a command that cannot be cancelled and logs what goes wrong. Returns the channel's value when it is not
-// 0, ADB_RESULT_PROTOCOL_FAULT when the output holds "Error" (or silence means failure), else ADB_RESULT_OK.
+// Runs a command that cannot be cancelled and logs its failure. Returns the channel's status when it is not 0,
+// ADB_RESULT_PROTOCOL_FAULT when the output holds "Error" (or silence means failure), else ADB_RESULT_OK.
 int RunLookingForError(const CallLog& log, const std::string& args, SilenceMeans silence_means);
 
 }  // namespace darokleim::sdk

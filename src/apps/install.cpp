@@ -15,17 +15,18 @@ using namespace darokleim::sdk;
 namespace darokleim::sdk {
 namespace {
 
-// Package managers often do not say that it was the space; with less than this, applications are told so.
+// Package managers often do not report that space is missing. With less free space than this, a failure is reported
+// as one of space.
 constexpr unsigned long long kRoomForInstall = 200ULL * 1024 * 1024;
 
-// Free space that cannot be read counts as none.
+// Free space that cannot be read counts as 0.
 bool LacksRoom(const char* serial) {
   unsigned long long free_bytes = 0;
   AdbGetStorageFreeSpace(serial, "/sdcard", &free_bytes, nullptr);
   return free_bytes < kRoomForInstall;
 }
 
-// Stands in the log line for a list that cannot be read; a fixed mark that log readers know.
+// A fixed number in the log line for a list that cannot be read; log readers search for it.
 constexpr int kParseFailureMark = 2264;
 
 }  // namespace
@@ -37,7 +38,7 @@ int AdbInstallAppFromPCPath(const char* serial, const char* host_path, const boo
   const std::string staged = std::string(kDeviceTempDir).append(path.substr(path.rfind('/') + 1));
   int code = AdbPushFile(serial, host_path, staged.c_str(), cancel);
   if (code == ADB_RESULT_OK) code = AdbInstallAppFromDevicePath(serial, staged.c_str(), cancel);
-  // Also after a failed push, which may have left a part.
+  // Also after a failed push, which may have left a partial file.
   AdbRemoveFile(serial, staged.c_str(), cancel);
   return log.Leave(code);
 }
@@ -57,9 +58,9 @@ int AdbInstallMultipleAppFromPCPath(const char* serial, const char* json_paths, 
   const auto files = ReadPackageFiles(json_paths);
   if (!files) {
     LogEx(kLogModule, kLogError, "%s(%d): Json parse failed.", log.function(), kParseFailureMark);
-    return ADB_RESULT_JSON_PARSE_FAILED;
+    return ADB_RESULT_JSON_PARSE_FAILED;  // deliberately without a leave line: nothing was run
   }
-  // No blank at the front, unlike other commands: part of the interface to the channel.
+  // Without the leading space of other commands: part of the interface to the channel.
   std::string args = std::string("-s ") + serial + " install-multiple -r";
   for (const std::string& file : *files) args.append(" \"").append(file).append("\"");
   return log.Leave(AdbRun(args, cancel).Classify());

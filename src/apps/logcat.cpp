@@ -17,8 +17,8 @@ int AdbClearLogcat(const char* serial, const bool* cancel) {
 int AdbLogcatAnsync(const char* serial, const char* filter, void* on_output, void* context,
                     const bool* cancel) {
   CallLog log(__func__);
-  // The channel may read the command for as long as the stream runs. Each call writes it anew: not for two
-  // threads at once.
+  // A channel may read the command as long as the stream runs, so it is static. Each call overwrites it: two threads
+  // must not call at once.
   static char command[256];
   std::snprintf(command, sizeof command, " -s %s logcat -s %s", serial, filter);
   return log.Leave(ExecuteAdbCommandAnsynchronization(command, cancel, context, on_output));

@@ -8,8 +8,8 @@
 namespace darokleim::sdk {
 namespace {
 
-// JsonCpp reads a document with its own stack: its default of 1000 levels takes more than the 512 KiB that
-// macOS gives to every thread but the first.
+// JsonCpp's parser is recursive: its default of 1000 levels takes more than the 512 KiB of stack that macOS gives to
+// every thread except the first.
 constexpr int kDeepestLevel = 500;
 
 std::unique_ptr<Json::CharReader> NewReader() {
@@ -38,7 +38,7 @@ std::optional<std::vector<std::string>> ReadPackageFiles(std::string_view json) 
     if (!document.isObject() && !document.isNull()) return std::nullopt;
     return FilesIn(document);
   } catch (const Json::Exception&) {
-    // Too deep, or an element that has no text.
+    // Nested too deep, or an element that cannot be converted to text.
     return std::nullopt;
   }
 }

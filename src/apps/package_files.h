@@ -1,4 +1,4 @@
-// The files of a split package, as applications list them.
+// The list of a split package's files that an application passes.
 #ifndef DAROKLEIM_SRC_APPS_PACKAGE_FILES_H
 #define DAROKLEIM_SRC_APPS_PACKAGE_FILES_H
 
@@ -10,10 +10,10 @@
 namespace darokleim::sdk {
 
 // The elements of all arrays that are members of a JSON object, as text: members in the order of their
-// names, elements in theirs. Members of other types are ignored; null stands for an object without members.
+// names, elements in theirs. Members of other types are ignored; null at the top is an object without members.
 //
-// Nothing when the text is no such document: no JSON, another value at the top, nested more than 500
-// levels deep, or an element that is an array or an object.
+// Nothing when the text is not such a document: it is not JSON, has another value at the top, is nested more than 500
+// levels deep, or has an array or an object as an element.
 std::optional<std::vector<std::string>> ReadPackageFiles(std::string_view json);
 
 }  // namespace darokleim::sdk

@@ -1,4 +1,4 @@
-// AdbGetAppVersion, AdbGetApkPathOfInstatlled, AdbGetApkPathOfInstatlledEx: what the device knows of one package.
+// AdbGetAppVersion, AdbGetApkPathOfInstatlled, AdbGetApkPathOfInstatlledEx: version and files of one package.
 #include <json/value.h>
 
 #include <cstring>
@@ -28,8 +28,8 @@ void FillUncheckedBuffer(std::string_view text, char* buffer) {
   buffer[text.size()] = '\0';
 }
 
-// Writes what is found in the first line of the output that has it. Returns ADB_RESULT_OK, or
-// ADB_RESULT_NOT_FOUND, the buffer untouched, when no line has it.
+// Writes what find returns for the first line with a result. Returns ADB_RESULT_OK, or ADB_RESULT_NOT_FOUND, with the
+// buffer untouched, when no line has one.
 template <typename Find>
 int FillWithFirstFound(std::string_view output, Find find, char* buffer) {
   int code = ADB_RESULT_NOT_FOUND;
@@ -55,10 +55,10 @@ int AdbGetAppVersion(const char* serial, const char* package, char* buffer, int 
   CallLog log(__func__);
   if (AnyNull(serial, package, buffer)) return log.InvalidParam();
   buffer[0] = '\0';
-  // The blank at the end is part of the command.
+  // The space at the end is part of the command.
   const AdbRun run(Cut(256, " -s %s shell dumpsys package %s ", serial, package), cancel);
   if (!run.has_output()) return log.Leave(run.status());
-  // Dumps hold the word "Failure" for reasons of their own.
+  // Dumps hold the word "Failure" for other reasons.
   constexpr bool kLineFailureOnly = true;
   const int code = Classify(run.output(), run.status(), kLineFailureOnly);
   if (code != ADB_RESULT_OK) return log.Leave(code);
@@ -76,7 +76,7 @@ int AdbGetApkPathOfInstatlled(const char* serial, const char* package, char* buf
   return log.Leave(FillWithFirstFound(run.output(), MatchPackageLine, buffer));
 }
 
-// Deliberate: whatever the device answered, the caller gets a document, and every failure is "not found".
+// Deliberate: the caller gets a document whatever the device printed, and every failure is "not found".
 int AdbGetApkPathOfInstatlledEx(const char* serial, const char* package, char** json, int* json_len,
                                 const bool* cancel) {
   CallLog log(__func__);
@@ -93,7 +93,7 @@ int AdbGetApkPathOfInstatlledEx(const char* serial, const char* package, char** 
     });
   }
   const std::string text = JsonToString(document);
-  // Here the terminating zero is part of the length.
+  // In this function the length includes the terminating zero.
   HandOut({text.c_str(), text.size() + 1}, json, json_len);
   return log.Leave(paths.isNull() ? ADB_RESULT_NOT_FOUND : ADB_RESULT_OK);
 }

@@ -17,13 +17,13 @@ using namespace darokleim::sdk;
 namespace darokleim::sdk {
 namespace {
 
-// What a listing that comes back without any output leads to.
+// What to do after a listing without any output.
 enum class AfterSilence { kGiveUp, kTryAgain };
 
 constexpr int kAttempts = 2;
 constexpr std::size_t kCommandCapacity = 256;
 
-// Where a step leaves the query: at the end of it, or, unless the attempts are used up, before another one.
+// The result of a step, and whether the query ends or makes another attempt, if one is left.
 struct Progress {
   int code;
   enum { kSettled, kRefused, kTryAgain } next;
@@ -48,7 +48,7 @@ Progress List(const std::string& command, const bool* cancel, AfterSilence after
   return {code, Progress::kSettled};
 }
 
-// Makes the user option name the device's current user. When the device names none, it stays.
+// Sets the user option to the device's current user. Unchanged when the device does not report one.
 Progress ChooseCurrentUser(const char* serial, const bool* cancel, std::string& user_option) {
   const AdbRun run(Cut(kCommandCapacity, " -s %s shell dumpsys user", serial), cancel);
   const int code = run.Classify();
@@ -58,12 +58,12 @@ Progress ChooseCurrentUser(const char* serial, const bool* cancel, std::string& 
   return {code, Progress::kTryAgain};
 }
 
-// Lists packages, in at most two attempts, and hands the listing to use while the channel still holds it.
-// When the device refuses because the shell may not act for the user it means, it is asked for its current
-// user, whose packages the second attempt lists. A null filter adds nothing to the command.
+// Lists packages in at most two attempts, and calls use with the listing, which is valid during the call. When the
+// device refuses because the shell may not act for all users, the second attempt lists the packages of the current
+// user. A null filter adds nothing to the command.
 //
-// Returns the result code of the last command. ADB_RESULT_OK without a call of use: the second attempt was
-// refused as well; what the question for the user gave is the result then, and applications rely on it.
+// Returns the result code of the last command. ADB_RESULT_OK without a call of use means that the second attempt was
+// refused as well; the code is then that of the query for the user, and applications rely on it.
 int ListPackages(const char* serial, const char* filter, const bool* cancel, AfterSilence after_silence,
                  const std::function<void(std::string_view listing)>& use) {
   std::string user_option;
@@ -75,7 +75,7 @@ int ListPackages(const char* serial, const char* filter, const bool* cancel, Aft
   return progress.code;
 }
 
-// The device lists every package whose name holds the one asked for. Each other one leaves a line in the log.
+// The device lists every package whose name contains the given one. Each of the others is logged.
 bool Lists(std::string_view listing, const char* package, const CallLog& log) {
   bool found = false;
   ForEachPiece(listing, "\n", [&](std::string_view line) {
@@ -89,7 +89,7 @@ bool Lists(std::string_view listing, const char* package, const CallLog& log) {
   return found;
 }
 
-// Hands out the listing as the device printed it, line ends and all.
+// Hands out the listing as the device printed it, line breaks included.
 int HandOutListing(const char* serial, const char* filter, char** list, int* list_len, const bool* cancel) {
   return ListPackages(serial, filter, cancel, AfterSilence::kGiveUp, [&](std::string_view listing) {
     *list_len = static_cast<int>(listing.size());

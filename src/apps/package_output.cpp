@@ -10,9 +10,9 @@ namespace {
 constexpr std::string_view kDigits = "0123456789";
 constexpr std::string_view kDigitsAndDots = "0123456789.";
 
-// The longest run of characters of a set, at least one, right behind a mark; of the first such mark.
-std::optional<std::string_view> FindRunBehind(std::string_view text, std::string_view mark,
-                                              std::string_view characters) {
+// The longest run of the characters, at least one, directly after the first mark that such a run follows.
+std::optional<std::string_view> FindRunAfter(std::string_view text, std::string_view mark,
+                                             std::string_view characters) {
   while (true) {
     const std::size_t at = text.find(mark);
     if (at == std::string_view::npos) return std::nullopt;
@@ -29,17 +29,17 @@ std::optional<std::string_view> MatchPackageLine(std::string_view line) {
   if (colon == std::string_view::npos) return std::nullopt;
   line.remove_prefix(colon + 1);
   const std::size_t length = std::min(line.find_first_of(kWhiteSpace), line.size());
-  const bool ends_behind = line.find_first_not_of(kWhiteSpace, length) == std::string_view::npos;
-  if (length == 0 || !ends_behind) return std::nullopt;
+  const bool ends_after = line.find_first_not_of(kWhiteSpace, length) == std::string_view::npos;
+  if (length == 0 || !ends_after) return std::nullopt;
   return line.substr(0, length);
 }
 
 std::optional<std::string_view> FindVersion(std::string_view line) {
-  return FindRunBehind(line, "versionName=", kDigitsAndDots);
+  return FindRunAfter(line, "versionName=", kDigitsAndDots);
 }
 
 std::optional<std::string_view> FindCurrentUser(std::string_view dump) {
-  return FindRunBehind(dump, "Current user: ", kDigits);
+  return FindRunAfter(dump, "Current user: ", kDigits);
 }
 
 }  // namespace darokleim::sdk

@@ -1,4 +1,4 @@
-// What the device's package manager and its dumps print.
+// The output of pm and dumpsys.
 #ifndef DAROKLEIM_SRC_APPS_PACKAGE_OUTPUT_H
 #define DAROKLEIM_SRC_APPS_PACKAGE_OUTPUT_H
 
@@ -9,14 +9,14 @@ namespace darokleim::sdk {
 
 // The name or path in a line of `pm list packages` or `pm path`: group 1 of a whole line that matches
 //     ^[^:]*:(\S+)\s*$
-// so a carriage return at the end is no part of it, and a line with a blank inside is no match.
+// A carriage return at the end is not part of it, and a line with white space inside does not match.
 std::optional<std::string_view> MatchPackageLine(std::string_view line);
 
-// The version in a line of `dumpsys package`: what stands behind the equals sign of the first match of
+// The version in a line of `dumpsys package`: the part after the equals sign of the first match of
 //     versionName=[0-9\.]+
 std::optional<std::string_view> FindVersion(std::string_view line);
 
-// The user whom `dumpsys user` names as the current one, as text: group 1 of the first match of
+// The number of the current user in `dumpsys user`, as text: group 1 of the first match of
 //     Current user: (\d+)
 std::optional<std::string_view> FindCurrentUser(std::string_view dump);
 

@@ -14,8 +14,8 @@ using namespace darokleim::sdk;
 namespace darokleim::sdk {
 namespace {
 
-// The two directions differ on purpose, down to a blank in one enter line: applications and log readers rely
-// on each as it is.
+// The two directions differ on purpose, down to a space at the end of one enter line: applications and log readers
+// rely on it.
 constexpr LogWording kForwardWording{kLogInfo, "%s Enter ...", "%s Leave ...", kLogError,
                                      "%s Param is Invalid"};
 constexpr LogWording kReverseWording{kLogInfo, "%s Enter ...", "%s Leave %d.", kLogError,
@@ -30,12 +30,12 @@ struct Direction {
 constexpr Direction kForward{false, SilenceMeans::kFailure};
 constexpr Direction kReverse{true, SilenceMeans::kSuccess};
 
-// The side that listens comes first among the ports.
+// The port that listens is the first one.
 int ChangeMapping(CallLog log, const Direction& direction, const char* command, const char* serial,
                   std::initializer_list<const char*> ports) {
   const bool lacks_port = std::find(ports.begin(), ports.end(), nullptr) != ports.end();
   if (AnyNull(serial) || lacks_port) return log.Leave(log.InvalidParam());
-  // No blank at the front, unlike other commands: part of the interface to the channel.
+  // Without the leading space of other commands: part of the interface to the channel.
   std::string args = Measured("-s %s %s", serial, command);
   for (const char* const port : ports) args.append(" tcp:").append(port);
   if (direction.echoes_command) LogEx(kLogModule, kLogCommand, "adb %s", args.c_str());

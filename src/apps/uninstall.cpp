@@ -12,10 +12,10 @@ using namespace darokleim::sdk;
 namespace darokleim::sdk {
 namespace {
 
-// Deliberately small: applications rely on longer commands being run as cut.
+// Deliberately small: a longer command is cut and then run, and applications rely on it.
 constexpr std::size_t kCommandCapacity = 128;
 
-// Unlike elsewhere the channel's value comes first: with any but 0 nobody reads what was printed.
+// Unlike in other functions the channel's status comes first: unless it is 0, the output is not read.
 int Ask(const std::string& args, const bool* cancel) {
   const AdbRun run(args, cancel);
   if (run.status() != 0) return run.status();

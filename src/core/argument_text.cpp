@@ -18,7 +18,7 @@ std::string Format(std::size_t most, const char* format, std::va_list arguments)
     va_end(again);
     throw std::length_error("argument text");
   }
-  // vsnprintf writes its terminating zero over the string's own.
+  // vsnprintf overwrites the string's own terminating zero with another one.
   std::string text(std::min(static_cast<std::size_t>(measured), most), '\0');
   std::vsnprintf(text.data(), text.size() + 1, format, again);
   va_end(again);

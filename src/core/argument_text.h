@@ -9,11 +9,11 @@
 
 namespace darokleim::sdk {
 
-// As long as it needs to be. Throws std::length_error past INT_MAX bytes.
+// The whole text. Throws std::length_error for more than INT_MAX bytes.
 std::string Measured(const char* format, ...) DAROKLEIM_PRINTF_LIKE(1, 2);
 
-// At most capacity - 1 bytes; the rest is dropped without a word. Some commands have such a limit by their
-// interface: applications rely on what a longer one does.
+// At most capacity - 1 bytes; the rest is dropped silently. The interface of some commands has such a limit:
+// applications rely on what a longer command does.
 std::string Cut(std::size_t capacity, const char* format, ...) DAROKLEIM_PRINTF_LIKE(2, 3);
 
 }  // namespace darokleim::sdk

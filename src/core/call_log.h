@@ -8,8 +8,8 @@ inline constexpr char kLogModule[] = "AdbSDK";
 
 enum LogLevel : int { kLogTrace = 0, kLogInfo = 1, kLogCommand = 2, kLogError = 3 };
 
-// How a family of functions words its lines. Each format gets the function's name; leave also gets the
-// result code, which most families print and some do not. A null enter or leave writes no line.
+// The lines of a family of functions. Each format gets the function's name; leave also gets the result code, which
+// most families print and some do not. A null enter or leave writes no line.
 struct LogWording {
   LogLevel level;
   const char* enter;
@@ -20,15 +20,15 @@ struct LogWording {
 
 inline constexpr LogWording kStandardWording{kLogInfo, "%s Enter.", "%s Leave, return %d.", kLogError,
                                              "%s, invalid param."};
-// The device list is polled by applications; its lines stay below the default level.
+// Applications poll the device list, so its lines are below the default level.
 inline constexpr LogWording kDeviceListWording{kLogTrace, "%s Enter.", "%s Leave ...", kLogError,
                                                "%s, invalid param."};
 inline constexpr LogWording kServerWording{kLogInfo, "%s Enter ...", "%s Leave, return %d.", kLogError,
                                            "%s, invalid param."};
 
-// Lives for one call. The leave line is written when it goes out of scope, so that whatever was declared
-// after it, the channel's buffer above all, has been given back by then. A call that returns without
-// Leave() writes no leave line.
+// Lives for one call. The leave line is written when it goes out of scope, after everything that was declared after it,
+// the channel's buffer above all, has been released. A call that returns without Leave() writes no leave line: a
+// refused argument never has one, and a function that omits it for another reason says so there.
 class CallLog {
  public:
   explicit CallLog(const char* function, const LogWording& wording = kStandardWording);

@@ -20,7 +20,7 @@ struct Rule {
   bool logs_text = false;
 };
 
-// Order matters: the first rule that holds decides. adb's connection errors come first, then the package
+// Order matters: the first rule that matches decides. adb's connection errors come first, then the package
 // manager's messages, from the exact to the vague.
 constexpr Rule kRulesBeforeFailure[] = {
     {"no devices/emulators found", "", ADB_RESULT_NO_DEVICE},
@@ -37,7 +37,7 @@ constexpr Rule kRulesBeforeFailure[] = {
     {"[INSTALL_FAILED_USER_RESTRICTED]", "", ADB_RESULT_INSTALL_USER_RESTRICTED},
     {"[INSTALL_CANCELED_BY_USER]", "", ADB_RESULT_INSTALL_USER_RESTRICTED},
     {"[INSTALL_PARSE_FAILED_NO_CERTIFICATES]", "", ADB_RESULT_INSTALL_NO_CERTIFICATES},
-    // A denied cp or push is left to the channel's value; only searches get a code of their own.
+    // Only searches have a code for a refusal; the result of a refused cp or push is the channel's status.
     {"Permission denied", "grep", ADB_RESULT_PERMISSION_DENIED},
     {"Permission denied", "find:", ADB_RESULT_PERMISSION_DENIED},
 };

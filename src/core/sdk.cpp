@@ -1,3 +1,4 @@
+// AdbSdkInit, AdbConfigDeviceBusybox: the start of the library, and the resource that it installs on devices.
 #include "src/core/sdk.h"
 
 #include <cstdio>
@@ -19,7 +20,7 @@ namespace {
 
 constexpr char kVersion[] = DAROKLEIM_VERSION "-D-4c1143f";
 
-// An entry of any kind will do; one whose status cannot be read counts as missing.
+// Accepts an entry of any kind; one whose status cannot be read counts as missing.
 bool Exists(const std::string& path) {
   std::error_code unreadable;
   return std::filesystem::exists(path, unreadable);
@@ -34,6 +35,7 @@ void OpenLog(const void* log_context, const char* log_dir) {
 }  // namespace
 }  // namespace darokleim::sdk
 
+// Without enter and leave lines: the log is opened here.
 int AdbSdkInit(const char* resource_dir, const void* log_context, const char* log_dir) {
   if (AnyNull(resource_dir, log_context, log_dir)) return ADB_RESULT_INVALID_PARAM;
   if (is_inited) return ADB_RESULT_OK;
@@ -50,6 +52,7 @@ int AdbSdkInit(const char* resource_dir, const void* log_context, const char* lo
   return ADB_RESULT_OK;
 }
 
+// Without enter and leave lines: each step writes its own.
 int AdbConfigDeviceBusybox(const char* serial, const bool* cancel) {
   constexpr char kDevicePath[] = "/data/local/tmp/busybox";
   bool exists = false;

@@ -23,11 +23,11 @@ using namespace darokleim::sdk;
 namespace darokleim::sdk {
 namespace {
 
-// The word, not the port, finds the processes: "my-adb" and "adb.txt" hold it, "adbd" and "my_adb" do not.
+// Processes are found by the word, not by the port: "my-adb" and "adb.txt" hold it, "adbd" and "my_adb" do not.
 constexpr char kListCommand[] = "ps -ax | grep -w adb | awk '{ print $1 }'";
 
 #if defined(__linux__)
-constexpr char kPipeMode[] = "re";  // not inherited by what other threads start meanwhile
+constexpr char kPipeMode[] = "re";  // not inherited by processes that other threads start meanwhile
 #else
 constexpr char kPipeMode[] = "r";
 #endif
@@ -42,7 +42,7 @@ void KillProcess(std::string_view id) {
   kill(static_cast<pid_t>(process), SIGKILL);
 }
 
-// A number that the end of the buffer cut in two names another process.
+// Drops a number that the end of the buffer cut: it would be the id of another process.
 std::string_view WithoutCutNumber(std::string_view list, int next) {
   if (next == EOF || next == '\n') return list;
   return list.substr(0, list.rfind('\n') + 1);
@@ -54,8 +54,8 @@ void LogOutput(const AdbRun& run) {
   if (run.has_output()) LogEx(kLogModule, kLogInfo, "%s", std::string(run.output()).c_str());
 }
 
-// 1 is no failure: it tells applications that adb reported the start of a server before anything else. adb
-// itself puts "* " before the phrase, so that most starts give the channel's value.
+// 1 is not a failure: it means that adb's output began with the report of a started server. adb itself writes "* "
+// before the phrase, so the result of most starts is the channel's status.
 int StartCode(const AdbRun& run) {
   constexpr std::string_view kStarted = "daemon started successfully";
   return run.output().substr(0, kStarted.size()) == kStarted ? 1 : run.status();
@@ -81,7 +81,7 @@ int KillListenNetProcess(int /*port*/) {
     LogEx(kLogModule, kLogError, "%s Pipe Create Failed. Error = %d", __func__, errno);
     return 0;
   }
-  // A fixed limit, on purpose: what is listed further down is spared.
+  // A fixed limit, on purpose: processes listed after it are not killed.
   std::array<char, 511> buffer;
   const std::string_view list(buffer.data(), fread(buffer.data(), 1, buffer.size(), pipe.get()));
   ForEachPiece(WithoutCutNumber(list, fgetc(pipe.get())), "\n", [](std::string_view id) {
@@ -106,6 +106,7 @@ int AdbStartDaemonEx(bool kill_first, const bool* cancel) {
   return StartServer(__func__, kill_first, cancel);
 }
 
+// Without lines of its own: AdbStartDaemon writes them.
 int AdbRestartDaemon() {
   return AdbStartDaemon(true, nullptr);
 }

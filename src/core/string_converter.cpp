@@ -10,7 +10,7 @@ static_assert(sizeof(wchar_t) == 4, "one wide character holds any UTF-8 sequence
 
 constexpr std::uint32_t kStrayByte = 0x80000000U;
 
-// The forms of a UTF-8 sequence, by length: how its first byte begins, and the least value that needs it.
+// The forms of a UTF-8 sequence by length: the leading bits of its first byte, and the smallest value that needs it.
 struct Form {
   unsigned char lead;
   unsigned char lead_mask;
@@ -21,7 +21,7 @@ constexpr Form kForms[] = {{0x00, 0x80, 0x0},     {0xC0, 0xE0, 0x80},     {0xE0,
 constexpr std::size_t kLongest = std::size(kForms);
 constexpr unsigned kBitsPerByte = 6;
 
-// The length of the sequence that text begins with and its value; length 0 when it begins with none.
+// The length and value of the sequence that text begins with; length 0 when it does not begin with one.
 struct Sequence {
   std::size_t length;
   std::uint32_t value;

@@ -26,8 +26,8 @@ unsigned long long UnitOf(std::string_view size) {
   return kKibi;
 }
 
-// The leading decimal fraction of a text that holds a point, which is the decimal point whatever the host's locale
-// says; not "inf", "nan" or hexadecimal, which strtod knows too.
+// The leading decimal fraction of a text that holds a point, whatever the decimal separator of the host's locale is;
+// not "inf", "nan" or a hexadecimal number, which strtod reads too.
 double LeadingFraction(const std::string& text) {
   static const locale_t kPointLocale = newlocale(LC_ALL_MASK, "C", nullptr);
   const std::size_t digits = text.find_first_not_of(kWhiteSpace);
@@ -55,12 +55,12 @@ long StringHelper::StringSplit(std::vector<std::string>& pieces, const std::stri
   return static_cast<long>(pieces.size() - before);
 }
 
-// By value, as its callers know it.
+// Passed by value: callers rely on the types.
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
 long StringHelper::StringReplace(std::string& text, std::string from, std::string to) {
   if (text.empty() || from.empty()) return static_cast<long>(text.size());
-  // Built aside, so that a text with a replacement in every line costs no more than its length. carry is a
-  // replacement not yet searched: a match can begin in it and end in the rest.
+  // Builds a second text, so that the time is proportional to the length whatever the number of replacements. carry
+  // is a replacement that has not been searched yet: a match can begin in it and end in the rest.
   std::string result;
   std::string carry;
   std::string_view rest = text;

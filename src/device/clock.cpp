@@ -1,4 +1,4 @@
-// AdbGetDeviceCurrentTime: what the device's clock shows.
+// AdbGetDeviceCurrentTime: the time of the device's clock.
 #include "darokleim.h"
 #include "src/core/adb_run.h"
 #include "src/core/argument_text.h"

@@ -1,4 +1,4 @@
-// AdbAuthenticateShow, AdbReconnectDevice, AdbReboot: asking adb to connect anew.
+// AdbAuthenticateShow, AdbReconnectDevice, AdbReboot: connecting again.
 #include <string>
 
 #include "darokleim.h"
@@ -16,9 +16,8 @@ namespace {
 
 constexpr LogWording kSerialWording{kLogInfo, nullptr, "%s Leave, return %d.", kLogError, nullptr};
 
-// What the application sees of the answer to `reconnect`: 1 unless the output holds a known adb error. The
-// classifier is asked with 1, so the two words that adb prints on success never decide; applications treat
-// 1 as "asked", and 0 must not appear for them.
+// The result of `reconnect`: 1 unless the output holds a known adb error. The classifier gets 1 as the status, so the
+// words that adb prints on success never decide: applications take 1 for success, and 0 must not occur.
 int ReconnectCode(const AdbRun& run, const char* serial) {
   constexpr int kAsked = 1;
   if (!run.has_output()) return kAsked;

@@ -1,4 +1,4 @@
-// AdbGetDevices, AdbGetDevicesEx: which devices adb sees, as "serial-state;" entries.
+// AdbGetDevices, AdbGetDevicesEx: the attached devices as "serial-state;" entries.
 #include "src/device/device_list.h"
 
 #include <algorithm>
@@ -49,7 +49,7 @@ void ForEachEntry(std::string_view listing, Visit visit) {
   });
 }
 
-// A caller's buffer that is filled entry by entry; the entry that does not fit is cut and ends it.
+// A caller's buffer that is filled entry by entry; an entry that does not fit is cut and is the last one.
 class EntryBuffer {
  public:
   EntryBuffer(char* buffer, int size) : next_(buffer), room_(size < 0 ? 0 : static_cast<std::size_t>(size)) {}

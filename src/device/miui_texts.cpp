@@ -25,13 +25,13 @@ std::optional<std::string_view> VersionInBuildNumber(std::string_view build_numb
 std::size_t ShownLength(std::string_view version) {
   constexpr int kDotsShown = 3;
   if (!Contains(version, "12.")) return version.size();
-  std::size_t behind_dot = 0;
+  std::size_t after_dot = 0;
   for (int i = 0; i < kDotsShown; ++i) {
-    const std::size_t dot = version.find('.', behind_dot);
+    const std::size_t dot = version.find('.', after_dot);
     if (dot == std::string_view::npos) return version.size();
-    behind_dot = dot + 1;
+    after_dot = dot + 1;
   }
-  return std::min(behind_dot + 1, version.size());
+  return std::min(after_dot + 1, version.size());
 }
 
 }  // namespace darokleim::sdk

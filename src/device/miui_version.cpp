@@ -18,7 +18,7 @@ using namespace darokleim::sdk;
 namespace darokleim::sdk {
 namespace {
 
-// The date in UTC. Throws when the text does not begin with a number, or when that is no time.
+// The date in UTC. Throws when the text does not begin with a number, or when the number is not a time.
 std::tm DateOf(const std::string& time_code) {
   const unsigned long seconds = std::stoul(time_code);
   if (seconds > static_cast<unsigned long>(std::numeric_limits<std::time_t>::max())) {
@@ -30,7 +30,7 @@ std::tm DateOf(const std::string& time_code) {
   return date;
 }
 
-// MIUI counts years from 2010, and its versions carry the day after the build.
+// MIUI counts years from 2010, and its versions name the day after the build.
 std::string DottedDate(const std::tm& date) {
   constexpr int kFirstYear = 2010 - 1900;
   return std::to_string(date.tm_year - kFirstYear) + "." + std::to_string(date.tm_mon + 1) + "." +
@@ -42,8 +42,8 @@ void LogUnread(const CallLog& log, const char* what, int code) {
         code);
 }
 
-// The name before its first carriage return, and the date of the build. On phones that end lines in a line
-// feed alone the name keeps it, mid-version; applications know.
+// The name up to its first carriage return, and the date of the build. On phones that end lines in LF alone the line
+// feed after the name stays inside the version; applications rely on it.
 int ComposeFromBuildDate(const CallLog& log, std::string_view name, const char* serial, const bool* cancel,
                          std::string& version) {
   const Property time_code(serial, "ro.miui.version.code_time", cancel);
@@ -90,7 +90,7 @@ int Compose(const CallLog& log, const char* serial, const bool* cancel, std::str
 }  // namespace
 }  // namespace darokleim::sdk
 
-// By value: the types are part of the linkage name.
+// Passed by value because the types are part of the linkage name.
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
 bool AppendMiuiVersionByTimeCode(std::string time_code, std::string& version) {
   LogEx(kLogModule, kLogInfo, "%s Enter.With time code:%s", __func__, time_code.c_str());

@@ -1,4 +1,4 @@
-// GetPropInfo and the object over it.
+// GetPropInfo, and the class that owns its text.
 #include "src/device/property.h"
 
 #include <string>
@@ -13,7 +13,7 @@ using namespace darokleim::sdk;
 int GetPropInfo(const char* serial, const char* prop_name, char** out, int* out_len, const bool* cancel) {
   const std::string args = Cut(256, " -s %s shell getprop %s", serial, prop_name);
   const int status = ExecuteAdbCommandSynchronization(args.c_str(), cancel, out, out_len);
-  // The text of a command that succeeded is the value, whatever it says: a property may hold any words.
+  // The text of a command that succeeded is the value, whatever it contains: a property can hold any text.
   if (status == 0 || !out || !*out) return status;
   return Classify(TextOf(*out, *out_len), status);
 }

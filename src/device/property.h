@@ -13,11 +13,11 @@ class Property {
  public:
   Property(const char* serial, const char* name, const bool* cancel);
 
-  // The result code of the reading.
+  // The result code of GetPropInfo.
   int code() const { return code_; }
-  // Whether the property was read and there is a text, perhaps an empty one.
+  // Whether the property was read and there is a text, which can be empty.
   bool has_value() const;
-  // The text as the device printed it, its line end included; gone with this object. Empty without a value.
+  // The text as the device printed it, its line break included; valid as long as this object. Empty without a value.
   std::string_view value() const;
   // The value up to its first zero byte.
   std::string_view c_value() const;

@@ -1,5 +1,5 @@
-// AdbCheckLockedState, AdbCheckEncryptState, AdbGetEncryptType, AdbCheckIsHarmony: properties that answer a
-// question. None of them checks a pointer.
+// AdbCheckLockedState, AdbCheckEncryptState, AdbGetEncryptType, AdbCheckIsHarmony: properties as flags. No pointer is
+// checked.
 #include <initializer_list>
 #include <string_view>
 
@@ -19,7 +19,7 @@ struct Meaning {
   Answer answer;
 };
 
-// The last meaning whose word stands anywhere in the property decides; without any, *answer stays.
+// The last meaning whose word the property contains decides; without any, *answer is unchanged.
 template <typename Answer>
 int ReadAnswer(const char* function, const char* property_name,
                std::initializer_list<Meaning<Answer>> meanings, const char* serial, Answer* answer,
@@ -49,7 +49,7 @@ int AdbGetEncryptType(const char* serial, int* type, const bool* cancel) {
   return ReadAnswer<int>(__func__, "ro.crypto.type", {{"file", 0}, {"block", 1}}, serial, type, cancel);
 }
 
-// Unlike the others, always answers, also on failure.
+// Unlike the others, writes its answer on failure too.
 int AdbCheckIsHarmony(const char* serial, bool* is_harmony, const bool* cancel) {
   CallLog log(__func__);
   const Property ring_tone(serial, "ro.config.ringtone", cancel);

@@ -1,4 +1,4 @@
-// IsDeviceHadBeenRooted: whether there is an su.
+// IsDeviceHadBeenRooted: whether the device has an su program.
 #include "darokleim.h"
 #include "src/core/adb_run.h"
 #include "src/core/argument_text.h"
@@ -20,7 +20,7 @@ Probe LookFor(const char* path, const char* serial, const bool* cancel) {
   const AdbRun run(Cut(256, " -s %s shell ls %s", serial, path), cancel);
   const int code = run.Classify();
   if (!run.has_output() || (code != ADB_RESULT_OK && code != ADB_RESULT_NO_SUCH_FILE)) return {code, false};
-  // A fixed limit, on purpose: a denial further down does not count.
+  // A fixed limit, on purpose: a message after it is ignored.
   constexpr std::size_t kBytesLookedAt = 255;
   return {ADB_RESULT_OK, !Contains(run.output().substr(0, kBytesLookedAt), "No such file")};
 }

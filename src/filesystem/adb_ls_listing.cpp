@@ -48,7 +48,7 @@ std::optional<std::uint32_t> EightDigits(const char* text) {
   return number;
 }
 
-// A line as adb prints it.
+// A line in adb's own format; nothing for any other line.
 std::optional<AdbLsLine> ReadRegularLine(std::string_view line) {
   const char* const text = line.data();
   if (text[kDigits] != ' ' || text[kColumn + kDigits] != ' ') return std::nullopt;
@@ -60,7 +60,7 @@ std::optional<AdbLsLine> ReadRegularLine(std::string_view line) {
   return AdbLsLine{*mode, *size, *time, line.substr(kNameAt)};
 }
 
-// Copied, since strtoul needs an end and would otherwise read on in the next line.
+// Copies the line: strtoul needs a terminating zero, or it would read on in the next line.
 AdbLsLine ReadAnyLine(std::string_view line) {
   const std::string text(line);
   char* end = nullptr;
@@ -71,7 +71,7 @@ AdbLsLine ReadAnyLine(std::string_view line) {
   return {mode, size, time, name_at < line.size() ? line.substr(name_at) : std::string_view()};
 }
 
-// An upper limit, close to the number of records: the vector is allocated once.
+// An upper limit close to the number of records, so that the vector is allocated once.
 std::size_t LineCount(std::string_view text) {
   std::size_t lines = 1;
   for (std::size_t end = 0; (end = text.find('\n', end)) != std::string_view::npos; ++end) ++lines;
@@ -87,7 +87,7 @@ AdbRun RunAdbLs(const char* serial, std::string_view directory, const bool* canc
 bool IsSkippedAdbLsLine(std::string_view line) {
   if (line.size() < kShortestAdbLsLine) return true;
   if (line.size() == kShortestAdbLsLine) return line.back() == '.';
-  // A dot anywhere: meant for "..", but required of every line of this length.
+  // Meant for "..", but callers rely on it for every line of this length that holds a dot.
   return line.size() == kShortestAdbLsLine + 1 && Contains(line, ".");
 }
 

@@ -20,14 +20,14 @@ using namespace darokleim::sdk;
 namespace darokleim::sdk {
 namespace {
 
-// No pointer is checked, hence no line for it.
+// No pointer is checked, so there is no line for an invalid parameter.
 constexpr LogWording kListingWording{kLogInfo, "%s Enter ...", "%s Leave.", kLogError, nullptr};
 
-// All files below a directory, whose folders are listed one by one: after each of them the folder that was found
-// last. Ends with the first that fails. Returns the channel's value of the last one; what adb prints is no error.
+// Lists all files below a directory, one folder after another, always the folder that was found last. Stops at the
+// first failure. Returns the channel's status of the last listing; messages that adb prints are not errors here.
 int ListAllBelow(const char* serial, const char* dir, const bool* cancel, std::list<FileInfo>* files) {
   std::vector<std::string> waiting;
-  waiting.emplace_back(dir);  // the initializer list of libc++ 14 loses memory when it runs out
+  waiting.emplace_back(dir);  // an initializer list leaks in libc++ 14 when an allocation fails
   int status = ADB_RESULT_OK;
   while (status == ADB_RESULT_OK && !waiting.empty()) {
     const std::string directory = std::move(waiting.back());
@@ -47,7 +47,7 @@ int ListAllBelow(const char* serial, const char* dir, const bool* cancel, std::l
   return status;
 }
 
-// The files are given back before their document, which takes as much again, is copied.
+// Frees the files before the document is copied: both are of the same size.
 void HandOutOnce(const std::string& document, std::list<FileInfo>* files, char** json, int* json_len) {
   files->clear();
   HandOut(document, json, json_len);
@@ -61,19 +61,19 @@ int AdbGetDirFiles(const char* serial, const char* dir, char** json, int* json_l
   CallLog log(__func__, kListingWording);
   std::list<FileInfo> files;
   {
-    // An absent flag leaves its blanks.
+    // The spaces around an absent flag are part of the command.
     const AdbRun run(
         Measured(" -s %s shell ls -l %s %s \"\"%s\"\"", serial, recursive ? "-R" : "", all ? "-a" : "", dir),
         cancel);
     const int code = run.Classify();
     if (!run.has_output() || code != ADB_RESULT_OK) return log.Leave(code);
     DecodeLSOut(run.output().data(), static_cast<int>(run.output().size()), &files);
-  }  // What a million files print is given back before as much is written.
+  }  // The device's output is given back before a document of the same size is written.
   HandOutOnce(serialization_file_list(&files, true), &files, json, json_len);
   return log.Leave(ADB_RESULT_OK);
 }
 
-// recursive and all are without effect here and below: adb ls knows no options, and every folder is listed.
+// recursive and all have no effect here and below: adb ls has no options, and every folder is listed.
 int AdbGetDirFilesEx(const char* serial, const char* dir, char** json, int* json_len, int /*recursive*/,
                      int /*all*/, const bool* cancel) {
   CallLog log(__func__, kListingWording);

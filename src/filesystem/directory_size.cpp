@@ -1,4 +1,4 @@
-// AdbGetDirSize: what the device's du says of a directory.
+// AdbGetDirSize: the size of a directory as the device's du prints it.
 #include <string_view>
 #include <vector>
 
@@ -13,8 +13,8 @@ using namespace darokleim::sdk;
 namespace darokleim::sdk {
 namespace {
 
-// The first of the two pieces between tabs that du prints, a size and a path. With fewer there is no size, with
-// more du also printed why it is not the whole one.
+// du prints two pieces separated by a tab, a size and a path. Fewer pieces: no size. More pieces: du also printed
+// why the size is incomplete.
 int ReadDuOutput(std::string_view output, long long* size) {
   std::vector<std::string_view> pieces;
   ForEachPiece(output, "\t", [&](std::string_view piece) {
@@ -34,7 +34,7 @@ int AdbGetDirSize(const char* serial, const char* dir, long long* size, const bo
   if (AnyNull(serial, dir, size)) return log.InvalidParam();
   *size = 0;
   const int busybox = AdbConfigDeviceBusybox(serial, cancel);
-  // Deliberately without a leave line: the failed step's own is the last one.
+  // Deliberately without a leave line: the failed step has written its own.
   if (busybox != ADB_RESULT_OK) return busybox;
   const AdbRun run(Measured(" -s %s shell du -s \"\"%s\"\"", serial, dir), cancel);
   const int code = run.Classify();

@@ -14,7 +14,7 @@ using namespace darokleim::sdk;
 namespace darokleim::sdk {
 namespace {
 
-// The length of the text around the values of one file in a flat list, its numbers included.
+// An upper limit for the text around the values of one file in a flat list, its numbers included.
 constexpr std::size_t kMostAroundValues = 180;
 
 std::size_t MostBytesOf(const std::list<FileInfo>& files) {
@@ -23,7 +23,7 @@ std::size_t MostBytesOf(const std::list<FileInfo>& files) {
   return bytes;
 }
 
-// The members of a file, in the order in which they stand. No utc_timestamp: it is never written.
+// The names of a file's members, in their order. An empty name: the member is never written.
 struct FileMembers {
   std::string_view file;
   std::string_view size;
@@ -78,7 +78,7 @@ class TreeDocument {
   TreeDocument(const FolderTree& tree, const std::string& root, bool with_size)
       : tree_(tree), root_(root), with_size_(with_size) {}
 
-  // Down to the first folder that has none, on to the next one, at the end of a "Dir" back up.
+  // Goes down to the first folder without folders, then to the next one, and back up at the end of a "Dir".
   std::string Written() && {
     json_.BeginObject();
     std::size_t number = BeginFirstFolders(FolderTree::kTop);
@@ -135,7 +135,7 @@ class TreeDocument {
   JsonDocument json_;
 };
 
-// A document longer than an int can count leaves no side file.
+// No side file for a document whose length does not fit an int.
 std::string WithSideFile(std::string document) {
   if (document.size() <= std::numeric_limits<int>::max()) {
     SaveBuf("file_list.json", document.data(), static_cast<int>(document.size()));

@@ -1,5 +1,5 @@
-// One command of the device's shell for each function. The device is silent on success, so whatever the
-// classifier does not know counts as success; how each path is quoted is part of the interface.
+// One command of the device's shell for each function. The commands print nothing on success: output that the
+// classifier does not know is not an error. How each path is quoted is part of the interface.
 #include "darokleim.h"
 #include "src/core/adb_run.h"
 #include "src/core/argument_text.h"

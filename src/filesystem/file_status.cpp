@@ -1,4 +1,4 @@
-// AdbCheckFileExisted, AdbGetFileSize, AdbGetFileCreateTime and two fallbacks: what the device knows of one file.
+// AdbCheckFileExisted, AdbGetFileSize, AdbGetFileCreateTime and two fallbacks: existence, size and time of one file.
 #include <cstdlib>
 #include <optional>
 #include <string>
@@ -22,8 +22,8 @@ namespace {
 constexpr LogWording kExistenceWording{kLogInfo, nullptr, nullptr, kLogError, "%s, invalid param."};
 constexpr LogWording kFallbackWording{kLogInfo, "%s Enter ...", "%s Leave.", kLogError, nullptr};
 
-// Whether a listing that succeeded shows the path. Old phones escape the blanks in names; an empty directory
-// lists nothing at all.
+// Whether the listing of a path shows it. Old phones escape the spaces in names; the listing of an empty directory is
+// empty.
 bool ListingShows(std::string_view listing, const char* path) {
   std::string escaped = path;
   replace(escaped, " ", "\\ ");
@@ -37,8 +37,8 @@ int TimeFromStat(const char* serial, const char* device_path, unsigned long long
   return code;
 }
 
-// The time column of the first line "mode size time name" that mentions the name anywhere. Deliberately
-// simple: a name with blanks makes more than four columns and is never found.
+// The time column of the first line "mode size time name" that holds the name anywhere. Deliberately simple: a name
+// with spaces makes more than four columns and is never found.
 std::optional<unsigned long long> TimeInAdbLs(std::string_view listing, std::string_view name) {
   std::optional<unsigned long long> time;
   ForEachPiece(listing, "\n", [&](std::string_view line) {
@@ -60,7 +60,7 @@ int AdbCheckFileExisted(const char* serial, const char* device_path, bool* exist
   *exists = false;
   const AdbRun run(Measured(" -s %s shell ls \"\"%s\"\"", serial, device_path), cancel);
   if (!run.has_output()) {
-    // Deliberate: a command that printed nothing did not complain.
+    // Deliberate: a command that printed nothing reported no error.
     *exists = true;
     return run.status();
   }
@@ -68,7 +68,7 @@ int AdbCheckFileExisted(const char* serial, const char* device_path, bool* exist
   const bool missing = code == ADB_RESULT_NO_SUCH_FILE || code == ADB_RESULT_NO_CLOSING_QUOTE;
   if (code != ADB_RESULT_OK && !missing) return code;
   *exists = !missing && ListingShows(run.output(), device_path);
-  // The shell may have misread the path: adb's own listing has the last word.
+  // The shell may have misread the path: adb's own listing decides.
   if (!*exists) AdbCheckFileExistedUsingFolderContent(serial, device_path, exists, cancel);
   return ADB_RESULT_OK;
 }
@@ -77,7 +77,7 @@ int AdbCheckFileExistedUsingFolderContent(const char* serial, const char* device
                                           const bool* cancel) {
   CallLog log(__func__, kFallbackWording);
   const auto path = SplitAtLastSlash(device_path);
-  if (!path) return ADB_RESULT_OK;
+  if (!path) return ADB_RESULT_OK;  // deliberately without a leave line: nothing was run
   const AdbRun run = RunAdbLs(serial, path->parent, cancel);
   for (const FileInfo& entry : DecodeADBLSOut(std::string(path->parent), run.output().data(),
                                               static_cast<int>(run.output().size()))) {
@@ -117,7 +117,7 @@ int AdbGetFileCreateTimeFromLs(const char* serial, const char* device_path, unsi
                                const bool* cancel) {
   CallLog log(__func__, kFallbackWording);
   const auto path = SplitAtLastSlash(device_path);
-  if (!path) return ADB_RESULT_OK;
+  if (!path) return ADB_RESULT_OK;  // deliberately without a leave line: nothing was run
   const AdbRun run = RunAdbLs(serial, path->parent, cancel);
   if (const auto found = TimeInAdbLs(run.output(), path->name)) *time = *found;
   return log.Leave(run.status());

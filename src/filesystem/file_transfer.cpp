@@ -14,7 +14,7 @@ using namespace darokleim::sdk;
 namespace darokleim::sdk {
 namespace {
 
-// A transfer shows in the channel's log; here only a null argument does.
+// Without enter and leave lines: the channel's log has a line for each transfer.
 constexpr LogWording kTransferWording{kLogInfo, nullptr, nullptr, kLogError, "%s, invalid param."};
 
 }  // namespace
@@ -29,7 +29,7 @@ int AdbPushFile(const char* serial, const char* host_path, const char* device_pa
   return run.Classify();
 }
 
-// Unlike a push, a pull is believed only when adb says that it happened: 1 when it does not say so.
+// Unlike a push, a pull succeeds only when adb reports the file; the result is 1 when it does not.
 int AdbPullFile(const char* serial, const char* device_path, const char* host_path, const bool* cancel) {
   const CallLog log(__func__, kTransferWording);
   if (AnyNull(serial, device_path, host_path)) return log.InvalidParam();
@@ -40,7 +40,8 @@ int AdbPullFile(const char* serial, const char* device_path, const char* host_pa
   return done ? ADB_RESULT_OK : ADB_RESULT_PROTOCOL_FAULT;
 }
 
-// The first step that fails ends it, without a leave line; a failed pull leaves the file on the device.
+// The first failing step ends the function without a leave line, that step has written its own lines. After a failed
+// pull the file stays on the device.
 int AdbScreencapToPC(const char* serial, const char* host_path, const bool* cancel) {
   CallLog log(__func__);
   if (AnyNull(serial, host_path)) return log.InvalidParam();

@@ -9,9 +9,9 @@ using namespace darokleim::sdk;
 
 namespace {
 
-// Turning every CR CR LF into LF and then every CR LF, as the line ends of phones were first read, takes
-// up to three carriage returns from the end of a line and leaves what is before them.
-std::string_view WithoutLineEnd(std::string_view line) {
+// Removes up to three carriage returns from the end of a line: callers rely on the result of replacing every CR CR LF
+// by LF and then every CR LF by LF.
+std::string_view WithoutReturns(std::string_view line) {
   constexpr int kMostReturns = 3;
   for (int i = 0; i < kMostReturns && !line.empty() && line.back() == '\r'; ++i) line.remove_suffix(1);
   return line;
@@ -24,8 +24,8 @@ bool DecodeFindOut(const char* out, int len, std::list<FileInfo>* files) {
   bool any_line = false;
   while (!rest.empty()) {
     const std::size_t end = rest.find('\n');
-    // Carriage returns are part of a last line that no LF ends.
-    const std::string_view line = end == std::string_view::npos ? rest : WithoutLineEnd(rest.substr(0, end));
+    // A last line without LF keeps its carriage returns.
+    const std::string_view line = end == std::string_view::npos ? rest : WithoutReturns(rest.substr(0, end));
     rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
     if (line.empty()) continue;
     any_line = true;

@@ -5,8 +5,8 @@
 namespace darokleim::sdk {
 namespace {
 
-// What stands behind the root and one separator. That the path begins with them is not looked at: whoever lists
-// a directory knows it. A path too short to hold them leaves nothing.
+// What follows the root and one separator. Does not check that the path begins with them: every listed path does.
+// Empty for a path that is too short to hold them.
 std::string_view BelowRoot(std::string_view path, const std::string& root) {
   return path.substr(std::min(path.size(), root.size() + 1));
 }
@@ -22,7 +22,7 @@ void Link(Items& items, std::size_t& first, std::size_t& last, std::size_t item)
 
 FolderTree::FolderTree(const std::list<FileInfo>& files, const std::string& root) : folders_(1) {
   files_.reserve(files.size());
-  // Listings bring the files of one folder in a row.
+  // The files of one folder follow one another in a listing.
   std::string_view last_path;
   std::size_t last_folder = kTop;
   for (const FileInfo& info : files) {
@@ -39,8 +39,8 @@ FolderTree::FolderTree(const std::list<FileInfo>& files, const std::string& root
   }
 }
 
-// Every slash counts: "a//b" is the folder "a", in it one without a name, in that the folder "b". So the paths of
-// a folder and of a file in it, joined as they were listed, always give the path of the file.
+// Every slash counts: "a//b" is the folder "a", in it a folder without a name, in that the folder "b". The path of
+// a folder joined with the name of a file in it is therefore always the listed path of the file.
 std::size_t FolderTree::FolderOf(std::string_view path) {
   std::size_t folder_number = kTop;
   for (std::size_t begin = 0; begin <= path.size();) {

@@ -14,8 +14,8 @@
 
 namespace darokleim::sdk {
 
-// Folders and files hang together by their numbers: a tree of any depth is built, walked and freed without
-// recursion. The list and the root outlive the tree, which holds views of them.
+// Folders and files refer to each other by number: a tree of any depth is built, walked and freed without
+// recursion. The list and the root must outlive the tree, which holds views of them.
 class FolderTree {
  public:
   static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
@@ -24,7 +24,7 @@ class FolderTree {
   struct Folder {
     std::string_view path;  // below the root; empty for the top, which is the root itself
     std::size_t parent = kNone;
-    std::size_t next = kNone;  // in the same parent, in the order in which they were first met
+    std::size_t next = kNone;  // in the same parent, in the order of their first file in the list
     std::size_t first_folder = kNone;
     std::size_t last_folder = kNone;
     std::size_t first_file = kNone;
@@ -41,7 +41,8 @@ class FolderTree {
   const File& file(std::size_t number) const { return files_[number]; }
 
  private:
-  // A folder by its parent and its last name: a path costs its length to look up, however deep it is.
+  // A folder is identified by its parent and its last name: looking up a path takes time proportional to its
+  // length, however deep it is.
   struct Step {
     std::size_t parent;
     std::string_view name;

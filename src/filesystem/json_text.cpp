@@ -14,7 +14,7 @@ std::string JsonToString(const Json::Value& value) {
   const std::unique_ptr<Json::StreamWriter> writer(settings.newStreamWriter());
   std::ostringstream text;
   writer->write(value, &text);
-  // A stream that runs out of memory ends there, and keeps the exception for itself.
+  // A stream that runs out of memory swallows the exception.
   if (text.bad()) throw std::bad_alloc();
   return text.str();
 }
@@ -24,7 +24,7 @@ namespace {
 
 constexpr std::size_t kIndentation = 3;
 
-// Stands for itself between quotes. JsonCpp has the say over everything else.
+// Needs no escape between quotes. JsonCpp quotes every text with other characters.
 constexpr bool IsPlain(char c) {
   return c >= ' ' && c <= '~' && c != '"' && c != '\\';
 }
@@ -50,7 +50,7 @@ void JsonDocument::EndObject() {
   at_first_item_ = false;
 }
 
-// An array that is a member begins in a line of its own.
+// An array that is a member begins on a line of its own.
 void JsonDocument::BeginArray() {
   NewLine();
   text_ += '[';

@@ -16,14 +16,15 @@ std::string JsonToString(const Json::Value& value);
 
 namespace darokleim::sdk {
 
-// Gives byte for byte what JsonToString gives of the same document, in a fraction of its time and memory and at
-// any depth. JsonCpp itself quotes every text that holds more than plain characters and writes the numbers; what
-// is done here is the layout, for documents of one kind: no empty object, arrays of objects only and none empty.
+// Writes a JSON text from front to back, without a tree of values in memory: byte for byte the text that
+// JsonToString gives, in a fraction of its time and memory and at any depth. JsonCpp itself quotes texts with special
+// characters and formats the numbers; this class does the layout, for documents without empty objects and with arrays
+// of objects only, none of them empty.
 //
-// Members come in the order of their names, which is JsonCpp's; the caller sees to it.
+// The caller writes the members in the order of their names, as JsonCpp does.
 class JsonDocument {
  public:
-  // Room for this many bytes at once; the text grows beyond them on its own.
+  // Allocates this many bytes at once; the text can grow beyond them.
   void Reserve(std::size_t bytes) { text_.reserve(bytes); }
 
   void BeginObject();
@@ -33,7 +34,7 @@ class JsonDocument {
   void Element();
   void EndArray();
 
-  // Begins a member; the name is plain. Its value comes next.
+  // Begins a member; the name must not need escapes. Its value must follow.
   void Name(std::string_view name);
   void Text(const std::string& text);
   void Number(std::uint64_t number);

@@ -14,12 +14,12 @@ constexpr std::int32_t kDay = 86400;
 constexpr std::int32_t kHour = 3600;
 constexpr std::int32_t kMinute = 60;
 constexpr std::size_t kDateLength = 10;
-// Eleven years, remembered in 128 KiB.
+// Eleven years, in 128 KiB.
 constexpr std::size_t kMostDays = 4096;
-// Until two days before the year 10000, whatever the zone: dates of four digits.
+// Two days before the year 10000: in every zone the year has four digits until then.
 constexpr std::uint64_t kEndOfShortYears = 253402300800U - 2U * kDay;
 
-// The plain form.
+// Without the cache.
 std::string FormatOne(std::uint64_t timestamp) {
   const auto time = static_cast<time_t>(timestamp);
   tm local;
@@ -32,8 +32,8 @@ std::int32_t SecondOfDay(const tm& local) {
   return local.tm_hour * kHour + local.tm_min * kMinute + local.tm_sec;
 }
 
-// Whether every second between the first and the last of a day of UTC follows from them: no zone has changed
-// its clock twice within a day. A leap second, in the zones that count them, makes the day longer.
+// Whether all local times of a day of UTC follow from its first and last second: no zone has changed its clock twice
+// within a day. In the zones that count leap seconds, such a second makes the day longer.
 bool IsSteady(const tm& first, const tm& last) {
   return first.tm_gmtoff == last.tm_gmtoff && last.tm_sec < kMinute &&
          SecondOfDay(last) == (SecondOfDay(first) + kDay - 1) % kDay;
@@ -67,7 +67,7 @@ void PutDate(char* to, const tm& local) {
 
 LocalTimeText::LocalTimeText(std::size_t times)
     : days_(std::bit_ceil(std::clamp<std::size_t>(times, 1, kMostDays))) {
-  // localtime_r alone reads it only the first time.
+  // localtime_r itself reads the time zone only once.
   tzset();
 }
 

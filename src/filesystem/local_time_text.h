@@ -9,15 +9,15 @@
 
 namespace darokleim::sdk {
 
-// Gives what localtime and strftime give, but asks them only once for each day that occurs: they take locks
+// Same results as localtime and strftime, which are called only once for each day that occurs: they take locks
 // and would cost more than all the rest of reading a listing.
 class LocalTimeText {
  public:
-  // Reads the host's time zone anew, as localtime does at each call. times: about how many are to come.
+  // Reads the host's time zone again, as localtime does at each call. times: about how many will be converted.
   explicit LocalTimeText(std::size_t times);
 
-  // "%Y-%m-%d %H:%M:%S" of seconds since 1970-01-01 00:00 UTC; empty for a time past every calendar or with
-  // more digits than a buffer of 24 bytes holds.
+  // "%Y-%m-%d %H:%M:%S" of seconds since 1970-01-01 00:00 UTC; empty for a time that localtime cannot
+  // represent or a text longer than 23 bytes.
   std::string Of(std::uint64_t timestamp);
 
  private:
@@ -32,7 +32,7 @@ class LocalTimeText {
 
   const Day& DayOf(std::int32_t number);
 
-  std::vector<Day> days_;  // each day in the place of its number modulo their number, a power of two
+  std::vector<Day> days_;  // each day is stored at its number modulo the size, a power of two
 };
 
 }  // namespace darokleim::sdk

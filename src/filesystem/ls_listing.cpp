@@ -24,8 +24,8 @@ bool HasTwoLines(std::string_view text) {
   return lines == 2;
 }
 
-// Takes the backslash from every "\ " at or behind begin.
-void UnescapeBlanks(std::string& path, std::size_t begin) {
+// Removes the backslash from every "\ " at or after begin.
+void UnescapeSpaces(std::string& path, std::size_t begin) {
   std::size_t to = path.find('\\', begin);
   if (to == std::string::npos) return;
   for (std::size_t from = to; from < path.size(); ++from) {
@@ -35,7 +35,7 @@ void UnescapeBlanks(std::string& path, std::size_t begin) {
   path.resize(to);
 }
 
-// As atoll reads them: too many are the largest.
+// As atoll reads them: a number that is too large is the largest one.
 std::uint64_t SizeOf(std::string_view digits) {
   constexpr std::size_t kAlwaysFit = std::numeric_limits<long long>::digits10;
   if (digits.size() > kAlwaysFit) {
@@ -50,11 +50,11 @@ std::uint64_t SizeOf(std::string_view digits) {
 
 FileInfo Record(std::string_view directory, const LsLine& line) {
   std::string path = JoinPath(directory, line.name);
-  UnescapeBlanks(path, directory.size() + 1);
+  UnescapeSpaces(path, directory.size() + 1);
   return {SizeOf(line.size), 0, std::move(path), std::string(line.time), 0};
 }
 
-// As one piece, whatever other threads print.
+// Prints the line in one piece, whatever other threads print.
 void Trace(std::string_view line) {
   flockfile(stdout);
   fwrite(line.data(), 1, line.size(), stdout);

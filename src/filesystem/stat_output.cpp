@@ -7,7 +7,7 @@
 namespace darokleim::sdk {
 namespace {
 
-// Takes the run of these characters off the front of text; false when there is none.
+// Removes the run of these characters from the front of text; false when there is none.
 bool SkipRun(std::string_view* text, std::string_view characters) {
   const std::size_t end = std::min(text->find_first_not_of(characters), text->size());
   text->remove_prefix(end);

@@ -7,9 +7,9 @@
 
 namespace darokleim::sdk {
 
-// The size in bytes that the first line of the form
+// The size in bytes in the first line that matches
 //     ^\s+Size:\s+(\d+)(.*)$
-// gives. Lines end in CR LF; without any, the whole text is one line, which the expression then refuses.
+// Lines end in CR LF. A text with LF alone is one line, which does not match.
 std::optional<unsigned long long> SizeInStatOutput(std::string_view output);
 
 }  // namespace darokleim::sdk

@@ -27,15 +27,15 @@ std::string Candidate(int index) {
   return index == 0 ? "/sdcard" : "/sdcard" + std::to_string(index - 1);
 }
 
-// Older than the standard wording: a null serial is logged below the errors, and with a leave line.
+// Deliberately not the standard wording: a null serial is logged as progress, not as an error, with a leave line.
 constexpr LogWording kSearchWording{kLogInfo, "%s Enter.", "%s Leave %d", kLogInfo, "%s Param is Invalid"};
 
-// Runs the search and hands out what the listing is turned into. The listing is not searched for messages
-// of adb: names of volumes may be any words. The channel's value alone decides.
+// Runs the search, converts the listing with to_text and hands the text out. The channel's status alone decides: the
+// listing is not searched for adb's messages, because volumes can have any name.
 template <typename ToText>
 int Search(CallLog& log, const char* serial, const bool* cancel, ToText to_text, char** out, int* out_len) {
   if (AnyNull(serial)) return log.Leave(log.InvalidParam());
-  // No blank at the front, unlike other commands: part of the interface to the channel.
+  // Without the leading space of other commands: part of the interface to the channel.
   const AdbRun run(Cut(256, "-s %s shell ls -l /storage", serial), cancel);
   if (run.status() != 0) {
     LogEx(kLogModule, kLogInfo, "%s Execute Command Failed. Error = %d.", log.function(), run.status());
@@ -61,6 +61,7 @@ int AdbGetFirstSDCardPath(const char* serial, char* buffer, int buffer_size, con
   if (AnyNull(serial, buffer)) return log.InvalidParam();
   if (buffer_size < kRoomForCandidate) {
     LogEx(kLogModule, kLogError, "%s, buffer is too little.", log.function());
+    // Deliberately without a leave line: refused like a null argument.
     return ADB_RESULT_BUFFER_TOO_SMALL;
   }
   int code = ADB_RESULT_OK;

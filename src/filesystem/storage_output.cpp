@@ -12,14 +12,14 @@ constexpr std::string_view kStorage = "/storage/";
 constexpr std::string_view kInternalName = "emulated";
 constexpr std::string_view kInternalPath = "/storage/emulated/0";
 
-// What stands behind the last blank is the name, also when it is empty.
+// The name is what follows the last space; it may be empty.
 std::optional<std::string> PathNamedLast(std::string_view line) {
-  const std::size_t blank = line.rfind(' ');
-  if (blank == std::string_view::npos) return std::nullopt;
-  return std::string(kStorage).append(line.substr(blank + 1));
+  const std::size_t space = line.rfind(' ');
+  if (space == std::string_view::npos) return std::nullopt;
+  return std::string(kStorage).append(line.substr(space + 1));
 }
 
-// By the groups that own shared storage.
+// Recognised by the groups that own shared storage.
 std::optional<std::string> SharedVolume(std::string_view line) {
   if (!Contains(line, "sdcard_rw") && !Contains(line, "everybody") && !Contains(line, "media_rw")) {
     return std::nullopt;

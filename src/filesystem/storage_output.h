@@ -1,7 +1,7 @@
 #ifndef DAROKLEIM_SRC_FILESYSTEM_STORAGE_OUTPUT_H
 #define DAROKLEIM_SRC_FILESYSTEM_STORAGE_OUTPUT_H
 
-// What the device prints of its storage.
+// What df and ls print about a device's storage.
 
 #include <optional>
 #include <string>
@@ -14,7 +14,8 @@ namespace darokleim::sdk {
 // word. Nothing for fewer words.
 std::optional<unsigned long long> FreeBytes(std::string_view rows);
 
-// The two below read what `ls -l /storage` prints. Lines end in LF; a carriage return before it stays in the names.
+// The two functions below read the output of `ls -l /storage`. Lines end in LF; a carriage return
+// before it stays in the names.
 
 // The paths of all volumes, internal and cards, one for each line that names one, duplicates included.
 std::vector<std::string> VolumePaths(std::string_view listing);

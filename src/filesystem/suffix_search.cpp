@@ -1,4 +1,4 @@
-// AdbGetFilesBySuffix: searches a directory with the device's find, or with du and grep where it has none.
+// AdbGetFilesBySuffix: searches a directory with the device's find, or with du and grep on a device without find.
 #include <cstddef>
 #include <list>
 #include <string>
@@ -20,10 +20,10 @@ using namespace darokleim::sdk;
 namespace darokleim::sdk {
 namespace {
 
-// Deliberate: what refuses an argument is the enter line once more.
+// Deliberate: the line for an invalid parameter is the enter line again.
 constexpr LogWording kSearchWording{kLogInfo, "%s Enter ...", "%s Leave ...", kLogInfo, "%s Enter ..."};
 
-// Deliberate: the probe and find share a buffer of this size and are cut to it; the search with du never is.
+// Deliberate: the probe and the search with find are cut to this size, the search with du is not.
 constexpr std::size_t kCommandSize = 1024;
 
 // Calls append with each suffix of a list such as jpg;png, and whether it is the first.
@@ -57,7 +57,7 @@ std::string DuCommand(const char* serial, const std::string& directory, const ch
 }
 
 int AskForFind(const char* serial, const bool* cancel) {
-  // The blank at the end belongs to it.
+  // The space at the end is part of the command.
   return AdbRun(Cut(kCommandSize, " -s %s shell ls /system/bin/find ", serial), cancel).Classify();
 }
 
@@ -95,6 +95,6 @@ int AdbGetFilesBySuffix(const char* serial, const char* dir, const char* suffixe
     return log.Leave(Failed(log, code, directory));
   }
   HandOut(serialization_file_list(&files, false), json, json_len);
-  // Folders that the device refused to search count only when nothing was found elsewhere.
+  // Refused folders are an error only when no file was found elsewhere.
   return log.Leave(files.empty() ? code : ADB_RESULT_OK);
 }

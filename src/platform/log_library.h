@@ -1,5 +1,5 @@
-// The log as the SDK and the command channel see it. Ours stands in platform/log; any library with these
-// two symbols can take its place.
+// The log as the SDK and the command channel see it. The one of this tree is in log/; any library with these two
+// symbols can replace it.
 #ifndef DAROKLEIM_SRC_PLATFORM_LOG_LIBRARY_H
 #define DAROKLEIM_SRC_PLATFORM_LOG_LIBRARY_H
 

@@ -12,6 +12,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string text =
       Spliced("000041f9 00001000 5e0b7a11 DCIM\n000081b0 0000000a 5e7ff310 .a\n", Text(data, size));
   Require(DecodeADBLSOut("/sdcard", text.data(), static_cast<int>(text.size())) ==
-          test::PlainDecodeADBLSOut("/sdcard", text));
+          darokleim::test::PlainDecodeADBLSOut("/sdcard", text));
   return 0;
 }

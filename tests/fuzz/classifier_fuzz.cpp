@@ -1,4 +1,4 @@
-// The classifier against its rules spelt out one by one, with and without the flag for other packages' failures.
+// The classifier compared with its rules spelt out one by one, with and without the flag for other packages' failures.
 #include <vector>
 
 #include "darokleim.h"

@@ -1,4 +1,4 @@
-// The lines of `adb devices`, against the standard regular expression; and the words that stand for their states.
+// The lines of `adb devices`, compared with the standard regular expression, and the words for their states.
 #include <regex>
 #include <vector>
 

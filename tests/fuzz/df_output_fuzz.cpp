@@ -1,4 +1,4 @@
-// FreeBytes is the fourth piece of the text split at blanks.
+// FreeBytes is the fourth piece of the text split at spaces.
 #include <vector>
 
 #include "src/core/string_helper.h"

@@ -20,7 +20,7 @@ class WithoutSideFile {
  public:
   WithoutSideFile() {
     static const int elsewhere = [] {
-      static const darokleim::sdk::TemporaryDirectory directory;
+      static const darokleim::test::TemporaryDirectory directory;
       std::filesystem::create_directory(directory.path() / "F:\\file_list.json");
       return open(directory.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     }();
@@ -57,8 +57,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   const std::list<FileInfo> files = FilesIn(data, root);
   const WithoutSideFile elsewhere;
   darokleim::sdk::Require(serialization_file_list(&files, with_size) ==
-                          darokleim::sdk::PlainFlatList(files, with_size));
+                          darokleim::test::PlainFlatList(files, with_size));
   darokleim::sdk::Require(serialization_file_list_keep_folder_structer(&files, root, with_size) ==
-                          darokleim::sdk::PlainTree(files, root, with_size));
+                          darokleim::test::PlainTree(files, root, with_size));
   return 0;
 }

@@ -8,7 +8,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string text = Text(data, size);
   std::list<FileInfo> files, plain;
   Require(DecodeFindOut(text.data(), static_cast<int>(text.size()), &files) ==
-          test::PlainDecodeFindOut(text, &plain));
+          darokleim::test::PlainDecodeFindOut(text, &plain));
   Require(files == plain);
   return 0;
 }

@@ -1,4 +1,4 @@
-// What fuzz targets share.
+// Shared by all fuzz targets.
 #ifndef DAROKLEIM_TESTS_FUZZ_FUZZ_H
 #define DAROKLEIM_TESTS_FUZZ_FUZZ_H
 
@@ -9,7 +9,7 @@
 
 namespace darokleim::sdk {
 
-// Ends the run: the fuzzer keeps the input.
+// Aborts: the fuzzer then keeps the input.
 inline void Require(bool holds) {
   if (!holds) std::abort();
 }

@@ -1,4 +1,4 @@
-// The address matcher against the standard regular expression that it replaces.
+// The address matcher compared with the standard regular expression that it replaces.
 #include <regex>
 #include <vector>
 

@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::list<FileInfo> files, plain;
   std::string trace;
   Require(DecodeLSOut(text.data(), static_cast<int>(text.size()), &files) ==
-          test::PlainDecodeLSOut(text, &plain, &trace));
+          darokleim::test::PlainDecodeLSOut(text, &plain, &trace));
   Require(files == plain);
   return 0;
 }

@@ -1,4 +1,4 @@
-// Numbers of df, stat and du, against the C library and the C++ streams, which read them too.
+// Numbers of df, stat and du, compared with the C library and the C++ streams.
 #include <cstdlib>
 #include <limits>
 #include <locale>
@@ -15,7 +15,7 @@ unsigned long long PlainUnit(const std::string& size) {
   return size.find('M') != std::string::npos ? 1048576 : 1024;
 }
 
-// Only what a stream and strtod read alike: blanks, digits, a point, digits.
+// Only texts that a stream and strtod read alike: spaces, digits, a point, digits.
 bool IsPlainFraction(const std::string& size, std::string* number) {
   const std::size_t begin = size.find_first_not_of(" \t\n\v\f\r");
   if (begin == std::string::npos) return false;

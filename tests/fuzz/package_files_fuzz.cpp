@@ -1,4 +1,4 @@
-// The files of a split package, against the document read plainly and walked by its member names.
+// The files of a split package, compared with the document read plainly and walked by its member names.
 #include <json/reader.h>
 #include <json/value.h>
 

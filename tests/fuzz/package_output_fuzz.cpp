@@ -1,4 +1,4 @@
-// The matchers of the package manager's output against the standard regular expressions that they replace.
+// The matchers of the package manager's output compared with the standard regular expressions that they replace.
 #include <algorithm>
 #include <optional>
 #include <regex>

@@ -1,4 +1,4 @@
-// A log that formats each line, so that a wrong argument is found, and keeps none.
+// A log that formats each line, so that a wrong argument is found, and discards it.
 #include <cstdarg>
 #include <cstdio>
 

@@ -1,4 +1,4 @@
-// A line of a listing with a piece of the fuzzer's in its middle, so that most inputs get past the first columns.
+// A line of a listing with a piece from the fuzzer in its middle, so that most inputs get past the first columns.
 #ifndef DAROKLEIM_TESTS_FUZZ_SPLICED_LISTING_H
 #define DAROKLEIM_TESTS_FUZZ_SPLICED_LISTING_H
 
@@ -8,7 +8,7 @@
 
 namespace darokleim::sdk {
 
-// The first two bytes of the input say how much of the line stands before and behind the rest of it.
+// The first two bytes of the input are the lengths of the parts of the line before and after the rest of it.
 inline std::string Spliced(std::string_view line, const std::string& input) {
   if (input.size() < 2) return std::string(line);
   const auto part = [&](char c) { return std::min<std::size_t>(static_cast<unsigned char>(c), line.size()); };

@@ -1,4 +1,4 @@
-// The size in stat's output, against the standard regular expression over its lines.
+// The size in stat's output, compared with the standard regular expression over its lines.
 #include <cstdlib>
 #include <optional>
 #include <regex>

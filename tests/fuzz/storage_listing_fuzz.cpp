@@ -1,4 +1,4 @@
-// The volumes of a listing, against the rules spelt out over its lines.
+// The volumes of a listing, compared with the rules spelt out over its lines.
 #include "src/core/string_helper.h"
 #include "src/filesystem/storage_output.h"
 #include "tests/fuzz/fuzz.h"

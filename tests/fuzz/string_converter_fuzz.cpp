@@ -1,5 +1,5 @@
-// UTF-8 there and back: any bytes become wide characters, a character for each sequence, and the shortest form of
-// the same characters comes back.
+// UTF-8 to wide characters and back: any bytes give one character for each sequence, and the shortest form of these
+// characters comes back.
 #include <bitset>
 #include <string>
 
@@ -8,7 +8,7 @@
 
 namespace {
 
-// How many bytes a sequence that begins so has; 0 when none does.
+// The length of a sequence with this first byte; 0 when there is none.
 std::size_t PlainLength(unsigned char lead) {
   if (lead < 0x80) return 1;
   if (lead < 0xC0 || lead > 0xFD) return 0;
@@ -17,7 +17,7 @@ std::size_t PlainLength(unsigned char lead) {
   return length;
 }
 
-// A whole sequence's character, by its bits; a byte that begins none stands for itself above all characters.
+// The character of a complete sequence, from its bits; a byte that does not begin one is itself, above all characters.
 std::wstring PlainWide(const std::string& text) {
   constexpr unsigned long kStray = 0x80000000;
   std::wstring wide;
@@ -47,7 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   const std::string back = StringConverter::WideToUTF8(wide);
   Require(back.size() <= text.size());
-  // What is no longer than it need be comes back as it was.
+  // A text without overlong sequences comes back unchanged.
   if (back.size() == text.size()) Require(back == text);
 
   StringConverter::UTF8ToAnsi(text);

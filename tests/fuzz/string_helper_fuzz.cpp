@@ -1,4 +1,4 @@
-// Splitting, replacing and trimming, against loops over find, erase and insert.
+// Splitting, replacing and trimming, compared with loops over find, erase and insert.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <string>
@@ -26,7 +26,7 @@ std::vector<std::string> PlainSplit(const std::string& text, const std::string& 
   return pieces;
 }
 
-// The next search starts `skip` bytes behind the place of each replacement.
+// The next search starts `skip` bytes after the place of each replacement.
 std::string PlainReplace(std::string text, const std::string& from, const std::string& to, std::size_t skip) {
   if (from.empty()) return text;
   for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += skip)
@@ -50,7 +50,7 @@ void RequireReplaced(const std::string& text, const std::string& from, const std
   std::string all = text;
   replace(all, from, to);
   Require(all == PlainReplace(text, from, to, to.size()));
-  // A replacement as long as what it replaces, or longer, may bring it back for ever.
+  // A replacement that is not shorter than the replaced text can contain it and never end.
   if (to.size() >= from.size()) return;
   std::string again = text;
   Require(StringHelper::StringReplace(again, from, to) == static_cast<long>(again.size()));

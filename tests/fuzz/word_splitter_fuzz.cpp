@@ -1,5 +1,4 @@
-// Any argument text splits, and what the pieces are joined from can be checked: quoting each word and splitting
-// again gives the same words.
+// Any argument text can be split, and quoting each word and splitting again gives the same words.
 #include <algorithm>
 #include <string>
 #include <string_view>
@@ -23,7 +22,7 @@ void RequireThatQuotedWordsSplitBack(const std::vector<Word>& words) {
   for (size_t i = 0; i < words.size(); ++i) Require(again[i].text == words[i].text && again[i].quoted);
 }
 
-// Whatever it holds, quotes included; but those around the whole path are taken off where the SDK uses just a pair.
+// Any path, quotes included; but quotes around the whole path are removed where the SDK uses a single pair.
 void RequireThatAPathStaysWhole(const std::string& path) {
   for (const char* quotes : {"shell ls \"\"", "shell stat -c %Y \"\""}) {
     Require(ReadCommand(quotes + path + "\"\"", Assist::kOn).words.back() ==

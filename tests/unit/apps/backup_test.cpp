@@ -64,7 +64,7 @@ TEST_F(BackupTest, WithoutOutputTheChannelsValueIsTheCode) {
   }
 }
 
-TEST_F(BackupTest, WhatAdbAsksTheUserIsNoError) {
+TEST_F(BackupTest, WhatAdbAsksTheUserIsNotAnError) {
   for (const std::string& sample : DeviceOutputsIn("adb-backup")) {
     const bool restores = sample == "adb-backup/restore-old.txt";
     channel.Expect(restores ? restore : backup).Prints(DeviceOutput(sample));

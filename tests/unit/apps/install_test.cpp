@@ -80,10 +80,10 @@ TEST_F(InstallTest, WithoutOutputTheChannelsValueIsTheCode) {
   }
   channel.Expect(install).Returns(ADB_RESULT_FAILURE);
   ExpectFreeSpace("1G");
-  EXPECT_EQ(Install(), ADB_RESULT_FAILURE) << "31 by number too asks for the free space";
+  EXPECT_EQ(Install(), ADB_RESULT_FAILURE) << "the free space is read for a status of 31 too";
 }
 
-// What each message is to the caller: a failure without a code of its own is 31, of space when that is low.
+// The result of each message: a failure without a code of its own is 31, or one of space when little is free.
 TEST_F(InstallTest, RealMessages) {
   const struct {
     const char* sample;
@@ -172,11 +172,11 @@ TEST_F(InstallTest, OnlyAFewReasonsHaveACodeOfTheirOwn) {
   };
   for (const auto& c : others) {
     channel.Expect(install).Prints("Failure ["s + c.reason + "]\n");
-    EXPECT_EQ(Install(), c.code) << c.reason << " is not asked for the free space";
+    EXPECT_EQ(Install(), c.code) << c.reason << " does not read the free space";
   }
 }
 
-TEST_F(InstallTest, AValueOfTheChannelStandsUnlessTheTextIsKnown) {
+TEST_F(InstallTest, TheChannelsStatusIsTheResultUnlessTheTextIsKnown) {
   channel.Expect(install).Prints("Error: Unable to open file: /data/local/tmp/app.apk\n").Returns(1001);
   EXPECT_EQ(Install(), 1001);
   EXPECT_EQ(log_lines()[1],
@@ -250,7 +250,7 @@ TEST_F(InstallFromHostTest, AFailedInstallIsCleanedUp) {
   EXPECT_EQ(InstallFromHost(), ADB_RESULT_NOT_ENOUGH_SPACE);
 }
 
-TEST_F(InstallFromHostTest, AFailedRemovalIsNobodysConcern) {
+TEST_F(InstallFromHostTest, AFailedRemovalIsIgnored) {
   channel.Expect(push).Prints("1 file skipped");
   channel.Expect(install).Prints("Success");
   channel.Expect(remove).Prints("rm: Permission denied").Returns(1001);
@@ -300,7 +300,7 @@ TEST_F(InstallMultipleTest, InstallsTheFilesWithOneCommand) {
                                      Info("AdbInstallMultipleAppFromPCPath Leave, return 0.")));
 }
 
-TEST_F(InstallMultipleTest, PathsStandInQuotesAsTheyAre) {
+TEST_F(InstallMultipleTest, PathsAreInQuotesUnchanged) {
   channel.Expect("-s S1 install-multiple -r \"/a b\" \"/c\"d\" \"\" \"7\"").Prints("Success");
   EXPECT_EQ(Install(R"({"b": ["", 7], "a": ["/a b", "/c\"d"]})"), ADB_RESULT_OK);
 }

@@ -61,8 +61,8 @@ TEST_F(LogcatTest, TheChannelsValueIsTheCode) {
 TEST_F(LogcatTest, AllStreamsShareTheTextOfTheLatest) {
   AdbLogcatAnsync("S1", "the first, a long one", nullptr, nullptr, &cancel);
   const char* const args = channel.streams()[0].args;
-  EXPECT_STREQ(args, " -s S1 logcat -s the first, a long one") << "readable behind the call";
-  // On another stack, so that only a text that outlives the calls can stand at the same place.
+  EXPECT_STREQ(args, " -s S1 logcat -s the first, a long one") << "readable after the call";
+  // On another stack, so that only a text that outlives the calls can have the same address.
   std::thread([&] { AdbLogcatAnsync("S2", "second", nullptr, nullptr, &cancel); }).join();
   EXPECT_EQ(channel.streams()[1].args, args);
   EXPECT_STREQ(args, " -s S2 logcat -s second");

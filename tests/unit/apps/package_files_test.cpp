@@ -52,7 +52,7 @@ TEST(PackageFilesTest, ThereMayBeNone) {
     EXPECT_EQ(Files(json), "") << json;
 }
 
-TEST(PackageFilesTest, ElementsThatAreNoTextBecomeOne) {
+TEST(PackageFilesTest, OtherElementsAreConvertedToText) {
   EXPECT_EQ(Files(R"({"a": [null, true, false, 0, -5, 18446744073709551615, 1.5, ""]})"),
             "[][true][false][0][-5][18446744073709551615][1.5][]");
 }
@@ -70,7 +70,7 @@ TEST(PackageFilesTest, AnyOtherTopIsUnreadable) {
   }
 }
 
-TEST(PackageFilesTest, WhatIsNoJsonIsUnreadable) {
+TEST(PackageFilesTest, WhatIsNotJsonIsUnreadable) {
   for (const char* json : {"",
                            " ",
                            "{",

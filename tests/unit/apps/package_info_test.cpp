@@ -15,7 +15,7 @@ class AppVersionTest : public SdkTest {
  protected:
   const std::string command = " -s S1 shell dumpsys package com.a ";
 
-  // The code and, behind a blank, the version.
+  // The code, a space and the version.
   std::string Version() {
     std::string buffer(2'000, '#');
     const int code = AdbGetAppVersion("S1", "com.a", buffer.data(), 0, &cancel);
@@ -49,12 +49,12 @@ TEST_F(AppVersionTest, NoVersionIs28) {
   }
 }
 
-TEST_F(AppVersionTest, AFailureInTheDumpIsNoErrorSaveForOnePackage) {
+TEST_F(AppVersionTest, AFailureInTheDumpIsAnErrorForOnePackageOnly) {
   EXPECT_EQ(VersionIn("com.a.ShowFailure\nversionName=1.0\n"), "0 1.0");
   EXPECT_EQ(VersionIn("Failure\njp.naver.line.android\nversionName=1.0\n"), "0 1.0") << "two lines";
   EXPECT_EQ(VersionIn("jp.naver.line.android.Failure\nversionName=1.0\n"), "31 ");
   EXPECT_EQ(VersionIn("Failure\nno space: device unauthorized\n", 9), "9 ")
-      << "behind it no later message is looked for";
+      << "no later message is looked for";
 }
 
 TEST_F(AppVersionTest, OtherMessagesAreErrorsAsEverywhere) {
@@ -95,7 +95,7 @@ TEST_F(AppVersionTest, NullArgumentsAreRefused) {
   EXPECT_EQ(journal(), RefusedCalls("AdbGetAppVersion", 3));
 }
 
-TEST_F(AppVersionTest, CommandsAreCutAt255CharactersTheBlankAtTheEndFirst) {
+TEST_F(AppVersionTest, CommandsAreCutAt255CharactersTheSpaceAtTheEndFirst) {
   const std::string head = " -s S1 shell dumpsys package ";
   for (const std::size_t length : {254U, 255U, 256U, 257U}) {
     const std::string package = std::string(length - head.size() - 2, 'p') + "$";
@@ -113,7 +113,7 @@ class ApkPathTest : public SdkTest {
  protected:
   const std::string command = " -s S1 shell pm path com.a";
 
-  // The code and, behind a blank, the path.
+  // The code, a space and the path.
   std::string Path() {
     std::string buffer(10'000, '#');
     const int code = AdbGetApkPathOfInstatlled("S1", "com.a", buffer.data(), -1, &cancel);
@@ -199,7 +199,7 @@ class ApkPathsTest : public SdkTest {
  protected:
   const std::string command = " -s S1 shell pm path com.a";
 
-  // The code and, behind a blank, the document.
+  // The code, a space and the document.
   std::string PathsIn(const std::string& output, int status = 0) {
     char* json = nullptr;
     int json_len = -1;

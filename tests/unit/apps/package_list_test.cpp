@@ -24,7 +24,7 @@ class PackageListTest : public SdkTest {
   const std::string user_list_command = " -s S1 shell pm list packages --user 10 com.a";
   const std::string user_command = " -s S1 shell dumpsys user";
 
-  // What AdbCheckAppInstalled of com.a said: "installed" or "absent", or its code.
+  // The answer of AdbCheckAppInstalled for com.a: "installed" or "absent", or its code.
   std::string Check(const char* package = "com.a") {
     bool installed = true;
     const int code = AdbCheckAppInstalled("S1", package, &installed, &cancel);
@@ -61,7 +61,7 @@ TEST_F(PackageListTest, AnEmptyListingLeavesItAbsent) {
   }
 }
 
-TEST_F(PackageListTest, CarriageReturnsAndMissingLineEndsDoNotMatter) {
+TEST_F(PackageListTest, CarriageReturnsAndMissingLineBreaksDoNotMatter) {
   for (const std::string& listing : {"package:com.a\r\n"s, "package:com.a"s, "package:com.a  \n"s}) {
     channel.Expect(list_command).Prints(listing).Unterminated();
     EXPECT_EQ(Check(), "installed") << listing;
@@ -83,7 +83,7 @@ TEST_F(PackageListTest, RealListings) {
   channel.Expect(" -s S1 shell pm list packages com.google.android.googlequicksearch")
       .Prints(DeviceOutput("pm-list/awesome-adb-head.txt"));
   EXPECT_EQ(Check("com.google.android.googlequicksearch"), "absent") << "a longer name is listed";
-  // With -f a line is a path and a name in one, save where there is no path.
+  // With -f a line is a path and a name in one, except where there is no path.
   for (const auto& [package, answer] :
        {std::pair{"com.android.camera", "absent"}, {"mwc2015.be", "installed"}}) {
     channel.Expect(" -s S1 shell pm list packages "s + package)
@@ -143,7 +143,7 @@ TEST_F(PackageListTest, TheCurrentUserIsAText) {
   }
 }
 
-// One of the three functions on package com.a, told apart by what it does with a listing.
+// One of the three functions, called for package com.a.
 struct Lister {
   const char* name;
   bool asks_again_after_silence;
@@ -295,7 +295,7 @@ TEST_F(RefusedListTest, SilenceEndsTheTwoListsAndIsAskedAgainByTheCheck) {
   }
 }
 
-TEST_F(RefusedListTest, SilenceWithTheNumberOfARefusalIsNoRefusal) {
+TEST_F(RefusedListTest, SilenceWithTheNumberOfARefusalIsNotARefusal) {
   const Reply silent46{std::nullopt, ADB_RESULT_USER_ACCESS_DENIED};
   for (const Lister& lister : Listers()) {
     if (lister.asks_again_after_silence) {
@@ -357,7 +357,7 @@ TEST_F(PackageNamesTest, LogEnterAndLeaveAndNothingOfTheListing) {
                   Info("AdbGetPackagesNameList Leave, return 0.")));
 }
 
-TEST_F(PackageNamesTest, AnEmptyFilterLeavesItsBlankAndANullFilterNone) {
+TEST_F(PackageNamesTest, AnEmptyFilterLeavesItsSpaceAndANullFilterNone) {
   char* list = nullptr;
   int length = 0;
   channel.Expect(" -s S1 shell pm list packages ").Returns(7);

@@ -19,7 +19,7 @@ std::string OrNone(std::optional<std::string_view> found) {
   return found ? std::string(*found) : "none";
 }
 
-TEST(PackageLineTest, WhatStandsBehindTheFirstColon) {
+TEST(PackageLineTest, ThePartAfterTheFirstColon) {
   EXPECT_EQ(OrNone(MatchPackageLine("package:com.example.app")), "com.example.app");
   EXPECT_EQ(OrNone(MatchPackageLine("package:/data/app/x/base.apk")), "/data/app/x/base.apk");
   EXPECT_EQ(OrNone(MatchPackageLine("package:/a.apk=com.a:b")), "/a.apk=com.a:b");
@@ -28,12 +28,12 @@ TEST(PackageLineTest, WhatStandsBehindTheFirstColon) {
   EXPECT_EQ(OrNone(MatchPackageLine("any words here:x")), "x");
 }
 
-TEST(PackageLineTest, EndingBlanksAreNoPartOfIt) {
+TEST(PackageLineTest, WhiteSpaceAtTheEndIsNotPartOfIt) {
   EXPECT_EQ(OrNone(MatchPackageLine("package:com.a\r")), "com.a");
   EXPECT_EQ(OrNone(MatchPackageLine("package:com.a \t\v\f\r")), "com.a");
 }
 
-TEST(PackageLineTest, EverythingElseIsNoMatch) {
+TEST(PackageLineTest, EverythingElseDoesNotMatch) {
   for (const char* line : {"", "package", "package:", "package: ", "package:\r", "package: com.a",
                            "package:com.a uid:10", "package:/data/a b.apk", "package:com.a\r b"}) {
     EXPECT_EQ(OrNone(MatchPackageLine(line)), "none") << line;
@@ -57,7 +57,7 @@ TEST(VersionTest, TheDigitsAndDotsOfTheFirstName) {
   }
 }
 
-TEST(CurrentUserTest, TheNumberBehindTheWords) {
+TEST(CurrentUserTest, TheNumberAfterTheWords) {
   EXPECT_EQ(OrNone(FindCurrentUser("Current user: 10\n")), "10");
   EXPECT_EQ(OrNone(FindCurrentUser("Users:\r\n  Current user: 0\r\n  Current user: 11")), "0");
   EXPECT_EQ(OrNone(FindCurrentUser("Current user: none\nCurrent user: 007x")), "007");

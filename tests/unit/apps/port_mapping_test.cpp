@@ -1,5 +1,6 @@
 #include <functional>
 #include <iterator>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -11,7 +12,7 @@ namespace {
 
 using namespace std::string_literals;
 
-// One of the four functions, and what is its own.
+// One of the four functions, and how it differs from the others.
 struct Mapping {
   const char* name;
   std::function<int(const char* serial, const char* first, const char* second)> call;
@@ -22,6 +23,10 @@ struct Mapping {
   bool echoes;
   int code_of_silence;
 };
+
+void PrintTo(const Mapping& mapping, std::ostream* out) {
+  *out << mapping.name;
+}
 
 const Mapping kMappings[] = {
     {"AdbFowardBind", AdbFowardBind, true, "-s S1 forward tcp:900 tcp:", "AdbFowardBind Enter ...", false,
@@ -78,7 +83,7 @@ TEST_P(PortMappingTest, AnErrorAnywhereIsOneAndLogged) {
   EXPECT_EQ(CallWith("a\0Errors"s), 1);
 }
 
-TEST_P(PortMappingTest, OtherComplaintsAreNone) {
+TEST_P(PortMappingTest, OtherMessagesAreNotErrors) {
   for (const char* output :
        {"error: device 'S1' not found", "error", "ERROR", "Failure", "device unauthorized"}) {
     EXPECT_EQ(CallWith(output), ADB_RESULT_OK) << output;
@@ -136,8 +141,8 @@ TEST_P(PortMappingTest, CommandsAreCutAt511CharactersTheirEchoIsNot) {
   }
 }
 
-// adb's own complaints are written in lower case: only the channel's value tells them.
-TEST_P(PortMappingTest, RealComplaints) {
+// adb's own messages are in lower case: only the channel's status shows the failure.
+TEST_P(PortMappingTest, RealMessages) {
   for (const std::string& sample : DeviceOutputsIn("adb-forward")) {
     EXPECT_EQ(CallWith(DeviceOutput(sample)), ADB_RESULT_OK) << sample;
     channel.Expect(command).Prints(DeviceOutput(sample)).Returns(1001).Uncancellable();

@@ -1,5 +1,6 @@
 // AdbUninstallApp and AdbCheckAppExist, which differ in one word.
 #include <iterator>
+#include <ostream>
 #include <string>
 
 #include "tests/unit/support/device_output.h"
@@ -15,6 +16,10 @@ struct Question {
   int (*function)(const char* serial, const char* package, int flag, const bool* cancel);
   const char* command;
 };
+
+void PrintTo(const Question& question, std::ostream* out) {
+  *out << question.name;
+}
 
 const Question kQuestions[] = {{"AdbCheckAppExist", AdbCheckAppExist, " -s S1 shell pm path"},
                                {"AdbUninstallApp", AdbUninstallApp, " -s S1 shell pm uninstall"}};
@@ -46,7 +51,7 @@ TEST_P(UninstallTest, AnyFlagButZeroAddsTheOption) {
 TEST_P(UninstallTest, SuccessInTheTextWinsOverAnyMessage) {
   channel.Expect(plain).Prints("Failure of something\nSuccess\n");
   EXPECT_EQ(Call(), ADB_RESULT_OK);
-  EXPECT_EQ(log_lines().size(), 2U) << "nobody looked for messages";
+  EXPECT_EQ(log_lines().size(), 2U) << "messages are not looked for";
 }
 
 TEST_P(UninstallTest, AValueOfTheChannelWinsOverTheText) {
@@ -97,7 +102,7 @@ TEST_F(UninstallOutputTest, RealOutputs) {
     int code;
   } outputs[] = {
       {"adbkit-not-installed-weird-crlf.txt", ADB_RESULT_FAILURE},
-      {"adbkit-unknown-package.txt", ADB_RESULT_OK},  // an exception's text is no known message
+      {"adbkit-unknown-package.txt", ADB_RESULT_OK},  // the text of an exception is not a known message
       {"device-policy.txt", ADB_RESULT_FAILURE},
       {"internal-error.txt", ADB_RESULT_FAILURE},
       {"not-installed-for-0.txt", ADB_RESULT_FAILURE},

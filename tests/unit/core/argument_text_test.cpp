@@ -19,7 +19,7 @@ TEST(ArgumentTextTest, MeasuredFormatsNothingButTheFormat) {
 }
 
 TEST(ArgumentTextTest, WhatCannotBeFormattedIsRefused) {
-  // Nor can a text of more than two gibibytes; what is no character is refused sooner.
+  // A text of more than two gibibytes cannot be measured either; an invalid character is refused sooner.
   const wchar_t no_character[] = {static_cast<wchar_t>(0x7FFFFFFF), 0};
   EXPECT_THROW(Measured("%ls", no_character), std::length_error);
   EXPECT_THROW(Cut(8, "%ls", no_character), std::length_error);

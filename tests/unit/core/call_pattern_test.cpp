@@ -1,5 +1,5 @@
-// What nearly every exported function does alike, shown on AdbReboot: log, check, run, classify, give the
-// buffer back, log.
+// The steps of nearly every exported function, shown with AdbReboot: log, check, run, classify, release the buffer,
+// log.
 #include <climits>
 #include <string>
 
@@ -50,7 +50,7 @@ TEST_F(CallPatternTest, OutputNeedsNoTerminatingZero) {
   EXPECT_EQ(AdbReboot("S1", &cancel), ADB_RESULT_DEVICE_UNAUTHORIZED);
 }
 
-TEST_F(CallPatternTest, OutputIsReadBehindZeroBytesToo) {
+TEST_F(CallPatternTest, OutputIsReadAfterZeroBytesToo) {
   using namespace std::string_literals;
   channel.Expect(" -s S1 reboot").Prints("a\0device unauthorized"s);
   EXPECT_EQ(AdbReboot("S1", &cancel), ADB_RESULT_DEVICE_UNAUTHORIZED);

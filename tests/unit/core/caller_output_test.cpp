@@ -26,7 +26,7 @@ struct Filled {
   // Up to the terminating zero.
   std::string text() const { return bytes.c_str() + 1; }
   bool untouched() const { return bytes == std::string(40, '#'); }
-  // Nothing before the buffer, nothing at capacity or behind it.
+  // Nothing before the buffer, nothing at capacity or after it.
   bool stays_within(std::size_t capacity) const {
     return bytes[0] == '#' && bytes.find_first_not_of('#', capacity + 1) == std::string::npos;
   }
@@ -44,8 +44,8 @@ TEST(FillCallerBufferTest, AroundTheCapacity) {
   } cases[] = {
       {"value\n", 8, ADB_RESULT_OK, "value"},
       {"value\n", 7, ADB_RESULT_OK, "value"},
-      {"value\n", 6, ADB_RESULT_OK, "value"},  // as long as the buffer: the line end is what is lost
-      {"value", 5, ADB_RESULT_OK, "valu"},     // without a line end it is the last character
+      {"value\n", 6, ADB_RESULT_OK, "value"},  // as long as the buffer: the line break is lost
+      {"value", 5, ADB_RESULT_OK, "valu"},     // without a line break the last character is
       {"value\n", 5, ADB_RESULT_BUFFER_TOO_SMALL, "valu"},
       {"value\n", 2, ADB_RESULT_BUFFER_TOO_SMALL, "v"},
       {"value\n", 1, ADB_RESULT_BUFFER_TOO_SMALL, ""},
@@ -54,7 +54,7 @@ TEST(FillCallerBufferTest, AroundTheCapacity) {
       {"", 1, ADB_RESULT_OK, ""},
       {"value\r\n", 7, ADB_RESULT_OK, "value"},
       {"value\r\n", 6, ADB_RESULT_BUFFER_TOO_SMALL, "value"},
-      {"a b c", 5, ADB_RESULT_OK, "a b"},  // what was cut bares a blank
+      {"a b c", 5, ADB_RESULT_OK, "a b"},  // the cut leaves a space at the end
       {"\n", 10, ADB_RESULT_OK, ""},
       {" \t\r\n", 10, ADB_RESULT_OK, ""},
   };
@@ -92,7 +92,7 @@ TEST(FillCallerBufferTest, NoMoreThanWanted) {
   EXPECT_EQ(Filled("12.0.5.10", 20, 8).text(), "12.0.5.1");
   EXPECT_EQ(Filled("12.0.5.10", 5, 8).text(), "12.0");
   EXPECT_EQ(Filled("12.0.5.10", 5, 8).code, ADB_RESULT_BUFFER_TOO_SMALL);
-  EXPECT_EQ(Filled("12.0.5.10", 8, 3).code, ADB_RESULT_BUFFER_TOO_SMALL) << "by the whole text";
+  EXPECT_EQ(Filled("12.0.5.10", 8, 3).code, ADB_RESULT_BUFFER_TOO_SMALL) << "compared by the whole text";
   EXPECT_EQ(Filled("12", 20, 8).text(), "12");
 }
 
@@ -123,7 +123,7 @@ TEST(RemoveEndingSpaceTest, LooksAtTheGivenLengthOnly) {
   EXPECT_EQ(text, "ab\0\0cd  "s);
 }
 
-TEST(RemoveEndingSpaceTest, AllBlankIsClearedWhole) {
+TEST(RemoveEndingSpaceTest, ATextOfSpacesIsClearedCompletely) {
   std::string text = "#    ";
   EXPECT_EQ(RemoveEndingSpace(&text[1], 4), &text[0]) << "one before its start";
   EXPECT_EQ(text, "#\0\0\0\0"s);
@@ -146,7 +146,7 @@ TEST(RemoveEndingSpaceTest, StopsAtEveryOtherByte) {
   }
 }
 
-// Against the rule spelt out byte by byte.
+// Compared with the rule applied byte by byte.
 TEST(FillCallerBufferTest, AgreesWithTheRuleOnRandomTexts) {
   std::mt19937 random(7);
   const std::string alphabet = "ab \t\n\r\0\v"s;

@@ -101,7 +101,7 @@ const Message kMessages[] = {
     {"No space left on device", "", ADB_RESULT_NO_SPACE_LEFT},
 };
 
-TEST_F(ClassifierTest, AMessageIsKnownByItsWholeText) {
+TEST_F(ClassifierTest, AMessageIsRecognisedByItsWholeText) {
   for (const Message& message : kMessages) {
     const auto code_of = [&](const std::string& text) {
       return CheckOutbufErrorWithRet(text + "|" + message.rest, 0, false);
@@ -114,12 +114,12 @@ TEST_F(ClassifierTest, AMessageIsKnownByItsWholeText) {
   }
 }
 
-TEST_F(ClassifierTest, OfTwoMessagesTheEarlierRuleDecidesWhereverItStands) {
+TEST_F(ClassifierTest, OfTwoMessagesTheEarlierRuleDecidesWhateverTheirOrder) {
   const auto& cases = EveryRule();
   for (std::size_t i = 0; i < cases.size(); ++i) {
     for (std::size_t j = i; j < cases.size(); ++j) {
       // A later text can complete an earlier rule of two parts ("device" … "not found"), so the expected
-      // code is that of the first rule that the joined text satisfies on its own account.
+      // code is that of the first rule that the joined text satisfies by itself.
       const bool device_rule = (cases[i].text + cases[j].text).find("not found") != std::string::npos &&
                                (cases[i].text + cases[j].text).find("device") != std::string::npos;
       const int expected = device_rule && i > 3 ? static_cast<int>(ADB_RESULT_NO_DEVICE) : cases[i].code;
@@ -149,11 +149,11 @@ TEST_F(ClassifierTest, AnotherValueIsLoggedFirstWithTheText) {
                                      Info("Failure")));
 }
 
-TEST_F(ClassifierTest, DeviceAndNotFoundMayStandApart) {
+TEST_F(ClassifierTest, DeviceAndNotFoundMayBeApart) {
   EXPECT_EQ(CheckOutbufErrorWithRet("error: device not found", 0, false), ADB_RESULT_NO_DEVICE);
   EXPECT_EQ(CheckOutbufErrorWithRet("x not found\ny device", 0, false), ADB_RESULT_NO_DEVICE);
   EXPECT_EQ(CheckOutbufErrorWithRet("error:device 'S1' not found", 0, false), ADB_RESULT_NO_DEVICE);
-  EXPECT_THAT(journal(), IsEmpty()) << "the rule without a blank comes too late to log";
+  EXPECT_THAT(journal(), IsEmpty()) << "the rule without a space comes too late to log";
 }
 
 TEST_F(ClassifierTest, DeniedPermissionDecidesNothingWithoutASearchTool) {
@@ -163,7 +163,7 @@ TEST_F(ClassifierTest, DeniedPermissionDecidesNothingWithoutASearchTool) {
             ADB_RESULT_NO_CLOSING_QUOTE);
 }
 
-TEST_F(ClassifierTest, AReasonBehindAlreadyExistsIsAPlainFailure) {
+TEST_F(ClassifierTest, AReasonAfterAlreadyExistsIsAPlainFailure) {
   const std::string text = "Failure [INSTALL_FAILED_ALREADY_EXISTS: Attempt to re-install x]";
   EXPECT_EQ(CheckOutbufErrorWithRet(text, 0, false), ADB_RESULT_FAILURE);
   EXPECT_THAT(journal(), ElementsAre(Info(text)));
@@ -205,7 +205,7 @@ TEST_F(ClassifierTest, TextsAreBytes) {
             ADB_RESULT_NO_SPACE_LEFT);
 }
 
-// What adb says of its server.
+// Messages of adb about its server.
 TEST_F(ClassifierTest, RealOutputs) {
   constexpr int kNothingKnown = 1001;
   const std::map<std::string, int> codes = {

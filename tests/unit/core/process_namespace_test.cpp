@@ -1,4 +1,4 @@
-// AdbKillDaemon among real processes, where it can reach none but the test's.
+// AdbKillDaemon with real processes, in a namespace where it can only reach those of the test.
 #include <gtest/gtest.h>
 
 #include "tests/support/process.h"

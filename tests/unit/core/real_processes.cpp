@@ -1,5 +1,5 @@
-// Runs AdbKillDaemon with real processes and the real `ps`, and prints what became of each. Only as the first
-// process of a PID namespace of its own: it would kill what others run.
+// Runs AdbKillDaemon with real processes and the real `ps`, and prints what happened to each. Refuses to run unless it
+// is the first process of a PID namespace: it would kill the processes of others.
 #include <cstdio>
 
 #include "darokleim.h"

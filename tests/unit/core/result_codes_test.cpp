@@ -1,4 +1,4 @@
-// Every code of the table comes out of an exported function, for what adb or the device really says then.
+// An exported function returns every code of the table, for the text that adb or a device prints in that case.
 #include <fstream>
 #include <functional>
 #include <iterator>
@@ -18,7 +18,7 @@ struct Outcome {
   // What each command of the call prints.
   std::string output;
   std::function<int(const bool* cancel)> call;
-  // The channel's value for each.
+  // The channel's status for each.
   int status = 0;
 };
 

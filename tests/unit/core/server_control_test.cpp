@@ -60,7 +60,7 @@ TEST_F(ServerControlTest, StartingRunsOneCommand) {
                                      GaveBack(), Info("AdbStartDaemon Leave, return 0.")));
 }
 
-TEST_F(ServerControlTest, TheOtherNameStandsInTheLogAlone) {
+TEST_F(ServerControlTest, TheOtherNameDiffersInTheLogOnly) {
   channel.Expect(" start-server").Prints("said\n").Returns(1001);
   EXPECT_EQ(AdbStartDaemonEx(false, &cancel), 1001);
   EXPECT_THAT(journal(), ElementsAre(Info("AdbStartDaemonEx Enter ..."), Ran(" start-server"), Info("said\n"),
@@ -78,7 +78,7 @@ TEST_F(ServerControlTest, WithoutOutputTheChannelsValueIsTheCode) {
   EXPECT_EQ(AdbStartDaemon(false, nullptr), 0);
 }
 
-TEST_F(ServerControlTest, OneTellsThatTheTextBeganWithTheStart) {
+TEST_F(ServerControlTest, OneMeansThatTheTextBeganWithTheStart) {
   const struct {
     std::string text;
     int value;
@@ -140,12 +140,12 @@ TEST_F(ServerControlTest, RestartingKillsAndStartsWithoutAnyCancelFlag) {
                                      Info("AdbStartDaemon Leave, return 1.")));
 }
 
-// What of the list of processes the SDK reads, in bytes.
+// How much of the list of processes the SDK reads, in bytes.
 constexpr std::size_t kLimit = 511;
 
 class AdbProcessesTest : public SdkTest {
  protected:
-  // A line that becomes `bytes` bytes of the list, its line end included, and names no process.
+  // A line that becomes `bytes` bytes of the list, its line break included, and does not name a process.
   static std::string Padding(std::size_t bytes) { return std::string(bytes - 1, '0') + " adb\n"; }
 
   Sleeper sleeper_{"sleeper"};
@@ -162,7 +162,7 @@ TEST_F(AdbProcessesTest, KillsByTheWordInTheLine) {
   EXPECT_THAT(journal(), IsEmpty());
 }
 
-TEST_F(AdbProcessesTest, SparesWhatOnlyLooksLikeTheWord) {
+TEST_F(AdbProcessesTest, IgnoresWhatOnlyLooksLikeTheWord) {
   for (const std::string line : {"adbd --root_seclabel=u:r:su:s0", "my_adb", "ADB", "adb2", "sleep 1000"}) {
     const ListedProcesses listed("  " + sleeper_.id() + " ?        S      0:00 " + line + "\n");
     EXPECT_EQ(KillListenNetProcess(5037), 0);
@@ -196,9 +196,9 @@ TEST_F(AdbProcessesTest, LeadingDigitsAreTheNumber) {
   EXPECT_TRUE(sleeper_.WasKilled());
 }
 
-TEST_F(AdbProcessesTest, WhatIsNoProcessNumberIsPassedOver) {
-  // 0 would be the test itself, the negative number the sleeper's process group. The bytes that are no text
-  // stand last: grep ends its output with them.
+TEST_F(AdbProcessesTest, WhatIsNotAProcessNumberIsSkipped) {
+  // 0 would be the test itself, the negative number the sleeper's process group. The bytes that are not
+  // text are last: grep ends its output with them.
   const ListedProcesses listed("0 adb\nPID adb\n-" + sleeper_.id() + " adb\n" + std::string(40, '9') +
                                " adb\n\n" + sleeper_.id() +
                                "00000000000 adb\n4294967296 adb\n\xff\xfe adb\n");
@@ -206,7 +206,7 @@ TEST_F(AdbProcessesTest, WhatIsNoProcessNumberIsPassedOver) {
   EXPECT_FALSE(sleeper_.WasKilled());
 }
 
-TEST_F(AdbProcessesTest, AProcessThatIsGoneIsNoFailure) {
+TEST_F(AdbProcessesTest, AProcessThatIsGoneIsNotAFailure) {
   // Above every process number that systems give.
   const ListedProcesses listed("99999999 adb\n" + sleeper_.id() + " adb\n");
   EXPECT_EQ(KillListenNetProcess(5037), 0);
@@ -222,19 +222,19 @@ TEST_F(AdbProcessesTest, WhatTheLimitStillHoldsIsKilled) {
   }
 }
 
-TEST_F(AdbProcessesTest, ANumberThatEndsBehindTheLimitIsSpared) {
+TEST_F(AdbProcessesTest, ANumberThatEndsAfterTheLimitIsIgnored) {
   const ListedProcesses listed(Padding(kLimit + 1 - sleeper_.id().size()) + sleeper_.id() + " adb\n");
   EXPECT_EQ(KillListenNetProcess(5037), 0);
   EXPECT_FALSE(sleeper_.WasKilled());
 }
 
-TEST_F(AdbProcessesTest, WhatComesAfterTheLimitIsSpared) {
+TEST_F(AdbProcessesTest, WhatComesAfterTheLimitIsIgnored) {
   const ListedProcesses listed(Padding(kLimit) + sleeper_.id() + " adb\n");
   EXPECT_EQ(KillListenNetProcess(5037), 0);
   EXPECT_FALSE(sleeper_.WasKilled());
 }
 
-TEST_F(AdbProcessesTest, ANumberThatTheLimitCutsIsNoProcess) {
+TEST_F(AdbProcessesTest, ANumberThatTheLimitCutsIsIgnored) {
   // Cut at the limit, it is the sleeper's.
   const ListedProcesses listed(Padding(kLimit - sleeper_.id().size()) + sleeper_.id() + "00000000000 adb\n");
   EXPECT_EQ(KillListenNetProcess(5037), 0);

@@ -73,7 +73,7 @@ TEST(Utf8ToWideTest, OtherBytesComeBackAsTheyWent) {
       ASSERT_EQ(there_and_back(text), text) << first << " " << second;
     }
   }
-  // Bytes that begin, continue and cut sequences of every length, none longer than it need be.
+  // Bytes that begin, continue and cut sequences of every length, without overlong ones.
   const std::string alphabet = "a/\xbf\xc2\xdf\xe0\xe6\xed\xf0\xf7\xf8\xfb\xfc\xfd\xfe\xff";
   std::mt19937 random(1);
   for (int i = 0; i < 300'000; ++i) {

@@ -85,8 +85,8 @@ TEST(StringReplaceTest, NothingToDo) {
   EXPECT_EQ(Replaced("abc", "d", "b"), "abc");
 }
 
-TEST(StringReplaceTest, GoesOnAtTheReplacementNotBehindIt) {
-  EXPECT_EQ(Replaced("abb", "ab", "a"), "a") << "the a that was put joins the b behind it";
+TEST(StringReplaceTest, ContinuesAtTheReplacementNotAfterIt) {
+  EXPECT_EQ(Replaced("abb", "ab", "a"), "a") << "the replacement and the b after it match again";
   EXPECT_EQ(Replaced("aabb", "ab", ""), "ab") << "but nothing before it is looked at again";
   EXPECT_EQ(Replaced("xabccx", "abc", "xab"), "xxxabx");
   std::string usual = "abb";
@@ -94,7 +94,7 @@ TEST(StringReplaceTest, GoesOnAtTheReplacementNotBehindIt) {
   EXPECT_EQ(usual, "ab");
 }
 
-// The plain form: quadratic, and the meaning of StringReplace.
+// The reference for StringReplace, in quadratic time.
 std::string PlainlyReplaced(std::string text, const std::string& from, const std::string& to) {
   std::size_t at = 0;
   while (!text.empty() && !from.empty() && (at = text.find(from, at)) != std::string::npos) {
@@ -128,7 +128,7 @@ TEST(StringReplaceTest, AMillionReplacementsAreQuick) {
   EXPECT_EQ(StringHelper::StringReplace(text, "\r\n", "\n"), 5'000'000);
 }
 
-TEST(ReplaceTest, GoesOnBehindTheReplacement) {
+TEST(ReplaceTest, ContinuesAfterTheReplacement) {
   std::string text = "aa\\ b\\ ";
   replace(text, "\\ ", " ");
   EXPECT_EQ(text, "aa b ");
@@ -177,7 +177,7 @@ TEST(StorageToNumberTest, ReadsUnits) {
   EXPECT_EQ(StringHelper::StorageToNumber("3G"), 3221225472ULL);
 }
 
-TEST(StorageToNumberTest, AUnitCountsWhereverItStands) {
+TEST(StorageToNumberTest, AUnitCountsAtAnyPosition) {
   EXPECT_EQ(StringHelper::StorageToNumber("1MG"), 1073741824ULL) << "G before M";
   EXPECT_EQ(StringHelper::StorageToNumber("7 of GB"), 7516192768ULL);
   EXPECT_EQ(StringHelper::StorageToNumber("7T"), 7168ULL) << "no terabytes";

@@ -18,7 +18,7 @@ namespace {
 using namespace sdk;
 using namespace std::string_literals;
 
-TEST(ConnectionWordTest, KnowsTwoStatesAndTakesTheRestForAuthorised) {
+TEST(ConnectionWordTest, HasWordsForTwoStatesAndTakesTheRestAsAuthorised) {
   EXPECT_EQ(convert_connect_string("unauthorized"), "unauthor");
   EXPECT_EQ(convert_connect_string("offline"), "offline");
   for (const std::string& state :
@@ -40,7 +40,7 @@ TEST(DeviceLineTest, SerialAndState) {
   EXPECT_EQ(Matched("abc \t\v\f\r unauthorized"), "abc|unauthorized");
 }
 
-TEST(DeviceLineTest, EverythingElseIsNoDevice) {
+TEST(DeviceLineTest, EverythingElseIsNotADevice) {
   for (const char* line : {"",
                            " ",
                            "device",
@@ -118,7 +118,7 @@ class DeviceListTest : public SdkTest {
   }
 };
 
-TEST_F(DeviceListTest, EntriesStandInTheOrderOfTheLines) {
+TEST_F(DeviceListTest, EntriesAreInTheOrderOfTheLines) {
   const std::string listing = "List of devices attached\nB1\tdevice\nA2\toffline\n\nC3\tunauthorized\n\n";
   char buffer[64];
   channel.Expect(" devices").Prints(listing);
@@ -166,7 +166,7 @@ TEST_F(DeviceListTest, WithoutOutputTheChannelsValueIsTheCode) {
     channel.Expect(" devices").Returns(value);
     EXPECT_EQ(ListEx(value), "null");
   }
-  EXPECT_EQ(journal().size(), 18U) << "enter, run and leave each time, nothing to give back";
+  EXPECT_EQ(journal().size(), 18U) << "enter, run and leave each time, nothing to release";
   EXPECT_EQ(journal().back(), Trace("AdbGetDevicesEx Leave ..."));
 }
 

@@ -93,7 +93,7 @@ TEST(FindAddressTest, TheSecondWord) {
   EXPECT_EQ(Found("    inet 10.0.0.7/8 brd 10.255.255.255 scope global wlan0\n"), "10.0.0.7/8");
   EXPECT_EQ(Found("inet 10.0.0.7/8 "), "10.0.0.7/8");
   EXPECT_EQ(Found("inet 10.0.0.7/8"), "10.0.0.7/8");
-  EXPECT_EQ(Found("inet    10.0.0.7/8 brd"), "10.0.0.7/8") << "runs of blanks are one";
+  EXPECT_EQ(Found("inet    10.0.0.7/8 brd"), "10.0.0.7/8") << "several spaces are one separator";
   EXPECT_EQ(Found("1.1.1.1/1 2.2.2.2/2 3.3.3.3/3"), "2.2.2.2/2");
 }
 
@@ -103,13 +103,13 @@ TEST(FindAddressTest, NoOtherWordCounts) {
   EXPECT_EQ(Found("          "), "none");
   EXPECT_EQ(Found("10.0.0.7/8"), "none");
   EXPECT_EQ(Found("inet 10.0.0.7 brd"), "none") << "no prefix length";
-  EXPECT_EQ(Found("inet 10.0.0.7/8\n inet 10.0.0.8/8 x"), "none") << "a line end is no blank";
+  EXPECT_EQ(Found("inet 10.0.0.7/8\n inet 10.0.0.8/8 x"), "none") << "a line break is not a space";
   EXPECT_EQ(Found("inet 10.0.0.7/8\r\n"), "none");
   EXPECT_EQ(Found("inet\t10.0.0.7/8 brd"), "none");
   EXPECT_EQ(Found("inet6 fe80::1/64 scope link\n    inet 10.0.0.7/8 brd x"), "none");
 }
 
-TEST(FindAddressTest, BothLineEnds) {
+TEST(FindAddressTest, BothLineBreaks) {
   EXPECT_EQ(Found("    inet 10.0.0.7/8 brd 10.255.255.255 scope global wlan0\r\n"), "10.0.0.7/8");
   EXPECT_EQ(Found("inet 10.0.0.7/8 scope global wlan0\r\ninet 10.0.0.8/8 scope global wlan1\r\n"),
             "10.0.0.7/8");

@@ -55,7 +55,7 @@ TEST(MiuiTextsTest, VersionInBuildNumber) {
   }
 }
 
-TEST(MiuiTextsTest, VersionsWith12AreShownUpToOneCharacterBehindTheThirdDot) {
+TEST(MiuiTextsTest, VersionsWith12AreCutOneCharacterAfterTheThirdDot) {
   const struct {
     std::string version;
     std::string shown;
@@ -74,7 +74,7 @@ TEST(MiuiTextsTest, VersionsWith12AreShownUpToOneCharacterBehindTheThirdDot) {
   for (const auto& c : cases) EXPECT_EQ(c.version.substr(0, ShownLength(c.version)), c.shown);
 }
 
-TEST(MiuiTextsTest, OthersAreShownWhole) {
+TEST(MiuiTextsTest, OthersAreNotCut) {
   for (const std::string& version : {""s, "12"s, "1"s, "11.10.3.16"s, "12\n.10.3.16"s, "13.0.4.10"s,
                                      "12,5.3.0.55"s, std::string(1'000'000, '.')}) {
     EXPECT_EQ(ShownLength(version), version.size()) << version.substr(0, 20);

@@ -53,7 +53,7 @@ TEST_F(MiuiBuildDateTest, LogsBothTexts) {
                           Info("AppendMiuiVersionByTimeCode Leave.With version output:12.10.3.6")));
 }
 
-TEST_F(MiuiBuildDateTest, LeadingBlanksAndWhatFollowsTheDigitsAreIgnored) {
+TEST_F(MiuiBuildDateTest, LeadingWhiteSpaceAndWhatFollowsTheDigitsAreIgnored) {
   for (const std::string& time_code :
        {" \t\n\v\f\r1583366400"s, "1583366400\r\n"s, "1583366400\n"s, "1583366400abc"s, "+1583366400"s,
         "001583366400"s, "1583366400.9"s, "1583366400\0001"s}) {
@@ -61,11 +61,11 @@ TEST_F(MiuiBuildDateTest, LeadingBlanksAndWhatFollowsTheDigitsAreIgnored) {
   }
 }
 
-TEST_F(MiuiBuildDateTest, WhatIsNoTimeIsRefused) {
+TEST_F(MiuiBuildDateTest, WhatIsNotATimeIsRefused) {
   for (const std::string& time_code :
        {""s, "\n"s, "abc"s, "V12"s, "-"s, "+"s, ".5"s, "\0001583366400"s, "\xff\xfe"s,
-        std::string(40, '9'),            // no unsigned number
-        std::string(1'000'000, '9'),     // nor this
+        std::string(40, '9'),            // not an unsigned number
+        std::string(1'000'000, '9'),     // neither is this
         "18446744073709551616"s,         // 2^64
         "18446744073709551615"s, "-1"s,  // a number of seconds that no clock counts
         "9223372036854775808"s,          // one second after the last
@@ -135,7 +135,7 @@ TEST_F(MiuiVersionTest, FromTheBuildNumber) {
   EXPECT_EQ(Numbered("V125\r\n", "V12.5.3.0.RKHCNXM\r\n"), "12.5.3.0");
 }
 
-TEST_F(MiuiVersionTest, AVersionWith12IsCutBehindItsThirdDot) {
+TEST_F(MiuiVersionTest, AVersionWith12IsCutAfterItsThirdDot) {
   EXPECT_EQ(Dated("V12\r\n", "1584230400\r\n"), "12.10.3.1") << "of 12.10.3.16";
   EXPECT_EQ(Numbered("V125\n", "V12.0.5.10.RKHCNXM\n"), "12.0.5.1");
   EXPECT_EQ(Numbered("V125\n", "V12.5.X\n"), "12.5") << "fewer than three dots";
@@ -219,7 +219,7 @@ TEST_F(MiuiVersionTest, AnUnreadBuildNumberIsTheSameCode) {
             Error("AdbGetMiuiVersion , get versoin incremental failed.GetPropInfo return 3003"));
 }
 
-TEST_F(MiuiVersionTest, ATimeCodeThatIsNoTime) {
+TEST_F(MiuiVersionTest, ATimeCodeThatIsNotATime) {
   for (const std::string& time_code :
        {"\r\n"s, ""s, "unknown\n"s, std::string(40, '9'), "9223372036854775807"s, "\xff\xfe\0"s}) {
     EXPECT_EQ(Dated("V12\r\n", time_code, 200, ADB_RESULT_MIUI_TIME_CODE_FAILED), "untouched");
@@ -242,7 +242,7 @@ TEST_F(MiuiVersionTest, AnEmptyVersionLeavesTheBuffer) {
 }
 
 TEST_F(MiuiVersionTest, AroundTheSizeOfTheBuffer) {
-  // "13.0.4.0" has eight characters and, unlike other texts, no line end.
+  // "13.0.4.0" has eight characters and, unlike other texts, no line break.
   EXPECT_EQ(Numbered("V130\n", "V13.0.4.0.X\n", 9), "13.0.4.0");
   EXPECT_EQ(Numbered("V130\n", "V13.0.4.0.X\n", 8), "13.0.4.");
   EXPECT_EQ(Numbered("V130\n", "V13.0.4.0.X\n", 7, ADB_RESULT_BUFFER_TOO_SMALL), "13.0.4");
@@ -282,7 +282,7 @@ TEST_F(MiuiVersionTest, LongTexts) {
   EXPECT_EQ(Numbered("V130", million + ".x", 5, ADB_RESULT_BUFFER_TOO_SMALL), "xxxx");
 }
 
-// What becomes of the phone between two commands.
+// What happens to the phone between two commands.
 TEST_F(MiuiVersionTest, APhoneThatVanishes) {
   const std::string vanished = "error: device 'S1' not found\n";
   for (const auto& [name, second] : {std::pair("V12\r\n", kTimeCode), std::pair("V130\r\n", kIncremental)}) {
@@ -297,12 +297,12 @@ TEST_F(MiuiVersionTest, APhoneThatVanishes) {
 }
 
 TEST_F(MiuiVersionTest, ZeroBytesArePartOfTheTexts) {
-  EXPECT_EQ(Dated("V12\0\r\n"s, "1583366400\r\n"), "12") << "the version goes on behind the zero";
-  EXPECT_EQ(Dated("V\000125\r\n"s, "1583366400\r\n"), "") << "no number stands before it";
+  EXPECT_EQ(Dated("V12\0\r\n"s, "1583366400\r\n"), "12") << "the version continues after the zero";
+  EXPECT_EQ(Dated("V\000125\r\n"s, "1583366400\r\n"), "") << "there is no number before it";
   EXPECT_EQ(Numbered("V130\0\n"s, "V13.0\0.4.0\n"s), "13.0");
 }
 
-// The properties of real phones; the line ends are those of their Android releases.
+// The properties of real phones; the line breaks are those of their Android releases.
 TEST_F(MiuiVersionTest, RealProperties) {
   const std::string miui8 = "getprop/miui8.txt";
   const std::string name8 = DeviceProperty(miui8, "ro.miui.ui.version.name");

@@ -172,7 +172,7 @@ TEST_F(PropertyFlagsTest, RealOutputs) {
   for (const std::string& sample : DeviceOutputsIn("getprop")) {
     EXPECT_FALSE(Harmony(DeviceOutput(sample), true)) << sample << ": no ring tone of that name";
     if (type_of.count(sample) > 0) continue;
-    EXPECT_FALSE(Encrypted(DeviceOutput(sample), false)) << sample << ": no such state";
+    EXPECT_FALSE(Encrypted(DeviceOutput(sample), false)) << sample << ": not a known state";
   }
 }
 

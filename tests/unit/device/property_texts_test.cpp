@@ -41,7 +41,7 @@ TEST_P(PropertyTextTest, ReadsOneProperty) {
                                      Info(function + " Leave, return 0.")));
 }
 
-TEST_P(PropertyTextTest, BothLineEnds) {
+TEST_P(PropertyTextTest, BothLineBreaks) {
   for (const char* value : {"eu\n", "eu\r\n", "eu", "eu \t\r\n\n"}) {
     char buffer[64];
     channel.Expect(command).Prints(value);
@@ -147,7 +147,7 @@ TEST_P(PropertyTextTest, ALengthThatIsNotTheTextsIsTheLength) {
   EXPECT_STREQ(buffer, "");
 }
 
-TEST_P(PropertyTextTest, ALengthWithoutATextIsNoText) {
+TEST_P(PropertyTextTest, ALengthWithoutATextIsNotAText) {
   char buffer[] = "before";
   for (const int value : {0, 1001}) {
     channel.Expect(command).Claims(5).Returns(value);
@@ -164,7 +164,7 @@ TEST_P(PropertyTextTest, ALengthBelowZeroLeavesAsAnExceptionAndKeepsNoBuffer) {
   EXPECT_EQ(journal().back(), GaveBack());
 }
 
-// A notice of adb around the value stays: it cannot be told from one.
+// A notice of adb around the value stays: it cannot be distinguished from the value.
 TEST_P(PropertyTextTest, ARealTextOfThreeLines) {
   char buffer[128];
   channel.Expect(command).Prints(DeviceOutput("getprop/daemon-notice-around-value.txt"));

@@ -79,8 +79,8 @@ TEST_F(AdbLsListingTest, TheDirectoryIsTakenAsItIs) {
 }
 
 TEST_F(AdbLsListingTest, NumbersAsStrtoulReadsThem) {
-  // 40 digits are the largest number: cut to 32 bits for the mode. No calendar reaches that time as seconds,
-  // but as a signed number it is the second before 1970.
+  // 40 digits are the largest number: cut to 32 bits for the mode. The time is out of range, but as a signed
+  // number it is the second before 1970.
   const std::string digits(40, 'f');
   EXPECT_EQ(Decode(digits + " " + digits + " " + digits + " a"),
             (Files{{~0ULL, ~0U, "/sdcard/a", "1969-12-31 23:59:59", ~0ULL}}));
@@ -95,16 +95,16 @@ TEST_F(AdbLsListingTest, NumbersAsStrtoulReadsThem) {
       << "without a digit each starts where the line does";
 }
 
-TEST_F(AdbLsListingTest, WhateverStandsBehindTheThirdNumberPartsItFromTheName) {
+TEST_F(AdbLsListingTest, AnyCharacterSeparatesTheThirdNumberFromTheName) {
   EXPECT_EQ(Decode("000081b0 0000000a 00000001xab").at(0).file, "/sdcard/ab");
   EXPECT_EQ(Decode("000081b0 0000000a 00000001  ab").at(0).file, "/sdcard/ ab");
   EXPECT_EQ(Decode("000081b0 0000000a 0000000001 ").at(0).file, "/sdcard/");
-  EXPECT_EQ(Decode("000081b0 0000000a 0000000001").at(0).file, "/sdcard/") << "nothing stands there";
+  EXPECT_EQ(Decode("000081b0 0000000a 0000000001").at(0).file, "/sdcard/") << "no name";
   EXPECT_EQ(Decode("000081b0 0000000a 0000000001\n000081b0 0000000a 00000001 b").at(0).file, "/sdcard/")
       << "and the next line is not looked at";
 }
 
-TEST_F(AdbLsListingTest, BlanksDoNotLeadIntoTheNextLine) {
+TEST_F(AdbLsListingTest, WhiteSpaceDoesNotContinueIntoTheNextLine) {
   const std::string blanks(30, ' ');
   EXPECT_EQ(Decode(blanks + "\n000081b0 0000000a 00000001 b").at(0),
             (FileInfo{0, 0, "/sdcard/" + std::string(29, ' '), "1970-01-01 00:00:00", 0}));

@@ -187,7 +187,7 @@ TEST_F(DirectoryListingTest, TypesThatShareTheBitOfDirectoriesAreListedAsSuch) {
   EXPECT_THAT(List(AdbGetDirFilesEx, "/r"), HasSubstr("\"/r/link\""));
 }
 
-TEST_F(DirectoryListingTest, OutputThatIsNoListingIsNoError) {
+TEST_F(DirectoryListingTest, OutputThatIsNotAListingIsNotAnError) {
   for (const char* output : {"", "adb: Permission denied\n", "Failure\n", "\n\n"}) {
     ExpectLs("/r").Prints(output);
     EXPECT_EQ(List(AdbGetDirFilesAndDirs, "/r"), PlainTree({}, "/r", true)) << "the text is not classified";
@@ -238,7 +238,7 @@ TEST_F(DirectoryListingTest, AHundredThousandFolders) {
 }
 
 TEST_F(DirectoryListingTest, FiveThousandFoldersInEachOther) {
-  // Half a gigabyte of indentation: not for the disk as well.
+  // Half a gigabyte of indentation: without a side file.
   std::filesystem::create_directory(directory_.side_file());
   constexpr int kDepth = 5000;
   for (const Lister lister : {AdbGetDirFilesEx, AdbGetDirFilesAndDirs}) {

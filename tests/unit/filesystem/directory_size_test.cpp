@@ -16,7 +16,7 @@ class DirectorySizeTest : public SdkTest {
     channel.Expect(kMakeBusyboxExecutable).Prints("");
   }
 
-  // The code, and the size behind it.
+  // The code and the size.
   std::string Size() {
     long long size = 77;
     const int code = AdbGetDirSize("S1", "/sdcard", &size, &cancel);
@@ -47,7 +47,7 @@ TEST_F(DirectorySizeTest, WhatDevicesPrinted) {
   EXPECT_EQ(SizeOf(DeviceOutput("du/nothing2a-dcim.txt")), "0 28946919");
   EXPECT_EQ(SizeOf(DeviceOutput("du/sony-xqdq44-mixed.txt")), "1 0") << "several directories";
   EXPECT_EQ(SizeOf(DeviceOutput("du/generic-x86-du-sh.txt")), "1 0") << "several directories";
-  EXPECT_EQ(SizeOf(DeviceOutput("du/pixel-du-hsx.txt")), "1 0") << "blanks where a tab should be";
+  EXPECT_EQ(SizeOf(DeviceOutput("du/pixel-du-hsx.txt")), "1 0") << "spaces instead of a tab";
   EXPECT_EQ(DeviceOutputsIn("du").size(), 4U);
 }
 

@@ -139,7 +139,7 @@ TEST_F(FileListJsonTest, ATreeWithoutFilesIsItsRoot) {
   EXPECT_EQ(Tree({}, ""), "{\n   \"Name\" : \"\"\n}");
 }
 
-// The folders stand in the order in which files first brought them.
+// The folders are in the order of their first file in the list.
 TEST_F(FileListJsonTest, AFolderListedAgainGoesOnWhereItWas) {
   const Files files = Paths({"/r/b/1", "/r/a/2", "/r/b/3", "/r/4", "/r/b/c/5", "/r/a/6"});
   std::string names;
@@ -160,7 +160,7 @@ TEST_F(FileListJsonTest, ARootThatEndsInASlash) {
   ExpectSameAsPlain(files, "/sdcard/");
 }
 
-// Each slash parts two folders, one of which may have no name.
+// Each slash separates two folders, one of which may have no name.
 TEST_F(FileListJsonTest, RunsOfSlashes) {
   const Files files = Paths({"/r//x", "/r/a//x", "/r///", "/r/a/", "/r//"});
   const std::string tree = Tree(files, "/r");
@@ -202,7 +202,7 @@ TEST_F(FileListJsonTest, NamesOfAnyBytes) {
 }
 
 TEST_F(FileListJsonTest, AnythingIsWrittenAsJsonCppWritesIt) {
-  // Thousands of side files would only be slow.
+  // Without thousands of side files, which would be slow.
   std::filesystem::create_directory(directory_.side_file());
   for (unsigned seed = 0; seed < 3000 && !HasFatalFailure(); ++seed) {
     SCOPED_TRACE(seed);
@@ -253,7 +253,7 @@ TEST_F(FileListJsonTest, ADeepTreeIsWrittenAsJsonCppWritesIt) {
 }
 
 TEST_F(FileListJsonTest, FiveThousandFoldersInEachOtherNeedNoStack) {
-  // Half a gigabyte of indentation: not for the disk as well.
+  // Half a gigabyte of indentation: without a side file.
   std::filesystem::create_directory(directory_.side_file());
   constexpr int kDepth = 5000;
   std::string path = "/r";

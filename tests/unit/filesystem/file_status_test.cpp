@@ -35,13 +35,13 @@ TEST_F(FileExistenceTest, AListingThatNamesThePathAnswers) {
       << "no log lines";
 }
 
-TEST_F(FileExistenceTest, AnOldPhoneEscapesBlanks) {
+TEST_F(FileExistenceTest, AnOldPhoneEscapesSpaces) {
   ExpectShellLs("/sdcard/a b  c").Prints("/sdcard/a\\ b\\ \\ c\r\n");
   EXPECT_EQ(Check("/sdcard/a b  c"), ADB_RESULT_OK);
   EXPECT_TRUE(exists);
 }
 
-TEST_F(FileExistenceTest, ADollarSignIsNoReplacementPattern) {
+TEST_F(FileExistenceTest, ADollarSignIsNotAReplacementPattern) {
   ExpectShellLs("/sdcard/$& $1").Prints("/sdcard/$&\\ $1\r\n");
   EXPECT_EQ(Check("/sdcard/$& $1"), ADB_RESULT_OK);
   EXPECT_TRUE(exists);
@@ -260,7 +260,7 @@ TEST_F(FileTimeTest, TheFirstLineOfFourColumnsThatMentionsTheNameIsTaken) {
   };
   EXPECT_EQ(from_ls("/sdcard/a", "1 2 3 ba\n1 2 4 a\n"), 3U) << "a name that merely contains it";
   EXPECT_EQ(from_ls("/sdcard/1", "1 2 5 z\n"), 5U) << "a column that merely contains it";
-  EXPECT_EQ(from_ls("/sdcard/a b", "1 2 3 a b\n"), 7U) << "a name with a blank makes five columns";
+  EXPECT_EQ(from_ls("/sdcard/a b", "1 2 3 a b\n"), 7U) << "a name with a space makes five columns";
   EXPECT_EQ(from_ls("/sdcard/a", "1 2 a\n1   2   ff   a\n"), 0xFFU) << "empty columns do not count";
   EXPECT_EQ(from_ls("/sdcard/a", "1 2 x a\n1 2 3 a\n"), 0U) << "the first one, number or not";
   EXPECT_EQ(from_ls("/sdcard/a", "1 2 " + std::string(40, 'f') + " a\n"), ~0ULL);

@@ -17,7 +17,7 @@ bool Decode(const std::string& text, std::list<FileInfo>* files) {
   return DecodeFindOut(text.data(), static_cast<int>(text.size()), files);
 }
 
-// The paths found, each with a "|" behind it; "none" when the text has no line.
+// The paths found, each followed by "|"; "none" when the text has no line.
 std::string Found(const std::string& text) {
   std::list<FileInfo> files;
   if (!Decode(text, &files)) return files.empty() ? "none" : "none, but with records";
@@ -35,7 +35,7 @@ TEST(FindListingTest, PathsAmongOtherLines) {
   EXPECT_EQ(Found("/"), "/|");
 }
 
-TEST(FindListingTest, LineEndsOfEveryPhone) {
+TEST(FindListingTest, LineBreaksOfEveryPhone) {
   EXPECT_EQ(Found("/a\n/b\n"), "/a|/b|");
   EXPECT_EQ(Found("/a\r\n/b\r\n"), "/a|/b|");
   EXPECT_EQ(Found("/a\r\r\n/b\r\r\n"), "/a|/b|");

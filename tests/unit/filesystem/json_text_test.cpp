@@ -10,14 +10,14 @@ TEST(JsonTextTest, NothingPutInIsNull) {
   EXPECT_EQ(JsonToString(Json::Value(Json::arrayValue)), "[]");
 }
 
-TEST(JsonTextTest, AShortArrayStandsInOneLine) {
+TEST(JsonTextTest, AShortArrayIsOnOneLine) {
   Json::Value list;
   list.append("a");
   list.append("b");
   EXPECT_EQ(JsonToString(list), "[ \"a\", \"b\" ]");
 }
 
-TEST(JsonTextTest, IndentsByThreeBlanks) {
+TEST(JsonTextTest, IndentsByThreeSpaces) {
   const std::string name(40, 'n');
   Json::Value root;
   root["list"].append(name);

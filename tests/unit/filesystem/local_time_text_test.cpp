@@ -29,7 +29,7 @@ TEST(LocalTimeTextTest, SecondsOfADay) {
   EXPECT_EQ(text.Of(951782400), "2000-02-29 00:00:00");
 }
 
-TEST(LocalTimeTextTest, TheZoneIsReadAnewByEachObject) {
+TEST(LocalTimeTextTest, TheZoneIsReadAgainByEachObject) {
   LocalZone west("EST5");
   EXPECT_EQ(sdk::LocalTimeText(1).Of(0), "1969-12-31 19:00:00");
   LocalZone east("NPT-5:45");
@@ -115,7 +115,7 @@ TEST(LocalTimeTextTest, AroundEachChangeOfTheClock) {
 
 TEST(LocalTimeTextTest, AroundLeapSeconds) {
   if (!std::filesystem::exists("/usr/share/zoneinfo/right/Asia/Kathmandu"))
-    GTEST_SKIP() << "no such zones here";
+    GTEST_SKIP() << "this system does not have these zones";
   for (const char* name : {"right/UTC", "right/Europe/Berlin", "right/Asia/Kathmandu"}) {
     const LocalZone zone(name);
     // From the first to the last leap second so far, each second of the days around them.

@@ -1,4 +1,4 @@
-// The process's time zone, for as long as an object lives.
+// Sets the process's time zone as long as the object lives.
 #ifndef DAROKLEIM_TESTS_UNIT_FILESYSTEM_LOCAL_ZONE_H
 #define DAROKLEIM_TESTS_UNIT_FILESYSTEM_LOCAL_ZONE_H
 

@@ -29,10 +29,11 @@ TEST(LsLineTest, WithAndWithoutLinkCount) {
       << "the owner is a number and not a link count";
 }
 
-TEST(LsLineTest, TheNameAndItsBlanks) {
+TEST(LsLineTest, TheNameAndItsSpaces) {
   const std::string line = "-rw-rw---- 1 root root 0 2020-01-02 03:04";
-  EXPECT_EQ(Matched(line + " a b  c "), "0|2020-01-02 03:04|a b  c ") << "blanks behind belong to it";
-  EXPECT_EQ(Matched(line + " \t a"), "0|2020-01-02 03:04|a") << "blanks before do not";
+  EXPECT_EQ(Matched(line + " a b  c "), "0|2020-01-02 03:04|a b  c ")
+      << "spaces after the name are part of it";
+  EXPECT_EQ(Matched(line + " \t a"), "0|2020-01-02 03:04|a") << "white space before it is not";
   EXPECT_EQ(Matched(line + " a\\ b"), "0|2020-01-02 03:04|a\\ b");
   EXPECT_EQ(Matched(line + " "), "0|2020-01-02 03:04|") << "an empty one matches";
   EXPECT_EQ(Matched(line), "none");
@@ -40,17 +41,18 @@ TEST(LsLineTest, TheNameAndItsBlanks) {
   EXPECT_EQ(Matched(line + "a"), "none");
 }
 
-TEST(LsLineTest, ALineEndInsideEndsTheName) {
+TEST(LsLineTest, ALineBreakInsideEndsTheName) {
   const std::string line = "-rw-rw---- 1 root root 0 2020-01-02 03:04 ";
   EXPECT_EQ(Matched(line + "a \r"), "0|2020-01-02 03:04|a ");
   EXPECT_EQ(Matched(line + "a\n \t\r"), "0|2020-01-02 03:04|a");
   EXPECT_EQ(Matched(line + "a\rb"), "none");
   EXPECT_EQ(Matched(line + "a\n b"), "none");
-  EXPECT_EQ(Matched(line + "\r\n a"), "0|2020-01-02 03:04|a") << "before the name it is a blank";
+  EXPECT_EQ(Matched(line + "\r\n a"), "0|2020-01-02 03:04|a")
+      << "a line break before the name is white space";
   EXPECT_EQ(Matched(line + "\r\n "), "0|2020-01-02 03:04|");
 }
 
-TEST(LsLineTest, ExactlyOneBlankBetweenSizeDateAndTime) {
+TEST(LsLineTest, ExactlyOneSpaceBetweenSizeDateAndTime) {
   EXPECT_EQ(Matched("-rwxrwxrwx 1 r r 5\t2020-01-02\v03:04\fa"), "5|2020-01-02\v03:04|a");
   EXPECT_EQ(Matched("-rwxrwxrwx 1 r r 5  2020-01-02 03:04 a"), "none");
   EXPECT_EQ(Matched("-rwxrwxrwx 1 r r 5 2020-01-02  03:04 a"), "none");
@@ -65,7 +67,7 @@ TEST(LsLineTest, HoursAndMinutesOfOneOrTwoDigits) {
   EXPECT_EQ(Matched("-rwxrwxrwx 1 r r 5 99-01-02 03:04 a"), "none");
 }
 
-TEST(LsLineTest, EverythingElseIsNoRegularFile) {
+TEST(LsLineTest, EverythingElseIsNotARegularFile) {
   for (const char* line :
        {"", "-", "total 12", "drwxrwx--x 2 root root 4096 2020-01-02 03:04 a",
         "lrwxrwxrwx 1 root root 4 2020-01-02 03:04 a -> b", " -rw-rw---- 1 root root 1 2020-01-02 03:04 a",
@@ -139,7 +141,7 @@ class AgainstRegex : public ::testing::Test {
   int matched_ = 0;
 };
 
-TEST_F(AgainstRegex, LinesOfTellingPieces) {
+TEST_F(AgainstRegex, LinesOfRelevantPieces) {
   for (int i = 0; i < 300'000; ++i) {
     std::string line =
         Mostly({"-rw-rw----", "-rwxrwxrwx", "----------"}, {"-rwsr-xr-x", "-rw-", "drwxr-xr-x", ""});

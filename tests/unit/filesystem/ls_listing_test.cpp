@@ -78,7 +78,7 @@ TEST(LsListingTest, LinesEndInCrLfOnly) {
   EXPECT_EQ(Decoded("total 4\r\r\n" + kLine + "a\r\r\n"), (Files{File(1234, "2020-01-02 03:04", "/a")}));
 }
 
-TEST(LsListingTest, FewerThanTwoLinesAreNoListing) {
+TEST(LsListingTest, FewerThanTwoLinesAreNotAListing) {
   ::testing::internal::CaptureStdout();
   for (const std::string& text : {""s, "\r\n"s, "\r\n\r\n"s, "total 4"s, "total 4\r\n"s,
                                   "\r\n" + kLine + "a\r\n", kLine + "a", "- not read"s, "\n\n\n"s}) {
@@ -101,7 +101,7 @@ TEST(LsListingTest, UnreadableFilesGoToStandardOutput) {
   EXPECT_EQ(files, (Files{File(1234, "2020-01-02 03:04", "/a")}));
 }
 
-TEST(LsListingTest, EscapedBlanks) {
+TEST(LsListingTest, EscapedSpaces) {
   const auto name = [](const std::string& listed) {
     return Decoded("total\r\n" + kLine + listed).front().file;
   };
@@ -224,7 +224,7 @@ TEST(LsListingTest, WhatDevicesPrinted) {
 }
 
 // Phones since Android 7 end their lines in LF.
-TEST(LsListingTest, WhatDevicesPrintedInLfIsNoListing) {
+TEST(LsListingTest, WhatDevicesPrintedInLfIsNotAListing) {
   for (const std::string& sample : DeviceOutputsIn("ls-l")) {
     const std::string text = DeviceOutput(sample);
     if (text.find('\r') != std::string::npos) continue;
@@ -234,7 +234,7 @@ TEST(LsListingTest, WhatDevicesPrintedInLfIsNoListing) {
   }
 }
 
-TEST(LsListingTest, SingleLinesOfDevicesAreNoListing) {
+TEST(LsListingTest, SingleLinesOfDevicesAreNotAListing) {
   Files files;
   EXPECT_FALSE(Decode(AsOldPhone(DeviceOutput("ls-l/cjk-dir-listing.txt")), &files));
   EXPECT_EQ(files, Files());

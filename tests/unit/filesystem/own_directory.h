@@ -1,4 +1,4 @@
-// A current working directory of the test's own, for the copies that file lists leave there.
+// A current working directory for the test, because file lists write their copy there.
 #ifndef DAROKLEIM_TESTS_UNIT_FILESYSTEM_OWN_DIRECTORY_H
 #define DAROKLEIM_TESTS_UNIT_FILESYSTEM_OWN_DIRECTORY_H
 

@@ -1,5 +1,5 @@
-// The listing parsers in their plain form, by the standard library's own regular expressions, strtoul,
-// localtime and the string helpers: slow, and what the real ones are held against, record for record.
+// Reference implementations of the listing parsers, with the standard library's regular expressions, strtoul,
+// localtime and the string helpers. They are slow; the real parsers must give the same records.
 #ifndef DAROKLEIM_TESTS_UNIT_FILESYSTEM_PLAIN_LISTING_H
 #define DAROKLEIM_TESTS_UNIT_FILESYSTEM_PLAIN_LISTING_H
 
@@ -28,7 +28,7 @@ inline std::ostream& operator<<(std::ostream& out, const FileInfo& info) {
 
 namespace darokleim::test {
 
-// Uses a line's length in stack.
+// Needs stack in proportion to the length of a line.
 inline bool PlainMatchLsLine(const std::string& line, std::smatch& match) {
   static const std::regex with_links(
       R"(^-[rwx-]{9}\s+\d+\s+\S+\s+\S+\s+(\d+)\s(\d{4}-\d{2}-\d{2}\s\d{1,2}:\d{1,2})\s+(.*)\s*$)");
@@ -37,7 +37,7 @@ inline bool PlainMatchLsLine(const std::string& line, std::smatch& match) {
   return std::regex_match(line, match, with_links) || std::regex_match(line, match, without_links);
 }
 
-// What it would print goes to trace.
+// Lines that the parser prints are appended to trace.
 inline bool PlainDecodeLSOut(const std::string& text, std::list<FileInfo>* files, std::string* trace) {
   std::vector<std::string> lines;
   if (StringHelper::StringSplit(lines, text, "\r\n") < 2) return false;

@@ -1,4 +1,4 @@
-// Lists of files with everything in them that a device, or a fault, may bring.
+// Random lists of files, with everything that a device or a fault can put into one.
 #ifndef DAROKLEIM_TESTS_UNIT_FILESYSTEM_RANDOM_FILE_LIST_H
 #define DAROKLEIM_TESTS_UNIT_FILESYSTEM_RANDOM_FILE_LIST_H
 
@@ -15,7 +15,7 @@ class RandomFileList {
  public:
   explicit RandomFileList(unsigned seed) : random_(seed) {}
 
-  // A root as callers give it, now and then with slashes at its end, bytes that are no text, or empty.
+  // Roots, some with slashes at the end, with bytes that are not text, or empty.
   std::string Root() {
     using namespace std::string_literals;
     static const std::string kRoots[] = {"/sdcard", "/sdcard/",  "/",  "",    "/a b",
@@ -23,7 +23,7 @@ class RandomFileList {
     return kRoots[Below(std::size(kRoots))];
   }
 
-  // Mostly below the root, in few folders, so that they meet again.
+  // Mostly below the root, in few folders, so that folders have several files.
   std::list<FileInfo> Files(const std::string& root) {
     std::list<FileInfo> files;
     for (std::size_t left = Below(30); left > 0; --left) {
@@ -39,7 +39,7 @@ class RandomFileList {
     return std::uniform_int_distribution<std::size_t>(0, bound - 1)(random_);
   }
 
-  // Of every length in bits.
+  // Of every number of bits.
   std::uint64_t Number() { return random_() >> Below(64); }
 
   std::string Path() {

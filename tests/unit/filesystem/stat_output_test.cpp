@@ -21,7 +21,7 @@ TEST(StatOutputTest, TheSizeOfALegacyPhone) {
       1234U);
 }
 
-TEST(StatOutputTest, BareLineFeedsMakeOneLineThatIsNoMatch) {
+TEST(StatOutputTest, BareLineFeedsMakeOneLineThatDoesNotMatch) {
   EXPECT_EQ(SizeInStatOutput("  File: /sdcard/a.txt\n  Size: 1234\t Blocks: 8\n"), std::nullopt);
   EXPECT_EQ(SizeInStatOutput("  Size: 1234\t Blocks: 8"), 1234U) << "a single line without an end";
 }

@@ -29,15 +29,15 @@ TEST(FreeBytesTest, TheFourthWord) {
   EXPECT_EQ(FreeBytes("a b c d e"), 0ULL);
 }
 
-TEST(FreeBytesTest, FewerWordsAreNoRow) {
+TEST(FreeBytesTest, FewerWordsAreNotARow) {
   for (const char* text : {"", "\n", " ", "a", "a b c", "a  b  c  ", "a\nb\nc\nd", "a\tb\tc\td"}) {
     EXPECT_FALSE(FreeBytes(text)) << text;
   }
 }
 
-TEST(FreeBytesTest, ALineEndBelongsToItsWord) {
+TEST(FreeBytesTest, ALineBreakIsPartOfItsWord) {
   EXPECT_EQ(FreeBytes("a b c 5\r\n"), 5ULL * 1024);
-  EXPECT_EQ(FreeBytes("a b c 5\nGigantic 1"), 5 * kGiB) << "with the letters behind it";
+  EXPECT_EQ(FreeBytes("a b c 5\nGigantic 1"), 5 * kGiB) << "with the letters after it";
   EXPECT_EQ(FreeBytes("/a 1\n/b 2\n/c 3 4"), 3ULL * 1024) << "a row may be short";
 }
 
@@ -61,7 +61,7 @@ std::string Rows(const std::string& sample) {
 }
 
 TEST(FreeBytesTest, RealOutputs) {
-  // What the table says is free, in KiB, or -1 where no row is left.
+  // The free space in the table, in KiB, or -1 where no row is left.
   const std::map<std::string, long long> free_of_first_row = {
       {"df/df-data-toolbox.txt", 5033164},        // 4.8G
       {"df/generic-x86-toolbox-df.txt", 775782},  // 757.6M of /dev
@@ -107,12 +107,13 @@ TEST(VolumePathsTest, NothingIsSortedOut) {
       ElementsAre("/storage/b", "/storage/emulated/0", "/storage/emulated/0", "/storage/a", "/storage/b"));
 }
 
-TEST(VolumePathsTest, TheNameStandsBehindTheLastBlank) {
+TEST(VolumePathsTest, TheNameFollowsTheLastSpace) {
   EXPECT_THAT(VolumePaths("d sdcard_rw my card\n"), ElementsAre("/storage/card"));
   EXPECT_THAT(VolumePaths("d sdcard_rw card \n"), ElementsAre("/storage/")) << "an empty name is one";
-  EXPECT_THAT(VolumePaths("sdcard_rw\n"), IsEmpty()) << "no blank, no name";
+  EXPECT_THAT(VolumePaths("sdcard_rw\n"), IsEmpty()) << "no space, no name";
   EXPECT_THAT(VolumePaths("d\tsdcard_rw\tcard\n"), IsEmpty());
-  EXPECT_THAT(VolumePaths("emulated_sdcard_rw\n"), ElementsAre("/storage/emulated/0")) << "needs no blank";
+  EXPECT_THAT(VolumePaths("emulated_sdcard_rw\n"), ElementsAre("/storage/emulated/0"))
+      << "does not need a space";
   EXPECT_THAT(VolumePaths("d sdcard_rw sdcard1 -> /mnt/sdcard1"), ElementsAre("/storage//mnt/sdcard1"));
 }
 

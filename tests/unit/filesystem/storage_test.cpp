@@ -180,7 +180,7 @@ TEST_F(FreeSpaceTest, AnErrorIsLoggedWithItsText) {
   EXPECT_EQ(FreeSpace(5), 0U);
 }
 
-TEST_F(FreeSpaceTest, ThreeWordsAreNoRow) {
+TEST_F(FreeSpaceTest, ThreeWordsAreNotARow) {
   channel.Expect(kDf).Prints("/dev/fuse 5.0G 1.2G\n");
   EXPECT_EQ(FreeSpace(ADB_RESULT_PROTOCOL_FAULT), 0U);
   EXPECT_THAT(journal(), ElementsAre(Info("AdbGetStorageFreeSpace Enter."), Ran(kDf),

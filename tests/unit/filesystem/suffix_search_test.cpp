@@ -166,7 +166,7 @@ TEST_F(SuffixSearchTest, OtherFailuresKeepTheListFromTheCaller) {
   EXPECT_FALSE(std::filesystem::exists(directory_.side_file()));
 }
 
-TEST_F(SuffixSearchTest, NoLineAtAllIsNoList) {
+TEST_F(SuffixSearchTest, OutputWithoutALineGivesNoList) {
   for (const char* output : {"", "\n", "\r\n\r\n"}) {
     ExpectFind();
     channel.Expect(kFindJpg).Prints(output);

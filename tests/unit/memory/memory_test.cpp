@@ -1,4 +1,4 @@
-// Memory runs out at every moment at which a function asks for some: it leaves as std::bad_alloc, and nothing is lost.
+// Each allocation of each function fails in turn: std::bad_alloc leaves the function, and nothing leaks.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -29,7 +29,7 @@ int buffers_out = 0;
 using darokleim::test::buffers_out;
 using darokleim::test::output;
 
-// A channel and a log that ask operator new for nothing.
+// A channel and a log that never call operator new.
 int ExecuteAdbCommandSynchronization(const char* /*args*/, const bool* /*cancel*/, char** out, int* out_len) {
   *out = nullptr;
   *out_len = 0;
@@ -68,7 +68,7 @@ struct Call {
   std::string name;
   const char* output;
   std::function<void()> run;
-  // A build date that cannot be composed, for whatever reason, is 44.
+  // 44 for a build date that cannot be composed, whatever the reason.
   bool has_a_code = false;
 
   friend void PrintTo(const Call& call, std::ostream* out) { *out << call.name; }
@@ -270,7 +270,7 @@ class MemoryTest : public ::testing::TestWithParam<Call> {
 TEST_P(MemoryTest, RunsOut) {
   for (const char* answer : {GetParam().output, static_cast<const char*>(nullptr)}) {
     output = answer;
-    GetParam().run();  // what is kept for the process is asked for once
+    GetParam().run();  // allocates what is kept for the process
     WithEachAllocationFailing([&](long number) {
       const long live = LiveAllocations();
       bool failed;

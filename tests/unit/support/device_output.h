@@ -15,7 +15,7 @@ std::string DeviceOutput(const std::string& name);
 // one fails the test.
 std::string DeviceProperty(const std::string& name, const std::string& property);
 
-// The names of all samples in one folder, so that a test can tell that it knows each.
+// The names of all samples in one folder, so that a test can check that it covers each.
 std::set<std::string> DeviceOutputsIn(const std::string& folder);
 
 }  // namespace darokleim::test

@@ -1,4 +1,4 @@
-// A `ps` of the test's own.
+// Replaces `ps` in a test.
 #ifndef DAROKLEIM_TESTS_UNIT_SUPPORT_LISTED_PROCESSES_H
 #define DAROKLEIM_TESTS_UNIT_SUPPORT_LISTED_PROCESSES_H
 
@@ -13,8 +13,8 @@
 
 namespace darokleim::test {
 
-// While it lives, `ps` prints these lines, so that nobody can kill the processes of the machine by its
-// list. Ends the program when that cannot be had.
+// As long as it lives, `ps` prints these lines, so that no process of the machine can be killed by its list. Ends the
+// program when that fails.
 class ListedProcesses {
  public:
   explicit ListedProcesses(const std::string& lines) : path_before_(std::getenv("PATH")) {

@@ -1,4 +1,4 @@
-// What calls with a null argument leave behind.
+// What calls with a null argument do.
 #ifndef DAROKLEIM_TESTS_UNIT_SUPPORT_REFUSED_CALLS_H
 #define DAROKLEIM_TESTS_UNIT_SUPPORT_REFUSED_CALLS_H
 
@@ -8,7 +8,7 @@
 
 namespace darokleim::test {
 
-// The journal of so many calls that a function with the usual log lines refused: no command, no leave line.
+// The journal of refused calls of a function with the standard log lines: no command, no leave line.
 inline Journal RefusedCalls(const std::string& function, int times) {
   Journal journal;
   for (int i = 0; i < times; ++i) {

@@ -31,7 +31,7 @@ Answer ScriptedChannel::NextAnswer(const std::string& args) {
 char* ScriptedChannel::HandOut(const Answer& answer) {
   if (!answer.output_) return nullptr;
   const std::string& output = *answer.output_;
-  // No byte more than promised, so that the address sanitizer sees who reads on.
+  // Exactly the promised bytes, so that the address sanitizer notices a read past them.
   const std::size_t size = output.size() + (answer.terminated_ ? 1 : 0);
   char* buffer = std::make_unique<char[]>(std::max<std::size_t>(size, 1)).release();
   std::copy(output.begin(), output.end(), buffer);

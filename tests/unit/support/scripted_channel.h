@@ -1,4 +1,4 @@
-// A command channel whose answers a test writes beforehand.
+// A command channel with the answers that a test has prepared.
 #ifndef DAROKLEIM_TESTS_UNIT_SUPPORT_SCRIPTED_CHANNEL_H
 #define DAROKLEIM_TESTS_UNIT_SUPPORT_SCRIPTED_CHANNEL_H
 
@@ -13,19 +13,19 @@
 
 namespace darokleim::test {
 
-// What the channel does when the SDK runs one command. As it stands: no buffer, value 0, and the command
-// must have been given the test's own cancel flag.
+// What the channel does when the SDK runs one command. By default: no buffer, status 0, and the command must have the
+// test's own cancel flag.
 class Answer {
  public:
   explicit Answer(std::string args) : args_(std::move(args)) {}
 
   // Hands out a buffer with these bytes; an empty text is a buffer of length 0. A zero byte follows them.
   Answer& Prints(std::string_view output) { return output_ = std::string(output), *this; }
-  // Leaves out the zero byte: for functions that must go by the length alone.
+  // Leaves out the zero byte, for functions that must use the length alone.
   Answer& Unterminated() { return terminated_ = false, *this; }
-  // Says another length than that of the bytes, also without any.
+  // Reports another length than that of the bytes, also without any bytes.
   Answer& Claims(int length) { return claimed_length_ = length, *this; }
-  // The channel's value.
+  // The channel's status.
   Answer& Returns(int status) { return status_ = status, *this; }
   // The command comes with a flag of the SDK's own that is false.
   Answer& Uncancellable() { return cancel_ = Cancel::kOwnFalse, *this; }
@@ -55,13 +55,13 @@ struct StartedStream {
   void* on_output;
 };
 
-// Plays its answers in the order in which they were written. A command that is not the next one, an answer
-// that is left over, a buffer that is lost or given back twice: each is a failure of the test.
+// Gives its answers in the order in which they were prepared. The test fails for a command that is not the next one, an
+// answer that is left over, and a buffer that is never released or released twice.
 class ScriptedChannel {
  public:
   // The next command is exactly this argument text.
   Answer& Expect(std::string args);
-  // From here on, a command beyond the script gets this answer, whatever it says.
+  // From here on, every command after the script gets this answer.
   Answer& Otherwise();
 
   const std::vector<StartedStream>& streams() const { return streams_; }

@@ -1,5 +1,5 @@
-// The scripted channel is what every unit test trusts: it must notice a buffer that is lost or given back twice,
-// and a command that is not in the script.
+// All unit tests rely on the scripted channel: it must notice a buffer that is never released or released twice, and a
+// command that is not in the script.
 #include "tests/unit/support/scripted_channel.h"
 
 #include <gtest/gtest-spi.h>
@@ -27,7 +27,7 @@ TEST_F(ScriptedChannelTest, ABufferThatNeverGoesBackFailsTheTest) {
   EXPECT_NONFATAL_FAILURE(channel_.CheckNothingIsLeft(), "never went back");
 }
 
-TEST_F(ScriptedChannelTest, ABufferThatGoesBackTwiceFailsTheTest) {
+TEST_F(ScriptedChannelTest, ABufferThatIsReleasedTwiceFailsTheTest) {
   channel_.Expect(" version").Prints("text");
   char* buffer = Run(" version");
   channel_.TakeBack(buffer);

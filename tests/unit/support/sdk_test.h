@@ -7,8 +7,8 @@
 //                                          Info("AdbReboot Leave, return 0.")));
 //     }
 //
-// Every command must come with the test's cancel flag unless its answer says otherwise, and every buffer
-// must go back: the fixture checks both.
+// The fixture checks that every command comes with the test's cancel flag, unless its answer says otherwise, and that
+// every buffer is released.
 #ifndef DAROKLEIM_TESTS_UNIT_SUPPORT_SDK_TEST_H
 #define DAROKLEIM_TESTS_UNIT_SUPPORT_SDK_TEST_H
 
@@ -33,7 +33,7 @@ class SdkTest : public ::testing::Test {
   SdkTest();
   ~SdkTest() override;
 
-  // The test that runs; the six platform symbols go to it.
+  // The running test, which the six platform symbols use.
   static SdkTest& Current();
 
   // Everything that happened so far, and the log lines alone.
@@ -42,7 +42,7 @@ class SdkTest : public ::testing::Test {
   void Note(Event event);
 
   ScriptedChannel channel;
-  // Handed to the functions under test.
+  // Passed to the functions under test.
   const bool cancel = false;
   // What InitLogEx answers; what it and the channel's start were given.
   bool log_opens = true;
