@@ -2,6 +2,8 @@
 #include <exception>
 
 #include "channel/channel_log.h"
+#include "channel/direct/run.h"
+#include "channel/direct/wait_limits.h"
 #include "channel/output/output_block.h"
 #include "channel/process/run.h"
 #include "channel/process/stream_registry.h"
@@ -25,18 +27,33 @@ int WithoutException(Function function) {
   }
 }
 
-int Run(const Settings& settings, const char* args, const CancelFlag& cancel, OutputBuffer* output) {
+int RunByRoute(const Settings& settings, const Command& command, const CancelFlag& cancel,
+               OutputBuffer* output, Route* route) {
+  if (settings.mode == Mode::kDirect) {
+    const direct::FlagInterrupt interrupt(cancel);
+    if (const auto ending = direct::Run(command, {.interrupt = &interrupt}, output)) {
+      *route = Route::kDirect;
+      if (output->status() != kDelivered) return output->status();
+      return direct::StatusOf(command, *ending, [&] { return HasFailureLine(output->text()); });
+    }
+  }
+  return RunAdb(settings.adb_path, command, cancel, output);
+}
+
+int Run(const Settings& settings, const char* args, const CancelFlag& cancel, OutputBuffer* output,
+        Route* route) {
   if (cancel.IsSet()) return kCancelled;
   const Command command = ReadCommand(args, settings.assist());
-  const int status = RunAdb(settings.adb_path, command, cancel, output);
+  const int status = RunByRoute(settings, command, cancel, output, route);
   if (status >= kNotInitialised) return status;
   output->ConvertLineEnds(command.line_ends);
   return output->status() == kDelivered ? status : output->status();
 }
 
-int RunIntoBuffer(const Settings& settings, const char* args, const bool* cancel, char** out, int* out_len) {
+int RunIntoBuffer(const Settings& settings, const char* args, const bool* cancel, char** out, int* out_len,
+                  Route* route) {
   OutputBuffer output;
-  const int status = Run(settings, args, CancelFlag(cancel), &output);
+  const int status = Run(settings, args, CancelFlag(cancel), &output, route);
   if (status >= kNotInitialised) return status;
   *out_len = static_cast<int>(output.text().size());
   *out = output.Release();
@@ -66,9 +83,11 @@ DAROKLEIM_CHANNEL_EXPORT int ExecuteAdbCommandSynchronization(const char* args, 
     const std::optional<Settings> settings = CurrentSettings();
     if (!settings) return kNotInitialised;
     const CommandTimer timer;
-    const int status = WithoutException([&] { return RunIntoBuffer(*settings, args, cancel, out, out_len); });
+    Route route = Route::kAdb;
+    const int status =
+        WithoutException([&] { return RunIntoBuffer(*settings, args, cancel, out, out_len, &route); });
     if (*out == nullptr) *out_len = 0;
-    timer.Log(args, status, *out_len);
+    timer.Log(args, route, status, *out_len);
     return status;
   });
 }

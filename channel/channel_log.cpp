@@ -37,12 +37,13 @@ void LogIgnoredVariable(const char* name, const char* value, const char* reason)
   LogEx(kModule, kError, "%s=%s is ignored: %s", name, value, reason);
 }
 
-void CommandTimer::Log(const char* arguments, int status, long long bytes) const {
+void CommandTimer::Log(const char* arguments, Route route, int status, long long bytes) const {
   using std::chrono::duration_cast;
   using std::chrono::milliseconds;
   const auto spent = duration_cast<milliseconds>(std::chrono::steady_clock::now() - start_);
-  LogEx(kModule, status < kNotInitialised ? kOutcome : kError, "adb%s%s: status %d, %lld bytes, %lld ms",
-        *arguments == ' ' ? "" : " ", arguments, status, bytes, static_cast<long long>(spent.count()));
+  LogEx(kModule, status < kNotInitialised ? kOutcome : kError, "%s%s%s: status %d, %lld bytes, %lld ms",
+        route == Route::kDirect ? "direct" : "adb", *arguments == ' ' ? "" : " ", arguments, status, bytes,
+        static_cast<long long>(spent.count()));
 }
 
 }  // namespace darokleim::channel

@@ -19,10 +19,16 @@ void LogNotices(std::string_view notices);
 // An environment variable whose value is not used as it is.
 void LogIgnoredVariable(const char* name, const char* value, const char* reason);
 
+// How a command was run.
+enum class Route {
+  kAdb,
+  kDirect,  // without adb
+};
+
 // Times one command and writes its line.
 class CommandTimer {
  public:
-  void Log(const char* arguments, int status, long long bytes) const;
+  void Log(const char* arguments, Route route, int status, long long bytes) const;
 
  private:
   const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();

@@ -13,7 +13,7 @@ namespace darokleim::channel {
 enum class Mode {
   kPlain,   // adb runs, nothing is changed
   kAssist,  // shell commands get paths and line breaks as the SDK means them
-  kDirect,  // runs commands as kAssist does
+  kDirect,  // commands of known forms go to the adb server without adb
 };
 
 struct Settings {

@@ -69,4 +69,10 @@ void FailureLineScanner::Scan(std::string_view piece) {
   }
 }
 
+bool HasFailureLine(std::string_view text) {
+  FailureLineScanner scanner;
+  scanner.Scan(text);
+  return scanner.Found();
+}
+
 }  // namespace darokleim::channel

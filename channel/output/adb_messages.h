@@ -34,6 +34,8 @@ class FailureLineScanner {
   bool found_ = false;
 };
 
+bool HasFailureLine(std::string_view text);
+
 // Phones since Android 7 pass the exit status of a shell command through adb, older ones never do, and the SDK's
 // result codes are meant for the older way: where a command answers by text, the text decides unless adb itself
 // failed. has_failure_line says whether adb printed a failure line; it also decides where the exit status is not

@@ -9,12 +9,6 @@
 namespace darokleim::channel {
 namespace {
 
-bool HasFailureLine(std::string_view text) {
-  FailureLineScanner scanner;
-  scanner.Scan(text);
-  return scanner.Found();
-}
-
 // Runs until adb has ended, by itself or by us. Nothing here may throw: the child must be reaped.
 Status RunToEnd(const std::string& adb_path, const Command& command, const CancelFlag& cancel,
                 OutputBuffer* output, ExitOutcome* exit) {

@@ -4,6 +4,8 @@
 #include <new>
 
 #include "base/signals_blocked.h"
+#include "channel/direct/form.h"
+#include "channel/direct/run.h"
 #include "channel/output/adb_messages.h"
 #include "channel/process/start_adb.h"
 
@@ -17,6 +19,7 @@ constexpr size_t kPieceSize = 64 * 1024;
 Stream::Stream(const Settings& settings, const char* arguments, const CancelFlag& cancel,
                const OutputReceiver& receiver)
     : adb_path_(settings.adb_path),
+      mode_(settings.mode),
       arguments_(arguments),
       command_(ReadCommand(arguments, settings.assist())),
       cancel_(cancel),
@@ -25,30 +28,79 @@ Stream::Stream(const Settings& settings, const char* arguments, const CancelFlag
       filter_(command_) {}
 
 Status Stream::Start() {
+  if (mode_ == Mode::kDirect && direct::MatchForm(command_)) {
+    interrupt_.emplace(cancel_);
+    return StartThread([this] { RunDirectly(); });
+  }
+  const Status started = StartChild();
+  if (started != kDelivered) return started;
+  const Status running = StartThread([this] { RunThroughAdb(); });
+  if (running != kDelivered) {
+    Terminate(&*child_);
+    child_->Reap();
+  }
+  return running;
+}
+
+template <typename Body>
+Status Stream::StartThread(Body body) {
+  try {
+    const base::SignalsBlocked blocked;
+    thread_ = std::thread(body);
+    return kDelivered;
+  } catch (const std::exception&) {  // no thread, or no memory to start one
+    return kSystemRefused;
+  }
+}
+
+Status Stream::StartChild() {
   base::Spawned spawned;
   const Status started = StartAdb(adb_path_, command_.words, &spawned);
   if (started != kDelivered) return started;
   output_ = std::move(spawned.output);
   child_.emplace(spawned.pid);
-  try {
-    const base::SignalsBlocked blocked;
-    thread_ = std::thread([this] { RunToEnd(); });
-  } catch (const std::exception&) {  // no thread, or no memory to start one
-    Terminate(&*child_);
-    child_->Reap();
-    return kSystemRefused;
-  }
   return kDelivered;
 }
 
-void Stream::RunToEnd() {
+void Stream::RunThroughAdb() {
   const ReadingEnd end = ReadOutput(&*child_, output_.get(), cancel_, this);
   if (end != ReadingEnd::kOutputComplete) Terminate(&*child_);
   const ExitOutcome exit = child_->Reap();
   if (end == ReadingEnd::kOutputComplete && !stopping_) DeliverFrom([this] { return filter_.Finish(); });
+  const bool cancelled = end == ReadingEnd::kCancelled;
+  Finish(Route::kAdb,
+         cancelled ? int{kCancelled} : StatusOf(command_, exit, [this] { return failures_.Found(); }));
+}
 
-  const int status = StatusAfter(end, exit);
-  timer_.Log(arguments_.c_str(), status, bytes_);
+void Stream::RunDirectly() {
+  std::optional<direct::Ending> ending;
+  try {
+    ending = direct::Run(command_, {.interrupt = &*interrupt_}, this);
+  } catch (const std::bad_alloc&) {
+    ending = {direct::Ending::kSystemRefused};
+  }
+  if (!ending) return RunThroughAdbAfterAll();
+  if (ending->kind == direct::Ending::kExited && !stopping_) DeliverFrom([this] { return filter_.Finish(); });
+  Finish(Route::kDirect, direct::StatusOf(command_, *ending, [this] { return failures_.Found(); }));
+}
+
+void Stream::RunThroughAdbAfterAll() {
+  Status started = kCancelled;
+  {
+    const std::lock_guard lock(mutex_);
+    if (!stopping_) started = StartChild();
+  }
+  if (started == kDelivered) return RunThroughAdb();
+  Finish(Route::kAdb, started);
+}
+
+void Stream::Finish(Route route, int status) {
+  if (stopping_) {
+    status = kCancelled;
+  } else if (out_of_memory_) {
+    status = kSystemRefused;
+  }
+  timer_.Log(arguments_.c_str(), route, status, bytes_);
   ReleaseResources();
   if (receiver_.function != nullptr) receiver_.function(receiver_.context, nullptr, status);
 
@@ -63,12 +115,7 @@ void Stream::ReleaseResources() {
   std::vector<char>().swap(piece_);
   const std::lock_guard lock(mutex_);
   child_.reset();
-}
-
-int Stream::StatusAfter(ReadingEnd end, const ExitOutcome& exit) const {
-  if (stopping_ || end == ReadingEnd::kCancelled) return kCancelled;
-  if (out_of_memory_) return kSystemRefused;
-  return StatusOf(command_, exit, [this] { return failures_.Found(); });
+  interrupt_.reset();
 }
 
 std::span<char> Stream::Room() {
@@ -105,6 +152,7 @@ void Stream::Deliver(std::string_view piece) {
 void Stream::End(int signal_number) {
   stopping_ = true;
   const std::lock_guard lock(mutex_);
+  if (interrupt_) interrupt_->Set();
   if (child_) child_->Signal(signal_number);
 }
 

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "channel/channel_log.h"
+#include "channel/direct/wait_limits.h"
 #include "channel/output/adb_messages.h"
 #include "channel/output/output_sink.h"
 #include "channel/output/stream_filter.h"
@@ -42,10 +43,11 @@ class Stream final : public OutputSink {
   Stream(const Settings& settings, const char* arguments, const CancelFlag& cancel,
          const OutputReceiver& receiver);
 
-  // kDelivered when adb and the stream's thread run; otherwise the status that says why not.
+  // kDelivered when the stream's thread runs and, where the command cannot go without adb, adb; otherwise the status that
+  // says why not.
   Status Start();
 
-  // For other threads: send SIGTERM or SIGKILL to adb. The stream then finishes with kCancelled.
+  // For other threads: end the connection, or send SIGTERM or SIGKILL to adb. The stream then finishes with kCancelled.
   void Stop() { End(SIGTERM); }
   void Kill() { End(SIGKILL); }
 
@@ -59,9 +61,15 @@ class Stream final : public OutputSink {
   std::span<char> Room() override;
   void Commit(size_t count) override;
 
-  void RunToEnd();
+  template <typename Body>
+  Status StartThread(Body body);
+  Status StartChild();
+  // On the stream's thread.
+  void RunThroughAdb();
+  void RunDirectly();
+  void RunThroughAdbAfterAll();
+  void Finish(Route route, int status);
   void ReleaseResources();
-  int StatusAfter(ReadingEnd end, const ExitOutcome& exit) const;
   // Passes on what filter returns, unless it runs out of memory.
   template <typename Filter>
   void DeliverFrom(Filter filter);
@@ -69,6 +77,7 @@ class Stream final : public OutputSink {
   void End(int signal_number);
 
   const std::string adb_path_;
+  const Mode mode_;
   const std::string arguments_;
   const Command command_;
   const CancelFlag cancel_;
@@ -76,7 +85,9 @@ class Stream final : public OutputSink {
   const CommandTimer timer_;
 
   base::UniqueFd output_;
-  std::optional<Child> child_;  // reset under mutex_: other threads signal it
+  // Set and reset under mutex_ while the thread runs: other threads end the command with them.
+  std::optional<Child> child_;
+  std::optional<direct::StreamInterrupt> interrupt_;
   std::thread thread_;
   std::atomic<bool> stopping_ = false;
 
@@ -87,7 +98,7 @@ class Stream final : public OutputSink {
   long long bytes_ = 0;
   bool out_of_memory_ = false;
 
-  std::mutex mutex_;  // guards child_ and finished_
+  std::mutex mutex_;  // guards child_, interrupt_ and finished_
   std::condition_variable finished_change_;
   bool finished_ = false;
 };

@@ -19,7 +19,7 @@ class StartedLibrary : public testing::Environment {
     ASSERT_NE(mkdtemp(folder_.data()), nullptr);
     for (const char* program : {"adb", "busybox"})
       fs::create_symlink(PathOfProgram(program), folder_ + "/" + program);
-    setenv("DAROKLEIM_CHANNEL_ASSIST", kAssisted ? "1" : "0", 1);
+    setenv("DAROKLEIM_CHANNEL", kMode.data(), 1);
     ASSERT_EQ(AdbSdkInit(folder_.c_str(), "phone_sdk_test", folder_.c_str()), kOk);
   }
   void TearDown() override { fs::remove_all(folder_); }

@@ -4,6 +4,7 @@
 #include <darokleim.h>
 
 #include <string>
+#include <string_view>
 
 #include "tests/phone/phone_under_test.h"
 
@@ -11,8 +12,14 @@ namespace darokleim::test {
 
 inline constexpr int kOk = ADB_RESULT_OK;
 
-// Whether the channel assists the library in this test program.
-inline constexpr bool kAssisted = DAROKLEIM_TEST_ASSISTED;
+// How the channel runs commands in this test program: plain, assist or direct.
+inline constexpr std::string_view kMode = DAROKLEIM_TEST_MODE;
+inline constexpr bool kAssisted = kMode != "plain";
+inline constexpr bool kDirect = kMode == "direct";
+
+// When the connection to the phone breaks before it has answered.
+inline constexpr int kBrokenOff =
+    kDirect ? int{ADB_CHANNEL_CONNECTION_BROKEN} : int{ADB_RESULT_PROTOCOL_FAULT};
 
 // The whole way: the library, our channel, the real adb client, a phone.
 class SdkOnPhone : public PhoneUnderTest {
