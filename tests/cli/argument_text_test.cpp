@@ -1,4 +1,4 @@
-#include "tools/cli/argument_text.h"
+#include "tools/cli/device/argument_text.h"
 
 #include <gtest/gtest.h>
 

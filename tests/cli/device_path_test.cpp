@@ -1,4 +1,4 @@
-#include "tools/cli/device_path.h"
+#include "tools/cli/device/device_path.h"
 
 #include <gtest/gtest.h>
 

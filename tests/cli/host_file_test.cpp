@@ -1,4 +1,4 @@
-#include "tools/cli/host_file.h"
+#include "tools/cli/host/host_file.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "tools/cli/human_text.h"
+#include "tools/cli/output/human_text.h"
 
 #include <gtest/gtest.h>
 #include <stdlib.h>

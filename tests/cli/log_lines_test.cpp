@@ -1,4 +1,4 @@
-#include "tools/cli/log_lines.h"
+#include "tools/cli/commands/device/log_lines.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>

@@ -1,4 +1,4 @@
-#include "tools/cli/result_text.h"
+#include "tools/cli/output/result_text.h"
 
 #include <darokleim.h>
 #include <gmock/gmock.h>

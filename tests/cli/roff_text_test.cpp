@@ -1,4 +1,4 @@
-#include "tools/cli/roff_text.h"
+#include "tools/cli/command_line/roff_text.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "tools/cli/table.h"
+#include "tools/cli/output/table.h"
 
 #include <gtest/gtest.h>
 

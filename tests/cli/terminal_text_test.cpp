@@ -1,4 +1,4 @@
-#include "tools/cli/terminal_text.h"
+#include "tools/cli/output/terminal_text.h"
 
 #include <gtest/gtest.h>
 

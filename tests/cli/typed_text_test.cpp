@@ -1,4 +1,4 @@
-#include "tools/cli/typed_text.h"
+#include "tools/cli/commands/device/typed_text.h"
 
 #include <gmock/gmock.h>
 

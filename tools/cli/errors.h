@@ -3,6 +3,8 @@
 #define DAROKLEIM_TOOLS_CLI_ERRORS_H
 
 #include <stdexcept>
+#include <string>
+#include <system_error>
 
 namespace darokleim::cli {
 
@@ -10,6 +12,12 @@ enum ExitStatus : int { kExitOk = 0, kExitFailed = 1, kExitUsage = 2, kExitCance
 
 // The message is for people: what could not be done, why, and what helps.
 class ToolError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// The command line is wrong; the message says where.
+class UsageError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
@@ -26,11 +34,16 @@ class Cancelled : public std::exception {
   const char* what() const noexcept override { return "cancelled"; }
 };
 
-// Nobody reads standard output any more, as behind `| head`: there is nobody to tell, either.
+// Nobody reads standard output any more, as after `| head`: nobody would read a message about it either.
 class OutputClosed : public std::exception {
  public:
   const char* what() const noexcept override { return "standard output is closed"; }
 };
+
+// The system's words for an errno: "Permission denied".
+inline std::string SystemErrorText(int error_number) {
+  return std::generic_category().message(error_number);
+}
 
 }  // namespace darokleim::cli
 

@@ -1,13 +1,13 @@
 #include "tools/cli/tool.h"
 
-#include <CLI/CLI.hpp>
 #include <exception>
-#include <utility>
+#include <string>
 
 #include "tools/cli/cancel_on_signal.h"
+#include "tools/cli/command_line/parse.h"
 #include "tools/cli/commands/commands.h"
 #include "tools/cli/errors.h"
-#include "tools/cli/standard_streams.h"
+#include "tools/cli/output/standard_streams.h"
 
 namespace darokleim::cli {
 namespace {
@@ -19,49 +19,34 @@ constexpr char kExamples[] = R"(Examples:
 
 Exit status: 0 done, 1 failed, 2 wrong usage, 130 cancelled with Ctrl-C.)";
 
-void AddGlobalOptions(CLI::App& app, Tool& tool) {
-  auto& options = tool.session_options();
-  app.set_version_flag("--version", "darokleim " DAROKLEIM_VERSION, "Print the version and exit");
-  app.add_option("-s,--serial", options.serial,
-                 "The device, as `darokleim devices` shows it; otherwise that of ANDROID_SERIAL, or the only "
-                 "one that is ready")
-      ->type_name("SERIAL");
-  app.add_flag("-q,--quiet", tool.quiet(), "Print neither progress nor reports of success");
-  app.add_option(
-         "--adb", options.adb,
-         "The adb executable; otherwise looked for beside the tool, in PATH, and where the Android SDK and "
-         "Homebrew install it")
-      ->type_name("PATH");
-  app.add_option("--busybox", options.busybox, "A busybox that runs on the device; only du needs one")
-      ->type_name("PATH");
-  app.add_option("--log-dir", options.log_directory, "Where to write adb_sdk.log and adb_channel.log")
-      ->type_name("DIRECTORY");
-}
-
 void Run(int argc, const char* const* argv, Tool& tool) {
-  CLI::App app("Manage Android devices over adb", "darokleim");
-  app.footer(kExamples);
-  app.require_subcommand(0, 1);  // none is told below, after what is not known
-  app.fallthrough();             // global options may also stand after the subcommand
-  AddGlobalOptions(app, tool);
-  for (const auto add_command : kCommands) add_command(app, tool);
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::CallForHelp&) {
-    tool.output().Write(app.help());
-    return;
-  } catch (const CLI::CallForVersion& version) {
-    tool.output().Write(std::string(version.what()) + "\n");
-    return;
-  }
-  if (app.get_subcommands().empty()) throw CLI::RequiredError("A command");
-  tool.RunChosenCommand();
+  const auto line = ParseCommandLine(tool.command_line(), "darokleim " DAROKLEIM_VERSION, argc, argv);
+  tool.output().Write(line.text);
+  if (line.command != nullptr) line.command->Run(tool);
 }
 
 }  // namespace
 
-void Tool::OnRun(CLI::App& command, std::function<void()> action) {
-  command.callback([this, action = std::move(action)] { action_ = action; });
+Tool::Tool(Output output)
+    : output_(output), command_line_({"darokleim", "Manage Android devices over adb", kExamples}) {
+  AddGlobalOptions();
+  for (const auto add_command : kCommands) add_command(command_line_);
+}
+
+void Tool::AddGlobalOptions() {
+  command_line_.VersionFlag();
+  command_line_.Option("-s,--serial", session_options_.serial,
+                       "The device, as `darokleim devices` shows it. Without this option, the one named by "
+                       "ANDROID_SERIAL, or the only one that is ready");
+  command_line_.Flag("-q,--quiet", quiet_, "Print neither progress nor reports of success");
+  command_line_.Option(
+      "--adb", session_options_.adb,
+      "The adb executable. Without this option, adb is searched for in the tool's own folder, in "
+      "PATH, and where the Android SDK and Homebrew install it");
+  command_line_.Option("--busybox", session_options_.busybox,
+                       "A busybox that runs on the device; only du needs one");
+  command_line_.Option("--log-dir", session_options_.log_directory,
+                       "Where to write adb_sdk.log and adb_channel.log");
 }
 
 Session& Tool::session() {
@@ -83,7 +68,7 @@ int RunTool(int argc, const char* const* argv) try {
   CancelOnSignals();
   Run(argc, argv, tool);
   return kExitOk;
-} catch (const CLI::ParseError& error) {
+} catch (const UsageError& error) {
   PrintError(std::string(error.what()) + "\nSee darokleim --help.");
   return kExitUsage;
 } catch (const Cancelled& cancelled) {

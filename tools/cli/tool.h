@@ -1,26 +1,24 @@
-// The tool as a whole: command line, subcommands, exit status.
+// The tool as a whole: command line, commands, exit status.
 #ifndef DAROKLEIM_TOOLS_CLI_TOOL_H
 #define DAROKLEIM_TOOLS_CLI_TOOL_H
 
-#include <CLI/App.hpp>
-#include <functional>
 #include <optional>
-#include <string>
 #include <string_view>
 
-#include "tools/cli/device.h"
-#include "tools/cli/output.h"
-#include "tools/cli/session.h"
+#include "tools/cli/command_line/command.h"
+#include "tools/cli/device/device.h"
+#include "tools/cli/device/session.h"
+#include "tools/cli/output/output.h"
 
 namespace darokleim::cli {
 
-// What a subcommand works with.
+// What a command works with.
 class Tool {
  public:
-  explicit Tool(Output output) : output_(output) {}
+  explicit Tool(Output output);
 
-  // Names the function that carries out a subcommand, once the whole command line has been read.
-  void OnRun(CLI::App& command, std::function<void()> action);
+  // All commands; their options include references to this object.
+  const Command& command_line() const { return command_line_; }
 
   // The library, started at the first call.
   Session& session();
@@ -30,20 +28,19 @@ class Tool {
   SessionOptions& session_options() { return session_options_; }
 
   // Whether progress and reports of success are unwanted.
-  bool& quiet() { return quiet_; }
   bool is_quiet() const { return quiet_; }
   // Prints a line about what was done, unless that is unwanted.
   void Report(std::string_view line);
 
-  void RunChosenCommand() const { action_(); }
-
  private:
+  void AddGlobalOptions();
+
   Output output_;
+  Command command_line_;
   SessionOptions session_options_;
   bool quiet_ = false;
   std::optional<Session> session_;
   std::optional<Device> device_;
-  std::function<void()> action_;
 };
 
 // Returns the exit status.

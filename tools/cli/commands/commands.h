@@ -1,51 +1,56 @@
-// One function for each subcommand; each adds it to the command line and says what it does.
+// One function for each command; each adds it to the command line and says what it does.
 #ifndef DAROKLEIM_TOOLS_CLI_COMMANDS_COMMANDS_H
 #define DAROKLEIM_TOOLS_CLI_COMMANDS_COMMANDS_H
 
-namespace CLI {
-class App;
-}
-
 namespace darokleim::cli {
 
-class Tool;
+class Command;
 
-void AddChmodCommand(CLI::App& app, Tool& tool);
-void AddCpCommand(CLI::App& app, Tool& tool);
-void AddDevicesCommand(CLI::App& app, Tool& tool);
-void AddExistsCommand(CLI::App& app, Tool& tool);
-void AddInfoCommand(CLI::App& app, Tool& tool);
-void AddAppCommand(CLI::App& app, Tool& tool);
-void AddBackupCommand(CLI::App& app, Tool& tool);
-void AddRestoreCommand(CLI::App& app, Tool& tool);
-void AddBackupStopCommand(CLI::App& app, Tool& tool);
-void AddLogcatCommand(CLI::App& app, Tool& tool);
-void AddTypeCommand(CLI::App& app, Tool& tool);
-void AddForwardCommand(CLI::App& app, Tool& tool);
-void AddReverseCommand(CLI::App& app, Tool& tool);
-void AddRebootCommand(CLI::App& app, Tool& tool);
-void AddAuthorizeCommand(CLI::App& app, Tool& tool);
-void AddReconnectCommand(CLI::App& app, Tool& tool);
-void AddServerCommand(CLI::App& app, Tool& tool);
-void AddBusyboxCommand(CLI::App& app, Tool& tool);
-void AddCompleteCommand(CLI::App& app, Tool& tool);
-void AddManualCommand(CLI::App& app, Tool& tool);
-void AddMkdirCommand(CLI::App& app, Tool& tool);
-void AddMvCommand(CLI::App& app, Tool& tool);
-void AddRmCommand(CLI::App& app, Tool& tool);
-void AddStatCommand(CLI::App& app, Tool& tool);
-void AddDuCommand(CLI::App& app, Tool& tool);
-void AddFindCommand(CLI::App& app, Tool& tool);
-void AddLsCommand(CLI::App& app, Tool& tool);
-void AddPullCommand(CLI::App& app, Tool& tool);
-void AddPushCommand(CLI::App& app, Tool& tool);
-void AddScreenshotCommand(CLI::App& app, Tool& tool);
-void AddStorageCommand(CLI::App& app, Tool& tool);
-void AddTreeCommand(CLI::App& app, Tool& tool);
+// command_line/
+void AddCompleteCommand(Command& root);
+void AddManualCommand(Command& root);
+
+// commands/apps/
+void AddAppCommand(Command& root);
+void AddBackupCommand(Command& root);
+void AddRestoreCommand(Command& root);
+void AddBackupStopCommand(Command& root);
+
+// commands/device/
+void AddDevicesCommand(Command& root);
+void AddInfoCommand(Command& root);
+void AddLogcatCommand(Command& root);
+void AddTypeCommand(Command& root);
+void AddForwardCommand(Command& root);
+void AddReverseCommand(Command& root);
+void AddRebootCommand(Command& root);
+void AddAuthorizeCommand(Command& root);
+void AddReconnectCommand(Command& root);
+void AddBusyboxCommand(Command& root);
+void AddStorageCommand(Command& root);
+void AddScreenshotCommand(Command& root);
+
+// commands/files/
+void AddLsCommand(Command& root);
+void AddTreeCommand(Command& root);
+void AddFindCommand(Command& root);
+void AddDuCommand(Command& root);
+void AddPushCommand(Command& root);
+void AddPullCommand(Command& root);
+void AddExistsCommand(Command& root);
+void AddStatCommand(Command& root);
+void AddMkdirCommand(Command& root);
+void AddCpCommand(Command& root);
+void AddMvCommand(Command& root);
+void AddRmCommand(Command& root);
+void AddChmodCommand(Command& root);
+
+// commands/server/
+void AddServerCommand(Command& root);
 
 // In the order of --help.
 // clang-format off
-inline constexpr void (*kCommands[])(CLI::App&, Tool&) = {
+inline constexpr void (*kCommands[])(Command&) = {
     AddDevicesCommand,
     AddInfoCommand,
     AddAppCommand,

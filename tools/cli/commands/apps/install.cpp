@@ -1,0 +1,47 @@
+// darokleim app install
+#include <darokleim.h>
+
+#include <string>
+
+#include "tools/cli/command_line/command.h"
+#include "tools/cli/commands/apps/app_commands.h"
+#include "tools/cli/commands/apps/package.h"
+#include "tools/cli/device/argument_text.h"
+#include "tools/cli/tool.h"
+
+namespace darokleim::cli {
+namespace {
+
+constexpr char kFooter[] =
+    R"(Replaces an older version and keeps its data. Some phones ask on their screen first.
+
+Examples:
+  darokleim app install notes.apk
+  darokleim -s 0123456789ABCDEF app install ~/Downloads/notes.apk)";
+
+struct Options {
+  HostPath file;
+};
+
+void Describe(Command& command, Options& options) {
+  command.Positional("FILE", options.file, "APK file on this computer").Required();
+}
+
+void Run(Tool& tool, const Options& options) {
+  const std::string& file = options.file.text;
+  CheckApkFile(file);
+  const auto& device = tool.device();
+  const std::string staged = "/data/local/tmp/" + FileName(file);
+  CheckLength(" -s " + std::string(device.serial()) + " shell pm install -r '\"" + staged + "\"'", 255,
+              "the file's name");
+  device.Check(AdbInstallAppFromPCPath(device.serial(), file.c_str(), device.cancel()), "install " + file);
+  tool.Report("Installed " + FileName(file) + ".");
+}
+
+}  // namespace
+
+void AddAppInstallCommand(Command& group) {
+  AddCommand<Options>(group, {"install", "Install an APK file from this computer", kFooter}, Describe, Run);
+}
+
+}  // namespace darokleim::cli

@@ -1,0 +1,57 @@
+#include "tools/cli/device/device_list.h"
+
+#include <darokleim.h>
+
+#include <algorithm>
+
+#include "tools/cli/device/library_block.h"
+#include "tools/cli/output/table.h"
+
+namespace darokleim::cli {
+
+const char kNoDeviceAdvice[] = R"(No device is attached. Check that
+  - the phone is connected with a cable that carries data, not only power,
+  - it is unlocked, and USB debugging is on in its developer options,
+  - you allowed USB debugging for this computer when the phone asked.
+)";
+
+std::vector<AttachedDevice> ParseDeviceList(std::string_view list) {
+  std::vector<AttachedDevice> devices;
+  while (!list.empty()) {
+    const auto entry = list.substr(0, list.find(';'));
+    list.remove_prefix(std::min(entry.size() + 1, list.size()));
+    const auto hyphen = entry.rfind('-');
+    if (hyphen == std::string_view::npos) continue;
+    devices.push_back({std::string(entry.substr(0, hyphen)), std::string(entry.substr(hyphen + 1))});
+  }
+  return devices;
+}
+
+std::vector<AttachedDevice> ListDevices(const Session& session) {
+  LibraryBlock list;
+  session.Check(AdbGetDevicesEx(list.text(), list.length(), session.cancel()), "list devices");
+  return ParseDeviceList(list.Text());
+}
+
+bool IsUsable(const AttachedDevice& device) {
+  return device.state == "device";
+}
+
+const char* AdviceForState(std::string_view state) {
+  if (state == "unauthorized") {
+    return "Unlock the phone and allow USB debugging for this computer on its screen.";
+  }
+  if (state == "offline") return "Does not respond: unplug it and plug it in again, or restart it.";
+  return "";
+}
+
+std::string DeviceTable(const std::vector<AttachedDevice>& devices) {
+  Table table;
+  table.AddRow({"SERIAL", "STATE"});
+  for (const auto& device : devices) {
+    table.AddRow({device.serial, device.state, AdviceForState(device.state)});
+  }
+  return table.Text();
+}
+
+}  // namespace darokleim::cli

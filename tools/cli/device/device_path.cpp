@@ -1,0 +1,35 @@
+#include "tools/cli/device/device_path.h"
+
+#include "tools/cli/device/argument_text.h"
+#include "tools/cli/errors.h"
+
+namespace darokleim::cli {
+
+std::string WithSingleSlashes(std::string_view path) {
+  std::string text;
+  for (const char c : path) {
+    if (c != '/' || text.empty() || text.back() != '/') text += c;
+  }
+  return text;
+}
+
+DevicePath::DevicePath(std::string_view path) : text_(WithSingleSlashes(path)) {
+  if (text_.empty() || text_.front() != '/') {
+    throw ToolError("\"" + text_ +
+                    "\" is not a path on the device: it must begin with /, for example /sdcard/Download.");
+  }
+  names_a_folder_ = text_.back() == '/';
+  while (text_.size() > 1 && text_.back() == '/') text_.pop_back();
+  CheckCanBeCarried(text_);
+}
+
+DevicePath DevicePath::Parent() const {
+  const auto slash = text_.rfind('/');
+  return DevicePath(slash == 0 ? "/" : std::string_view(text_).substr(0, slash));
+}
+
+DevicePath DevicePath::Child(std::string_view name) const {
+  return DevicePath((IsRoot() ? "" : text_) + "/" + std::string(name));
+}
+
+}  // namespace darokleim::cli

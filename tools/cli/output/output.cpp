@@ -1,0 +1,74 @@
+#include "tools/cli/output/output.h"
+
+#include <errno.h>
+#include <json/value.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include "tools/cli/cancel_on_signal.h"
+#include "tools/cli/errors.h"
+#include "tools/cli/output/json.h"
+#include "tools/cli/output/terminal_text.h"
+
+namespace darokleim::cli {
+namespace {
+
+bool ColoursAreWanted() {
+  const char* no_color = getenv("NO_COLOR");
+  const char* terminal = getenv("TERM");
+  return (no_color == nullptr || *no_color == '\0') && terminal != nullptr &&
+         std::string_view(terminal) != "dumb";
+}
+
+const char* SequenceFor(Colour colour) {
+  switch (colour) {
+    case Colour::kFolder:
+      return "\x1b[1;34m";
+    case Colour::kFaint:
+      return "\x1b[2m";
+    case Colour::kGood:
+      return "\x1b[32m";
+    case Colour::kBad:
+      return "\x1b[31m";
+  }
+  return "";
+}
+
+constexpr char kEndOfColour[] = "\x1b[0m";
+
+}  // namespace
+
+Output::Output(int descriptor)
+    : descriptor_(descriptor),
+      is_terminal_(isatty(descriptor) == 1),
+      has_colours_(is_terminal_ && ColoursAreWanted()) {}
+
+std::string Output::Shown(std::string_view text) const {
+  return is_terminal_ ? EscapeControls(text) : std::string(text);
+}
+
+std::string Output::Painted(Colour colour, std::string_view text) const {
+  if (!has_colours_) return std::string(text);
+  return SequenceFor(colour) + std::string(text) + kEndOfColour;
+}
+
+void Output::Write(std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t written = write(descriptor_, text.data(), text.size());
+    if (written >= 0) {
+      text.remove_prefix(static_cast<size_t>(written));
+    } else if (errno == EPIPE) {
+      throw OutputClosed();
+    } else if (errno != EINTR) {
+      throw ToolError("cannot write to standard output: " + SystemErrorText(errno));
+    } else if (IsCancelled()) {
+      throw Cancelled();
+    }
+  }
+}
+
+void Output::WriteJson(const Json::Value& document) {
+  Write(JsonText(document));
+}
+
+}  // namespace darokleim::cli
