@@ -6,18 +6,13 @@
 #include <filesystem>
 #include <memory>
 
+#include "base/shell_quoting.h"
 #include "tests/support/file_content.h"
 
 namespace darokleim::cli {
 namespace {
 
 constexpr char kSerial[] = "TEST0001";
-
-std::string QuoteForShell(const std::string& text) {
-  std::string quoted = "'";
-  for (const char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return quoted + "'";
-}
 
 std::string WithoutCarriageReturns(std::string text) {
   for (std::size_t at; (at = text.find("\r\n")) != std::string::npos;) text.erase(at, 1);
@@ -52,7 +47,7 @@ std::string PhoneToolTest::Shell(const std::string& command) const {
 
 void PhoneToolTest::PutOnPhone(const std::string& path, const std::string& content) const {
   test::WriteFile(File("for-phone"), content);
-  Shell("mkdir -p " + QuoteForShell(path.substr(0, path.rfind('/'))));
+  Shell("mkdir -p " + base::QuoteForShell(path.substr(0, path.rfind('/'))));
   const auto outcome = phones_.Adb({"push", File("for-phone"), path});
   ASSERT_EQ(outcome.status, 0) << outcome.output << outcome.errors;
 }
@@ -73,6 +68,13 @@ std::string PhoneToolTest::Succeed(const Words& arguments) const {
   EXPECT_EQ(outcome.status, 0) << outcome.output;
   EXPECT_EQ(outcome.errors, "");
   return outcome.output;
+}
+
+std::string PhoneToolTest::Misuse(const Words& arguments) const {
+  const auto outcome = Run(arguments);
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.output, "");
+  return outcome.errors;
 }
 
 std::string PhoneToolTest::Fail(const Words& arguments) const {

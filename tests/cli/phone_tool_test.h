@@ -26,7 +26,7 @@ class PhoneToolTest : public ToolTest, public testing::WithParamInterface<std::s
   bool is_legacy() const { return GetParam() == "legacy"; }
   test::SimulatedPhones& phones() { return phones_; }
 
-  // What a command of the phone's shell prints, with line ends of a modern phone; line ends at its end taken off.
+  // What a command of the phone's shell prints, with line breaks of a modern phone; line breaks at its end taken off.
   std::string Shell(const std::string& command) const;
   // Files of the phone, byte for byte.
   void PutOnPhone(const std::string& path, const std::string& content) const;
@@ -35,6 +35,8 @@ class PhoneToolTest : public ToolTest, public testing::WithParamInterface<std::s
 
   // The tool must succeed and say nothing on standard error; its output.
   std::string Succeed(const Words& arguments) const;
+  // The tool must refuse the command line with exit status 2 and print nothing; what it says on standard error.
+  std::string Misuse(const Words& arguments) const;
   // The tool must fail with exit status 1 and print nothing; what it says on standard error.
   std::string Fail(const Words& arguments) const;
 
@@ -42,7 +44,7 @@ class PhoneToolTest : public ToolTest, public testing::WithParamInterface<std::s
   test::SimulatedPhones phones_;
 };
 
-// Paths below `folder` that every command has to carry through: blanks, quotes, characters of shells, scripts.
+// Paths below `folder` that every command has to carry through: spaces, quotes, characters of shells, scripts.
 std::vector<std::string> AwkwardPaths(const std::string& folder);
 
 #define INSTANTIATE_FOR_BOTH_PHONES(suite)                               \

@@ -38,7 +38,7 @@ class ToolTest : public testing::Test {
   // Runs another program in the tool's environment.
   Outcome RunProgram(Words command, const Words& arguments) const;
   std::unique_ptr<HostProcess> Start(const Words& arguments) const;
-  // With both of its streams on a terminal; everything is in Outcome::output, with the terminal's line ends.
+  // With both of its streams on a terminal; everything is in Outcome::output, with the terminal's line breaks.
   Outcome OnTerminal(const Words& arguments) const;
   // Runs a line of shell in the tool's environment; $TOOL is the tool.
   Outcome RunShell(const std::string& line) const;

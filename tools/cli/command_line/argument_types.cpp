@@ -36,7 +36,7 @@ const char* ValueName(ValueKind kind) {
       return "NUMBER";
     case ValueKind::kHostPath:
     case ValueKind::kDevicePath:
-    case ValueKind::kTransferPath:
+    case ValueKind::kHostOrDevicePath:
       return "PATH";
     case ValueKind::kHostDirectory:
       return "DIRECTORY";

@@ -17,7 +17,7 @@ enum class ValueKind {
   kHostPath,
   kHostDirectory,
   kDevicePath,
-  kTransferPath,  // of the host or of the device, which its place decides
+  kHostOrDevicePath,
   kPackage,
   kSerial,
   kPort,
@@ -40,9 +40,10 @@ struct HostDirectory {
   std::string text;
 };
 
-struct TransferPath {
-  static constexpr ValueKind kKind = ValueKind::kTransferPath;
-  static TransferPath Parse(const std::string& word) { return {word}; }
+// Whose it is depends on another argument.
+struct HostOrDevicePath {
+  static constexpr ValueKind kKind = ValueKind::kHostOrDevicePath;
+  static HostOrDevicePath Parse(const std::string& word) { return {word}; }
   std::string text;
 };
 

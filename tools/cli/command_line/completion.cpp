@@ -70,7 +70,7 @@ void AddValues(const Argument& argument, Tool& tool, Lines* lines) {
   lines->insert(lines->end(), argument.values().begin(), argument.values().end());
   switch (argument.kind()) {
     case ValueKind::kHostPath:
-    case ValueKind::kTransferPath:
+    case ValueKind::kHostOrDevicePath:
       lines->emplace_back(":files");
       return;
     case ValueKind::kHostDirectory:
@@ -97,7 +97,7 @@ void AddAll(const CommandLinePlace& place, const std::string& last, Tool& tool, 
     return;
   }
   if (!place.after_option && !place.only_positionals) AddSubcommands(*place.command, lines);
-  if (place.value != nullptr) AddValues(*place.value, tool, lines);
+  for (const auto* argument : place.values) AddValues(*argument, tool, lines);
 }
 
 void KeepThoseThatBeginWith(const std::string& beginning, Lines* lines) {

@@ -2,6 +2,7 @@
 #include "tools/cli/command_line/parse.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -10,20 +11,39 @@
 namespace darokleim::cli {
 namespace {
 
-// Leaves out of a positional argument's line what the usage line says already.
+using Options = std::vector<std::pair<const Argument*, CLI::Option*>>;
+
+// Positional arguments are shown as the model has them: CLI11 does not know of those after one that takes any number.
 class HelpFormatter : public CLI::Formatter {
  public:
+  explicit HelpFormatter(const Options& options) : options_(options) {}
+
+  std::string make_option_usage(const CLI::Option* option) const override {
+    for (const auto& [argument, candidate] : options_) {
+      if (candidate == option) return Usage(*argument);
+    }
+    return Formatter::make_option_usage(option);
+  }
+
   std::string make_option_opts(const CLI::Option* option) const override {
     if (!option->get_positional()) return Formatter::make_option_opts(option);
     return option->get_expected_max() > 1 ? " ..." : "";
   }
+
+ private:
+  static std::string Usage(const Argument& argument) {
+    const std::string name = argument.DisplayName() + (argument.takes_several_words() ? "..." : "");
+    return argument.is_required() ? name : "[" + name + "]";
+  }
+
+  const Options& options_;
 };
 
 class Parser {
  public:
   Parser(const Command& root, const std::string& version)
       : version_(version), app_(root.description(), root.name()) {
-    app_.formatter(std::make_shared<HelpFormatter>());
+    app_.formatter(std::make_shared<HelpFormatter>(options_));
     app_.fallthrough();  // to the options of the commands around it
     Add(root, app_);
   }
@@ -31,7 +51,7 @@ class Parser {
   ParsedLine Parse(int argc, const char* const* argv) try {
     app_.parse(argc, argv);
     const Command& command = Chosen();
-    for (const auto& [argument, option] : options_) Bind(*argument, *option);
+    for (const Command* bound = &command; bound != nullptr; bound = bound->parent()) Bind(*bound);
     return {"", &command};
   } catch (const CLI::CallForHelp&) {
     return {app_.help(), nullptr};
@@ -48,6 +68,7 @@ class Parser {
     for (const auto& name : command.aliases()) app.alias(name);
     if (command.is_hidden()) app.group("");
     for (const auto& argument : command.arguments()) Add(*argument, app);
+    JoinPositionals(command.Positionals());
     for (const auto& argument : command.arguments()) Relate(*argument);
     // None is reported by Chosen, after what is not known.
     if (!command.subcommands().empty()) app.require_subcommand(0, 1);
@@ -78,16 +99,25 @@ class Parser {
     auto* option = app.add_option(Names(argument), accept, argument.help());
     option->type_name(argument.value_name());
     option->type_size(1);
-    if (argument.takes_several_words()) {
-      option->expected(std::max(1, argument.least_words()), CLI::detail::expected_max_vector_size);
-    } else if (argument.is_repeatable()) {
-      option->expected(1, CLI::detail::expected_max_vector_size)->allow_extra_args(false);
-    } else {
-      option->expected(1);
-    }
+    const int most = argument.is_repeatable() ? CLI::detail::expected_max_vector_size : 1;
+    option->expected(std::max(1, argument.least_words()), most);
+    option->allow_extra_args(argument.takes_several_words());
     option->required(argument.is_required());
     if (!argument.default_text().empty()) option->default_str(argument.default_text());
     options_.emplace_back(&argument, option);
+  }
+
+  // CLI11 gives every word to the first positional argument that takes any number.
+  void JoinPositionals(const std::vector<const Argument*>& positionals) const {
+    const auto takes_several = [](const Argument* positional) { return positional->takes_several_words(); };
+    const auto several = std::find_if(positionals.begin(), positionals.end(), takes_several);
+    if (several == positionals.end()) return;
+    int least = (*several)->least_words();
+    for (auto later = several + 1; later != positionals.end(); ++later) {
+      least += (*later)->least_words();
+      Find(**later)->required(false);
+    }
+    Find(**several)->expected(std::max(1, least), CLI::detail::expected_max_vector_size);
   }
 
   void Relate(const Argument& argument) {
@@ -113,18 +143,43 @@ class Parser {
     throw std::logic_error("a command that nobody added");
   }
 
-  static void Bind(const Argument& argument, const CLI::Option& option) {
-    if (!argument.takes_value()) {
-      if (option.count() > 0) argument.SetFlag();
-      return;
+  void Bind(const Command& command) const {
+    for (const auto* option : command.Options()) {
+      if (option->is_version()) continue;
+      if (!option->takes_value() && Find(*option)->count() > 0) option->SetFlag();
+      for (const auto& word : option->takes_value() ? Find(*option)->results() : CLI::results_t())
+        option->Take(word);
     }
-    for (const auto& word : option.results()) argument.Take(word);
+    BindPositionals(command.Positionals());
+  }
+
+  // One that takes any number of words leaves one to each of those after it, as long as it keeps as many as it needs.
+  void BindPositionals(const std::vector<const Argument*>& positionals) const {
+    std::vector<std::string> words;
+    for (const auto* positional : positionals) {
+      const auto& results = Find(*positional)->results();
+      words.insert(words.end(), results.begin(), results.end());
+    }
+    std::size_t next = 0;
+    for (std::size_t i = 0; i < positionals.size(); ++i) {
+      const auto later = positionals.size() - i - 1;
+      const auto left = words.size() - next;
+      std::size_t count = std::min<std::size_t>(left, 1);
+      if (positionals[i]->takes_several_words()) {
+        count = std::max(left - std::min(left, later), std::min(left, LeastWords(*positionals[i])));
+      }
+      for (; count > 0; --count) positionals[i]->Take(words[next++]);
+    }
+  }
+
+  static std::size_t LeastWords(const Argument& argument) {
+    return static_cast<std::size_t>(argument.least_words());
   }
 
   std::string version_;
   CLI::App app_;
   std::vector<std::pair<const Command*, const CLI::App*>> apps_;
-  std::vector<std::pair<const Argument*, CLI::Option*>> options_;
+  Options options_;
 };
 
 }  // namespace

@@ -32,7 +32,7 @@ const Argument* FindOption(const Command* command, const std::string& word) {
 
 class Walk {
  public:
-  Walk(const Command& root, const ValueFunction& on_value) : on_value_(on_value), place_{&root} {}
+  Walk(const Command& root, const ValueFunction& on_value) : on_value_(on_value) { place_.command = &root; }
 
   void Take(const std::string& word) {
     if (place_.after_option) {
@@ -47,14 +47,15 @@ class Walk {
   }
 
   CommandLinePlace End() {
-    if (!place_.after_option) place_.value = NextPositional();
+    if (!place_.after_option) place_.values = NextPositionals();
     return place_;
   }
 
  private:
   void TakeValue(const std::string& word) {
     if (word == "=") return;  // bash has split --option=value
-    on_value_(*place_.value, word);
+    on_value_(*place_.values.front(), word);
+    place_.values.clear();
     place_.after_option = false;
   }
 
@@ -65,7 +66,7 @@ class Walk {
     if (equals != std::string::npos) {
       on_value_(*option, word.substr(equals + 1));
     } else {
-      place_.value = option;
+      place_.values = {option};
       place_.after_option = true;
     }
   }
@@ -80,13 +81,17 @@ class Walk {
     }
   }
 
-  // The last one may take any number of words.
-  const Argument* NextPositional() const {
-    const auto positionals = place_.command->Positionals();
-    if (positionals.empty()) return nullptr;
-    const auto last = positionals.size() - 1;
-    if (positionals_ > last && !positionals[last]->takes_several_words()) return nullptr;
-    return positionals[std::min(positionals_, last)];
+  // After the first word of one that takes any number, the next word may also be for those after it.
+  std::vector<const Argument*> NextPositionals() const {
+    auto next = place_.command->Positionals();
+    std::size_t words = positionals_;
+    while (words > 0 && !next.empty() && !next.front()->takes_several_words()) {
+      next.erase(next.begin());
+      --words;
+    }
+    const bool may_be_later = words > 0;
+    if (!may_be_later && next.size() > 1) next.resize(1);
+    return next;
   }
 
   const ValueFunction& on_value_;

@@ -11,10 +11,10 @@ namespace darokleim::cli {
 
 // The place of the next word on a command line that is not finished.
 struct CommandLinePlace {
-  const Command* command;           // the innermost subcommand so far
-  const Argument* value = nullptr;  // what the word is a value of
-  bool after_option = false;        // an option needs its value here, so that nothing else is possible
-  bool only_positionals = false;    // after "--"
+  const Command* command = nullptr;     // the innermost subcommand so far
+  std::vector<const Argument*> values;  // what the word may be a value of
+  bool after_option = false;            // an option needs its value here, so that nothing else is possible
+  bool only_positionals = false;        // after "--"
 };
 
 // Follows the words after the tool's name. Calls `on_value` with each option that has a value, and the value.

@@ -37,7 +37,7 @@ constexpr char kStagingFolder[] = "/data/local/tmp";
 struct Options {
   bool json = false;
   bool on_device = false;
-  TransferPath path{"."};
+  HostOrDevicePath path{"."};
 };
 
 void Describe(Command& command, Options& options) {

@@ -36,16 +36,16 @@ folder is merged into an existing one. Times and modes are those of the device.)
 
 struct Options {
   bool json = false;
-  std::vector<TransferPath> paths;
+  std::vector<DevicePath> sources;
+  HostPath target{"."};
 };
 
 void Describe(Command& command, Options& options) {
-  command
-      .Positional(
-          "PATH", options.paths,
-          "Files or folders on the device; with two or more paths, the last one is where to put them on "
-          "this computer")
-      .Required();
+  command.Positional("SOURCE", options.sources, "Files or folders on the device").Required();
+  command.Positional(
+      "TARGET", options.target,
+      "Where to put them on this computer: a path or a folder. Needed for two or more sources; otherwise "
+      "the current folder");
   command.JsonFlag(options.json, "an array of {source, target, files, bytes, seconds, skipped}");
 }
 
@@ -148,17 +148,12 @@ Transfer Pull(const Tool& tool, const Device& device, const DevicePath& source, 
 }
 
 void Run(Tool& tool, const Options& options) {
-  auto sources = options.paths;
-  std::string target = ".";
-  if (sources.size() > 1) {
-    target = sources.back().text;
-    sources.pop_back();
-  }
+  const bool must_be_folder = options.sources.size() > 1;
   std::vector<Transfer> transfers;
-  for (const auto& named : sources) {
-    const DevicePath source(named.text);
+  for (const auto& source : options.sources) {
     if (source.IsRoot()) throw ToolError("cannot pull /: name a folder in it.");
-    transfers.push_back(Pull(tool, tool.device(), source, TargetOnHost(target, source, sources.size() > 1)));
+    transfers.push_back(
+        Pull(tool, tool.device(), source, TargetOnHost(options.target.text, source, must_be_folder)));
     if (!options.json) ReportTransfer(tool, transfers.back());
   }
   if (options.json) tool.output().WriteJson(TransfersJson(transfers));

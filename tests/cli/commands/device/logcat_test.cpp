@@ -77,7 +77,7 @@ TEST_P(PhoneLogcatTest, IsAnObjectALineForPrograms) {
 
 TEST_P(PhoneLogcatTest, IsCleared) {
   Log("i", "Old", "to be cleared");
-  EXPECT_EQ(Succeed({"logcat", "--clear"}), "The log is empty.\n");
+  EXPECT_EQ(Succeed({"logcat", "--clear"}), "The log is cleared.\n");
   EXPECT_THAT(Succeed({"logcat", "--dump"}), Not(HasSubstr("to be cleared")));
   EXPECT_EQ(Run({"logcat", "--clear", "--dump"}).status, 2);
 }
@@ -89,7 +89,7 @@ TEST_P(PhoneLogcatTest, FailsWhenThePhoneGoes) {
   phones().Control({"TEST0001", "unplug"});
   const auto outcome = tool->Finish();
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_THAT(outcome.errors, testing::ContainsRegex("the log has ended|cannot go on with the log"));
+  EXPECT_THAT(outcome.errors, testing::ContainsRegex("the log has ended|cannot continue the log"));
 }
 
 TEST_P(PhoneLogcatTest, EndsWithItsReader) {

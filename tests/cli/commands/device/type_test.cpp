@@ -31,7 +31,7 @@ TEST_P(PhoneTypeTest, TypesEveryCharacterThatAPhoneCan) {
   std::string expected;
   for (const std::string text :
        {"it's $5 & more", "say \"hi\"", "\"quoted\"", "'quoted'", "\"", "'", "back\\slash\\", "100%s sure",
-        "%s", "`date`", "a;b|c>d<e", "(x)*[y]?{z}", "#!~^", "  two  blanks  "}) {
+        "%s", "`date`", "a;b|c>d<e", "(x)*[y]?{z}", "#!~^", "  two  spaces  "}) {
     Succeed({"type", "--", text});
     expected += text;
     EXPECT_EQ(Typed(), expected) << text;
@@ -41,7 +41,7 @@ TEST_P(PhoneTypeTest, TypesEveryCharacterThatAPhoneCan) {
 TEST_P(PhoneTypeTest, RefusesWhatAPhoneCannotType) {
   EXPECT_THAT(Fail({"type", "gr\xc3\xbc\xc3\x9f"}), HasSubstr("printable ASCII characters only"));
   EXPECT_THAT(Fail({"type", "two\nlines"}), HasSubstr("printable ASCII characters only"));
-  EXPECT_THAT(Fail({"type", ""}), HasSubstr("nothing to type"));
+  EXPECT_THAT(Fail({"type", ""}), HasSubstr("cannot type an empty text"));
   EXPECT_EQ(Run({"type"}).status, 2);
   EXPECT_EQ(Typed(), "");
 }

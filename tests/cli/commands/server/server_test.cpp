@@ -40,7 +40,7 @@ TEST_F(ServerTest, IsStarted) {
   MakeRecordingAdb();
   const auto outcome = Run({"server", "start"});
   EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(outcome.output, "The adb server runs.\n");
+  EXPECT_EQ(outcome.output, "The adb server is running.\n");
   EXPECT_EQ(outcome.errors, "");
   EXPECT_EQ(Words(), "start-server\n");
 }
@@ -109,17 +109,17 @@ TEST_F(ForcedServerTest, IsKilledWithWhatHoldsItsName) {
 }
 
 TEST_F(ForcedServerTest, IsRestarted) {
-  ExpectBesideVictim("restart --force", "The adb server runs.\nstatus 0\nvictim 137\n");
+  ExpectBesideVictim("restart --force", "The adb server is running.\nstatus 0\nvictim 137\n");
   EXPECT_TRUE(
       test::Eventually([this] { return Run({"devices"}).output.find("TEST0001") != std::string::npos; }));
 }
 
 TEST_F(ForcedServerTest, IsStartedAfterOneThatHangs) {
-  ExpectBesideVictim("start --force", "The adb server runs.\nstatus 0\nvictim 137\n");
+  ExpectBesideVictim("start --force", "The adb server is running.\nstatus 0\nvictim 137\n");
 }
 
 TEST_F(ForcedServerTest, IsNotKilledByAnOrdinaryStart) {
-  ExpectBesideVictim("start", "The adb server runs.\nstatus 0\nvictim 124\n");
+  ExpectBesideVictim("start", "The adb server is running.\nstatus 0\nvictim 124\n");
 }
 #endif
 

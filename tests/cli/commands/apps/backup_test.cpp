@@ -40,7 +40,8 @@ TEST_P(PhoneBackupTest, BringsTheDataBack) {
                            "Saved [0-9.]+ (B|KiB) in my \"notes\"\\.ab\\.\n"));
   EXPECT_THAT(test::ReadFile(File("work/my \"notes\".ab")), StartsWith("ANDROID BACKUP\n"));
   Shell("rm " + std::string(kNote));
-  EXPECT_THAT(Succeed({"restore", "my \"notes\".ab"}), HasSubstr("The phone has taken my \"notes\".ab.\n"));
+  EXPECT_THAT(Succeed({"restore", "my \"notes\".ab"}),
+              HasSubstr("The phone has received my \"notes\".ab.\n"));
   EXPECT_EQ(Shell("cat " + std::string(kNote)), "precious");
 }
 
@@ -71,7 +72,7 @@ TEST_P(PhoneBackupTest, CtrlCClosesTheQuestion) {
 
 TEST_P(PhoneBackupTest, EndsWhenTheQuestionIsClosedElsewhere) {
   auto tool = StartWaitingBackup();
-  EXPECT_EQ(Succeed({"backup-stop"}), "The phone asks no more.\n");
+  EXPECT_EQ(Succeed({"backup-stop"}), "The phone's question is closed.\n");
   const auto outcome = tool->Finish();
   EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(outcome.errors, HasSubstr("nothing was saved of com.example.notes"));

@@ -34,7 +34,7 @@ TEST_P(PhoneConnectionTest, AuthorizeGivesUpInTime) {
   SetState("unauthorized");
   const auto outcome = Run({"authorize", "--wait", "1"});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_THAT(outcome.errors, HasSubstr("TEST0001 was not allowed to trust this computer within 1 s"));
+  EXPECT_THAT(outcome.errors, HasSubstr("USB debugging was not allowed on TEST0001 within 1 s"));
   EXPECT_EQ(Succeed({"authorize", "-w", "0", "-q"}), "");
 }
 
@@ -54,17 +54,17 @@ TEST_P(PhoneConnectionTest, AuthorizeNeedsAnUnauthorizedDevice) {
 }
 
 TEST_P(PhoneConnectionTest, ReconnectOpensTheConnectionAgain) {
-  EXPECT_THAT(Succeed({"reconnect"}), StartsWith("adb was asked to open the connection again."));
+  EXPECT_THAT(Succeed({"reconnect"}), StartsWith("adb was asked to reconnect."));
   EXPECT_TRUE(Eventually([this] { return Answers(); }));
   MakeExecutable(File("refusing-adb"),
                  "#!/bin/sh\necho 'error: more than one device/emulator' >&2\nexit 1\n");
   EXPECT_THAT(Fail({"--adb", File("refusing-adb"), "reconnect"}),
-              HasSubstr("cannot open the connection again: adb exit status 1 (1001): "));
+              HasSubstr("cannot reconnect: adb exit status 1 (1001): "));
 }
 
 TEST_P(PhoneConnectionTest, RebootRestartsThePhone) {
   Shell("setprop darokleim.before.reboot 1");
-  EXPECT_EQ(Succeed({"reboot"}), "TEST0001 restarts.\n");
+  EXPECT_EQ(Succeed({"reboot"}), "TEST0001 is restarting.\n");
   EXPECT_TRUE(Eventually([this] { return Answers() && Shell("getprop darokleim.before.reboot").empty(); }));
   EXPECT_THAT(Fail({"-s", "NONE", "reboot"}), HasSubstr("ADB_RESULT_NO_DEVICE (24)"));
 }
@@ -72,7 +72,7 @@ TEST_P(PhoneConnectionTest, RebootRestartsThePhone) {
 TEST_P(PhoneConnectionTest, BusyboxIsInstalled) {
   MakeExecutable(File("busybox"), "#!/system/bin/sh\necho busy\n");
   EXPECT_EQ(Succeed({"--busybox", File("busybox"), "busybox"}),
-            "busybox is /data/local/tmp/busybox on the device.\n");
+            "busybox is at /data/local/tmp/busybox on the device.\n");
   EXPECT_EQ(Shell("/data/local/tmp/busybox"), "busy");
 }
 

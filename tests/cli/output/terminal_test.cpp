@@ -22,12 +22,12 @@ class TerminalTest : public PhoneToolTest {
   TerminalTest() { Set("TERM", "xterm"); }
 };
 
-TEST_P(TerminalTest, NamesCannotWreckIt) {
+TEST_P(TerminalTest, NamesCannotControlIt) {
   PutOnPhone("/sdcard/test/\x1b[2Jx", "x");
   EXPECT_THAT(OnTerminal({"exists", "/sdcard/test/\x1b[2Jx"}).output,
               HasSubstr("  /sdcard/test/\\x1b[2Jx\r\n"));
   EXPECT_THAT(OnTerminal({"stat", "/sdcard/\x1b[2Jnone"}).output,
-              AllOf(HasSubstr("there is no /sdcard/\\x1b[2Jnone"), Not(HasSubstr(kEscape))));
+              AllOf(HasSubstr("No such file: /sdcard/\\x1b[2Jnone"), Not(HasSubstr(kEscape))));
   EXPECT_EQ(Succeed({"exists", "/sdcard/test/\x1b[2Jx"}), "yes  /sdcard/test/\x1b[2Jx\n");
 }
 

@@ -58,7 +58,7 @@ TEST_F(CommandLineTest, AnOptionWithoutItsValueIsWrongUsage) {
   EXPECT_THAT(outcome.errors, HasSubstr("--adb"));
 }
 
-TEST_F(CommandLineTest, GlobalOptionsMayStandOnBothSidesOfTheCommand) {
+TEST_F(CommandLineTest, GlobalOptionsMayPrecedeAndFollowTheCommand) {
   MakeExecutable(File("other"), std::string("#!/bin/sh\n") + kTwoDevices);
   EXPECT_EQ(Run({"--adb", File("other"), "devices"}).status, 0);
   EXPECT_EQ(Run({"devices", "--adb", File("other")}).status, 0);

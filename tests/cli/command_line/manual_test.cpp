@@ -115,7 +115,16 @@ TEST_F(ManualTest, OfThePhoneNamesEverythingThatItsHelpDoes) {
   for (const auto& word : words) EXPECT_THAT(page, HasSubstr(word));
 }
 
-class FormattedManualTest : public ManualTest, public testing::WithParamInterface<std::string> {
+struct Page {
+  const char* name;
+  const char* path;
+};
+
+void PrintTo(const Page& page, std::ostream* stream) {
+  *stream << page.name;
+}
+
+class FormattedManualTest : public ManualTest, public testing::WithParamInterface<Page> {
  protected:
   // Formats the page without a warning.
   void ExpectNoWarning(const std::string& formatter) {
@@ -123,7 +132,7 @@ class FormattedManualTest : public ManualTest, public testing::WithParamInterfac
     if (RunShell("command -v " + formatter.substr(0, formatter.find(' '))).status != 0) {
       GTEST_SKIP() << formatter << " is not installed";
     }
-    const auto outcome = RunShell(formatter + " '" + GetParam() + "'");
+    const auto outcome = RunShell(formatter + " '" + std::string(GetParam().path) + "'");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.errors, "");
   }
@@ -138,12 +147,10 @@ TEST_P(FormattedManualTest, MandocFindsNoError) {
   ExpectNoWarning("mandoc -T lint -W error");
 }
 
-std::string NameOfPage(const testing::TestParamInfo<std::string>& page) {
-  return page.index == 0 ? "tool" : "phone";
-}
-
-INSTANTIATE_TEST_SUITE_P(, FormattedManualTest, testing::Values(DAROKLEIM_MANUAL, DAROKLEIM_PHONE_MANUAL),
-                         NameOfPage);
+INSTANTIATE_TEST_SUITE_P(, FormattedManualTest,
+                         testing::Values(Page{"tool", DAROKLEIM_MANUAL},
+                                         Page{"phone", DAROKLEIM_PHONE_MANUAL}),
+                         [](const auto& page) { return page.param.name; });
 
 }  // namespace
 }  // namespace darokleim::cli

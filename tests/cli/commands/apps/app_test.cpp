@@ -48,7 +48,7 @@ TEST_P(PhoneAppTest, InstallsAFileWithAnAwkwardName) {
 TEST_P(PhoneAppTest, SaysWhyAFileCannotBeInstalled) {
   EXPECT_THAT(Fail({"app", "install", "none.apk"}),
               HasSubstr("cannot install none.apk: No such file or directory."));
-  EXPECT_THAT(Fail({"app", "install", "."}), HasSubstr("it is not a file"));
+  EXPECT_THAT(Fail({"app", "install", "."}), HasSubstr("it is not a regular file"));
   EXPECT_THAT(Fail({"app", "install", Apk("notes-unsigned.apk")}),
               HasSubstr(is_legacy() ? "the package is not signed" : "ADB_RESULT_FAILURE (31)"));
   test::WriteFile(File("work/" + std::string(230, 'n') + ".apk"), "");
@@ -81,7 +81,7 @@ TEST_P(PhoneAppTest, InstallsAFileOfThePhone) {
             "The device reports no failure for /data/local/tmp/my notes.apk. See `darokleim app list`.\n");
   EXPECT_TRUE(HasNotes());
   EXPECT_THAT(Fail({"app", "install-from-device", "/data/local/tmp/none.apk"}),
-              HasSubstr("there is no such file on the device"));
+              HasSubstr("no such file on the device"));
 }
 
 TEST_P(PhoneAppTest, ListsPackages) {
@@ -180,7 +180,7 @@ TEST_P(PhoneAppTest, StartsAnActivity) {
   Succeed({"app", "start", "com.example.notes/.MainActivity", "--", "--es", "title", "it's $HOME & more"});
   EXPECT_EQ(Activities(), started + started);
   EXPECT_THAT(Fail({"app", "start", "com.example.notes/.Missing"}),
-              HasSubstr("the phone cannot start com.example.notes/.Missing: there is no such activity"));
+              HasSubstr("the phone cannot start com.example.notes/.Missing: no such activity"));
   EXPECT_EQ(Run({"app", "start", "com.example.notes"}).status, 2);
   EXPECT_THAT(Fail({"app", "start", "com.example.notes/." + std::string(500, 'A')}), HasSubstr("too long"));
 }

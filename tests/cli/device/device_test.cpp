@@ -60,14 +60,14 @@ TEST_F(DeviceChoiceTest, WithoutADeviceTheErrorSaysWhatToCheck) {
                                     HasSubstr("Name one with -s SERIAL")));
 }
 
-TEST_F(DeviceChoiceTest, WithoutOneThatIsReadyTheErrorTellsTheStates) {
+TEST_F(DeviceChoiceTest, WithoutOneThatIsReadyTheErrorShowsTheStates) {
   MakeAdbWith("AAA\\toffline\\n");
   const auto outcome = Run({"mkdir", "/sdcard/a"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(outcome.errors,
               AllOf(StartsWith("darokleim: no attached device is ready:\nSERIAL  STATE\nAAA     "
-                               "offline  Does not answer"),
-                    EndsWith("they have to be named.\n")));
+                               "offline  Does not respond"),
+                    EndsWith("name them.\n")));
 }
 
 TEST_F(DeviceChoiceTest, TheOptionWinsOverTheEnvironment) {
@@ -84,13 +84,17 @@ TEST_F(DeviceChoiceTest, TheEnvironmentNamesTheDevice) {
   EXPECT_EQ(AskedDevice(), "BBB");
 }
 
-TEST_F(DeviceChoiceTest, WhatIsNoSerialNumberIsRefused) {
+TEST_F(DeviceChoiceTest, AnInvalidSerialNumberIsRefused) {
   MakeAdbWith("AAA\\tdevice\\n");
   for (const char* serial : {"A B", "$(date)", "A;B", "\"A"}) {
     const auto outcome = Run({"-s", serial, "mkdir", "/sdcard/a"});
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_THAT(outcome.errors, HasSubstr("is no serial number"));
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_THAT(outcome.errors, HasSubstr("is not a valid serial number"));
   }
+  Set("ANDROID_SERIAL", "A B");
+  const auto outcome = Run({"mkdir", "/sdcard/a"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.errors, HasSubstr("ANDROID_SERIAL is \"A B\", which is not a valid serial number"));
   EXPECT_EQ(AskedDevice(), "");
 }
 
@@ -98,9 +102,9 @@ TEST_F(DeviceChoiceTest, AFailureWithoutAMessageIsExplainedByTheDevicesState) {
   MakeAdbWith("AAA\\toffline\\n");
   EXPECT_THAT(
       Run({"-s", "AAA", "mkdir", "/sdcard/a"}).errors,
-      StartsWith("darokleim: cannot make the folder /sdcard/a: the device AAA is offline. Does not answer"));
+      StartsWith("darokleim: cannot make the folder /sdcard/a: the device AAA is offline. Does not respond"));
   EXPECT_THAT(Run({"-s", "BBB", "mkdir", "/sdcard/a"}).errors,
-              StartsWith("darokleim: cannot make the folder /sdcard/a: no device BBB is attached."));
+              StartsWith("darokleim: cannot make the folder /sdcard/a: the device BBB is not attached."));
 }
 
 }  // namespace

@@ -51,7 +51,7 @@ TEST_P(PhoneTransferTest, AFileGoesThereAndBackUnderAnyName) {
   EXPECT_TRUE(fs::is_empty(File("work")));
 }
 
-TEST_P(PhoneTransferTest, TheReportTellsWhatWent) {
+TEST_P(PhoneTransferTest, TheReportNamesWhatWasTransferred) {
   test::WriteFile(Work("a"), std::string(3000, 'x'));
   EXPECT_THAT(Succeed({"push", Work("a"), "/sdcard/b"}),
               StartsWith(Work("a") + " -> /sdcard/b  1 file, 2.9 KiB, "));
@@ -103,23 +103,21 @@ TEST_P(PhoneTransferTest, AFolderGoesWithEverythingInIt) {
 TEST_P(PhoneTransferTest, SeveralNeedAFolder) {
   test::WriteFile(Work("a"), "1");
   test::WriteFile(Work("b"), "2");
-  EXPECT_THAT(Fail({"push", "a", "b", "/sdcard/none"}), HasSubstr("there is no such folder on the device"));
+  EXPECT_THAT(Fail({"push", "a", "b", "/sdcard/none"}), HasSubstr("no such folder on the device"));
   Succeed({"push", "a", "b", "/sdcard"});
   EXPECT_EQ(ReadFromPhone("/sdcard/b"), "2");
-  EXPECT_THAT(Fail({"pull", "/sdcard/a", "/sdcard/b", "none"}),
-              HasSubstr("there is no such folder on this computer"));
+  EXPECT_THAT(Fail({"pull", "/sdcard/a", "/sdcard/b", "none"}), HasSubstr("no such folder on this computer"));
   fs::create_directory(Work("into"));
   Succeed({"pull", "/sdcard/a", "/sdcard/b", "into"});
   EXPECT_EQ(test::ReadFile(Work("into/b")), "2");
 }
 
 TEST_P(PhoneTransferTest, ASourceMustBeThere) {
-  EXPECT_THAT(Fail({"push", "none", "/sdcard"}),
-              HasSubstr("there is no such file or folder on this computer"));
+  EXPECT_THAT(Fail({"push", "none", "/sdcard"}), HasSubstr("no such file or folder on this computer"));
   EXPECT_THAT(Fail({"push", "/dev/null", "/sdcard"}), HasSubstr("it is neither a file nor a folder"));
-  EXPECT_THAT(Fail({"pull", "/sdcard/none"}), HasSubstr("there is no /sdcard/none on the device"));
+  EXPECT_THAT(Fail({"pull", "/sdcard/none"}), HasSubstr("No such file: /sdcard/none."));
   PutOnPhone("/sdcard/a", "x");
-  EXPECT_THAT(Fail({"pull", "/sdcard/a", "none/a"}), HasSubstr("there is no folder"));
+  EXPECT_THAT(Fail({"pull", "/sdcard/a", "none/a"}), HasSubstr("no such folder on this computer: "));
 }
 
 TEST_P(PhoneTransferTest, AFileAndAFolderDoNotReplaceEachOther) {
@@ -128,12 +126,12 @@ TEST_P(PhoneTransferTest, AFileAndAFolderDoNotReplaceEachOther) {
   fs::create_directory(Work("a"));
   fs::create_directory(Work("c"));
   fs::create_directory(Work("c/b"));
-  EXPECT_THAT(Fail({"pull", "/sdcard/a/b", "c"}), HasSubstr("a folder stands at"));
-  EXPECT_THAT(Fail({"pull", "/sdcard/a", "b"}), HasSubstr("a file stands at"));
-  EXPECT_THAT(Fail({"push", "a", "/sdcard/a/b"}), HasSubstr("a file stands at"));
+  EXPECT_THAT(Fail({"pull", "/sdcard/a/b", "c"}), HasSubstr("/c/b is a folder."));
+  EXPECT_THAT(Fail({"pull", "/sdcard/a", "b"}), HasSubstr("/b is a file."));
+  EXPECT_THAT(Fail({"push", "a", "/sdcard/a/b"}), HasSubstr("/sdcard/a/b on the device is a file."));
 }
 
-TEST_P(PhoneTransferTest, AnUpdatePassesOverWhatIsAsNew) {
+TEST_P(PhoneTransferTest, AnUpdateSkipsWhatIsAsNew) {
   test::WriteFile(Work("a"), "1");
   PutOnPhone("/sdcard/a", "newer");
   Shell("touch -d 2037-01-01T00:00:00Z /sdcard/a");
@@ -143,7 +141,7 @@ TEST_P(PhoneTransferTest, AnUpdatePassesOverWhatIsAsNew) {
   EXPECT_EQ(ReadFromPhone("/sdcard/a"), "1");
 }
 
-TEST_P(PhoneTransferTest, ABrokenPullKeepsWhatWasThere) {
+TEST_P(PhoneTransferTest, ABrokenPullKeepsTheOlderFile) {
   PutOnPhone("/sdcard/big", std::string(3 << 20, 'x'));
   test::WriteFile(Work("big"), "old");
   SwitchOn("drop-after=1M");
@@ -153,7 +151,7 @@ TEST_P(PhoneTransferTest, ABrokenPullKeepsWhatWasThere) {
   EXPECT_THAT(NamesIn(File("work")), testing::ElementsAre("big"));
 }
 
-TEST_P(PhoneTransferTest, AFullStorageKeepsWhatWasThere) {
+TEST_P(PhoneTransferTest, AFullStorageKeepsTheOlderFile) {
   PutOnPhone("/sdcard/a", "old");
   test::WriteFile(Work("a"), std::string(3 << 20, 'x'));
   SwitchOn("full-storage");
@@ -189,7 +187,7 @@ TEST_P(PhoneTransferTest, ACancelledPushLeavesNothing) {
   EXPECT_EQ(Shell("ls -a /sdcard/ | grep unfinished"), "");
 }
 
-TEST_P(PhoneTransferTest, OfACancelledFolderNoHalfFileStays) {
+TEST_P(PhoneTransferTest, ACancelledFolderLeavesNoIncompleteFile) {
   fs::create_directory(Work("folder"));
   test::WriteFile(Work("folder/a"), "whole");
   test::WriteFile(Work("folder/b"), "");
@@ -214,7 +212,7 @@ TEST_P(PhoneTransferTest, AScreenshotIsAPicture) {
   EXPECT_EQ(json["size"].asUInt64(), fs::file_size(json["path"].asString()));
   Succeed({"screenshot", "--on-device", "/sdcard/my \"screen\".png"});
   EXPECT_THAT(ReadFromPhone("/sdcard/my \"screen\".png"), StartsWith(png_signature));
-  EXPECT_THAT(Fail({"screenshot", "none/a.png"}), HasSubstr("there is no such folder"));
+  EXPECT_THAT(Fail({"screenshot", "none/a.png"}), HasSubstr("no such folder"));
 }
 
 INSTANTIATE_FOR_BOTH_PHONES(PhoneTransferTest);

@@ -125,7 +125,7 @@ TEST_P(PhoneListingTest, FilesAreFoundByTheEndsOfTheirNames) {
                                    "/sdcard/test/photos/2020/b.JPG"));
   EXPECT_EQ(Succeed({"find", "-0", "/sdcard/test", "txt"}), std::string("/sdcard/test/a.txt\0", 19));
   EXPECT_EQ(Succeed({"find", "/sdcard/test", "nothing"}), "");
-  EXPECT_THAT(Fail({"find", "/sdcard/test", "a;b"}), HasSubstr("is no suffix"));
+  EXPECT_THAT(Misuse({"find", "/sdcard/test", "a;b"}), HasSubstr("is not a valid suffix"));
   EXPECT_THAT(Fail({"find", "/sdcard/test", std::string(1000, 'x')}), HasSubstr("too long"));
 }
 
@@ -133,7 +133,7 @@ TEST_P(PhoneListingTest, WithoutFindPlainPathsAreSearchedAndOthersRefused) {
   SwitchOn("no-find");
   EXPECT_EQ(Succeed({"find", "/sdcard/test", "txt"}), "/sdcard/test/a.txt\n");
   PutOnPhone("/sdcard/a b/c.txt", "x");
-  EXPECT_THAT(Fail({"find", "/sdcard/a b", "txt"}), HasSubstr("this device has no find"));
+  EXPECT_THAT(Fail({"find", "/sdcard/a b", "txt"}), HasSubstr("this device does not have find"));
 }
 
 TEST_P(PhoneListingTest, WithoutABusyboxNothingIsMeasured) {
@@ -165,7 +165,7 @@ TEST_P(PhoneListingTest, BytesThatAreNotUtf8AreOwnedUpTo) {
   PutOnPhone("/sdcard/latin/caf\xe9", "x");
   const auto outcome = Run({"ls", "/sdcard/latin"});
   EXPECT_EQ(outcome.status, 0);
-  EXPECT_THAT(outcome.errors, StartsWith("darokleim: warning: bytes that are not UTF-8 in 1 name: "));
+  EXPECT_THAT(outcome.errors, StartsWith("darokleim: warning: 1 name with bytes that are not UTF-8: "));
   EXPECT_EQ(Run({"stat", "/sdcard/latin/caf\xe9"}).status, 0);
   EXPECT_THAT(Run({"stat", "/sdcard/latin/caf\xe9"}).output, HasSubstr("/sdcard/latin/caf\xe9\n"));
   EXPECT_EQ(ParseJson(Run({"stat", "--json", "/sdcard/latin/caf\xe9"}).output)[0]["path"],

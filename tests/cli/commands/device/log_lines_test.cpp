@@ -1,6 +1,7 @@
 #include "tools/cli/commands/device/log_lines.h"
 
 #include <gtest/gtest.h>
+#include <json/value.h>
 #include <unistd.h>
 
 #include <array>

@@ -1,4 +1,4 @@
-// What the shells are told may come next, and the completions of bash and zsh over it.
+// `darokleim complete`, and the completions of bash and zsh on top of it.
 #include <gmock/gmock.h>
 #include <stdlib.h>
 
@@ -55,7 +55,7 @@ TEST_F(CompletionTest, OffersOptionsOfTheCommandAndOfTheTool) {
   EXPECT_THAT(Complete({"app", "list", "--p"}), ElementsAre("--paths"));
 }
 
-TEST_F(CompletionTest, OffersFilesOfThisComputerWhereTheyBelong) {
+TEST_F(CompletionTest, OffersFilesOfThisComputerForHostPaths) {
   EXPECT_THAT(Complete({"--adb", ""}), ElementsAre(":files"));
   EXPECT_THAT(Complete({"--log-dir", ""}), ElementsAre(":directories"));
   EXPECT_THAT(Complete({"app", "install", ""}), ElementsAre(":files"));
@@ -63,6 +63,9 @@ TEST_F(CompletionTest, OffersFilesOfThisComputerWhereTheyBelong) {
   EXPECT_THAT(Complete({"app", "install-multiple", "a.apk", ""}), ElementsAre(":files"));
   EXPECT_THAT(Complete({"restore", ""}), ElementsAre(":files"));
   EXPECT_THAT(Complete({"forward", "add", ""}), IsEmpty());
+  EXPECT_THAT(Complete({"push", ""}), ElementsAre(":files"));
+  EXPECT_THAT(Complete({"pull", ""}), IsEmpty());
+  EXPECT_THAT(Complete({"pull", "/sdcard/a", ""}), ElementsAre(":files"));
 }
 
 TEST_F(CompletionTest, OffersNamedValues) {
@@ -85,7 +88,7 @@ printf 'package:com.example.notes\r\npackage:org.other\r\n')");
               UnorderedElementsAre("com.example.notes", "org.other"));
 }
 
-TEST_F(CompletionTest, SaysNothingOfWhatGoesWrong) {
+TEST_F(CompletionTest, ReportsNoErrors) {
   MakeAdb("echo broken; exit 1");
   EXPECT_THAT(Complete({"-s", ""}), IsEmpty());
   EXPECT_THAT(Complete({"app", "version", ""}), IsEmpty());
@@ -94,7 +97,7 @@ TEST_F(CompletionTest, SaysNothingOfWhatGoesWrong) {
 
 class BashCompletionTest : public CompletionTest {
  protected:
-  // The words that a real bash offers behind `words`, the last of which is unfinished.
+  // The words that a real bash offers after `words`, the last of which is unfinished.
   std::vector<std::string> Bash(const Words& words) const {
     std::string script =
         "source '" DAROKLEIM_COMPLETIONS "/darokleim.bash'\ncd '" + File("") + "'\nCOMP_WORDS=(\"$TOOL\"";
@@ -115,7 +118,7 @@ TEST_F(BashCompletionTest, OffersWhatTheToolKnows) {
   EXPECT_THAT(Bash({"logcat", "--d"}), ElementsAre("--dump"));
 }
 
-TEST_F(BashCompletionTest, OffersFilesWithBlanksInTheirNames) {
+TEST_F(BashCompletionTest, OffersFilesWithSpacesInTheirNames) {
   test::WriteFile(File("my notes.apk"), "");
   EXPECT_THAT(Bash({"app", "install", "my"}), ElementsAre("my notes.apk"));
   EXPECT_THAT(Bash({"--log-dir", "hom"}), ElementsAre("home"));

@@ -17,7 +17,7 @@ using std::chrono::steady_clock;
 
 class CancelTest : public ToolTest {
  protected:
-  // An adb that tells its process id and then hangs.
+  // An adb that writes its process id and then hangs.
   void MakeHangingAdb() const { MakeAdb("echo $$ >" + File("pid") + "\nexec /bin/sleep 100\n"); }
 
   pid_t WaitForAdb() const {
