@@ -1,5 +1,8 @@
 // The four functions of the channel.
 #include <exception>
+#include <filesystem>
+#include <string>
+#include <system_error>
 
 #include "channel/channel_log.h"
 #include "channel/direct/run.h"
@@ -27,6 +30,14 @@ int WithoutException(Function function) {
   }
 }
 
+// So that a host that changes its directory later runs the same adb. A path that cannot be made absolute stays.
+std::string AbsolutePath(const char* path) {
+  if (*path == '\0') return path;
+  std::error_code error;
+  const std::filesystem::path absolute = std::filesystem::absolute(path, error);
+  return error ? path : absolute.native();
+}
+
 int RunByRoute(const Settings& settings, const Command& command, const CancelFlag& cancel,
                OutputBuffer* output, Route* route) {
   if (settings.mode == Mode::kDirect) {
@@ -34,7 +45,7 @@ int RunByRoute(const Settings& settings, const Command& command, const CancelFla
     if (const auto ending = direct::Run(command, {.interrupt = &interrupt}, output)) {
       *route = Route::kDirect;
       if (output->status() != kDelivered) return output->status();
-      return direct::StatusOf(command, *ending, [&] { return HasFailureLine(output->text()); });
+      return direct::StatusOf(command, *ending, output->text());
     }
   }
   return RunAdb(settings.adb_path, command, cancel, output);
@@ -53,7 +64,9 @@ int Run(const Settings& settings, const char* args, const CancelFlag& cancel, Ou
 int RunIntoBuffer(const Settings& settings, const char* args, const bool* cancel, char** out, int* out_len,
                   Route* route) {
   OutputBuffer output;
-  const int status = Run(settings, args, CancelFlag(cancel), &output, route);
+  const CancelFlag flag(cancel, settings.time_limit);
+  const int status = Run(settings, args, flag, &output, route);
+  if (status == kCancelled && flag.TimeIsUp()) LogTimeIsUp();
   if (status >= kNotInitialised) return status;
   *out_len = static_cast<int>(output.text().size());
   *out = output.Release();
@@ -67,9 +80,9 @@ extern "C" {
 DAROKLEIM_CHANNEL_EXPORT int InitAdbCommuncation2Server(const char* adb_path, const char* log_dir,
                                                         const void* log_context) {
   return WithoutException([&]() -> int {
-    OpenLog(log_context, log_dir);
+    if (log_dir != nullptr) OpenLog(log_context, AbsolutePath(log_dir));
     if (adb_path == nullptr) return kBadArgument;
-    SetSettings({adb_path, ModeFromEnvironment()});
+    SetSettings({AbsolutePath(adb_path), ModeFromEnvironment(), TimeLimitFromEnvironment()});
     return kDelivered;
   });
 }

@@ -8,8 +8,8 @@
 
 namespace darokleim::channel {
 
-// Opens adb_channel.log in log_dir. Where log_dir is null or the file cannot be opened, the channel works without a log.
-void OpenLog(const void* log_context, const char* log_dir);
+// Opens adb_channel.log in log_dir. When it cannot be opened, the channel works without a log.
+void OpenLog(const void* log_context, const std::string& log_dir);
 
 // error: an errno value.
 void LogNotStarted(const std::string& program, int error);
@@ -18,6 +18,9 @@ void LogNotices(std::string_view notices);
 
 // An environment variable whose value is not used as it is.
 void LogIgnoredVariable(const char* name, const char* value, const char* reason);
+
+// The command whose line comes next was ended because its time was up.
+void LogTimeIsUp();
 
 // How a command was run.
 enum class Route {

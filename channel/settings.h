@@ -2,6 +2,7 @@
 #ifndef DAROKLEIM_CHANNEL_SETTINGS_H
 #define DAROKLEIM_CHANNEL_SETTINGS_H
 
+#include <chrono>
 #include <optional>
 #include <string>
 
@@ -19,6 +20,9 @@ enum class Mode {
 struct Settings {
   std::string adb_path;
   Mode mode = Mode::kPlain;
+  std::optional<std::chrono::milliseconds> time_limit = std::nullopt;  // of one command; streams have none
+
+  bool operator==(const Settings&) const = default;
 
   Assist assist() const { return mode == Mode::kPlain ? Assist::kOff : Assist::kOn; }
 };
@@ -27,7 +31,11 @@ struct Settings {
 // name is kPlain and a line in the log.
 Mode ModeFromEnvironment();
 
-// Both may be called at any time from any thread. A later initialisation applies to the commands after it.
+// The limit that DAROKLEIM_CHANNEL_TIMEOUT sets, in seconds, perhaps with a fraction. 0 is none. A value that is not a
+// number, or not between 0 and a million, is none and a line in the log.
+std::optional<std::chrono::milliseconds> TimeLimitFromEnvironment();
+
+// Both may be called at any time from any thread, also in a child forked while another thread calls one. A later initialisation applies to the commands after it.
 void SetSettings(Settings settings);
 std::optional<Settings> CurrentSettings();
 

@@ -21,7 +21,8 @@ struct Command {
   DeviceCommand device;            // of a shell command
   LineEnds line_ends = LineEnds::kAsPrinted;
 
-  bool AnswersByText() const { return name == "shell" && device.answer == Answer::kText; }
+  // What decides whether the command has succeeded.
+  Answer answer() const { return name == "shell" ? device.answer : Answer::kExitStatus; }
   bool ReportsOnServer() const { return name == "start-server" || name == "kill-server"; }
 };
 

@@ -29,6 +29,7 @@ constexpr KnownCommand kKnownCommands[] = {
     {"getprop", {Answer::kText, LineEnds::kCrLf}},
     {"ip", {Answer::kText, LineEnds::kLf}},
     {"ls", {Answer::kText, LineEnds::kLf, kOneJoinedPath}},  // see LineEndsOfListing
+    // see InstallsOrUninstalls
     {"pm", {Answer::kText, LineEnds::kLf, {OperandCount::kOne, kDoubleInSingleQuotes}}},
     {"stat", {Answer::kText, LineEnds::kCrLf, kOneJoinedPath}},
 
@@ -70,6 +71,12 @@ LineEnds LineEndsOfListing(WordIterator word, WordIterator end) {
   return std::any_of(word, end, is_volume_list) ? LineEnds::kLf : LineEnds::kCrLf;
 }
 
+// The package manager may crash or be killed. Of its other commands (`pm path`, `pm list`) an exit status of 1 says that
+// there is nothing to print.
+bool InstallsOrUninstalls(WordIterator word, WordIterator end) {
+  return word != end && (word->text == "install" || word->text == "uninstall");
+}
+
 }  // namespace
 
 DeviceCommand FindDeviceCommand(const Words& words) {
@@ -79,6 +86,8 @@ DeviceCommand FindDeviceCommand(const Words& words) {
     if (known.name != name->text) continue;
     DeviceCommand command = known.properties;
     if (known.name == "ls") command.line_ends = LineEndsOfListing(name + 1, words.end());
+    if (known.name == "pm" && InstallsOrUninstalls(name + 1, words.end()))
+      command.answer = Answer::kStatedFailure;
     return command;
   }
   return {};

@@ -11,7 +11,8 @@
 namespace darokleim::channel {
 
 enum class Answer {
-  kText,        // prints its result or its error: the text decides, not the exit status
+  kText,  // prints its result or its error: the text decides, not the exit status
+  kStatedFailure,  // prints its result, but not always why it failed: the exit status decides unless the text states it
   kExitStatus,  // silent when it succeeds: the exit status decides
 };
 

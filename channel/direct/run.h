@@ -28,13 +28,13 @@ struct Ending {
 // that answers. Nothing that the command is about has been asked for then.
 std::optional<Ending> Run(const Command& command, const adb::Limits& limits, OutputSink* output);
 
-// The channel's status. failure_line says whether the output has a line in which adb says that it failed; it is called only
-// when it matters. Of kOutputRefused the sink knows the reason.
-template <typename HasFailureLine>
-int StatusOf(const Command& command, const Ending& ending, HasFailureLine has_failure_line) {
+// The channel's status. output: the text that was printed, or the scanner of its failure lines. Of kOutputRefused the sink
+// knows the reason.
+template <typename Output>
+int StatusOf(const Command& command, const Ending& ending, const Output& output) {
   switch (ending.kind) {
     case Ending::kExited:
-      return channel::StatusOf(command, {ExitOutcome::kExited, ending.exit_status}, has_failure_line);
+      return channel::StatusOf(command, {ExitOutcome::kExited, ending.exit_status}, output);
     case Ending::kCancelled:
       return kCancelled;
     case Ending::kBroken:

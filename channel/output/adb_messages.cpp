@@ -15,6 +15,22 @@ constexpr std::array<std::string_view, 5> kFailures = {"error: ", "adb: ", "* fa
                                                        "cannot connect"};
 constexpr size_t kLongestFailure = 14;
 
+// The messages of a phone's package manager and shell that have a result code: a text with one of them states the failure
+// itself. and_part: what must be in the text, too.
+struct StatedFailure {
+  std::string_view message, and_part;
+};
+constexpr StatedFailure kStatedFailures[] = {
+    {"Failure", ""},
+    {"No such file or directory", ""},
+    {"/system/bin/sh", "not found"},
+    {"device", "not found"},
+    {"no closing quote", ""},
+    {"not enough space", ""},
+    {"No space left on device", ""},
+    {"Shell does not have permission to access user", ""},
+};
+
 bool BeginsWith(std::string_view text, std::string_view begin) {
   return text.substr(0, begin.size()) == begin;
 }
@@ -33,6 +49,39 @@ size_t LengthOfCompleteNotices(std::string_view text) {
     if (line_break == std::string_view::npos || !IsNotice(rest.substr(0, line_break))) return length;
     length += line_break + 1;
   }
+}
+
+bool StatesFailure(std::string_view text) {
+  const auto is_in_text = [&](std::string_view part) { return text.find(part) != std::string_view::npos; };
+  return std::any_of(std::begin(kStatedFailures), std::end(kStatedFailures),
+                     [&](const StatedFailure& failure) {
+                       return is_in_text(failure.message) && is_in_text(failure.and_part);
+                     });
+}
+
+bool HasFailureLine(std::string_view text) {
+  FailureLineScanner scanner;
+  scanner.Scan(text);
+  return scanner.Found();
+}
+
+// The functions are called only when their result matters.
+template <typename HasFailureLine, typename StatesFailure>
+int Decide(const Command& command, const ExitOutcome& exit, HasFailureLine has_failure_line,
+           StatesFailure states_failure) {
+  switch (exit.kind) {
+    case ExitOutcome::kSignalled:
+      return kSignalBase + exit.number;
+    case ExitOutcome::kUnknown:
+      return has_failure_line() ? kExitStatusBase + 1 : int{kDelivered};
+    case ExitOutcome::kExited:
+      break;
+  }
+  if (exit.number == 0) return kDelivered;
+  const Answer answer = command.answer();
+  const bool text_decides = answer == Answer::kText || (answer == Answer::kStatedFailure && states_failure());
+  if (text_decides && !has_failure_line()) return kDelivered;
+  return kExitStatusBase + exit.number;
 }
 
 }  // namespace
@@ -69,10 +118,14 @@ void FailureLineScanner::Scan(std::string_view piece) {
   }
 }
 
-bool HasFailureLine(std::string_view text) {
-  FailureLineScanner scanner;
-  scanner.Scan(text);
-  return scanner.Found();
+int StatusOf(const Command& command, const ExitOutcome& exit, std::string_view output) {
+  return Decide(
+      command, exit, [&] { return HasFailureLine(output); }, [&] { return StatesFailure(output); });
+}
+
+int StatusOf(const Command& command, const ExitOutcome& exit, const FailureLineScanner& output) {
+  return Decide(
+      command, exit, [&] { return output.Found(); }, [] { return false; });
 }
 
 }  // namespace darokleim::channel

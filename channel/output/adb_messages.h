@@ -34,26 +34,14 @@ class FailureLineScanner {
   bool found_ = false;
 };
 
-bool HasFailureLine(std::string_view text);
-
 // Phones since Android 7 pass the exit status of a shell command through adb, older ones never do, and the SDK's
 // result codes are meant for the older way: where a command answers by text, the text decides unless adb itself
-// failed. has_failure_line says whether adb printed a failure line; it also decides where the exit status is not
-// available. It is called only when it matters.
-template <typename HasFailureLine>
-int StatusOf(const Command& command, const ExitOutcome& exit, HasFailureLine has_failure_line) {
-  switch (exit.kind) {
-    case ExitOutcome::kSignalled:
-      return kSignalBase + exit.number;
-    case ExitOutcome::kUnknown:
-      return has_failure_line() ? kExitStatusBase + 1 : int{kDelivered};
-    case ExitOutcome::kExited:
-      break;
-  }
-  if (exit.number == 0) return kDelivered;
-  if (command.AnswersByText() && !has_failure_line()) return kDelivered;
-  return kExitStatusBase + exit.number;
-}
+// failed, which a failure line says. Failure lines also decide where the exit status is not available. For a command
+// that may fail without a word, the exit status decides unless the text states a failure that has a result code.
+int StatusOf(const Command& command, const ExitOutcome& exit, std::string_view output);
+
+// The same for output that is not kept. Here no text states a failure of the device's command.
+int StatusOf(const Command& command, const ExitOutcome& exit, const FailureLineScanner& output);
 
 }  // namespace darokleim::channel
 

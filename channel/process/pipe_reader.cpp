@@ -12,8 +12,8 @@ namespace {
 
 constexpr size_t kUnlimited = std::numeric_limits<size_t>::max();
 
-ReadResult ResultOfFailure() {
-  return errno == EAGAIN || errno == EINTR ? ReadResult::kNothingYet : ReadResult::kEnd;
+bool CanBeRepeated(int error) {
+  return error == EAGAIN || error == EINTR;
 }
 
 }  // namespace
@@ -22,7 +22,7 @@ ReadResult PipeReader::ReadFrom(int fd, size_t limit) {
   const std::span<char> room = sink_->Room();
   if (room.empty()) return ReadResult::kSinkFull;
   const ssize_t count = read(fd, room.data(), std::min(room.size(), limit));
-  if (count < 0) return ResultOfFailure();
+  if (count < 0) return CanBeRepeated(errno) ? ReadResult::kNothingYet : ReadResult::kEnd;
   if (count == 0) return ReadResult::kEnd;
   last_count_ = static_cast<size_t>(count);
   sink_->Commit(last_count_);
@@ -42,7 +42,12 @@ ReadResult PipeReader::Read() {
 ReadResult PipeReader::ReadThroughRelay() {
   const ssize_t moved = relay_.MoveFrom(output_);
   if (moved == 0) return ReadResult::kEnd;
-  if (moved < 0) return ResultOfFailure();
+  if (moved < 0) {
+    if (CanBeRepeated(errno)) return ReadResult::kNothingYet;
+    // A sandbox may forbid the call. The relay is empty: each time, all that was moved has been read.
+    relay_.Close();
+    return ReadFrom(output_, kUnlimited);
+  }
   for (size_t left = static_cast<size_t>(moved); left > 0; left -= last_count_) {
     ReadResult result = ReadResult::kNothingYet;
     while (result == ReadResult::kNothingYet) result = ReadFrom(relay_.output(), left);

@@ -19,6 +19,10 @@ class PipeRelay {
   // Enlarges adb's pipe and opens the relay. Where the system refuses either, the relay remains closed.
   void Open(int adb_output);
   bool IsOpen() const { return in_.valid(); }
+  void Close() {
+    in_.Reset();
+    out_.Reset();
+  }
 
   // Moves what is in adb's pipe into the relay. Returns the number of bytes; 0 at the end; -1 with errno set.
   ssize_t MoveFrom(int adb_output);

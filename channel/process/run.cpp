@@ -37,7 +37,7 @@ int RunAdb(const std::string& adb_path, const Command& command, const CancelFlag
   ExitOutcome exit;
   const Status ran = RunToEnd(adb_path, command, cancel, output, &exit);
   if (ran != kDelivered) return ran;
-  const int status = StatusOf(command, exit, [&] { return HasFailureLine(output->text()); });
+  const int status = StatusOf(command, exit, output->text());
   DropNotices(command, output);
   return status;
 }

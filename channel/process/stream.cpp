@@ -68,8 +68,7 @@ void Stream::RunThroughAdb() {
   const ExitOutcome exit = child_->Reap();
   if (end == ReadingEnd::kOutputComplete && !stopping_) DeliverFrom([this] { return filter_.Finish(); });
   const bool cancelled = end == ReadingEnd::kCancelled;
-  Finish(Route::kAdb,
-         cancelled ? int{kCancelled} : StatusOf(command_, exit, [this] { return failures_.Found(); }));
+  Finish(Route::kAdb, cancelled ? int{kCancelled} : StatusOf(command_, exit, failures_));
 }
 
 void Stream::RunDirectly() {
@@ -81,7 +80,7 @@ void Stream::RunDirectly() {
   }
   if (!ending) return RunThroughAdbAfterAll();
   if (ending->kind == direct::Ending::kExited && !stopping_) DeliverFrom([this] { return filter_.Finish(); });
-  Finish(Route::kDirect, direct::StatusOf(command_, *ending, [this] { return failures_.Found(); }));
+  Finish(Route::kDirect, direct::StatusOf(command_, *ending, failures_));
 }
 
 void Stream::RunThroughAdbAfterAll() {

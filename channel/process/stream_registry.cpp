@@ -2,46 +2,43 @@
 
 #include <unistd.h>
 
+#include <atomic>
 #include <exception>
 #include <list>
 #include <memory>
+#include <mutex>
 
 namespace darokleim::channel {
 namespace {
 
 using StreamList = std::list<std::unique_ptr<Stream>>;
 
+// The streams of one process.
 class Registry {
  public:
-  ~Registry() { StopAll(); }
+  // A fork has neither the threads nor the children of its parent's streams, and their list may be incomplete.
+  ~Registry() {
+    if (IsOfThisProcess()) {
+      StopAll();
+    } else {
+      static_cast<void>(streams_.release());
+    }
+  }
 
-  int Start(const Settings& settings, const char* arguments, const CancelFlag& cancel,
-            const OutputReceiver& receiver) {
+  bool IsOfThisProcess() const { return owner_ == getpid(); }
+
+  Status Start(const Settings& settings, const char* arguments, const CancelFlag& cancel,
+               const OutputReceiver& receiver) {
     StreamList added;
     added.push_back(std::make_unique<Stream>(settings, arguments, cancel, receiver));
     const std::lock_guard lock(mutex_);
     if (closed_) return kNotInitialised;
-    if (owner_ != getpid()) Abandon(&streams_);
-    owner_ = getpid();
     JoinFinished();
     // Listed before it runs: its receiver may end the process in its first call.
-    streams_.splice(streams_.end(), added);
-    const Status started = Started(streams_.back().get());
-    if (started != kDelivered) streams_.pop_back();
+    streams_->splice(streams_->end(), added);
+    const Status started = Started(streams_->back().get());
+    if (started != kDelivered) streams_->pop_back();
     return started;
-  }
-
- private:
-  static Status Started(Stream* stream) try { return stream->Start(); } catch (const std::exception&) {
-    return kSystemRefused;
-  }
-
-  void JoinFinished() {
-    streams_.remove_if([](const std::unique_ptr<Stream>& stream) {
-      if (!stream->Finished()) return false;
-      stream->Join();
-      return true;
-    });
   }
 
   // A thread must not continue in code that is being unloaded, so each is waited for. But a receiver that does not
@@ -50,7 +47,6 @@ class Registry {
     constexpr std::chrono::milliseconds kGrace{40};
     constexpr std::chrono::seconds kReceiverTimeout{3};
 
-    if (owner_ != getpid()) return Abandon(&streams_);
     StreamList streams = Close();
     const Stream::Clock::time_point start = Stream::Clock::now();
     for (const auto& stream : streams) stream->Stop();
@@ -65,33 +61,65 @@ class Registry {
     Abandon(&streams);
   }
 
+ private:
+  static Status Started(Stream* stream) try { return stream->Start(); } catch (const std::exception&) {
+    return kSystemRefused;
+  }
+
+  void JoinFinished() {
+    streams_->remove_if([](const std::unique_ptr<Stream>& stream) {
+      if (!stream->Finished()) return false;
+      stream->Join();
+      return true;
+    });
+  }
+
   StreamList Close() {
     const std::lock_guard lock(mutex_);
     closed_ = true;
-    return std::move(streams_);
+    return std::move(*streams_);
   }
 
-  // For streams whose receiver does not return, and in a fork for the streams of the parent: a fork has neither their
-  // threads nor their children.
+  // For streams whose receiver does not return.
   static void Abandon(StreamList* streams) {
     for (auto& stream : *streams) static_cast<void>(stream.release());
     streams->clear();
   }
 
+  const pid_t owner_ = getpid();
   std::mutex mutex_;
-  StreamList streams_;
-  std::atomic<pid_t> owner_ = -1;  // the process whose streams these are
+  std::unique_ptr<StreamList> streams_ = std::make_unique<StreamList>();
   bool closed_ = false;
 };
 
-Registry registry;
+Registry of_first_process;
+std::atomic<Registry*> current = &of_first_process;
+
+// At unload and at exit of a fork; that of the first process stops its streams itself.
+struct ForkCloser {
+  ~ForkCloser() {
+    Registry* const registry = current;
+    if (registry != &of_first_process && registry->IsOfThisProcess()) registry->StopAll();
+  }
+} fork_closer;
+
+// A fork gets a registry of its own: the mutex of its parent's may have been locked by a thread that the fork does not
+// have.
+Registry* RegistryOfThisProcess() {
+  Registry* registry = current;
+  while (!registry->IsOfThisProcess()) {
+    auto own = std::make_unique<Registry>();
+    if (current.compare_exchange_strong(registry, own.get())) return own.release();
+  }
+  return registry;
+}
 
 }  // namespace
 
 int StartStream(const Settings& settings, const char* arguments, const CancelFlag& cancel,
                 const OutputReceiver& receiver) {
   if (cancel.IsSet()) return kCancelled;
-  return registry.Start(settings, arguments, cancel, receiver);
+  return RegistryOfThisProcess()->Start(settings, arguments, cancel, receiver);
 }
 
 }  // namespace darokleim::channel

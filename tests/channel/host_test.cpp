@@ -246,6 +246,54 @@ TEST_F(HostTest, OutOfMemory) {
 }
 #endif
 
+TEST_F(HostTest, InAChildForkedWhileOthersRunCommands) {
+  test::InProcessOfItsOwn([&] {
+    constexpr int kChildren = 150;
+    std::atomic<bool> done = false;
+    std::vector<std::thread> others;
+    for (int i = 0; i < 4; ++i) {
+      others.emplace_back([&, i] {
+        while (!done) {
+          if (i % 2 == 0) {
+            UseAdb(i == 0 ? DAROKLEIM_MISBEHAVING_ADB : "/missing");
+          } else {
+            ExecuteAdbCommandAnsynchronization(" exit:0", nullptr, nullptr, nullptr);
+          }
+        }
+      });
+    }
+    for (int i = 0; i < kChildren; ++i) {
+      const pid_t child = fork();
+      if (child == 0) {
+        alarm(20);  // ends a child that hangs
+        UseAdb(DAROKLEIM_MISBEHAVING_ADB);
+        const bool runs = RunAdb(" print:a exit:3").status == 1003;
+        const int streams = ExecuteAdbCommandAnsynchronization(" exit:0", nullptr, nullptr, nullptr);
+        _exit(runs && streams == 0 ? 0 : 1);
+      }
+      int status = -1;
+      ASSERT_EQ(waitpid(child, &status, 0), child);
+      EXPECT_EQ(status, 0) << i;
+    }
+    done = true;
+    for (std::thread& other : others) other.join();
+  });
+}
+
+TEST_F(HostTest, ChangingItsDirectory) {
+  test::InProcessOfItsOwn([&] {
+    for (const char* folder : {"own", "other"}) {
+      std::filesystem::create_directories(File(folder) + "/resources");
+      test::WriteFile(File(folder) + "/resources/adb", std::string("#!/bin/sh\necho ") + folder + "\n");
+      chmod((File(folder) + "/resources/adb").c_str(), 0755);
+    }
+    std::filesystem::current_path(File("own"));
+    UseAdb("resources/adb");
+    std::filesystem::current_path(File("other"));
+    EXPECT_EQ(RunAdb(" devices").output, "own\n");
+  });
+}
+
 TEST_F(HostTest, WithAnotherThreadsChildren) {
   // A program that another thread starts at any moment must not hold this call's pipe.
   std::atomic<bool> done = false;
@@ -267,17 +315,22 @@ TEST_F(HostTest, WithAnotherThreadsChildren) {
 }
 
 #if defined(__linux__)
-// As on a kernel before 5.3, or in a sandbox.
-void ForbidPidfds() {
+// Makes a system call fail in this process, as a sandbox does.
+void Forbid(unsigned call, unsigned error) {
   const sock_filter instructions[] = {
       BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_pidfd_open, 0, 1),
-      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOSYS),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, call, 0, 1),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | error),
       BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
   };
   const sock_fprog program = {4, const_cast<sock_filter*>(instructions)};
   ASSERT_EQ(prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0), 0);
   ASSERT_EQ(prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program), 0);
+}
+
+// As on a kernel before 5.3, or in a sandbox.
+void ForbidPidfds() {
+  Forbid(SYS_pidfd_open, ENOSYS);
   ASSERT_EQ(syscall(SYS_pidfd_open, getpid(), 0), -1);
 }
 
@@ -297,6 +350,19 @@ TEST_F(HostTest, WithoutPidfds) {
       canceller.join();
       EXPECT_FALSE(Runs(PidIn(File("pid"))));
       unlink(File("pid").c_str());
+    }
+  });
+}
+
+TEST_F(HostTest, WithoutSplice) {
+  test::InProcessOfItsOwn([&] {
+    for (const unsigned error : {EPERM, ENOSYS, EINVAL}) {
+      Forbid(SYS_splice, error);
+      alarm(30);  // ends a call that hangs
+      const Result result = RunAdb(" print:> flood:33554432 print:< exit:3");
+      EXPECT_EQ(result.status, 1003);
+      EXPECT_EQ(result.output.size(), 33554434u);
+      EXPECT_TRUE(result.output.starts_with('>') && result.output.ends_with('<'));
     }
   });
 }

@@ -5,6 +5,7 @@
 //   print:TEXT     on standard output; \s \n \r \0 \\ mean space, line feed, carriage return, NUL, backslash
 //   error:TEXT     the same on standard error
 //   flood:BYTES    prints so many bytes, 'x', in large pieces
+//   byte:NUMBER    floods consist of this byte from now on
 //   flood-for-ever
 //   sleep:MS       does nothing for so long
 //   exit:STATUS    ends
@@ -58,9 +59,11 @@ static void WriteEscaped(int fd, const char* text) {
   }
 }
 
+static int flood_byte = 'x';
+
 static void Flood(unsigned long long left) {
   static char piece[64 * 1024];
-  memset(piece, 'x', sizeof piece);
+  memset(piece, flood_byte, sizeof piece);
   while (left > 0) {
     const size_t length = left < sizeof piece ? (size_t)left : sizeof piece;
     Write(STDOUT_FILENO, piece, length);
@@ -145,6 +148,8 @@ static void Do(const char* word, int argc, char** argv) {
     WriteEscaped(STDERR_FILENO, value);
   } else if ((value = ValueOf(word, "flood:"))) {
     Flood(strtoull(value, NULL, 10));
+  } else if ((value = ValueOf(word, "byte:"))) {
+    flood_byte = atoi(value);
   } else if (strcmp(word, "flood-for-ever") == 0) {
     for (;;) Flood(1 << 20);
   } else if ((value = ValueOf(word, "sleep:"))) {

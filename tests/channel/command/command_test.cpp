@@ -25,7 +25,7 @@ TEST(Command, IsTheFirstWordAfterAdbsOwnOptions) {
         "--reply-fd 7 shell ls", "--exit-on-write-error shell ls"}) {
     EXPECT_EQ(Plain(arguments).name, "shell") << arguments;
     EXPECT_EQ(Plain(arguments).words.back(), "ls") << arguments;
-    EXPECT_TRUE(Plain(arguments).AnswersByText()) << arguments;
+    EXPECT_EQ(Plain(arguments).answer(), Answer::kText) << arguments;
   }
 }
 
@@ -39,7 +39,7 @@ TEST(Command, MayBeMissing) {
 TEST(Command, IsSplitAtItsFirstSpace) {
   EXPECT_THAT(Plain(R"( -s X 'shell date +"%Y-%m-%d %H:%M:%S"')").words,
               ElementsAre("-s", "X", "shell", R"(date +"%Y-%m-%d %H:%M:%S")"));
-  EXPECT_TRUE(Plain(R"( -s X 'shell date +"%Y"')").AnswersByText());
+  EXPECT_EQ(Plain(R"( -s X 'shell date +"%Y"')").answer(), Answer::kText);
   EXPECT_THAT(Plain("'shell '").words, ElementsAre("shell"));
   EXPECT_THAT(Plain("' shell ls'").words, ElementsAre("shell", "ls"));
   EXPECT_THAT(Plain("push 'a b'").words, ElementsAre("push", "a b"));
@@ -49,14 +49,14 @@ TEST(Command, IsSplitAtItsFirstSpace) {
 TEST(Command, KnowsWhichAnswerByText) {
   for (const char* word :
        {"ls", "find", "du", "df", "stat", "getprop", "ip", "date", "pm", "am", "dumpsys"}) {
-    EXPECT_TRUE(Plain(std::string("-s X shell ") + word + " x").AnswersByText()) << word;
-    EXPECT_FALSE(Plain(std::string("-s X ") + word + " x").AnswersByText()) << word;
+    EXPECT_EQ(Plain(std::string("-s X shell ") + word + " x").answer(), Answer::kText) << word;
+    EXPECT_EQ(Plain(std::string("-s X ") + word + " x").answer(), Answer::kExitStatus) << word;
   }
   for (const char* word : {"cp", "rm", "mv", "mkdir", "chmod", "screencap", "input", "unheard-of", ""}) {
-    EXPECT_FALSE(Plain(std::string("-s X shell ") + word).AnswersByText()) << word;
+    EXPECT_EQ(Plain(std::string("-s X shell ") + word).answer(), Answer::kExitStatus) << word;
   }
-  EXPECT_TRUE(Plain("shell -T -n ls").AnswersByText());
-  EXPECT_TRUE(Plain("shell -e none ls").AnswersByText());
+  EXPECT_EQ(Plain("shell -T -n ls").answer(), Answer::kText);
+  EXPECT_EQ(Plain("shell -e none ls").answer(), Answer::kText);
 }
 
 TEST(Command, IsNotTouchedWithoutTheAssist) {

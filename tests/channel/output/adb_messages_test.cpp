@@ -61,32 +61,70 @@ TEST(FailureLines, AreFoundHoweverTheTextIsCut) {
   }
 }
 
-int Status(std::string_view arguments, ExitOutcome exit, bool failure_line) {
-  return StatusOf(ReadCommand(arguments, Assist::kOff), exit, [&] { return failure_line; });
+constexpr char kFailureLine[] = "a\nerror: closed\n";
+
+int Status(std::string_view arguments, ExitOutcome exit, std::string_view output = "a\n") {
+  const Command command = ReadCommand(arguments, Assist::kOff);
+  const int status = StatusOf(command, exit, output);
+  FailureLineScanner scanner;
+  scanner.Scan(output);
+  if (command.answer() != Answer::kStatedFailure) {
+    EXPECT_EQ(StatusOf(command, exit, scanner), status) << arguments;
+  }
+  return status;
+}
+
+constexpr ExitOutcome Exited(int status) {
+  return {ExitOutcome::kExited, status};
 }
 
 TEST(Outcome, IsTheTextsWhereACommandAnswersByText) {
-  EXPECT_EQ(Status("shell ls /x", {ExitOutcome::kExited, 1}, false), 0);
-  EXPECT_EQ(Status("shell ls /x", {ExitOutcome::kExited, 1}, true), 1001);
-  EXPECT_EQ(Status("shell ls /x", {ExitOutcome::kExited, 0}, true), 0);
+  EXPECT_EQ(Status("shell ls /x", Exited(1)), 0);
+  EXPECT_EQ(Status("shell ls /x", Exited(1), kFailureLine), 1001);
+  EXPECT_EQ(Status("shell ls /x", Exited(0), kFailureLine), 0);
 }
 
 TEST(Outcome, IsTheExitStatusElsewhere) {
-  EXPECT_EQ(Status("shell rm /x", {ExitOutcome::kExited, 1}, false), 1001);
-  EXPECT_EQ(Status("devices", {ExitOutcome::kExited, 255}, false), 1255);
-  EXPECT_EQ(Status("ls /x", {ExitOutcome::kExited, 1}, false), 1001);
-  EXPECT_EQ(Status("shell rm /x", {ExitOutcome::kExited, 0}, true), 0);
+  EXPECT_EQ(Status("shell rm /x", Exited(1)), 1001);
+  EXPECT_EQ(Status("devices", Exited(255)), 1255);
+  EXPECT_EQ(Status("ls /x", Exited(1)), 1001);
+  EXPECT_EQ(Status("shell rm /x", Exited(0), kFailureLine), 0);
+}
+
+TEST(Outcome, OfAnInstallationIsTheExitStatusUnlessTheTextStatesTheFailure) {
+  for (const char* arguments :
+       {"shell pm install -r '\"/x.apk\"'", "shell pm uninstall -k com.a", "'shell pm uninstall com.a'"}) {
+    EXPECT_EQ(Status(arguments, Exited(255), "Exception occurred while executing 'install':\n"), 1255);
+    EXPECT_EQ(Status(arguments, Exited(137), "Killed\n"), 1137);
+    EXPECT_EQ(Status(arguments, Exited(1), ""), 1001);
+    EXPECT_EQ(Status(arguments, Exited(1), "Success\n"), 1001);
+    EXPECT_EQ(Status(arguments, Exited(0), ""), 0) << "older phones have no exit status";
+    EXPECT_EQ(Status(arguments, Exited(1), kFailureLine), 1001);
+    for (const char* stated :
+         {"Failure [INSTALL_FAILED_OLDER_SDK]\n", "Failure\n",
+          "java.lang.SecurityException: Shell does not have permission to access user 10\n",
+          "/system/bin/sh: pm: not found\n", "/system/bin/sh: no closing quote\n",
+          "cmd: /x.apk: No such file or directory\n", "write: No space left on device\n",
+          "Error: not enough space\n"})
+      EXPECT_EQ(Status(arguments, Exited(1), stated), 0) << stated;
+  }
+}
+
+TEST(Outcome, OfOtherCommandsOfThePackageManagerIsTheTexts) {
+  EXPECT_EQ(Status("shell pm path com.a", Exited(1), ""), 0);
+  EXPECT_EQ(Status("shell pm list packages", Exited(255), "Exception\n"), 0);
+  EXPECT_EQ(Status("shell pm path install", Exited(1), ""), 0);
 }
 
 TEST(Outcome, IsTheSignalInEveryCase) {
-  EXPECT_EQ(Status("shell ls /x", {ExitOutcome::kSignalled, 9}, false), 2009);
-  EXPECT_EQ(Status("devices", {ExitOutcome::kSignalled, 15}, false), 2015);
+  EXPECT_EQ(Status("shell ls /x", {ExitOutcome::kSignalled, 9}), 2009);
+  EXPECT_EQ(Status("devices", {ExitOutcome::kSignalled, 15}), 2015);
 }
 
 TEST(Outcome, IsTheTextsWithoutAnExitStatus) {
-  EXPECT_EQ(Status("shell rm /x", {ExitOutcome::kUnknown, 0}, false), 0);
-  EXPECT_EQ(Status("shell rm /x", {ExitOutcome::kUnknown, 0}, true), 1001);
-  EXPECT_EQ(Status("devices", {ExitOutcome::kUnknown, 0}, true), 1001);
+  EXPECT_EQ(Status("shell rm /x", {ExitOutcome::kUnknown, 0}), 0);
+  EXPECT_EQ(Status("shell rm /x", {ExitOutcome::kUnknown, 0}, kFailureLine), 1001);
+  EXPECT_EQ(Status("devices", {ExitOutcome::kUnknown, 0}, kFailureLine), 1001);
 }
 
 }  // namespace

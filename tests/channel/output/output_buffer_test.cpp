@@ -1,11 +1,13 @@
 #include "channel/output/output_buffer.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <fstream>
 #include <string>
 
 #include "channel/output/output_block.h"
+#include "tests/support/own_process.h"
 
 namespace darokleim::channel {
 namespace {
@@ -101,6 +103,27 @@ TEST(OutputBuffer, LeavesTheSystemTheMemoryOfALargeOneThatWasGivenBack) {
   if (before < 0) GTEST_SKIP() << "this kernel does not report it";
   FreeBlock(block);
   EXPECT_GT(MemoryThatTheSystemMayTake() - before, 10'000);
+}
+#endif
+
+#if defined(__linux__)  // elsewhere the unit of ru_maxrss differs
+// In MiB, of this process at any time.
+long LargestMemory() {
+  rusage usage;
+  getrusage(RUSAGE_SELF, &usage);
+  return usage.ru_maxrss / 1024;
+}
+
+TEST(OutputBuffer, ConvertsLineBreaksInPlace) {
+  test::InProcessOfItsOwn([] {
+    constexpr size_t kMiB = 1024 * 1024;
+    const long before = LargestMemory();
+    OutputBuffer buffer;
+    for (int i = 0; i < 64; ++i) Fill(&buffer, std::string(kMiB, '\n'));
+    buffer.ConvertLineEnds(LineEnds::kCrLf);
+    EXPECT_EQ(buffer.text().size(), 128 * kMiB);
+    EXPECT_LT(LargestMemory() - before, 128 + 16);
+  });
 }
 #endif
 
