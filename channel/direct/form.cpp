@@ -1,5 +1,6 @@
 #include "channel/direct/form.h"
 
+#include <algorithm>
 #include <limits>
 #include <string_view>
 
@@ -12,6 +13,7 @@ constexpr size_t kAnyNumber = std::numeric_limits<size_t>::max();
 enum class Operands {
   kAny,
   kShellWords,  // the first is not an option of adb's shell
+  kPaths,       // neither empty nor options
   kAddresses,   // where a connection is accepted and where it leads; adb looks at the numbers of TCP ports
   kRebootMode,
 };
@@ -29,6 +31,11 @@ constexpr FormRow kForms[] = {
     {"devices", "", Form::kDevices, 0, 0, Operands::kAny},
     {"shell", "", Form::kShell, 1, kAnyNumber, Operands::kShellWords},
     {"logcat", "", Form::kLogcat, 0, kAnyNumber, Operands::kAny},
+    {"ls", "", Form::kList, 1, 1, Operands::kAny},
+    {"pull", "", Form::kPull, 2, 2, Operands::kPaths},
+    {"pull", "-a", Form::kPull, 2, 2, Operands::kPaths},
+    {"push", "", Form::kPush, 2, 2, Operands::kPaths},
+    {"push", "--sync", Form::kPush, 2, 2, Operands::kPaths},
     {"forward", "", Form::kForward, 2, 2, Operands::kAddresses},
     {"forward", "--remove", Form::kForward, 1, 1, Operands::kAny},
     {"reverse", "", Form::kReverse, 2, 2, Operands::kAddresses},
@@ -63,6 +70,9 @@ bool Accepts(Operands operands, std::span<const std::string> words) {
       return true;
     case Operands::kShellWords:
       return !IsOption(words[0]);
+    case Operands::kPaths:
+      return std::none_of(words.begin(), words.end(),
+                          [](const std::string& word) { return word.empty() || IsOption(word); });
     case Operands::kAddresses:
       return IsAddress(words[0], 0) && IsAddress(words[1], 1);
     case Operands::kRebootMode:

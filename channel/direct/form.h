@@ -14,6 +14,9 @@ enum class Form {
   kDevices,
   kShell,
   kLogcat,
+  kList,
+  kPull,
+  kPush,
   kForward,
   kReverse,
   kReconnect,
@@ -23,8 +26,9 @@ enum class Form {
 // A command of a known form. Refers to the words of the command it was read from.
 struct FormCall {
   Form form = Form::kDevices;
-  std::string serial;                     // empty for a command to the server
-  bool option = false;                    // the one option that the form has: --remove of the port mappings
+  std::string serial;  // empty for a command to the server
+  bool option =
+      false;  // the one option that the form has: -a of pull, --sync of push, --remove of the port mappings
   std::span<const std::string> operands;  // what follows the command word and the option
 };
 

@@ -15,6 +15,12 @@ Attempt RunForm(const Call& call) {
       return RunShell(call);
     case Form::kLogcat:
       return RunLogcat(call);
+    case Form::kList:
+      return RunList(call);
+    case Form::kPull:
+      return RunPull(call);
+    case Form::kPush:
+      return RunPush(call);
     case Form::kForward:
       return RunForward(call);
     case Form::kReverse:

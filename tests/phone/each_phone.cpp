@@ -46,11 +46,11 @@ void EachPhone::SetUp() {
   const size_t at = list.find(mark) + mark.size();
   phone_files_ = list.substr(at, list.find_first_of("\t\n", at) - at);
   setenv("ANDROID_ADB_SERVER_PORT", phones_.port().c_str(), 1);
-  setenv("DAROKLEIM_CHANNEL_ASSIST", GetParam().assist ? "1" : "0", 1);
+  setenv("DAROKLEIM_CHANNEL", GetParam().mode.c_str(), 1);
   static const Resources resources;
   const std::string programs = resources.folder().string();
   AdbSdkInit(programs.c_str(), "each_phone", programs.c_str());
-  // Its channel can be initialised again.
+  // Its channel can be told anew.
   InitAdbCommuncation2Server((programs + "/adb").c_str(), programs.c_str(), "each_phone");
 }
 

@@ -11,16 +11,17 @@
 
 namespace darokleim::test {
 
-// An old or a new phone, and a channel that assists or does not.
+// An old or a new phone, and a mode of the channel.
 struct Combination {
   std::string android;
-  bool assist;
+  std::string mode;
 
   bool legacy() const { return android == "legacy"; }
+  bool assist() const { return mode != "plain"; }
   // Whether the library reads CR LF from commands that it wants it from.
-  bool ends_in_crlf() const { return legacy() || assist; }
+  bool ends_in_crlf() const { return legacy() || assist(); }
 
-  std::string Name() const { return android + (assist ? "_assisted" : "_plain"); }
+  std::string Name() const { return android + "_" + mode; }
   friend void PrintTo(const Combination& combination, std::ostream* out) { *out << combination.Name(); }
 };
 
@@ -32,7 +33,7 @@ class EachPhone : public testing::TestWithParam<Combination> {
   void TearDown() override;
 
   static const char* serial() { return "EACH0001"; }
-  // A folder of the host for the test, removed afterwards.
+  // A folder of the host for the test, gone afterwards.
   const std::filesystem::path& host_folder() const { return host_folder_; }
   // Where the host sees the files of the phone.
   const std::filesystem::path& phone_files() const { return phone_files_; }
@@ -47,11 +48,13 @@ class EachPhone : public testing::TestWithParam<Combination> {
 
 std::string NameOfCombination(const testing::TestParamInfo<Combination>& combination);
 
-#define INSTANTIATE_FOR_EACH_PHONE(suite)                                                              \
-  INSTANTIATE_TEST_SUITE_P(, suite,                                                                    \
-                           testing::Values(Combination{"modern", false}, Combination{"modern", true},  \
-                                           Combination{"legacy", false}, Combination{"legacy", true}), \
-                           NameOfCombination)
+#define INSTANTIATE_FOR_EACH_PHONE(suite)                                                \
+  INSTANTIATE_TEST_SUITE_P(                                                              \
+      , suite,                                                                           \
+      testing::Values(Combination{"modern", "plain"}, Combination{"modern", "assist"},   \
+                      Combination{"modern", "direct"}, Combination{"legacy", "plain"},   \
+                      Combination{"legacy", "assist"}, Combination{"legacy", "direct"}), \
+      NameOfCombination)
 
 }  // namespace darokleim::test
 

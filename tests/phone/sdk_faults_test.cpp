@@ -9,7 +9,7 @@
 #include <filesystem>
 #include <thread>
 
-#include "tests/phone/host_sockets.h"
+#include "tests/phone/foreign_server.h"
 #include "tests/phone/sdk_on_phone.h"
 #include "tests/support/own_process.h"
 
@@ -63,7 +63,7 @@ class SdkFaults : public SdkOnPhone {
 TEST_P(SdkFaults, ThePhoneIsUnpluggedInMidTransfer) {
   const std::string file = LargeFile("4G");
   std::thread unplug = WhenItHasBegun(OnHost("back"), [this] { Control({"unplug"}); });
-  EXPECT_EQ(Pull(file, OnHost("back")), 1001);
+  EXPECT_EQ(Pull(file, OnHost("back")), kCutTransfer);
   unplug.join();
   EXPECT_EQ(AdbGetPhoneProductModel(phone(), buffer_, sizeof(buffer_), cancel_), ADB_RESULT_NO_DEVICE);
   Control({"plug"});
@@ -84,7 +84,7 @@ TEST_P(SdkFaults, TheConnectionBreaksInMidCommand) {
   const std::string file = LargeFile("4M");
   Shell("cd " + storage_folder() + " && for i in $(seq 2000); do : > a_file_with_a_long_name_$i; done");
   SwitchOn("drop-after=40K");
-  EXPECT_EQ(Pull(file, OnHost("back")), 1001);
+  EXPECT_EQ(Pull(file, OnHost("back")), kCutTransfer);
   const int listed = AdbGetDirFiles(phone(), storage_folder().c_str(), &text_, &length_, 0, 1, cancel_);
   if (kDirect && !is_legacy()) {
     EXPECT_EQ(listed, ADB_CHANNEL_CONNECTION_BROKEN);
@@ -92,7 +92,7 @@ TEST_P(SdkFaults, TheConnectionBreaksInMidCommand) {
     EXPECT_EQ(listed, kOk);
     EXPECT_NE(Taken(&text_, length_), "");
   }
-  Control({"clear", "drop-after"});
+  Control({"mend", "drop-after"});
   EXPECT_EQ(Pull(file, OnHost("back")), kOk);
 }
 
@@ -148,7 +148,7 @@ TEST_P(SdkFaults, ASlowPhoneIsWaitedForUntilTheCallIsCancelled) {
   EXPECT_EQ(AdbGetPhoneProductModel(phone(), buffer_, sizeof(buffer_), &cancel), 3003);
   EXPECT_LT(steady_clock::now() - start, kNoHang);
   user.join();
-  Control({"clear", "slow"});
+  Control({"mend", "slow"});
 }
 
 TEST_P(SdkFaults, ThePhoneIsInRecovery) {

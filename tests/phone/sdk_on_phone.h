@@ -20,6 +20,8 @@ inline constexpr bool kDirect = kMode == "direct";
 // When the connection to the phone breaks before it has answered.
 inline constexpr int kBrokenOff =
     kDirect ? int{ADB_CHANNEL_CONNECTION_BROKEN} : int{ADB_RESULT_PROTOCOL_FAULT};
+// And in the middle of a file.
+inline constexpr int kCutTransfer = kDirect ? int{ADB_CHANNEL_CONNECTION_BROKEN} : 1001;
 
 // The whole way: the library, our channel, the real adb client, a phone.
 class SdkOnPhone : public PhoneUnderTest {

@@ -48,7 +48,7 @@ class SdkPackages : public SdkOnPhone {
   bool IsInstalled() const { return !Text(std::string("pm path ") + kNotes).empty(); }
   // What is in the folder where packages are staged, but for the test's own folder.
   std::string Staged() const { return Text("ls /data/local/tmp | grep -v darokleim-test"); }
-  void ExpectNothingIsLeft() const { EXPECT_EQ(Staged(), staged_before_) << "staged and not removed"; }
+  void ExpectNothingIsLeft() const { EXPECT_EQ(Staged(), staged_before_) << "staged and left behind"; }
   // A copy of the package on the host.
   std::string PackageNamed(const std::string& name) const {
     WriteFile(OnHost(name), ReadFile(DataFile("notes-1.apk")));
@@ -231,7 +231,7 @@ TEST_P(SdkPackages, AFailureIsOneOfSpaceWhenLittleIsFree) {
   EXPECT_EQ(Install(), ADB_RESULT_FAILURE);
   SwitchOn("full-storage");
   EXPECT_EQ(Install(), ADB_RESULT_NO_SPACE_LEFT) << "for the staged file already";
-  Control({"clear", "full-storage"});
+  Control({"mend", "full-storage"});
   ExpectNothingIsLeft();
 }
 
@@ -298,7 +298,7 @@ class SdkInterruptedInstall : public SdkPackages {
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
     rest();
     install.join();
-    Control({"clear", "slow"});
+    Control({"mend", "slow"});
     return code;
   }
 };
@@ -307,9 +307,9 @@ TEST_P(SdkInterruptedInstall, ATransferThatBreaksLeavesNothing) {
   std::string package = ReadFile(DataFile("notes-1.apk"));
   WriteFile(OnHost("large.apk"), package + std::string(4000000, 'x'));
   SwitchOn("drop-after=1M");
-  EXPECT_EQ(Install(OnHost("large.apk")), 1001);
+  EXPECT_EQ(Install(OnHost("large.apk")), kCutTransfer);
   EXPECT_NE(InstallSet({OnHost("large.apk")}), kOk);
-  Control({"clear", "drop-after"});
+  Control({"mend", "drop-after"});
   EXPECT_FALSE(IsInstalled());
   ExpectNothingIsLeft();
 }

@@ -13,51 +13,51 @@
 #include "tools/phone/common/faults.h"
 #include "tools/phone/common/io.h"
 #include "tools/phone/common/wire.h"
-#include "tools/phone/device/breaking_connection.h"
 #include "tools/phone/device/layout.h"
 #include "tools/phone/device/shell_service.h"
 #include "tools/phone/device/sync_service.h"
+#include "tools/phone/device/weak_cable.h"
 
 namespace darokleim::phone {
 
 namespace {
 
-void AnswerAndClose(base::UniqueFd stream, const std::string& text) {
+void Say(base::UniqueFd stream, const std::string& text) {
   SendOkay(stream.get());
   WriteAll(stream.get(), text.data(), text.size());
   FinishStream(std::move(stream));
 }
 
 base::UniqueFd WithFaults(base::UniqueFd stream) {
-  const Faults faults(kSetupFolder);
+  const Faults faults(kStateFolder);
   if (const auto seconds = faults.Value(fault::kSlow)) {
     std::this_thread::sleep_for(std::chrono::duration<double>(std::strtod(seconds->c_str(), nullptr)));
   }
   const auto bytes = ParseSize(faults.Value(fault::kDropAfter).value_or(""));
-  return bytes ? BreakAfter(std::move(stream), *bytes) : std::move(stream);
+  return bytes ? BehindWeakCable(std::move(stream), *bytes) : std::move(stream);
 }
 
-// The services that answer once and then change the phone or its connection.
+// The services that say one thing and then change the phone or its connection.
 bool AnswerAndAct(const Request& request, base::UniqueFd* stream) {
   std::string_view service = request.service;
   if (service == "reconnect") {
-    AnswerAndClose(std::move(*stream), "done");
+    Say(std::move(*stream), "done");
     SendPacket(request.link, LinkMessage::kReconnect, "");
   } else if (TakePrefix(&service, "reboot:")) {
-    AnswerAndClose(std::move(*stream), "");
+    Say(std::move(*stream), "");
     SendPacket(request.link, LinkMessage::kReboot, std::string(service));
   } else if (TakePrefix(&service, "tcpip:")) {
-    AnswerAndClose(std::move(*stream), "restarting in TCP mode port: " + std::string(service) + "\n");
+    Say(std::move(*stream), "restarting in TCP mode port: " + std::string(service) + "\n");
     SendPacket(request.link, LinkMessage::kReconnect, "");
   } else if (service == "usb:") {
-    AnswerAndClose(std::move(*stream), "restarting in USB mode\n");
+    Say(std::move(*stream), "restarting in USB mode\n");
     SendPacket(request.link, LinkMessage::kReconnect, "");
   } else if (service == "root:") {
-    AnswerAndClose(std::move(*stream), "adbd cannot run as root in production builds\n");
+    Say(std::move(*stream), "adbd cannot run as root in production builds\n");
   } else if (service == "unroot:") {
-    AnswerAndClose(std::move(*stream), "adbd not running as root\n");
+    Say(std::move(*stream), "adbd not running as root\n");
   } else if (service == "remount:") {
-    AnswerAndClose(std::move(*stream), "Not running as root. Try \"adb root\" first.\n");
+    Say(std::move(*stream), "Not running as root. Try \"adb root\" first.\n");
   } else {
     return false;
   }
@@ -73,7 +73,7 @@ void RunService(const Request& request, base::UniqueFd stream) {
   } else if (request.service == "sync:") {
     SyncService(std::move(stream)).Run();
   } else if (!request.answer.empty()) {
-    AnswerAndClose(std::move(stream), request.answer);
+    Say(std::move(stream), request.answer);
   } else if (const auto address = SocketAddress::Parse(request.service)) {
     const base::UniqueFd program = address->Connect();
     if (!program.valid()) {

@@ -27,8 +27,7 @@ namespace darokleim::phone {
 
 namespace {
 
-// Turns the signals that end the server, and a client's request for the end, into a byte in a pipe. The signals stay
-// blocked in every other thread.
+// Turns the signals that end the server, and the wish of a client, into a byte in a pipe. They stay blocked in every other thread.
 class EndSignals {
  public:
   EndSignals() {
@@ -71,7 +70,7 @@ class EndSignals {
   std::thread waiter_;
 };
 
-// The client that asked for the end gets its answer last, when the port is free and every phone is off.
+// The client that asked for the end hears of it last, when the port is free and every phone is off.
 class LastRequest {
  public:
   void Keep(base::UniqueFd client) {
@@ -111,7 +110,7 @@ class Server {
   // Until the end is asked for; true when by a client.
   bool ServeClients(Listener listener);
   void Serve(base::UniqueFd client);
-  void ConnectToHost(const std::string& address, base::UniqueFd connection);
+  void Reversed(const std::string& address, base::UniqueFd connection);
 
   const ServerOptions& options_;
   EndSignals end_;
@@ -135,7 +134,7 @@ int Server::Run() {
   std::printf("darokleim-phone: ready on port %u\n", static_cast<unsigned>(port));
   std::fflush(stdout);
   while (ServeClients(std::move(listener)) && options_.restart_on_kill) {
-    // As with a new server, every phone is attached again.
+    // As with a new server, every phone is attached anew.
     for (const auto& phone : phones_.phones()) phone->Reconnect();
     connections_.Reopen();
     listener = Listener(SocketAddress::OfPort(port));
@@ -161,7 +160,7 @@ void Server::AddPhones() {
     phones_.Add(
         phone, &parts_,
         [this](const std::string& address, base::UniqueFd connection) {
-          ConnectToHost(address, std::move(connection));
+          Reversed(address, std::move(connection));
         },
         [this](const std::string& serial) { forwards_.RemoveOf(serial); });
   }
@@ -177,7 +176,7 @@ void Server::Serve(base::UniqueFd client) {
   });
 }
 
-void Server::ConnectToHost(const std::string& address, base::UniqueFd connection) {
+void Server::Reversed(const std::string& address, base::UniqueFd connection) {
   const auto host = SocketAddress::Parse(address);
   if (!host) return;
   connections_.Serve(std::move(connection), [host = *host](base::UniqueFd* phone_end) {
@@ -186,7 +185,7 @@ void Server::ConnectToHost(const std::string& address, base::UniqueFd connection
   });
 }
 
-// Descriptors that the starting program left open must not reach the phones.
+// What the starting program left open is no business of the phones.
 void CloseOnExecAll() {
   std::error_code error;
   for (const auto& entry : std::filesystem::directory_iterator("/dev/fd", error)) {

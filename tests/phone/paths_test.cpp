@@ -1,5 +1,5 @@
 // Every function that takes a path, on names that a shell would not leave alone. docs/paths.md holds the results,
-// and a test fails that finds others. To write them again: DAROKLEIM_WRITE_PATHS=1 in its environment.
+// and a test fails that finds others. To write them anew: DAROKLEIM_WRITE_PATHS=1 in its environment.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -77,7 +77,7 @@ class Paths : public EachPhone {
 
   // The assist makes everything work on a plain name. Where something does not, the phone is what is broken.
   static bool PlainNamesWork(const std::vector<std::string>& cells) {
-    return !GetParam().assist || cells.front() == "✓";
+    return !GetParam().assist() || cells.front() == "✓";
   }
 
   // Fails on a phone that does not do what any phone does.
@@ -92,7 +92,7 @@ class Paths : public EachPhone {
     *table = RenderTable(columns, rows);
   }
 
-  static std::string Key() { return GetParam().android + ", assist " + (GetParam().assist ? "on" : "off"); }
+  static std::string Key() { return GetParam().android + ", assist " + (GetParam().assist() ? "on" : "off"); }
 };
 
 TEST_P(Paths, AreTreatedAsDocumented) {

@@ -1,15 +1,16 @@
-// Files, folders and storage of old and new phones, with and without the channel's assistance.
+// Files, folders and storage of old and new phones, in each mode of the channel.
 #include <darokleim.h>
 #include <gmock/gmock.h>
+#include <json/reader.h>
 
 #include <chrono>
 #include <filesystem>
+#include <memory>
 #include <set>
 #include <thread>
 
 #include "tests/phone/each_phone.h"
 #include "tests/phone/phone_under_test.h"
-#include "tests/support/json.h"
 
 namespace darokleim::test {
 namespace {
@@ -31,8 +32,9 @@ class Taken {
   int* length() { return &length_; }
   bool is_there() const { return text_ != nullptr; }
   Json::Value Value() const {
-    const Json::Value value = ParseJson({text_, static_cast<size_t>(length_)});
-    EXPECT_FALSE(value.isNull()) << text_;
+    Json::Value value;
+    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+    EXPECT_TRUE(reader->parse(text_, text_ + length_, &value, nullptr)) << text_;
     return value;
   }
 
@@ -224,7 +226,7 @@ TEST_P(Files, LookedUpInAdbsListing) {
 
 TEST_P(Files, OnTheVolumesOfThePhone) {
   const std::string card = "/storage/1A2B-3C4D";
-  const std::string kept = GetParam().legacy() && !GetParam().assist ? "\r" : "";
+  const std::string kept = GetParam().legacy() && !GetParam().assist() ? "\r" : "";
   Taken volumes;
   ASSERT_EQ(AdbSearchSDCardPath(serial(), volumes.text(), volumes.length(), nullptr), 0);
   std::set<std::string> paths;
@@ -248,7 +250,11 @@ TEST_P(Files, OfAPhoneThatVanishesBetweenTwoCommands) {
     code = AdbGetDirFilesEx(serial(), kTree, json.text(), json.length(), 0, 0, nullptr);
   }
   cable.join();
-  EXPECT_EQ(code, 1001);
+  if (GetParam().mode == "direct") {  // which says so when it happens in the middle of an answer
+    EXPECT_THAT(code, testing::AnyOf(1001, int{ADB_CHANNEL_CONNECTION_BROKEN}));
+  } else {
+    EXPECT_EQ(code, 1001);
+  }
   EXPECT_FALSE(json.is_there());
   long long size = 77;
   EXPECT_EQ(AdbGetDirSize(serial(), kTree, &size, nullptr), 24);
