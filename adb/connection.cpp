@@ -82,8 +82,7 @@ Status Connection::WriteAll(std::string_view after_queue, const Limits& limits) 
       case Progress::kEnd:
         break;
       case Progress::kNone:
-        if (Status status = Await(HasRoom(), true, limits); !status.ok()) return status;
-        Poll();
+        if (Status status = AwaitOutput(limits); !status.ok()) return status;
     }
   }
   return {};
@@ -149,12 +148,18 @@ Connection::Progress Connection::ReceiveNow(std::span<char> target, size_t* rece
   return Progress::kSome;
 }
 
-Status Connection::Await(bool input, bool output, const Limits& limits) {
-  if (input && tcp_) AcknowledgeNow(socket_.get());
-  const int events = (input ? POLLIN : 0) | (output ? POLLOUT : 0);
-  if (Result<short> ready = WaitFor(socket_.get(), static_cast<short>(events), limits); !ready.ok()) {
-    return ready.TakeError();
-  }
+Status Connection::AwaitInput(const Limits& limits) {
+  if (tcp_) AcknowledgeNow(socket_.get());
+  const int events = POLLIN | (queued() > 0 ? POLLOUT : 0);
+  Result<short> ready = WaitFor(socket_.get(), static_cast<short>(events), limits);
+  return ready.ok() ? Status() : ready.TakeError();
+}
+
+Status Connection::AwaitOutput(const Limits& limits) {
+  const int events = POLLOUT | (HasRoom() ? POLLIN : 0);
+  Result<short> ready = WaitFor(socket_.get(), static_cast<short>(events), limits);
+  if (!ready.ok()) return ready.TakeError();
+  if ((*ready & ~POLLOUT) != 0) Poll();
   return {};
 }
 
@@ -186,7 +191,7 @@ Result<size_t> Connection::Read(std::span<char> target, const Limits& limits) {
       case Progress::kEnd:
         return size_t{0};
       case Progress::kNone:
-        if (Status status = Await(true, queued() > 0, limits); !status.ok()) return status.TakeError();
+        if (Status status = AwaitInput(limits); !status.ok()) return status.TakeError();
     }
   }
 }
@@ -202,7 +207,7 @@ Result<bool> Connection::Fill(const Limits& limits) {
       case Progress::kEnd:
         return false;
       case Progress::kNone:
-        if (Status status = Await(true, queued() > 0, limits); !status.ok()) return status.TakeError();
+        if (Status status = AwaitInput(limits); !status.ok()) return status.TakeError();
     }
   }
 }
@@ -214,7 +219,8 @@ Status Connection::Serve(const Limits& limits) {
     const Progress written = WriteNow({}, &unused);
     if (HasRoom() && ReceiveNow({}, &unused) == Progress::kSome) return {};
     if (written != Progress::kNone) continue;
-    if (Status status = Await(HasRoom(), true, limits); !status.ok()) return status;
+    const size_t before = buffered().size();
+    if (Status status = AwaitOutput(limits); !status.ok() || buffered().size() > before) return status;
   }
   return {};
 }

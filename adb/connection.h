@@ -82,7 +82,10 @@ class Connection {
   void MakeRoom();
   Progress ReceiveNow(std::span<char> target, size_t* received);
   Progress WriteNow(std::string_view after_queue, size_t* taken);
-  Status Await(bool input, bool output, const Limits& limits);
+  // Waits until there is input, or room for output where some is queued.
+  Status AwaitInput(const Limits& limits);
+  // Waits until there is room for output, and takes what arrives meanwhile as far as there is room for that.
+  Status AwaitOutput(const Limits& limits);
   Status WriteAll(std::string_view after_queue, const Limits& limits);
 
   base::UniqueFd socket_;

@@ -26,6 +26,7 @@ PROGRAMS = {
     "bench_file_list": "file lists as JSON",
     "bench_regex": "listings, compared with regular expressions",
     "bench_phone": "on a simulated phone",
+    "bench_adb_protocol": "the adb server's protocol without adb",
 }
 MIB = 1024 * 1024
 

@@ -7,7 +7,7 @@
 #include "tests/fuzz/fuzz.h"
 #include "tools/phone/common/address.h"
 #include "tools/phone/common/faults.h"
-#include "tools/phone/device/event_log.h"
+#include "tools/phone/device/records.h"
 #include "tools/phone/device/packages/binary_xml.h"
 #include "tools/phone/device/shell_packets.h"
 #include "tools/phone/device/shell_service.h"

@@ -50,7 +50,7 @@ void EachPhone::SetUp() {
   static const Resources resources;
   const std::string programs = resources.folder().string();
   AdbSdkInit(programs.c_str(), "each_phone", programs.c_str());
-  // Its channel can be told anew.
+  // Its channel can be initialised again.
   InitAdbCommuncation2Server((programs + "/adb").c_str(), programs.c_str(), "each_phone");
 }
 

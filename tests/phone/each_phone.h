@@ -33,7 +33,7 @@ class EachPhone : public testing::TestWithParam<Combination> {
   void TearDown() override;
 
   static const char* serial() { return "EACH0001"; }
-  // A folder of the host for the test, gone afterwards.
+  // A folder of the host for the test, removed afterwards.
   const std::filesystem::path& host_folder() const { return host_folder_; }
   // Where the host sees the files of the phone.
   const std::filesystem::path& phone_files() const { return phone_files_; }

@@ -2,14 +2,12 @@
 
 #include <darokleim.h>
 #include <fcntl.h>
-#include <json/reader.h>
-#include <json/writer.h>
 #include <sys/stat.h>
 
 #include <filesystem>
-#include <memory>
 
 #include "tests/phone/phone_under_test.h"
+#include "tests/support/json.h"
 
 namespace darokleim::test {
 
@@ -36,9 +34,7 @@ void SetTime(const fs::path& file) {
 
 // The document that the library handed out, given back.
 Json::Value Taken(char* text, int length) {
-  Json::Value value;
-  const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-  if (text != nullptr) reader->parse(text, text + length, &value, nullptr);
+  const Json::Value value = text != nullptr ? ParseJson({text, static_cast<size_t>(length)}) : Json::Value();
   AdbFreeResource(&text);
   return value;
 }
@@ -209,7 +205,7 @@ TrialResult InstallMultiple(const TrialPlace& place) {
   const std::string apk = place.name() + "/base.apk";
   place.PutOnHost(apk, ReadFile(DataFile("notes-2.apk")));
   paths["files"].append(place.OnHost(apk));
-  const std::string json = Json::writeString(Json::StreamWriterBuilder(), paths);
+  const std::string json = JsonText(paths);
   return AsInstalled(place, AdbInstallMultipleAppFromPCPath(place.serial(), json.c_str(), nullptr));
 }
 

@@ -30,10 +30,10 @@ class PhoneUnderTest : public testing::TestWithParam<std::string> {
   Outcome Adb(Words words, const std::string& input = "") const;
   std::unique_ptr<HostProcess> StartAdb(Words words) const;
   Outcome Shell(const std::string& command) const { return Adb({"shell", command}); }
-  // What a command prints, with the line ends of a modern phone.
+  // What a command prints, with the line breaks of a modern phone.
   std::string Text(const std::string& command) const;
 
-  // Folders of the test's own on the phone and on the host, gone afterwards.
+  // Folders of the test's own on the phone and on the host, removed afterwards.
   std::string phone_folder() const { return "/data/local/tmp/darokleim-test"; }
   std::string storage_folder() const { return "/sdcard/darokleim-test"; }
   const std::string& host_folder() const { return host_folder_; }
@@ -63,7 +63,7 @@ std::string NameOfPhone(const testing::TestParamInfo<std::string>& info);
 #define INSTANTIATE_FOR_PHONES(suite) \
   INSTANTIATE_TEST_SUITE_P(, suite, testing::ValuesIn(PhonesToTest()), NameOfPhone)
 
-// The text with the line ends of a modern phone.
+// The text with the line breaks of a modern phone.
 std::string Unix(std::string text);
 
 // A file of this folder's data.

@@ -95,7 +95,7 @@ TEST_P(Ports, ForwardListensAtAFileOfTheHost) {
   EXPECT_FALSE(std::filesystem::exists(host_folder() + "/socket"));
 }
 
-TEST_P(Ports, RefuseWhatIsNoAddress) {
+TEST_P(Ports, RefuseWhatIsNotAnAddress) {
   REQUIRE_SIMULATED_PHONE("has the words of its own server");
   for (const std::string& address :
        {std::string("tcp:70000"), std::string("pigeon:1"), std::string("localabstract:"),

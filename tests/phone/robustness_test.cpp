@@ -125,14 +125,14 @@ TEST_F(Robustness, FileTransferEndsAtWhatIsNoMessage) {
     EXPECT_THAT(answer, StartsWith("OKAYOKAYFAIL"));
     EXPECT_THAT(answer, HasSubstr(reason));
   }
-  // Cut in the middle: nothing to say, and nothing of the file stays.
+  // Cut in the middle: no answer, and nothing of the file stays.
   EXPECT_EQ(AnswerOfPhone("sync:", send + data(1000) + "only this"), "OKAYOKAY");
   EXPECT_EQ(phones().Adb({"shell", "ls /data/local/tmp"}).output, "");
 }
 
 TEST_F(Robustness, ShellEndsAtWhatIsNoPacket) {
   EXPECT_EQ(AnswerOfPhone("shell,v2:cat", std::string("\x05\xff\xff\xff\xff", 5) + "12345"), "OKAYOKAY");
-  // A kind of packet that nobody knows is passed over. The client stays, or the command would end with it.
+  // An unknown kind of packet is skipped. The client stays connected, or the command would end with it.
   const RawClient client(phones().port());
   client.Send(WithLength("host:transport:ALFA1") + WithLength("shell,v2:read x; echo $x; exit 3") +
               std::string("\x63\x01\0\0\0z\0\x04\0\0\0out\n", 15));
@@ -141,7 +141,7 @@ TEST_F(Robustness, ShellEndsAtWhatIsNoPacket) {
 }
 
 // Real requests with bytes changed, cut out and doubled, always the same ones.
-TEST_F(Robustness, StandsDamagedRequests) {
+TEST_F(Robustness, SurvivesDamagedRequests) {
   constexpr int kTrials = 400;
   std::mt19937 random(20260101);
   const std::string sync = phone::MakeSyncHeader(phone::kSyncLstat1, 7) + "/sdcard" +

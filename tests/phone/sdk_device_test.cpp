@@ -1,5 +1,5 @@
 // Device list, properties, MIUI version, root and clock, end to end. Built twice: with and without the channel's
-// assistance, which decides over the line ends of old and new phones.
+// assistance, which decides on the line breaks of old and new phones.
 #include <cstdlib>
 #include <memory>
 
@@ -42,7 +42,7 @@ TEST_P(SdkDevice, ReadsTextsOfThePhone) {
     EXPECT_EQ(c.read(phone(), buffer_, sizeof(buffer_), cancel_), kOk) << c.property;
     EXPECT_EQ(buffer_ + std::string("\n"), line) << c.property;
   }
-  REQUIRE_SIMULATED_PHONE("says other things");
+  REQUIRE_SIMULATED_PHONE("prints other things");
   AdbGetPhoneManufacturer(phone(), buffer_, sizeof(buffer_), cancel_);
   EXPECT_STREQ(buffer_, "Google");
   AdbGetPhoneSoftVersion(phone(), buffer_, sizeof(buffer_), cancel_);
@@ -146,7 +146,7 @@ TEST_P(SdkDevice, SaysWhatKeepsItFromAnswering) {
   EXPECT_EQ(AdbGetDevicesEx(&text_, &length_, cancel_), kOk);
   EXPECT_EQ(text_, nullptr);
   EXPECT_EQ(length_, 0);
-  EXPECT_EQ(AdbReconnectDevice(), kOk) << "though adb says that there is none";
+  EXPECT_EQ(AdbReconnectDevice(), kOk) << "though adb reports that there is none";
 }
 
 TEST_P(SdkDevice, SeesThePhoneGoAndCome) {

@@ -9,7 +9,7 @@
 #include <filesystem>
 #include <thread>
 
-#include "tests/phone/foreign_server.h"
+#include "tests/phone/host_sockets.h"
 #include "tests/phone/sdk_on_phone.h"
 #include "tests/support/own_process.h"
 
@@ -92,7 +92,7 @@ TEST_P(SdkFaults, TheConnectionBreaksInMidCommand) {
     EXPECT_EQ(listed, kOk);
     EXPECT_NE(Taken(&text_, length_), "");
   }
-  Control({"mend", "drop-after"});
+  Control({"clear", "drop-after"});
   EXPECT_EQ(Pull(file, OnHost("back")), kOk);
 }
 
@@ -148,7 +148,7 @@ TEST_P(SdkFaults, ASlowPhoneIsWaitedForUntilTheCallIsCancelled) {
   EXPECT_EQ(AdbGetPhoneProductModel(phone(), buffer_, sizeof(buffer_), &cancel), 3003);
   EXPECT_LT(steady_clock::now() - start, kNoHang);
   user.join();
-  Control({"mend", "slow"});
+  Control({"clear", "slow"});
 }
 
 TEST_P(SdkFaults, ThePhoneIsInRecovery) {

@@ -48,7 +48,7 @@ class SdkPackages : public SdkOnPhone {
   bool IsInstalled() const { return !Text(std::string("pm path ") + kNotes).empty(); }
   // What is in the folder where packages are staged, but for the test's own folder.
   std::string Staged() const { return Text("ls /data/local/tmp | grep -v darokleim-test"); }
-  void ExpectNothingIsLeft() const { EXPECT_EQ(Staged(), staged_before_) << "staged and left behind"; }
+  void ExpectNothingIsLeft() const { EXPECT_EQ(Staged(), staged_before_) << "staged and not removed"; }
   // A copy of the package on the host.
   std::string PackageNamed(const std::string& name) const {
     WriteFile(OnHost(name), ReadFile(DataFile("notes-1.apk")));
@@ -231,7 +231,7 @@ TEST_P(SdkPackages, AFailureIsOneOfSpaceWhenLittleIsFree) {
   EXPECT_EQ(Install(), ADB_RESULT_FAILURE);
   SwitchOn("full-storage");
   EXPECT_EQ(Install(), ADB_RESULT_NO_SPACE_LEFT) << "for the staged file already";
-  Control({"mend", "full-storage"});
+  Control({"clear", "full-storage"});
   ExpectNothingIsLeft();
 }
 
@@ -298,7 +298,7 @@ class SdkInterruptedInstall : public SdkPackages {
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
     rest();
     install.join();
-    Control({"mend", "slow"});
+    Control({"clear", "slow"});
     return code;
   }
 };
@@ -309,7 +309,7 @@ TEST_P(SdkInterruptedInstall, ATransferThatBreaksLeavesNothing) {
   SwitchOn("drop-after=1M");
   EXPECT_EQ(Install(OnHost("large.apk")), kCutTransfer);
   EXPECT_NE(InstallSet({OnHost("large.apk")}), kOk);
-  Control({"mend", "drop-after"});
+  Control({"clear", "drop-after"});
   EXPECT_FALSE(IsInstalled());
   ExpectNothingIsLeft();
 }

@@ -55,7 +55,7 @@ TEST_P(SdkBackup, NeedsAFileOfTheHost) {
 
 TEST_P(SdkBackup, AFileThatIsNoneRestoresNothing) {
   WriteFile(file_(), "no backup");
-  EXPECT_EQ(Restore(cancel_), kOk) << "adb does not tell";
+  EXPECT_EQ(Restore(cancel_), kOk) << "adb does not report it";
   EXPECT_EQ(Text(std::string("cat ") + kNote), "precious\n");
 }
 
@@ -66,7 +66,7 @@ TEST_P(SdkBackup, ThatNobodyConfirmsIsAbandoned) {
   EXPECT_TRUE(Eventually([this] { return IsAsking(); }));
   EXPECT_EQ(AdbStopDeviceBackupRestoreProcess(phone(), cancel_), kOk);
   backup.join();
-  EXPECT_EQ(code, kOk) << "adb does not tell";
+  EXPECT_EQ(code, kOk) << "adb does not report it";
   EXPECT_EQ(ReadFile(file_()), "") << "but the file does";
 }
 
@@ -108,11 +108,11 @@ class Heard {
   int status() const { return status_; }
 
   int Follow(const char* serial, const char* filter, const bool* cancel) {
-    return AdbLogcatAnsync(serial, filter, reinterpret_cast<void*>(&Hear), this, cancel);
+    return AdbLogcatAnsync(serial, filter, reinterpret_cast<void*>(&OnOutput), this, cancel);
   }
 
  private:
-  static void Hear(void* context, const char* data, int length) {
+  static void OnOutput(void* context, const char* data, int length) {
     auto* heard = static_cast<Heard*>(context);
     const std::lock_guard<std::mutex> lock(heard->mutex_);
     if (data == nullptr) {
@@ -206,7 +206,7 @@ TEST_P(SdkServices, StartsActivities) {
             kOk);
   EXPECT_EQ(AdbStartApp(phone(), "com.example.notes/.Missing", nullptr), 1);
   EXPECT_EQ(AdbStartApp(phone(), "com.example.none/.MainActivity", ""), 1);
-  REQUIRE_SIMULATED_PHONE("does not say what it started");
+  REQUIRE_SIMULATED_PHONE("does not show what it started");
   EXPECT_EQ(Control({"show", "activities"}).output,
             "start com.example.notes/com.example.notes.MainActivity\n"
             "start com.example.notes/com.example.notes.EditActivity\n");
@@ -217,8 +217,8 @@ TEST_P(SdkServices, StartsActivities) {
 TEST_P(SdkServices, TypesIntoThePhone) {
   REQUIRE_SIMULATED_PHONE("types it into whatever has the focus");
   EXPECT_EQ(AdbInputStringToDevice(phone(), "it's $5 & more", cancel_), kOk);
-  EXPECT_EQ(AdbInputStringToDevice(phone(), "a%sblank", cancel_), kOk);
-  EXPECT_EQ(Control({"show", "input"}).output, "text it's $5 & more\ntext a blank\n");
+  EXPECT_EQ(AdbInputStringToDevice(phone(), "a%sgap", cancel_), kOk);
+  EXPECT_EQ(Control({"show", "input"}).output, "text it's $5 & more\ntext a gap\n");
   Control({"state", "unauthorized"});
   EXPECT_EQ(AdbInputStringToDevice(phone(), "nothing", cancel_), ADB_RESULT_DEVICE_UNAUTHORIZED);
 }

@@ -42,8 +42,10 @@ TEST(Server, SpeaksTheVersionThatTheClientExpects) {
 }
 
 struct Refusal {
+  std::string name;
   Words words;
   std::string message;
+  friend void PrintTo(const Refusal& refusal, std::ostream* out) { *out << refusal.name; }
 };
 
 class RefusedCommands : public testing::TestWithParam<Refusal> {};
@@ -56,19 +58,22 @@ TEST_P(RefusedCommands, SayWhyInTheServersWords) {
   EXPECT_EQ(outcome.errors, "error: " + GetParam().message + "\n");
 }
 
-INSTANTIATE_TEST_SUITE_P(Server, RefusedCommands,
-                         testing::Values(Refusal{{"-s", "NONE1", "shell", "ls"}, "device 'NONE1' not found"},
-                                         Refusal{{"-s", "OFF1", "shell", "ls"}, "device offline"},
-                                         Refusal{{"-s", "OFF1", "get-state"}, "device offline"},
-                                         Refusal{{"-s", "UNA1", "shell", "ls"},
-                                                 "device unauthorized.\n"
-                                                 "This adb server's $ADB_VENDOR_KEYS is not set\n"
-                                                 "Try 'adb kill-server' if that seems wrong.\n"
-                                                 "Otherwise check for a confirmation dialog on your device."},
-                                         Refusal{{"-s", "ASK1", "shell", "ls"}, "device still authorizing"},
-                                         Refusal{{"shell", "ls"}, "more than one device/emulator"},
-                                         Refusal{{"-e", "shell", "ls"}, "no emulators found"},
-                                         Refusal{{"-d", "shell", "ls"}, "more than one device"}));
+INSTANTIATE_TEST_SUITE_P(
+    Server, RefusedCommands,
+    testing::Values(Refusal{"UnknownSerial", {"-s", "NONE1", "shell", "ls"}, "device 'NONE1' not found"},
+                    Refusal{"Offline", {"-s", "OFF1", "shell", "ls"}, "device offline"},
+                    Refusal{"StateOfOffline", {"-s", "OFF1", "get-state"}, "device offline"},
+                    Refusal{"Unauthorized",
+                            {"-s", "UNA1", "shell", "ls"},
+                            "device unauthorized.\n"
+                            "This adb server's $ADB_VENDOR_KEYS is not set\n"
+                            "Try 'adb kill-server' if that seems wrong.\n"
+                            "Otherwise check for a confirmation dialog on your device."},
+                    Refusal{"Authorizing", {"-s", "ASK1", "shell", "ls"}, "device still authorizing"},
+                    Refusal{"SeveralDevices", {"shell", "ls"}, "more than one device/emulator"},
+                    Refusal{"NoEmulator", {"-e", "shell", "ls"}, "no emulators found"},
+                    Refusal{"SeveralOverUsb", {"-d", "shell", "ls"}, "more than one device"}),
+    [](const auto& refusal) { return refusal.param.name; });
 
 TEST(Server, HasNoPhonesUnlessAsked) {
   const SimulatedPhones phones({});
@@ -175,6 +180,19 @@ TEST(Server, NamesTheFolderThatItCannotUse) {
       RunProgram({DAROKLEIM_PHONE_PROGRAM, "--port", "0", "--phone", "ALFA1"}, {{"TMPDIR", "/nonexistent"}});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(outcome.errors, StartsWith("darokleim-phone: no place for temporary files: "));
+}
+
+TEST(ManyPhones, WorkAtOnce) {
+  constexpr int kPhones = 12;
+  Words names;
+  for (int i = 0; i < kPhones; ++i) names.push_back("PHONE" + std::to_string(i));
+  const SimulatedPhones phones(names);
+  std::vector<std::unique_ptr<HostProcess>> commands;
+  for (const std::string& name : names) {
+    commands.push_back(
+        phones.StartAdb({"-s", name, "shell", "getprop ro.serialno; sleep 0.2; echo $((6 * 7))"}));
+  }
+  for (size_t i = 0; i < commands.size(); ++i) EXPECT_EQ(commands[i]->Finish().output, names[i] + "\n42\n");
 }
 
 TEST(CommandLine, ExplainsItself) {

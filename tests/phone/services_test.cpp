@@ -40,7 +40,7 @@ TEST_P(Services, StorageLooksLikeAPhones) {
 
 TEST_P(Services, ListsFilesInTheLongForm) {
   Shell("cd " + storage_folder() + " && printf 1234 > 'a file' && touch -d 2020-01-02T03:04:05 'a file'");
-  // Between Android 6 and 7, ls learned to count links and to escape blanks, one before the other.
+  // Between Android 6 and 7, ls learned to count links and to escape spaces, one before the other.
   EXPECT_THAT(Text("ls -l " + storage_folder()),
               ContainsRegex("-rw[rwx-]+ +(1 )?[^ ]+ +[^ ]+ +4 2020-01-02 03:04 a\\\\? file\n"));
 }
@@ -87,7 +87,7 @@ TEST_P(Services, ACommandCanBeMissing) {
   EXPECT_THAT(ls.output + ls.errors, HasSubstr("/system/bin/find: No such file or directory"));
   const Outcome stat = Shell("stat /sdcard");
   EXPECT_THAT(stat.output + stat.errors, ContainsRegex("/system/bin/sh: stat: .*not found"));
-  Control({"mend", "no-stat"});
+  Control({"clear", "no-stat"});
   EXPECT_THAT(Text("stat /sdcard"), HasSubstr("/sdcard"));
 }
 

@@ -117,7 +117,7 @@ TEST_P(Transfer, SaysThatTheStorageIsFull) {
     const Outcome outcome = Adb({"push", host_folder() + "/file", storage_folder() + name});
     EXPECT_THAT(outcome.output + outcome.errors, HasSubstr("No space left on device")) << name;
   }
-  Control({"mend", "full-storage"});
+  Control({"clear", "full-storage"});
   EXPECT_THAT(Adb({"push", host_folder() + "/file", storage_folder() + "/after"}).output,
               HasSubstr("1 file pushed"));
 }
@@ -129,7 +129,7 @@ TEST_P(Transfer, FailsWhenTheConnectionBreaks) {
   SwitchOn("drop-after=1M");
   EXPECT_NE(Adb({"push", host_folder() + "/file", storage_folder() + "/half"}).status, 0);
   EXPECT_NE(Adb({"pull", storage_folder() + "/whole", host_folder() + "/back"}).status, 0);
-  Control({"mend", "drop-after"});
+  Control({"clear", "drop-after"});
   EXPECT_EQ(Adb({"pull", storage_folder() + "/whole", host_folder() + "/back"}).status, 0);
 }
 

@@ -42,7 +42,7 @@ int Serve(int argc, char** argv) {
   ServerOptions options;
   std::vector<std::string> phones;
   app.set_version_flag("--version", DAROKLEIM_VERSION);
-  app.add_option("--port", options.port, "the server's TCP port; 0: one that is free")
+  app.add_option("--port", options.port, "the server's TCP port; 0: a free one")
       ->capture_default_str()
       ->envname(kPortVariable);
   app.add_option("--phone", phones, kPhoneHelp)->allow_extra_args(false);

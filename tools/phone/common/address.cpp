@@ -31,7 +31,7 @@ base::UniqueFd MakeSocket(int family) {
 #endif
 }
 
-// What a server that has gone left behind; anything but a socket stays.
+// Left by a server that was killed. Anything but a socket stays.
 void RemoveSocketFile(const char* path) {
   struct stat status;
   if (lstat(path, &status) == 0 && S_ISSOCK(status.st_mode)) unlink(path);

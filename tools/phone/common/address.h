@@ -15,16 +15,16 @@ namespace darokleim::phone {
 // "localfilesystem:PATH" or its short form "local:PATH", and on Linux "localabstract:NAME".
 class SocketAddress {
  public:
-  // Nothing for a text that is no address, or a name that no socket can have.
+  // Nothing for a text that is not an address, or a name that no socket can have.
   static std::optional<SocketAddress> Parse(std::string_view text);
   static SocketAddress OfPort(uint16_t port);
 
-  // Both are not valid, with errno set, when it cannot be had.
+  // Both return an invalid descriptor, with errno set, on failure.
   base::UniqueFd Connect() const;
   base::UniqueFd Listen() const;
 
   bool IsAnyFreePort() const;
-  // Takes the file of a listener away; nothing to do for other addresses.
+  // Removes the file of a listener; nothing to do for other addresses.
   void RemoveFile() const;
 
  private:
@@ -34,11 +34,11 @@ class SocketAddress {
   socklen_t length_ = 0;
 };
 
-// What a forward or reverse listens at. Its file goes with it.
+// What a forward or reverse listens at. Its file is removed with it.
 class Listener {
  public:
   Listener() = default;
-  // Not valid, with errno set, when the address cannot be had.
+  // Not valid, with errno set, when it cannot listen at the address.
   explicit Listener(const SocketAddress& address);
   ~Listener();
   Listener(Listener&& other) noexcept = default;
@@ -46,7 +46,7 @@ class Listener {
 
   bool valid() const { return fd_.valid(); }
   int get() const { return fd_.get(); }
-  // Closes it and leaves its file, which is another process's now.
+  // Closes it and leaves its file, which now belongs to another process.
   void Abandon() { fd_.Reset(); }
   // The TCP port; 0 for a listener of another kind.
   uint16_t port() const;
@@ -56,7 +56,7 @@ class Listener {
   base::UniqueFd fd_;
 };
 
-// The next connection, without delay for small packets; not valid when it has gone again, or after a pause while
+// The next connection, without delay for small packets; not valid when it was closed again, or after a pause while
 // there is no descriptor for it.
 base::UniqueFd AcceptConnection(int listener);
 

@@ -21,7 +21,7 @@ enum class LinkMessage : char {
   kReady = 'r',      // the phone has booted
   kReverse = 'v',    // text: an address on the host; descriptor: an accepted phone connection (reverse)
   kReboot = 'b',     // text: what to boot into
-  kReconnect = 'n',  // the phone's end asks to be attached anew
+  kReconnect = 'n',  // the phone's end asks to be attached again
 };
 
 struct LinkPacket {
@@ -34,7 +34,7 @@ struct LinkPacket {
 std::optional<FdPair> MakeDeviceLink();
 
 bool SendPacket(int link, LinkMessage message, const std::string& text, int descriptor = -1);
-// Waits for the next packet; nothing once the other end is gone.
+// Waits for the next packet; nothing once the other end is closed.
 std::optional<LinkPacket> ReceivePacket(int link);
 
 }  // namespace darokleim::phone

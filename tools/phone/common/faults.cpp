@@ -86,11 +86,11 @@ const std::vector<std::pair<std::string, std::string>>& DescribedFaults() {
       {fault::kInstallFailure, "as =TEXT: every installation fails with Failure [TEXT]"},
       {fault::kUserRestricted,
        "pm refuses to act for the phone's first user; as =ID: the current user is ID"},
-      {fault::kSlow, "as =SECONDS: every command waits so long before it starts"},
+      {fault::kSlow, "as =SECONDS: every command waits this long before it starts"},
       {fault::kDropAfter, "as =SIZE: each connection breaks after so many bytes"},
       {fault::kNoWifi, "no wireless address"},
-      {fault::kUnconfirmedBackup, "nobody confirms a backup or restore on the phone's screen"},
-      {"no-COMMAND", "the phone lacks this command (no-find, no-stat, …)"},
+      {fault::kUnconfirmedBackup, "a backup or restore is not confirmed on the phone's screen"},
+      {"no-COMMAND", "the phone does not have this command (no-find, no-stat, …)"},
   };
   return faults;
 }

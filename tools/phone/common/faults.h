@@ -29,15 +29,15 @@ struct Fault {
   std::string value;  // empty when it has none
 };
 
-// The switched-on faults of one phone: a file for each, in a folder that the server and the phone both see, so
+// The switched-on faults of one phone: a file for each, in a folder that the server writes and the phone reads, so
 // that a fault works from the next command on.
 class Faults {
  public:
-  explicit Faults(const std::string& state_folder) : folder_(state_folder + "/faults") {}
+  explicit Faults(const std::string& setup_folder) : folder_(setup_folder + "/faults") {}
 
   std::optional<std::string> Value(std::string_view name) const;
   bool Has(std::string_view name) const { return Value(name).has_value(); }
-  // Throws std::invalid_argument for a name that is none, or a value that does not fit it.
+  // Throws std::invalid_argument for an unknown name, or a value that does not fit it.
   void SwitchOn(const Fault& fault) const;
   void SwitchOff(const std::string& name) const;
   std::vector<Fault> All() const;

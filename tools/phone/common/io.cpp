@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -15,7 +16,18 @@ namespace darokleim::phone {
 namespace {
 
 constexpr size_t kCopyChunk = 64 * 1024;
-constexpr int kLastWordsMilliseconds = 5000;
+constexpr int kDrainMilliseconds = 5000;
+
+std::optional<std::string> ReadUntilEnd(int file) {
+  std::string content;
+  std::vector<char> buffer(kCopyChunk);
+  for (;;) {
+    const ssize_t count = ReadSome(file, buffer.data(), buffer.size());
+    if (count < 0) return std::nullopt;
+    if (count == 0) return content;
+    content.append(buffer.data(), static_cast<size_t>(count));
+  }
+}
 
 // One step of a relay; false at the end of the input.
 bool PassOn(int from, int to, std::vector<char>* buffer) {
@@ -80,7 +92,7 @@ void Relay(int one, int other) {
         ends[i].events = 0;
         shutdown(to, SHUT_WR);
       } else if (ends[i].revents != 0) {
-        return;  // gone in both directions
+        return;  // closed in both directions
       }
     }
   }
@@ -119,29 +131,33 @@ void FinishStream(base::UniqueFd stream) {
   std::vector<char> unread(kCopyChunk);
   for (;;) {
     pollfd end = {stream.get(), POLLIN, 0};
-    const int ready = poll(&end, 1, kLastWordsMilliseconds);
+    const int ready = poll(&end, 1, kDrainMilliseconds);
     if (ready < 0 && errno == EINTR) continue;
     if (ready <= 0 || ReadSome(stream.get(), unread.data(), unread.size()) <= 0) return;
   }
 }
 
 std::optional<std::string> ReadFile(const std::string& path) {
-  base::UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
-  if (!file.valid()) return std::nullopt;
-  std::string content;
-  std::vector<char> buffer(kCopyChunk);
-  for (;;) {
-    const ssize_t count = ReadSome(file.get(), buffer.data(), buffer.size());
-    if (count < 0) return std::nullopt;
-    if (count == 0) return content;
-    content.append(buffer.data(), static_cast<size_t>(count));
-  }
+  const base::UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  return ReadUntilEnd(file.get());
+}
+
+std::optional<std::string> ReadRegularFile(const std::string& folder, const std::string& name) {
+  const base::UniqueFd parent(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  // A FIFO would keep the opening program waiting.
+  const base::UniqueFd file(
+      openat(parent.get(), name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  struct stat status;
+  if (!file.valid() || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+  return ReadUntilEnd(file.get());
 }
 
 bool WriteFile(const std::string& path, const std::string& content) {
   const std::string unfinished = path + ".new." + std::to_string(getpid());
+  unlink(unfinished.c_str());
   {
-    base::UniqueFd file(open(unfinished.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
+    // A file of its own: nothing that somebody put there is written to.
+    base::UniqueFd file(open(unfinished.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
     if (!file.valid() || !WriteAll(file.get(), content.data(), content.size())) {
       unlink(unfinished.c_str());
       return false;

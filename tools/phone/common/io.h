@@ -11,7 +11,7 @@
 
 namespace darokleim::phone {
 
-// Both go on after interruptions and short transfers; false when the other side is gone or on any error.
+// Both go on after interruptions and short transfers; false when the other side is closed or on any error.
 bool WriteAll(int fd, const void* data, size_t size);
 bool ReadExactly(int fd, void* data, size_t size);
 
@@ -40,6 +40,9 @@ std::optional<FdPair> MakeSocketPair(int type);
 void FinishStream(base::UniqueFd stream);
 
 std::optional<std::string> ReadFile(const std::string& path);
+// The same for a file directly in a folder where others may put anything: links are not followed, and nothing but a
+// regular file is opened.
+std::optional<std::string> ReadRegularFile(const std::string& folder, const std::string& name);
 // Replaces the file in one step, so that a reader never sees half of it.
 bool WriteFile(const std::string& path, const std::string& content);
 

@@ -8,8 +8,8 @@ namespace darokleim::phone {
 
 using KeyValues = std::map<std::string, std::string>;
 
-// Lines of the form key=value, as in a phone's build.prop. A missing file has none; a line end in a value
-// becomes a blank.
+// Lines of the form key=value, as in a phone's build.prop. A missing file has none; a line break in a
+// value becomes a space.
 KeyValues ReadKeyValues(const std::string& path);
 bool WriteKeyValues(const std::string& path, const KeyValues& values);
 

@@ -10,7 +10,7 @@
 
 namespace darokleim::phone {
 
-// The number that the whole text is. None for any other text, blanks and a plus sign included, and for a number that
+// The number that the whole text is. None for any other text, spaces and a plus sign included, and for a number that
 // does not fit.
 template <typename Number>
 std::optional<Number> ParseNumber(std::string_view text, int base = 10) {

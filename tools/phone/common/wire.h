@@ -15,7 +15,7 @@ std::optional<std::string> ReadRequest(int fd);
 
 bool SendOkay(int fd);
 bool SendFail(int fd, std::string_view reason);
-// A text with its length before it, as it follows OKAY. One longer than four digits can say is cut.
+// A text after its length, as it follows OKAY. A text longer than four hexadecimal digits can express is cut.
 std::string WithLength(std::string_view text);
 bool SendText(int fd, std::string_view text);
 bool SendOkayAndText(int fd, std::string_view text);

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
 #include <map>
 #include <string>
 #include <utility>
@@ -17,6 +18,7 @@
 #include "tools/phone/common/io.h"
 #include "tools/phone/common/wire.h"
 #include "tools/phone/device/layout.h"
+#include "tools/phone/device/properties.h"
 #include "tools/phone/device/reverse_forwards.h"
 #include "tools/phone/device/services.h"
 
@@ -28,13 +30,14 @@ class Daemon {
  public:
   Daemon(int link, bool legacy) : link_(link), legacy_(legacy) {}
 
-  bool Prepare();
+  // False when the phone cannot boot.
+  bool Boot();
   void Run();
 
  private:
-  void Take(LinkPacket packet);
-  void HearSignals();
-  void BuryTheDead();
+  void HandlePacket(LinkPacket packet);
+  void HandleSignals();
+  void ReapChildren();
 
   base::UniqueFd link_;
   const bool legacy_;
@@ -44,8 +47,27 @@ class Daemon {
   std::map<pid_t, base::UniqueFd> services_;
 };
 
-bool Daemon::Prepare() {
+// Where the phone's programs may write, they may have left links and other surprises. They only lead to other places of
+// the phone, because this runs inside it.
+void MakeWritableFolders() {
+  const std::string setup = std::string(kSetupFolder) + "/";
+  std::error_code error;
+  for (const std::string& folder : Split(ReadFile(setup + kFoldersToMake).value_or(""), '\n')) {
+    if (!folder.empty()) std::filesystem::create_directories(folder, error);
+  }
+  for (const std::string& line : Split(ReadFile(setup + kLinksToMake).value_or(""), '\n')) {
+    const size_t space = line.find(' ');
+    if (space == std::string::npos) continue;
+    const std::filesystem::path link = line.substr(0, space);
+    std::filesystem::create_directories(link.parent_path(), error);
+    std::filesystem::create_symlink(line.substr(space + 1), link, error);
+  }
+}
+
+bool Daemon::Boot() {
   SetCloseOnExec(link_.get());
+  RemovePropertiesOfLastBoot();
+  MakeWritableFolders();
   signal(SIGPIPE, SIG_IGN);
   sigset_t heard;
   sigemptyset(&heard);
@@ -62,16 +84,16 @@ void Daemon::Run() {
     std::vector<pollfd> waits = {{link_.get(), POLLIN, 0}, {signals_.get(), POLLIN, 0}};
     reverse_.AddTo(&waits);
     if (poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR) return;
-    if (waits[1].revents != 0) HearSignals();
+    if (waits[1].revents != 0) HandleSignals();
     for (size_t i = 2; i < waits.size(); ++i) reverse_.Accept(waits[i], link_.get());
     if (waits[0].revents == 0) continue;
     auto packet = ReceivePacket(link_.get());
     if (!packet) return;
-    Take(std::move(*packet));
+    HandlePacket(std::move(*packet));
   }
 }
 
-void Daemon::Take(LinkPacket packet) {
+void Daemon::HandlePacket(LinkPacket packet) {
   if (packet.message == LinkMessage::kDropAll) {
     for (const auto& service : services_) shutdown(service.second.get(), SHUT_RDWR);
     reverse_.RemoveAll();
@@ -104,15 +126,15 @@ void Daemon::Take(LinkPacket packet) {
   _exit(0);
 }
 
-void Daemon::HearSignals() {
+void Daemon::HandleSignals() {
   signalfd_siginfo heard;
   while (read(signals_.get(), &heard, sizeof(heard)) == static_cast<ssize_t>(sizeof(heard))) {
     if (heard.ssi_signo == SIGUSR1) SendPacket(link_.get(), LinkMessage::kReboot, "");
   }
-  BuryTheDead();
+  ReapChildren();
 }
 
-void Daemon::BuryTheDead() {
+void Daemon::ReapChildren() {
   for (;;) {
     const pid_t pid = waitpid(-1, nullptr, WNOHANG);
     if (pid <= 0) return;
@@ -124,7 +146,7 @@ void Daemon::BuryTheDead() {
 
 int RunDaemon(bool legacy) {
   Daemon daemon(kLinkDescriptor, legacy);
-  if (!daemon.Prepare()) return 1;
+  if (!daemon.Boot()) return 1;
   daemon.Run();
   return 0;
 }

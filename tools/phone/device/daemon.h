@@ -3,7 +3,7 @@
 
 namespace darokleim::phone {
 
-// The first process of a phone: takes services from the link, runs each in a process of its own, and buries
+// The first process of a phone: takes services from the link, runs each in a process of its own, and reaps
 // every process of the phone that ends. Returns when the server is gone.
 int RunDaemon(bool legacy);
 

@@ -38,6 +38,14 @@ bool SetProperty(const std::string& name, const std::string& value) {
   return WriteKeyValues(SetPropertiesPath(), set);
 }
 
+void RemovePropertiesOfLastBoot() {
+  KeyValues kept;
+  for (const auto& [name, value] : ReadKeyValues(SetPropertiesPath())) {
+    if (name.rfind("persist.", 0) == 0) kept[name] = value;
+  }
+  WriteKeyValues(SetPropertiesPath(), kept);
+}
+
 bool IsLegacyPhone() {
   return ParseNumber<int>(Property("ro.build.version.sdk")).value_or(0) < kFirstModernSdk;
 }

@@ -14,6 +14,9 @@ std::string Property(const std::string& name);
 // False when the name is one that cannot be set, or cannot be set twice.
 bool SetProperty(const std::string& name, const std::string& value);
 
+// Removes the set properties that do not outlive a reboot.
+void RemovePropertiesOfLastBoot();
+
 // Before Android 7.
 bool IsLegacyPhone();
 

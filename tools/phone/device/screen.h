@@ -26,7 +26,7 @@ class Pixels {
  public:
   explicit Pixels(const Screen& screen) : screen_(screen), bytes_(size_t{4} * screen.width * screen.height) {}
 
-  // A rectangle; what lies beyond the screen is left out.
+  // A rectangle; what is outside the screen is left out.
   void Fill(uint32_t left, uint32_t top, uint32_t width, uint32_t height, const Color& color);
 
   const uint8_t* data() const { return bytes_.data(); }

@@ -13,51 +13,51 @@
 #include "tools/phone/common/faults.h"
 #include "tools/phone/common/io.h"
 #include "tools/phone/common/wire.h"
+#include "tools/phone/device/breaking_connection.h"
 #include "tools/phone/device/layout.h"
 #include "tools/phone/device/shell_service.h"
 #include "tools/phone/device/sync_service.h"
-#include "tools/phone/device/weak_cable.h"
 
 namespace darokleim::phone {
 
 namespace {
 
-void Say(base::UniqueFd stream, const std::string& text) {
+void AnswerAndClose(base::UniqueFd stream, const std::string& text) {
   SendOkay(stream.get());
   WriteAll(stream.get(), text.data(), text.size());
   FinishStream(std::move(stream));
 }
 
 base::UniqueFd WithFaults(base::UniqueFd stream) {
-  const Faults faults(kStateFolder);
+  const Faults faults(kSetupFolder);
   if (const auto seconds = faults.Value(fault::kSlow)) {
     std::this_thread::sleep_for(std::chrono::duration<double>(std::strtod(seconds->c_str(), nullptr)));
   }
   const auto bytes = ParseSize(faults.Value(fault::kDropAfter).value_or(""));
-  return bytes ? BehindWeakCable(std::move(stream), *bytes) : std::move(stream);
+  return bytes ? BreakAfter(std::move(stream), *bytes) : std::move(stream);
 }
 
-// The services that say one thing and then change the phone or its connection.
+// The services that answer once and then change the phone or its connection.
 bool AnswerAndAct(const Request& request, base::UniqueFd* stream) {
   std::string_view service = request.service;
   if (service == "reconnect") {
-    Say(std::move(*stream), "done");
+    AnswerAndClose(std::move(*stream), "done");
     SendPacket(request.link, LinkMessage::kReconnect, "");
   } else if (TakePrefix(&service, "reboot:")) {
-    Say(std::move(*stream), "");
+    AnswerAndClose(std::move(*stream), "");
     SendPacket(request.link, LinkMessage::kReboot, std::string(service));
   } else if (TakePrefix(&service, "tcpip:")) {
-    Say(std::move(*stream), "restarting in TCP mode port: " + std::string(service) + "\n");
+    AnswerAndClose(std::move(*stream), "restarting in TCP mode port: " + std::string(service) + "\n");
     SendPacket(request.link, LinkMessage::kReconnect, "");
   } else if (service == "usb:") {
-    Say(std::move(*stream), "restarting in USB mode\n");
+    AnswerAndClose(std::move(*stream), "restarting in USB mode\n");
     SendPacket(request.link, LinkMessage::kReconnect, "");
   } else if (service == "root:") {
-    Say(std::move(*stream), "adbd cannot run as root in production builds\n");
+    AnswerAndClose(std::move(*stream), "adbd cannot run as root in production builds\n");
   } else if (service == "unroot:") {
-    Say(std::move(*stream), "adbd not running as root\n");
+    AnswerAndClose(std::move(*stream), "adbd not running as root\n");
   } else if (service == "remount:") {
-    Say(std::move(*stream), "Not running as root. Try \"adb root\" first.\n");
+    AnswerAndClose(std::move(*stream), "Not running as root. Try \"adb root\" first.\n");
   } else {
     return false;
   }
@@ -73,7 +73,7 @@ void RunService(const Request& request, base::UniqueFd stream) {
   } else if (request.service == "sync:") {
     SyncService(std::move(stream)).Run();
   } else if (!request.answer.empty()) {
-    Say(std::move(stream), request.answer);
+    AnswerAndClose(std::move(stream), request.answer);
   } else if (const auto address = SocketAddress::Parse(request.service)) {
     const base::UniqueFd program = address->Connect();
     if (!program.valid()) {

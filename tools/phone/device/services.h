@@ -12,7 +12,7 @@ struct Request {
   std::string service;
   bool legacy;
   int link;            // to the server
-  std::string answer;  // what the daemon itself has to say, after OKAY
+  std::string answer;  // the daemon's own answer, after OKAY
 };
 
 // Answers OKAY or FAIL and serves until the stream ends.

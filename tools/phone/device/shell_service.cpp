@@ -19,7 +19,7 @@ std::optional<ShellRequest> ParseShell(std::string_view head, std::string_view c
   const std::vector<std::string> options = Split(head, ',');
   ShellRequest request;
   request.command = ShellWords(command);
-  // Since Android 7 only a shell without a command gets a terminal that changes line ends.
+  // Since Android 7 only a shell without a command gets a terminal that changes line breaks.
   if (!legacy && !command.empty()) request.streams = ShellRequest::Streams::kPipes;
   for (size_t i = 1; i < options.size(); ++i) {
     std::string_view option = options[i];
@@ -33,7 +33,7 @@ std::optional<ShellRequest> ParseShell(std::string_view head, std::string_view c
       request.terminal = option;
     }
   }
-  // Without packets only a terminal tells the command that its client has gone.
+  // Without packets only a terminal lets the command notice that its client is gone.
   if (!request.packets && request.streams == ShellRequest::Streams::kPipes) {
     request.streams = ShellRequest::Streams::kRawTerminal;
   }

@@ -13,7 +13,7 @@ namespace darokleim::phone {
 // A command for the phone's shell and how its streams reach the client.
 struct ShellRequest {
   enum class Streams {
-    kTerminal,     // one stream through a terminal, line ends in CR LF
+    kTerminal,     // one stream through a terminal, lines end in CR LF
     kRawTerminal,  // one stream through a terminal that changes no byte
     kPipes,        // bytes as they are
   };

@@ -64,7 +64,7 @@ bool ShellSession::PassStreams() {
   if (poll(ends.data(), ends.size(), WaitMilliseconds()) < 0) return errno == EINTR;
   if (ends[0].revents != 0) FromClient();
   if (ends[1].revents != 0) ToCommand();
-  // An error is written in pieces, output in blocks: a block that came after the first piece must not stand in
+  // An error is written in pieces, output in blocks: a block that came after the first piece must not be in
   // the middle of the error.
   if (ends[3].revents != 0) FromCommand(&command_.errors, ShellPacket::kErrors);
   if (ends[2].revents != 0) FromCommand(&command_.output, ShellPacket::kOutput);
@@ -95,7 +95,7 @@ void ShellSession::FromClient() {
 
 void ShellSession::ClientWentAway() {
   client_gone_ = true;
-  // exec-in has no other way to say that its input ends.
+  // exec-in has no other way to end its input.
   if (!request_.packets && request_.streams == ShellRequest::Streams::kPipes) {
     last_chance_ = Clock::now() + kTimeToFinishInput;
     Receive(ShellPacket::kCloseInput, "");
@@ -127,7 +127,7 @@ void ShellSession::ToCommand() {
                               : static_cast<ssize_t>(pending_input_.size());
     if (count < 0 && errno == EINTR) continue;
     if (count < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) return;
-    if (count < 0) CloseInput();  // nobody reads any more; what still comes is thrown away
+    if (count < 0) CloseInput();  // nobody reads any more; the rest is thrown away
     pending_input_.erase(0, count < 0 ? std::string::npos : static_cast<size_t>(count));
   }
   // A terminal's input cannot end by itself; its last reader sees the hang-up.

@@ -17,7 +17,7 @@ class ShellSession {
  public:
   ShellSession(const ShellRequest& request, ShellCommand command, base::UniqueFd client);
 
-  // Until the command has ended, or the client has gone and the command was ended for it.
+  // Until the command has ended, or the client has closed its connection and the command was ended.
   void Run();
 
  private:

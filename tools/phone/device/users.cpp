@@ -14,13 +14,13 @@ constexpr char kOtherUser[] = "10";
 }  // namespace
 
 std::string CurrentUser() {
-  const auto restricted = Faults(kStateFolder).Value(fault::kUserRestricted);
+  const auto restricted = Faults(kSetupFolder).Value(fault::kUserRestricted);
   if (!restricted) return "0";
   return restricted->empty() ? kOtherUser : *restricted;
 }
 
 bool MayActFor(const std::string& user) {
-  if (!Faults(kStateFolder).Has(fault::kUserRestricted) || user == CurrentUser() || user == "current")
+  if (!Faults(kSetupFolder).Has(fault::kUserRestricted) || user == CurrentUser() || user == "current")
     return true;
   std::fprintf(stderr,
                "\nException occurred while executing:\n"

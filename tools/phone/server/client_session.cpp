@@ -4,12 +4,13 @@
 
 #include <array>
 #include <cerrno>
+#include <optional>
+#include <string>
 
 #include "tools/phone/common/io.h"
 #include "tools/phone/common/wire.h"
 #include "tools/phone/server/control.h"
 #include "tools/phone/server/features.h"
-#include "tools/phone/server/network_requests.h"
 
 namespace darokleim::phone {
 
@@ -18,7 +19,7 @@ namespace {
 // What adb 29 speaks; with any other number the client kills the server and starts its own.
 constexpr std::string_view kProtocolVersion = "0029";
 
-// Waits for a change of the list; false when the client has gone meanwhile.
+// Waits for a change of the list; false when the client has closed its connection meanwhile.
 bool WaitForChange(ChangeFeed::Watcher* watcher, int client) {
   for (;;) {
     std::array<pollfd, 2> ends = {{{watcher->descriptor(), POLLIN, 0}, {client, POLLIN, 0}}};
@@ -30,6 +31,35 @@ bool WaitForChange(ChangeFeed::Watcher* watcher, int client) {
     watcher->Acknowledge();
     return true;
   }
+}
+
+std::string WithPort(std::string_view address) {
+  constexpr char kUsualPort[] = ":5555";
+  return std::string(address) + (address.find(':') == std::string_view::npos ? kUsualPort : "");
+}
+
+// adb connect ADDRESS: attaches the phone that has this serial, and returns the answer.
+std::string ConnectToPhone(std::string_view address, const PhoneList& phones) {
+  const std::string serial = WithPort(address);
+  Phone* phone = phones.PhoneWithSerial(serial);
+  if (phone == nullptr) return "failed to connect to '" + serial + "': Connection refused";
+  if (phone->transport()) return "already connected to " + serial;
+  phone->Plug();
+  return "connected to " + serial;
+}
+
+// adb disconnect [ADDRESS]: without an address every phone over the network. Nothing when there is no such phone.
+std::optional<std::string> DisconnectFromPhone(std::string_view address, const PhoneList& phones) {
+  const std::string serial = WithPort(address);
+  bool found = false;
+  for (const auto& phone : phones.phones()) {
+    const auto transport = phone->transport();
+    if (!transport || !transport->over_network || (!address.empty() && phone->serial() != serial)) continue;
+    phone->Unplug();
+    found = true;
+  }
+  if (address.empty()) return "disconnected everything";
+  return found ? std::optional("disconnected " + serial) : std::nullopt;
 }
 
 }  // namespace

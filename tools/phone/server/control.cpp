@@ -16,8 +16,8 @@ void RequireNoValue(const std::string& action, const std::string& value) {
   if (!value.empty()) throw std::invalid_argument(action + " takes no value");
 }
 
-// Does what is asked of one phone; throws std::invalid_argument.
-void Act(Phone* phone, const std::string& action, const std::string& value) {
+// Changes one phone; throws std::invalid_argument.
+void ChangePhone(Phone* phone, const std::string& action, const std::string& value) {
   if (action == "state") {
     const auto state = ParseConnectionState(value);
     if (!state) throw std::invalid_argument("unknown state '" + value + "'");
@@ -25,7 +25,7 @@ void Act(Phone* phone, const std::string& action, const std::string& value) {
     return;
   }
   if (action == "fault") return phone->SwitchFaultOn(ParseFault(value));
-  if (action == "mend") return phone->SwitchFaultOff(value);
+  if (action == "clear" || action == "mend") return phone->SwitchFaultOff(value);
   RequireNoValue(action, value);
   if (action == "unplug") return phone->Unplug();
   if (action == "plug") return phone->Plug();
@@ -50,10 +50,10 @@ std::string Describe(const Phone& phone) {
 std::string Show(const Phone& phone, const std::string& record) {
   if (record != kInputRecord && record != kActivityRecord)
     throw std::invalid_argument("unknown record '" + record + "'");
-  return ReadFile(phone.folder().state() + "/" + record).value_or("");
+  return ReadRegularFile(phone.folder().state(), record).value_or("");
 }
 
-std::string Obey(PhoneList* phones, const std::vector<std::string>& words) {
+std::string Execute(PhoneList* phones, const std::vector<std::string>& words) {
   if (words.size() == 1 && words[0] == "list") {
     std::string text;
     for (const auto& phone : phones->phones()) text += Describe(*phone);
@@ -65,7 +65,7 @@ std::string Obey(PhoneList* phones, const std::vector<std::string>& words) {
   if (phone == nullptr) throw std::invalid_argument("no phone has the serial '" + words[0] + "'");
   const std::string value = words.size() == 3 ? words[2] : "";
   if (words[1] == "show") return Show(*phone, value);
-  Act(phone, words[1], value);
+  ChangePhone(phone, words[1], value);
   return "";
 }
 
@@ -82,7 +82,7 @@ std::string Joined(const std::vector<std::string>& words) {
 
 void AnswerControl(PhoneList* phones, std::string_view words, int client) {
   try {
-    SendOkayAndText(client, Obey(phones, Split(words, '\0')));
+    SendOkayAndText(client, Execute(phones, Split(words, '\0')));
   } catch (const std::exception& error) {
     SendFail(client, error.what());
   }
@@ -111,8 +111,8 @@ std::string ControlHelp() {
       "list: every phone with its state, folder and faults\n"
       "SERIAL unplug | plug | reconnect | reboot\n"
       "SERIAL state STATE: as after --phone\n"
-      "SERIAL show input | show activities: what was typed, what was started\n"
-      "SERIAL fault NAME[=VALUE] | mend NAME: switches a fault on or off, where NAME is\n";
+      "SERIAL show input | show activities: the text that was typed, the activities that were started\n"
+      "SERIAL fault NAME[=VALUE] | clear NAME: switches a fault on or off, where NAME is\n";
   for (const auto& [name, meaning] : DescribedFaults())
     help.append("  ").append(name).append(": ").append(meaning).append("\n");
   return help;

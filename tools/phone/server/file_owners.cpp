@@ -52,7 +52,7 @@ std::string OwnersFile(const PhoneOptions& options, const std::vector<StorageVol
                      Line("system", "system", "/data") + Line("root", "root", "/data/local") +
                      Line("shell", "shell", "/data/local/tmp") + Line("media_rw", "media_rw", "/data/media") +
                      Line("media_rw", "media_rw", "/mnt/media_rw") + Line("root", "shell", "/system/bin");
-  for (const StorageVolume& volume : volumes) text += Line("root", StorageGroup(options), volume.shown_at);
+  for (const StorageVolume& volume : volumes) text += Line("root", StorageGroup(options), volume.path);
   return text;
 }
 
@@ -62,7 +62,7 @@ std::string MountsFile(const std::vector<StorageVolume>& volumes) {
       "tmpfs /dev tmpfs rw,seclabel,nosuid,relatime,mode=755 0 0\n"
       "/dev/block/dm-5 /data ext4 rw,seclabel,nosuid,nodev,noatime 0 0\n";
   for (const StorageVolume& volume : volumes) {
-    text += "/dev/fuse " + volume.shown_at + " fuse rw,nosuid,nodev,noexec,noatime 0 0\n";
+    text += "/dev/fuse " + volume.path + " fuse rw,nosuid,nodev,noexec,noatime 0 0\n";
   }
   return text;
 }

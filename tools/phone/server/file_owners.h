@@ -5,9 +5,14 @@
 #include <vector>
 
 #include "tools/phone/server/phone_options.h"
-#include "tools/phone/server/storage_volume.h"
 
 namespace darokleim::phone {
+
+// A storage volume of the phone.
+struct StorageVolume {
+  std::string path;    // where it is
+  std::string linked;  // where the system has it too, through a link
+};
 
 // The texts that the file system view reads: who owns what, and which disks there are.
 std::string OwnersFile(const PhoneOptions& options, const std::vector<StorageVolume>& volumes);

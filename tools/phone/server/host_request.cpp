@@ -22,7 +22,7 @@ Target WithSerial(std::string_view serial) {
   return target;
 }
 
-// Where the serial ends that stands before ":SERVICE": a serial may hold colons itself (an address and a port,
+// Where the serial before ":SERVICE" ends: a serial may contain colons itself (an address and a port,
 // or a name such as model:X).
 size_t SerialLength(std::string_view text, const PhoneList& phones) {
   for (const auto& phone : phones.phones()) {

@@ -31,7 +31,7 @@ constexpr milliseconds kRebootTime(1500);
 constexpr milliseconds kTimeToSwitchOff(2000);
 
 // The phone's first process ends when its link does, and with it every process of the phone; bubblewrap then
-// buries it and ends itself. Killing bubblewrap at once would leave that to the host's first process.
+// reaps it and ends itself. Killing bubblewrap at once would leave that to the host's first process.
 void WaitForSandbox(pid_t pid) {
   const auto deadline = std::chrono::steady_clock::now() + kTimeToSwitchOff;
   while (waitpid(pid, nullptr, WNOHANG) == 0) {
@@ -70,7 +70,7 @@ Phone::Phone(PhoneOptions options, size_t socket, const SandboxParts* parts, Eve
       events_(std::move(events)),
       properties_(BuildProperties(options_)),
       folder_(options_, properties_, *parts_),
-      faults_(folder_.state()),
+      faults_(folder_.setup()),
       state_(options_.state) {
   auto wake = MakePipe();
   if (!wake) throw std::runtime_error("no descriptors left");
@@ -81,7 +81,7 @@ Phone::Phone(PhoneOptions options, size_t socket, const SandboxParts* parts, Eve
 void Phone::BeginToSwitchOn() {
   std::lock_guard lock(mutex_);
   power_ = Power::kStarting;
-  life_ = std::thread([this] { Live(); });
+  life_ = std::thread([this] { Run(); });
 }
 
 bool Phone::WaitUntilOn() {
@@ -176,20 +176,20 @@ void Phone::Reboot() {
 
 void Phone::SwitchFaultOn(const Fault& fault) {
   faults_.SwitchOn(fault);
-  folder_.FollowFaults(faults_);
+  folder_.ApplyFaults(faults_);
 }
 
 void Phone::SwitchFaultOff(const std::string& name) {
   faults_.SwitchOff(name);
-  folder_.FollowFaults(faults_);
+  folder_.ApplyFaults(faults_);
 }
 
-void Phone::Live() {
+void Phone::Run() {
   bool first_boot = true;
   for (;;) {
     const bool started = Boot();
     if (started) ListenUntilGone();
-    BuryPhone();
+    ReleaseSandbox();
     events_.detached();
     events_.changed();
 
@@ -208,7 +208,6 @@ bool Phone::Boot() {
   if (!ends) return false;
   const std::vector<std::string> daemon = {"--daemon",
                                            options_.generation == Generation::kLegacy ? "legacy" : "modern"};
-  folder_.ForgetUntilBoot();
   const pid_t pid = StartSandbox(SandboxCommand(*parts_, folder_, daemon), std::move(ends->second));
   if (pid < 0) {
     std::fprintf(stderr, "darokleim-phone: cannot start %s: %s\n", parts_->bubblewrap.c_str(),
@@ -241,7 +240,7 @@ void Phone::ListenUntilGone() {
     if (ends[0].revents != 0) {
       auto packet = ReceivePacket(link_.get());
       if (!packet || packet->message == LinkMessage::kReboot) return;
-      Handle(std::move(*packet));
+      HandlePacket(std::move(*packet));
     }
     bool attached;
     {
@@ -252,7 +251,7 @@ void Phone::ListenUntilGone() {
   }
 }
 
-void Phone::Handle(LinkPacket packet) {
+void Phone::HandlePacket(LinkPacket packet) {
   switch (packet.message) {
     case LinkMessage::kReady: {
       {
@@ -275,7 +274,7 @@ void Phone::Handle(LinkPacket packet) {
   }
 }
 
-void Phone::BuryPhone() {
+void Phone::ReleaseSandbox() {
   pid_t pid;
   {
     std::lock_guard lock(mutex_);

@@ -33,7 +33,7 @@ struct Transport {
 };
 
 // One phone, switched on and off by the server. It has a thread of its own, which starts the phone's sandbox and
-// listens to it, and starts it anew after a reboot.
+// listens to it, and starts it again after a reboot.
 class Phone {
  public:
   struct Events {
@@ -66,7 +66,7 @@ class Phone {
   void SetState(ConnectionState state);
   void Unplug();
   void Plug();
-  // The connection is dropped and made anew.
+  // The connection is dropped and made again.
   void Reconnect();
   void Reboot();
 
@@ -80,11 +80,11 @@ class Phone {
   using Clock = std::chrono::steady_clock;
   enum class Power { kStarting, kOn, kRebooting, kFailed, kOff };
 
-  void Live();
+  void Run();
   bool Boot();
   void ListenUntilGone();
-  void Handle(LinkPacket packet);
-  void BuryPhone();
+  void HandlePacket(LinkPacket packet);
+  void ReleaseSandbox();
   // The three below expect the lock to be held.
   void Attach();
   void Detach();

@@ -6,15 +6,20 @@
 #include <vector>
 
 #include "tools/phone/common/faults.h"
+#include "tools/phone/server/file_owners.h"
 #include "tools/phone/server/phone_options.h"
-#include "tools/phone/server/sandbox_parts.h"
-#include "tools/phone/server/storage_volume.h"
 #include "tools/phone/server/temporary_folder.h"
 
 namespace darokleim::phone {
 
-// The host folder of one phone: its file system and, beside it, what the phone keeps that no file of a real
-// phone shows. A temporary one goes with this object.
+struct SandboxParts;
+
+// The host folder of one phone: its file system and, beside it, what no file of a real phone shows. A temporary one is
+// removed with this object.
+//
+// Programs of the phone may put links anywhere where they may write: in the folder `state`, and in `data`, `cache`,
+// `mnt` and the storage volumes of `files`. These folders are in others that they may not write to, and the server
+// follows no path below them.
 class PhoneFolder {
  public:
   // Throws std::runtime_error when the folder cannot be made or is another phone's.
@@ -24,17 +29,19 @@ class PhoneFolder {
 
   // The phone's "/".
   std::string files() const { return path_ + "/files"; }
+  // What the phone keeps, see kStateFolder.
   std::string state() const { return path_ + "/state"; }
+  // What the phone sees read-only, see kSetupFolder.
+  std::string setup() const { return path_ + "/setup"; }
 
   const std::vector<StorageVolume>& volumes() const { return volumes_; }
 
-  // Drops what a phone forgets when it is switched off: set properties other than the persistent ones.
-  void ForgetUntilBoot() const;
-
-  // Takes the commands away that the faults say are missing, and gives back those that they no longer do.
-  void FollowFaults(const Faults& faults) const;
+  // Hides the commands that the faults say are missing, and restores the others.
+  void ApplyFaults(const Faults& faults) const;
 
  private:
+  // The links of commands that a fault hides.
+  std::string HiddenCommands() const { return path_ + "/hidden-commands"; }
   void LayOut(const PhoneOptions& options, const KeyValues& properties, const SandboxParts& parts);
 
   std::optional<TemporaryFolder> temporary_;

@@ -9,7 +9,7 @@
 
 namespace darokleim::phone {
 
-// What the phone says of itself: the properties of its maker and Android release, and those that the user set.
+// The properties of the phone: those of its maker and Android release, and those that the user set.
 KeyValues BuildProperties(const PhoneOptions& options);
 
 // The makers and systems that --phone knows as profile=NAME.

@@ -8,9 +8,21 @@
 
 #include "base/unique_fd.h"
 #include "tools/phone/server/phone_folder.h"
-#include "tools/phone/server/sandbox_parts.h"
 
 namespace darokleim::phone {
+
+// What of the host a phone needs to see. Found once for all phones.
+struct SandboxParts {
+  std::string bubblewrap;
+  std::string shell;  // mksh
+  std::string toybox;
+  std::string program;                 // this program, which is the phone's daemon and its own programs
+  std::string view;                    // the library of the phone's file system view
+  std::vector<std::string> libraries;  // and what else the programs read, at the same place in the phone
+};
+
+// Throws std::runtime_error that names what is missing.
+SandboxParts FindSandboxParts();
 
 // The command line that runs the phone's daemon as the first process of namespaces of its own (files,
 // processes, network, users), seeing the phone's folder as "/" and nothing else of the host but what

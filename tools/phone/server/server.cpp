@@ -27,7 +27,8 @@ namespace darokleim::phone {
 
 namespace {
 
-// Turns the signals that end the server, and the wish of a client, into a byte in a pipe. They stay blocked in every other thread.
+// Turns the signals that end the server, and a client's request for the end, into a byte in a pipe. The signals stay
+// blocked in every other thread.
 class EndSignals {
  public:
   EndSignals() {
@@ -70,7 +71,7 @@ class EndSignals {
   std::thread waiter_;
 };
 
-// The client that asked for the end hears of it last, when the port is free and every phone is off.
+// The client that asked for the end gets its answer last, when the port is free and every phone is off.
 class LastRequest {
  public:
   void Keep(base::UniqueFd client) {
@@ -110,7 +111,7 @@ class Server {
   // Until the end is asked for; true when by a client.
   bool ServeClients(Listener listener);
   void Serve(base::UniqueFd client);
-  void Reversed(const std::string& address, base::UniqueFd connection);
+  void ConnectToHost(const std::string& address, base::UniqueFd connection);
 
   const ServerOptions& options_;
   EndSignals end_;
@@ -134,7 +135,7 @@ int Server::Run() {
   std::printf("darokleim-phone: ready on port %u\n", static_cast<unsigned>(port));
   std::fflush(stdout);
   while (ServeClients(std::move(listener)) && options_.restart_on_kill) {
-    // As with a new server, every phone is attached anew.
+    // As with a new server, every phone is attached again.
     for (const auto& phone : phones_.phones()) phone->Reconnect();
     connections_.Reopen();
     listener = Listener(SocketAddress::OfPort(port));
@@ -160,7 +161,7 @@ void Server::AddPhones() {
     phones_.Add(
         phone, &parts_,
         [this](const std::string& address, base::UniqueFd connection) {
-          Reversed(address, std::move(connection));
+          ConnectToHost(address, std::move(connection));
         },
         [this](const std::string& serial) { forwards_.RemoveOf(serial); });
   }
@@ -176,7 +177,7 @@ void Server::Serve(base::UniqueFd client) {
   });
 }
 
-void Server::Reversed(const std::string& address, base::UniqueFd connection) {
+void Server::ConnectToHost(const std::string& address, base::UniqueFd connection) {
   const auto host = SocketAddress::Parse(address);
   if (!host) return;
   connections_.Serve(std::move(connection), [host = *host](base::UniqueFd* phone_end) {
@@ -185,7 +186,7 @@ void Server::Reversed(const std::string& address, base::UniqueFd connection) {
   });
 }
 
-// What the starting program left open is no business of the phones.
+// Descriptors that the starting program left open must not reach the phones.
 void CloseOnExecAll() {
   std::error_code error;
   for (const auto& entry : std::filesystem::directory_iterator("/dev/fd", error)) {

@@ -11,11 +11,11 @@ namespace darokleim::phone {
 struct ServerOptions {
   uint16_t port = 5037;  // 0: one that is free
   std::vector<PhoneOptions> phones;
-  // What a client takes for a server that was started anew: every connection ends, the phones stay.
+  // To a client it looks like a new server: every connection ends, the phones stay.
   bool restart_on_kill = false;
 };
 
-// Serves until a client asks for the end or the process gets SIGINT or SIGTERM, and leaves nothing behind. The
+// Serves until a client asks for the end or the process gets SIGINT or SIGTERM, and removes everything it made. The
 // result is the process's exit status. Call it before any other thread is started: it blocks those signals.
 int RunServer(const ServerOptions& options);
 

@@ -1,5 +1,6 @@
 #include "tools/phone/server/temporary_folder.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -11,6 +12,7 @@
 #include <ctime>
 #include <filesystem>
 #include <stdexcept>
+#include <string_view>
 #include <system_error>
 
 namespace darokleim::phone {
@@ -25,16 +27,27 @@ constexpr char kLock[] = "/lock";
 constexpr time_t kNewSeconds = 60;
 
 // A folder that its owner may not read would stop the removal of the rest.
-void MakeRemovable(const fs::path& folder) {
-  std::error_code error;
-  fs::permissions(folder, fs::perms::owner_all, fs::perm_options::add, error);
-  for (const fs::directory_entry& entry : fs::directory_iterator(folder, error)) {
-    if (entry.is_directory(error) && !entry.is_symlink(error)) MakeRemovable(entry.path());
+// Folder by folder through descriptors: a phone may have put links anywhere in it.
+void MakeRemovable(int parent, const std::string& name) {
+  const base::UniqueFd place(openat(parent, name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  if (!place.valid()) return;
+  chmod(("/proc/self/fd/" + std::to_string(place.get())).c_str(), S_IRWXU);
+  const int folder = openat(place.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  DIR* const entries = folder < 0 ? nullptr : fdopendir(folder);
+  if (entries == nullptr) {
+    if (folder >= 0) close(folder);
+    return;
   }
+  while (const dirent* entry = readdir(entries)) {
+    const std::string_view entry_name = entry->d_name;
+    if (entry->d_type == DT_DIR && entry_name != "." && entry_name != "..")
+      MakeRemovable(folder, entry->d_name);
+  }
+  closedir(entries);
 }
 
 void RemoveFolder(const fs::path& folder) {
-  MakeRemovable(folder);
+  MakeRemovable(AT_FDCWD, folder.string());
   std::error_code error;
   fs::remove_all(folder, error);
 }

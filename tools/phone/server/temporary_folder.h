@@ -7,7 +7,7 @@
 
 namespace darokleim::phone {
 
-// A folder that goes with this object, with everything in it.
+// A folder that is removed with this object, with everything in it.
 class TemporaryFolder {
  public:
   // Throws std::runtime_error when there is no place for it.
@@ -25,7 +25,7 @@ class TemporaryFolder {
 // Takes the folder for as long as the result is open; not valid when another phone has it.
 base::UniqueFd LockFolder(const std::string& folder);
 
-// Removes this user's temporary folders that nobody has locked any more: a server that is killed leaves its own.
+// Removes this user's temporary folders that are no longer locked: a server that is killed leaves its own.
 void RemoveAbandonedFolders();
 
 }  // namespace darokleim::phone

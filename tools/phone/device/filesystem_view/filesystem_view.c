@@ -199,7 +199,7 @@ static bool StorageIsFull(void) {
   return full;
 }
 
-// What the fault free-space says, in bytes; negative when it is off.
+// The value of the fault free-space, in bytes; negative when it is off.
 static double FreeSpace(void) {
   if (StorageIsFull()) return 0;
   const int saved = errno;

@@ -73,7 +73,7 @@ uint32_t Number(const XmlElement& element, const char* attribute, uint32_t other
   return found == nullptr || found->is_text || found->is_reference ? otherwise : found->number;
 }
 
-// ".Main" and "Main" are in the package; "a.b.Main" stands as it is.
+// ".Main" and "Main" are in the package; "a.b.Main" stays as it is.
 std::string FullClassName(const std::string& package, const std::string& name) {
   if (!name.empty() && name[0] == '.') return package + name;
   return name.find('.') == std::string::npos ? package + "." + name : name;

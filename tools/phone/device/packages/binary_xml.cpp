@@ -16,7 +16,7 @@ constexpr uint32_t kUtf8Pool = 1 << 8;
 constexpr uint8_t kTypeReference = 0x01;
 constexpr uint8_t kTypeString = 0x03;
 
-// Little-endian numbers of a byte string; reading beyond its end gives 0 and is remembered.
+// Little-endian numbers of a byte string; reading past its end gives 0 and is remembered.
 class Bytes {
  public:
   explicit Bytes(std::string_view bytes) : bytes_(bytes) {}

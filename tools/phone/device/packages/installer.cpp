@@ -15,11 +15,11 @@
 #include "tools/phone/common/key_values.h"
 #include "tools/phone/common/numbers.h"
 #include "tools/phone/common/wire.h"
-#include "tools/phone/device/event_log.h"
 #include "tools/phone/device/layout.h"
 #include "tools/phone/device/packages/apk_file.h"
 #include "tools/phone/device/packages/package_store.h"
 #include "tools/phone/device/properties.h"
+#include "tools/phone/device/records.h"
 
 namespace darokleim::phone {
 
@@ -145,7 +145,7 @@ void MakeDataFolder(const Package& package) {
 }  // namespace
 
 std::string Install(const std::vector<std::string>& apks, const InstallOptions& options) {
-  const Faults faults(kStateFolder);
+  const Faults faults(kSetupFolder);
   if (const auto failure = faults.Value(fault::kInstallFailure)) return *failure;
   const Parts parts = ReadParts(apks);
   if (!parts.failure.empty()) return parts.failure;

@@ -3,8 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "tools/phone/device/backup_confirmation.h"
-#include "tools/phone/device/event_log.h"
+#include "tools/phone/device/backup.h"
 #include "tools/phone/device/packages/package_store.h"
 #include "tools/phone/device/programs/programs.h"
 #include "tools/phone/device/records.h"
@@ -142,7 +141,7 @@ int ForceStop(const Words& words) {
   }
   const std::string& name = words.back();
   AppendRecord(kActivityRecord, "force-stop " + name);
-  if (name == kBackupConfirmation) AbandonConfirmations();
+  if (name == kBackupConfirmation) CancelConfirmations();
   return 0;
 }
 

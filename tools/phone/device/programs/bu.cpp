@@ -11,13 +11,12 @@
 #include <utility>
 
 #include "tools/phone/common/io.h"
-#include "tools/phone/device/backup_confirmation.h"
-#include "tools/phone/device/backup_file.h"
-#include "tools/phone/device/event_log.h"
+#include "tools/phone/device/backup.h"
 #include "tools/phone/device/layout.h"
 #include "tools/phone/device/packages/package_store.h"
 #include "tools/phone/device/programs/programs.h"
 #include "tools/phone/device/properties.h"
+#include "tools/phone/device/records.h"
 
 namespace darokleim::phone {
 

@@ -40,7 +40,7 @@ int PrintLine(const std::string& path) {
 
 }  // namespace
 
-// The df of a phone with toolbox, which knows no options; later phones have toybox's.
+// The df of a phone with toolbox, which has no options; later phones have toybox's.
 int RunDf(const Words& words) {
   std::printf("Filesystem               Size     Used     Free   Blksize\n");
   if (!words.empty()) {

@@ -9,7 +9,7 @@ namespace darokleim::phone {
 
 namespace {
 
-// The text as the focused field gets it: "%s" is how a blank is written.
+// The text as the focused field gets it: "%s" is how a space is written.
 std::string Typed(const std::string& text) {
   std::string typed;
   for (size_t i = 0; i < text.size(); ++i) {

@@ -23,7 +23,7 @@ std::vector<Interface> Interfaces() {
        "    link/loopback 00:00:00:00:00:00 brd 00:00:00:00:00:00\n",
        "127.0.0.1/8 scope host lo"}};
   const std::string address = Property("dhcp.wlan0.ipaddress");
-  const bool connected = !address.empty() && !Faults(kStateFolder).Has(fault::kNoWifi);
+  const bool connected = !address.empty() && !Faults(kSetupFolder).Has(fault::kNoWifi);
   const std::string network = address.substr(0, address.rfind('.'));
   interfaces.push_back(
       {"wlan0",

@@ -13,10 +13,10 @@
 #include "tools/phone/common/io.h"
 #include "tools/phone/common/numbers.h"
 #include "tools/phone/common/wire.h"
-#include "tools/phone/device/event_log.h"
 #include "tools/phone/device/layout.h"
 #include "tools/phone/device/programs/programs.h"
 #include "tools/phone/device/properties.h"
+#include "tools/phone/device/records.h"
 
 namespace darokleim::phone {
 
@@ -79,7 +79,7 @@ LogcatOptions ParseWords(const Words& words) {
     } else if (option == "-v") {
       options.format = OptionValue(words, &i);
     } else if (option == "-b") {
-      OptionValue(words, &i);  // one buffer stands for all
+      OptionValue(words, &i);  // there is only one buffer
     } else if (!words[i].empty() && words[i][0] != '-') {
       AddFilters(words[i], &options);
       filtered = true;
@@ -124,7 +124,7 @@ std::string Format(const LogEntry& entry, const std::string& format) {
   return std::string(1, entry.priority) + "/" + tag + head.data() + entry.message;
 }
 
-// Reads the log line by line, and goes on where it ended when asked again. A log that was cleared begins anew.
+// Reads the log line by line, and goes on where it ended when asked again. A log that was cleared is read from its start again.
 class LogReader {
  public:
   LogReader() : path_(std::string(kStateFolder) + "/" + kLogRecord) { Open(); }

@@ -21,7 +21,7 @@ namespace darokleim::phone {
 
 namespace {
 
-// What stands before a name, and what is listed at all.
+// What is printed before a name, and what is listed at all.
 struct LsOptions {
   bool all = false;
   bool long_form = false;

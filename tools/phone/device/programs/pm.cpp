@@ -14,7 +14,7 @@ namespace darokleim::phone {
 
 namespace {
 
-// The words after the subcommand: the user asked for, and whatever is no option.
+// The words after the subcommand: the requested user, and whatever is not an option.
 struct PmWords {
   std::string user = "0";
   std::string options;  // the letters of -f, -3 …

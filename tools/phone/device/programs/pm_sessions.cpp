@@ -13,10 +13,10 @@
 #include "tools/phone/common/faults.h"
 #include "tools/phone/common/io.h"
 #include "tools/phone/common/numbers.h"
-#include "tools/phone/device/event_log.h"
 #include "tools/phone/device/layout.h"
 #include "tools/phone/device/packages/installer.h"
 #include "tools/phone/device/properties.h"
+#include "tools/phone/device/records.h"
 #include "tools/phone/device/users.h"
 
 namespace darokleim::phone {
@@ -89,7 +89,7 @@ std::string Receive(uint64_t size, const std::string& path) {
         ReadSome(STDIN_FILENO, buffer.data(), static_cast<size_t>(std::min<uint64_t>(buffer.size(), left)));
     if (count <= 0) return "INSTALL_FAILED_INTERNAL_ERROR: Unexpected end of input";
     left -= static_cast<uint64_t>(count);
-    // The rest is taken even when there is no room, or the client could not read the answer.
+    // The rest is read even when there is no room, or the client could not read the answer.
     written = written && WriteAll(file.get(), buffer.data(), static_cast<size_t>(count));
   }
   return written ? "" : "INSTALL_FAILED_INSUFFICIENT_STORAGE";
@@ -115,7 +115,7 @@ class StagingFolder {
 
 // As a package manager that names the file first puts it: no more than the name, unless a fault has the words.
 std::string NameOf(const std::string& failure) {
-  return Faults(kStateFolder).Has(fault::kInstallFailure) ? failure : failure.substr(0, failure.find(':'));
+  return Faults(kSetupFolder).Has(fault::kInstallFailure) ? failure : failure.substr(0, failure.find(':'));
 }
 
 int InstallFile(const std::string& path, const InstallOptions& options) {

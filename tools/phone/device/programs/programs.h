@@ -12,7 +12,7 @@ using Words = std::vector<std::string>;
 // Android. `words` are those after the command's name; the result is the exit status.
 using Program = int (*)(const Words& words);
 
-// Null for a name that is none of ours.
+// Null for another name.
 Program FindProgram(const std::string& name);
 std::vector<std::string> ProgramNames();
 // True for those that were toolbox's until Android 6 and are toybox's since.
@@ -36,6 +36,10 @@ int RunSetprop(const Words& words);
 int RunSettings(const Words& words);
 int RunSu(const Words& words);
 int RunWm(const Words& words);
+
+// The commands of /system/bin that are toybox on a phone. Those that a phone has under the same name but that
+// answer from the phone's own services (getprop, logcat …) are not among them.
+const std::vector<std::string>& ToyboxCommands();
 
 }  // namespace darokleim::phone
 

@@ -1,5 +1,5 @@
 // Every function that takes a path, on names that a shell would not leave alone. docs/paths.md holds the results,
-// and a test fails that finds others. To write them anew: DAROKLEIM_WRITE_PATHS=1 in its environment.
+// and a test fails that finds others. To write them again: DAROKLEIM_WRITE_PATHS=1 in its environment.
 #include <gtest/gtest.h>
 
 #include <atomic>

@@ -1,16 +1,15 @@
 // Files, folders and storage of old and new phones, in each mode of the channel.
 #include <darokleim.h>
 #include <gmock/gmock.h>
-#include <json/reader.h>
 
 #include <chrono>
 #include <filesystem>
-#include <memory>
 #include <set>
 #include <thread>
 
 #include "tests/phone/each_phone.h"
 #include "tests/phone/phone_under_test.h"
+#include "tests/support/json.h"
 
 namespace darokleim::test {
 namespace {
@@ -32,9 +31,8 @@ class Taken {
   int* length() { return &length_; }
   bool is_there() const { return text_ != nullptr; }
   Json::Value Value() const {
-    Json::Value value;
-    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-    EXPECT_TRUE(reader->parse(text_, text_ + length_, &value, nullptr)) << text_;
+    const Json::Value value = ParseJson({text_, static_cast<size_t>(length_)});
+    EXPECT_FALSE(value.isNull()) << text_;
     return value;
   }
 

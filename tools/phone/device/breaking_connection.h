@@ -1,5 +1,5 @@
-#ifndef DAROKLEIM_TOOLS_PHONE_DEVICE_WEAK_CABLE_H
-#define DAROKLEIM_TOOLS_PHONE_DEVICE_WEAK_CABLE_H
+#ifndef DAROKLEIM_TOOLS_PHONE_DEVICE_BREAKING_CONNECTION_H
+#define DAROKLEIM_TOOLS_PHONE_DEVICE_BREAKING_CONNECTION_H
 
 #include <cstdint>
 
@@ -9,8 +9,8 @@ namespace darokleim::phone {
 
 // Puts a relay between the client and what serves it that breaks the connection after so many bytes, counted in
 // both directions together. The result is the end to serve instead.
-base::UniqueFd BehindWeakCable(base::UniqueFd client, uint64_t bytes);
+base::UniqueFd BreakAfter(base::UniqueFd client, uint64_t bytes);
 
 }  // namespace darokleim::phone
 
-#endif  // DAROKLEIM_TOOLS_PHONE_DEVICE_WEAK_CABLE_H
+#endif  // DAROKLEIM_TOOLS_PHONE_DEVICE_BREAKING_CONNECTION_H

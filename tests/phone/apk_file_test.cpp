@@ -1,7 +1,8 @@
+#include "tools/phone/device/packages/apk_file.h"
+
 #include <gtest/gtest.h>
 
 #include "tests/phone/phone_under_test.h"
-#include "tools/phone/device/packages/apk_file.h"
 #include "tools/phone/device/packages/binary_xml.h"
 
 namespace darokleim::test {

@@ -1,4 +1,4 @@
-#include "tools/phone/device/weak_cable.h"
+#include "tools/phone/device/breaking_connection.h"
 
 #include <poll.h>
 #include <sys/socket.h>
@@ -34,7 +34,7 @@ void CarryUntilItBreaks(int one, int other, uint64_t left) {
 
 }  // namespace
 
-base::UniqueFd BehindWeakCable(base::UniqueFd client, uint64_t bytes) {
+base::UniqueFd BreakAfter(base::UniqueFd client, uint64_t bytes) {
   auto ends = MakeSocketPair(SOCK_STREAM);
   if (!ends) return client;
   const pid_t pid = fork();

@@ -9,7 +9,7 @@ using testing::StartsWith;
 
 class Sdk : public SdkOnPhone {};
 
-TEST_P(Sdk, WorksOnFilesWithBlanksInTheirNames) {
+TEST_P(Sdk, WorksOnFilesWithSpacesInTheirNames) {
   WriteFile(OnHost("my photo.jpg"), "1234567");
   const std::string file = OnPhone("my photo.jpg");
   const std::string copy = OnPhone("a copy.jpg");
@@ -39,7 +39,7 @@ TEST_P(Sdk, WorksOnFilesWithBlanksInTheirNames) {
 }
 
 TEST_P(Sdk, NamesWhatIsWrongWithAFile) {
-  // Of an old phone the client says "does not exist", which is none of the known texts.
+  // Of an old phone the client prints "does not exist", which is not one of the known texts.
   EXPECT_EQ(AdbPullFile(phone(), OnPhone("none").c_str(), OnHost("back").c_str(), cancel_),
             is_legacy() ? 1001 : 25);
   EXPECT_EQ(AdbCopyFile(phone(), OnPhone("none").c_str(), OnPhone("copy").c_str(), cancel_), 25);

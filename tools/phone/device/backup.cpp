@@ -1,12 +1,17 @@
-#include "tools/phone/device/backup_file.h"
+#include "tools/phone/device/backup.h"
 
 #include <poll.h>
+#include <unistd.h>
 #include <zlib.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
+#include "tools/phone/common/faults.h"
 #include "tools/phone/common/io.h"
+#include "tools/phone/device/layout.h"
+#include "tools/phone/device/records.h"
 
 namespace darokleim::phone {
 
@@ -38,8 +43,8 @@ int PassThrough(int (*step)(z_stream*, int), z_stream* stream, int flush, std::v
   return result == Z_BUF_ERROR ? Z_OK : result;
 }
 
-// The client ends every file with this many zero bytes and then waits for the phone. Inside a file they may stand
-// too, but more follows them at once.
+// The client ends every file with this many zero bytes and then waits for the phone. Inside a file they may
+// occur too, but more follows them at once.
 class EndMark {
  public:
   void Count(const char* bytes, size_t count) {
@@ -76,6 +81,15 @@ int PassAll(int (*step)(z_stream*, int), z_stream* stream, int from, int to, int
   }
 }
 
+namespace fs = std::filesystem;
+
+constexpr useconds_t kAskAgainMicroseconds = 20 * 1000;
+
+// One file for each question on the screen.
+std::string Questions() {
+  return std::string(kStateFolder) + "/backup-questions";
+}
+
 }  // namespace
 
 bool WriteBackupFile(int archive, int backup) {
@@ -99,6 +113,29 @@ bool ReadBackupFile(int backup, int archive) {
   const int result = PassAll(inflate, &stream, backup, archive, Z_NO_FLUSH);
   inflateEnd(&stream);
   return result == Z_STREAM_END;
+}
+
+bool WaitForConfirmation() {
+  const Faults faults(kSetupFolder);
+  std::error_code error;
+  fs::create_directories(Questions(), error);
+  const std::string question = Questions() + "/" + std::to_string(getpid());
+  WriteFile(question, "");
+  bool asking = true;
+  if (faults.Has(fault::kUnconfirmedBackup)) {
+    AppendRecord(kActivityRecord, std::string("start ") + kBackupConfirmation + "/" + kBackupConfirmation +
+                                      ".BackupRestoreConfirmation");
+  }
+  while (faults.Has(fault::kUnconfirmedBackup) && (asking = fs::exists(question, error))) {
+    usleep(kAskAgainMicroseconds);
+  }
+  fs::remove(question, error);
+  return asking;
+}
+
+void CancelConfirmations() {
+  std::error_code error;
+  fs::remove_all(Questions(), error);
 }
 
 }  // namespace darokleim::phone
