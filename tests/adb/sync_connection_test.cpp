@@ -98,24 +98,24 @@ TEST_F(SyncConnectionTest, ATimeOutLosesNothing) {
   const std::string answers = Entry("abc") + kEndOfList + Message("DATA", "content") + kEndOfFile;
   std::string seen;
   std::string buffer(100, '\0');
-  for (const char byte : answers) {
-    Answer({&byte, 1});
+  // Adds what is read within the limits; an end is a '|'.
+  const auto read = [&](const Limits& limits) {
     if (seen.find('|') == std::string::npos) {
-      auto entry = sync_->ReadEntry(Within(1));
-      if (!entry.ok()) {
-        ASSERT_EQ(entry.error().code, ErrorCode::kTimedOut);
-        continue;
-      }
+      auto entry = sync_->ReadEntry(limits);
+      if (!entry.ok()) return entry.error().code;
       seen += *entry ? std::string((**entry).name) : "|";
     } else {
-      auto count = sync_->ReadContent(buffer, Within(1));
-      if (!count.ok()) {
-        ASSERT_EQ(count.error().code, ErrorCode::kTimedOut);
-        continue;
-      }
+      auto count = sync_->ReadContent(buffer, limits);
+      if (!count.ok()) return count.error().code;
       seen += *count == 0 ? "|" : buffer.substr(0, *count);
     }
+    return ErrorCode::kTimedOut;
+  };
+  for (const char byte : answers) {
+    Answer({&byte, 1});
+    ASSERT_EQ(read(Within(1)), ErrorCode::kTimedOut);
   }
+  while (sync_->unanswered() > 0) ASSERT_EQ(read(Within(5000)), ErrorCode::kTimedOut);
   EXPECT_EQ(seen, "abc|content|");
   EXPECT_TRUE(sync_->IsIdle());
 }
