@@ -31,16 +31,6 @@ spdlog::level::level_enum SpdlogLevel(LogLevel level) {
   return spdlog::level::err;
 }
 
-std::string FormatLine(std::string_view module, LogLevel level, std::string_view text) {
-  spdlog::pattern_formatter formatter(kLinePattern);
-  spdlog::memory_buf_t line;
-  formatter.format(
-      spdlog::details::log_msg(spdlog::string_view_t(module.data(), module.size()), SpdlogLevel(level),
-                               spdlog::string_view_t(text.data(), text.size())),
-      line);
-  return std::string(line.data(), line.size());
-}
-
 }  // namespace
 
 std::unique_ptr<LogFile> LogFile::Open(const std::string& absolute_path) {
@@ -49,7 +39,8 @@ std::unique_ptr<LogFile> LogFile::Open(const std::string& absolute_path) {
   return file;
 }
 
-LogFile::LogFile(std::string path) : path_(std::move(path)) {}
+LogFile::LogFile(std::string path)
+    : path_(std::move(path)), formatter_(std::make_unique<spdlog::pattern_formatter>(kLinePattern)) {}
 
 LogFile::~LogFile() = default;
 
@@ -64,6 +55,14 @@ void LogFile::Write(std::string_view module, LogLevel level, std::string_view li
 bool LogFile::OpenFile() {
   file_ = RotatingFile::Open(path_, kLimits);
   return file_ != nullptr;
+}
+
+std::string LogFile::FormatLine(std::string_view module, LogLevel level, std::string_view text) {
+  const spdlog::string_view_t name(module.data(), module.size());
+  const spdlog::string_view_t body(text.data(), text.size());
+  spdlog::memory_buf_t line;
+  formatter_->format(spdlog::details::log_msg(name, SpdlogLevel(level), body), line);
+  return std::string(line.data(), line.size());
 }
 
 bool LogFile::TryWrite(std::string_view module, LogLevel level, std::string_view line) {

@@ -10,6 +10,10 @@
 
 #include "log/rotating_file.h"
 
+namespace spdlog {
+class formatter;
+}
+
 namespace darokleim::log {
 
 // The levels of LogEx, lowest first.
@@ -33,10 +37,12 @@ class LogFile {
   explicit LogFile(std::string path);
 
   bool OpenFile();
+  std::string FormatLine(std::string_view module, LogLevel level, std::string_view text);
   bool TryWrite(std::string_view module, LogLevel level, std::string_view line);
   bool Recover(std::string_view module);
 
   std::string path_;
+  const std::unique_ptr<spdlog::formatter> formatter_;
   std::unique_ptr<RotatingFile> file_;  // null while the file cannot be written
   std::chrono::steady_clock::time_point next_attempt_;
   std::uint64_t lines_lost_ = 0;

@@ -117,9 +117,10 @@ long LargestMemory() {
 TEST(OutputBuffer, ConvertsLineBreaksInPlace) {
   test::InProcessOfItsOwn([] {
     constexpr size_t kMiB = 1024 * 1024;
+    const std::string piece(kMiB, '\n');
     const long before = LargestMemory();
     OutputBuffer buffer;
-    for (int i = 0; i < 64; ++i) Fill(&buffer, std::string(kMiB, '\n'));
+    for (int i = 0; i < 64; ++i) Fill(&buffer, piece);
     buffer.ConvertLineEnds(LineEnds::kCrLf);
     EXPECT_EQ(buffer.text().size(), 128 * kMiB);
     EXPECT_LT(LargestMemory() - before, 128 + 16);
