@@ -30,7 +30,7 @@
 ///     return 0;
 ///   }
 ///
-///   // The list reads "0123456789ABCDEF-device;FEDCBA9876543210-unauthorized;": take the first serial.
+///   // For example "0123456789ABCDEF-device;FEDCBA9876543210-unauthorized;": take the first serial.
 ///   devices[strcspn(devices, "-")] = '\0';
 ///   char model[128];
 ///   code = AdbGetPhoneProductModel(devices, model, (int)sizeof model, NULL);
@@ -51,8 +51,8 @@
 /// ## The contract
 ///
 /// **Calls block.** A call returns when its adb command, or the last of several, has ended; only
-/// AdbLogcatAnsync() returns at once. There is no time limit: a device that does not answer holds the call
-/// until it is cancelled. Keep calls off the thread that draws the windows.
+/// AdbLogcatAnsync() returns at once. There is no time limit: while a device does not answer, the call waits
+/// until it is cancelled. Do not call from the thread that draws the windows.
 ///
 /// **Threads.** After AdbSdkInit() every function may be called from any thread, several at a time, also
 /// for one device. Exceptions: AdbLogcatAnsync() not from two threads at once, and AdbKillDaemon() ends the
@@ -65,52 +65,52 @@
 /// cancelled. Another thread sets the bool to true while the call runs, best with an atomic store
 /// (`__atomic_store_n(&flag, true, __ATOMIC_RELAXED)`); the call then ends its adb process and returns
 /// within about 100 ms. The library never writes the flag. It must outlive the call, and be false again
-/// before the next one. What the device did until then stays done: a cancelled transfer may leave a partial
-/// file.
+/// before the next one. Changes already made on the device are kept, and no command runs under a flag that is
+/// set: a cancelled transfer may leave a partial file, and a function with several steps does not clean up.
 ///
 /// **Pointers.** Unless a function says otherwise, a null pointer gives #ADB_RESULT_INVALID_PARAM before
 /// any command runs and before anything is written. Where a pointer is said not to be checked, null is an
 /// error of the caller with undefined behaviour. The cancel flag may always be null.
 ///
-/// **Outputs on failure.** Outputs keep what they held unless a function says otherwise: initialise them.
+/// **Outputs on failure.** Outputs are not changed unless a function says otherwise: initialise them.
 ///
 /// **Blocks.** A `char**` output with its `int*` length receives a block that the library allocated. It
-/// belongs to the caller, who gives it back with AdbFreeResource(), never with `free`. Blocks end in a zero
+/// belongs to the caller, who frees it with AdbFreeResource(), never with `free`. Blocks end in a zero
 /// byte, except those of AdbGetPackagesNameOfInstalled() and AdbGetPackagesNameList(). Each function says
 /// whether its length counts that zero. Previous contents of the `char*` are overwritten, not freed.
 ///
 /// **Caller buffers.** A `char*` with an `int` size in bytes, the terminating zero included; at least 1.
-/// The buffer receives the text that the device printed, without the blanks, tabs, line ends and zero bytes
-/// at its end; but its length is measured before they are taken off, line end included. A text that is
-/// - shorter than the buffer is copied whole: #ADB_RESULT_OK;
-/// - exactly as long as the buffer loses its last byte, normally the line end: #ADB_RESULT_OK;
+/// The buffer receives the text that the device printed, without the spaces, tabs, line breaks and zero bytes
+/// at its end. Its length is measured before these are removed, line break included. A text that is
+/// - shorter than the buffer is copied completely: #ADB_RESULT_OK;
+/// - exactly as long as the buffer loses its last byte, normally the line break: #ADB_RESULT_OK;
 /// - longer is cut to size - 1 bytes: #ADB_RESULT_BUFFER_TOO_SMALL, repeat with a larger buffer.
 ///
-/// So leave room for the longest value, its line end (two bytes at most) and the zero. A few functions fill
-/// buffers by rules of their own and say so.
+/// The buffer should therefore hold the longest value, its line break (at most two bytes) and the zero. A few
+/// functions fill buffers differently and say so.
 ///
-/// **Texts are bytes** as the device printed them, in no promised encoding. JSON documents are pure ASCII:
+/// **Texts are bytes** as the device printed them, in any encoding. JSON documents are pure ASCII:
 /// other characters are written as `\u` escapes, and a byte that is not UTF-8 becomes `\ufffd`.
 ///
-/// **Nothing is escaped.** Paths, names and other texts go into the command as they are. No shell of the
-/// host reads them, the device's shell does: a text from an untrusted source can run commands on the
-/// device. Paths come in three kinds, and each path parameter names its kind:
-/// - a *whole path* stays in one piece, whatever it holds except a double quote, two backslashes in a row
-///   or a backslash at its end. Assistance (below) lifts these exceptions too, but for a double quote, a
-///   blank and a double quote in a row in a path of a function that takes two or more;
-/// - a *shell path* is read by the device's shell, so that a blank, `$`, `&`, `;`, `*`, a quote or a
-///   parenthesis breaks the command, or the command does nothing and still succeeds, or works on other
-///   files. Assistance makes it a whole path without exceptions;
-/// - a *bare path* is a shell path that assistance does not help: keep to letters, digits and `/`, `.`,
+/// **Nothing is escaped.** Paths, names and other texts are inserted into the command unchanged. They are not
+/// read by a shell of the host, but by the device's shell: a text from an untrusted source can run commands on
+/// the device. There are three kinds of paths, and each path parameter names its kind:
+/// - a *whole path* may hold anything except a double quote, two consecutive backslashes or a backslash at its
+///   end. With assistance (below) these are allowed too, except the sequence of a double quote, a space and a
+///   double quote in a path of a function that takes two or more;
+/// - a *shell path* is read by the device's shell: with a space, `$`, `&`, `;`, `*`, a quote or a parenthesis
+///   the command fails, or does nothing and still succeeds, or works on other files. Assistance makes it a
+///   whole path without exceptions;
+/// - a *bare path* is a shell path that assistance does not change: use only letters, digits and `/`, `.`,
 ///   `_`, `-`.
 ///
-/// **Commands are cut silently.** Some functions format their command into a fixed buffer. A longer command
-/// is run as cut, without an error, so check the length of long names first. The limit is given as "Command
-/// limit" and counts every byte of the command, ` -s SERIAL shell pm path NAME` for one. Where none is
-/// given, there is none.
+/// **Commands are cut silently.** Some functions format their command into a fixed buffer. A longer command is
+/// cut and then run, without an error: check the length of long names first. The limit is given as "Command
+/// limit" and counts every byte of the command, for example ` -s SERIAL shell pm path NAME`. A function that
+/// does not mention a limit does not have one.
 ///
-/// **Errors are codes.** Nothing else is reported, except that running out of memory leaves a call as the
-/// C++ exception `std::bad_alloc`, and a text too long for the `int` of its length as `std::length_error`.
+/// **Errors are codes.** There are two exceptions: when memory runs out, a call throws the C++ exception
+/// `std::bad_alloc`, and when a text is too long for the `int` of its length, `std::length_error`.
 ///
 /// ## Result codes
 ///
@@ -120,7 +120,7 @@
 /// | status | constant | meaning |
 /// |---|---|---|
 /// | 0 | | adb ran |
-/// | 1000 + N | #ADB_CHANNEL_EXIT_STATUS_BASE | adb, or the command on the device, failed with exit status N; 1001 is the usual one |
+/// | 1000 + N | #ADB_CHANNEL_EXIT_STATUS_BASE | adb or the command on the device failed with exit status N |
 /// | 2000 + S | #ADB_CHANNEL_SIGNAL_BASE | signal S ended adb |
 /// | 3001 | #ADB_CHANNEL_NOT_INITIALISED | the library is not started |
 /// | 3002 | #ADB_CHANNEL_CANNOT_START_ADB | the adb executable cannot be started |
@@ -129,10 +129,10 @@
 /// | 3006 | #ADB_CHANNEL_SYSTEM_REFUSED | the system refused a pipe, a process or memory |
 /// | 3007 | #ADB_CHANNEL_CONNECTION_BROKEN | the connection broke in the middle of an answer |
 ///
-/// A channel that somebody puts in the place of the library's own has numbers of its own. With 3001 to 3007
-/// there is no text to read, and the status is the result. Otherwise most functions look in the text,
-/// everything that adb printed, for known messages, anywhere, in a fixed order; the first one found, from
-/// the top of the table down, is the result, whatever the status. Without any, the status is the result.
+/// A channel that replaces the library's own can use other numbers. With 3001 to 3007 there is no text, and the
+/// status is the result. Otherwise most functions search everything that adb printed for known messages, at any
+/// position, in a fixed order: the first match, from the top of the table down, is the result, whatever the
+/// status is. Without a match, the status is the result.
 ///
 /// | text | result |
 /// |---|---|
@@ -161,28 +161,44 @@
 /// | `No space left on device` | #ADB_RESULT_NO_SPACE_LEFT |
 ///
 /// Names count as text: a listing that holds a file called `Failure.log` gives #ADB_RESULT_FAILURE. A
-/// message that is not in the table has no code of its own: an offline device, for one, gives the status
-/// 1001.
+/// message that is not in the table does not have a code.
 ///
-/// The **common codes** tell of the connection rather than of the request, and any function may return
+/// The **common codes** are about the connection rather than the request, and any function may return
 /// them: #ADB_RESULT_NO_DEVICE, #ADB_RESULT_DEVICE_UNAUTHORIZED, #ADB_RESULT_CANNOT_CONNECT_DAEMON,
 /// #ADB_RESULT_DAEMON_NOT_RUNNING, #ADB_RESULT_UNKNOWN_HOST_SERVICE, #ADB_RESULT_PROTOCOL_FAULT,
 /// #ADB_RESULT_SHELL_NOT_FOUND, #ADB_RESULT_NO_CLOSING_QUOTE and every status but 0. Each function lists
-/// what to expect besides. A few functions do not look for messages and return the **status only**: an
-/// absent or unauthorised device then is 1001.
+/// its other codes. A few functions do not search for messages and return the **status only**.
+///
+/// **A device that is not ready** gives
+///
+/// | functions | absent | unauthorized | offline |
+/// |---|---|---|---|
+/// | most | #ADB_RESULT_NO_DEVICE | #ADB_RESULT_DEVICE_UNAUTHORIZED | 1001 |
+/// | those with the status only, AdbCheckAppExist(), AdbUninstallApp() | 1001 | 1001 | 1001 |
+/// | AdbGetMiuiVersion() | #ADB_RESULT_MIUI_VERSION_NAME_FAILED | the same | the same |
+/// | AdbGetApkPathOfInstatlledEx() | #ADB_RESULT_NOT_FOUND | the same | the same |
+/// | AdbClearLogcat(), the stream of AdbLogcatAnsync() | waits until it is cancelled | the same | the same |
+/// | AdbAuthenticateShow() | #ADB_RESULT_NO_DEVICE | 1: asked | 1: asked |
+///
+/// Offline, AdbRestoreApp() gives 1255. AdbGetDevices() and AdbGetDevicesEx() succeed, and do not list an
+/// absent device.
+///
+/// **A connection that breaks** while a device answers is not always an error: adb prints what has arrived and
+/// reports success. A listing or a text can then be cut although the code is #ADB_RESULT_OK. A broken transfer is
+/// always reported.
 ///
 /// ## Phones differ
 ///
-/// **Exit status.** Phones with Android 7 or later report that a command such as `cp` or `rm` failed: the
-/// code is 1000 + N when no message says more. Older ones do not: there only a known message is a failure,
-/// and an unknown one (`Permission denied`, `Is a directory`) still gives #ADB_RESULT_OK.
+/// **Exit status.** Phones with Android 7 or later report that a command such as `cp` or `rm` failed: without a
+/// known message the code is 1000 + N. Older phones do not report it: there only a known message is a failure,
+/// and any other (`Permission denied`, `Is a directory`) gives #ADB_RESULT_OK.
 ///
-/// **Line ends.** Android 7 and later end lines in LF, older phones in CR LF. Functions that say they *read
-/// CR LF* or *read LF* work on the other phones only with assistance.
+/// **Line breaks.** Android 7 and later end lines in LF, older phones in CR LF. Functions that *read CR LF* or
+/// *read LF* work on the other phones only with assistance.
 ///
-/// **Assistance.** With `DAROKLEIM_CHANNEL_ASSIST=1` in the environment when AdbSdkInit() is called, every
-/// phone's line ends are made those that each function reads, and shell paths are quoted for the device's
-/// shell. Without it, commands and texts pass untouched. New applications want it.
+/// **Assistance.** With `DAROKLEIM_CHANNEL_ASSIST=1` in the environment when AdbSdkInit() is called, the line
+/// breaks of every phone are converted to those that each function reads, and shell paths are quoted for the
+/// device's shell. Without it, commands and texts are not changed. New applications should set it.
 ///
 /// ## Log files
 ///
@@ -222,17 +238,17 @@
 extern "C" {
 #endif
 
-/// What a function returns, where it is not a status of the command channel. The numbers never change;
-/// those that are missing are never returned. Each comment says what to do about the code.
+/// What a function returns unless it is a status of the command channel. The numbers never change; missing
+/// numbers are never returned. Each comment says what to do about the code.
 enum AdbResultCode {
   /// Success.
   ADB_RESULT_OK = 0,
-  /// The connection to adb or to the device broke: try once more. Some functions also return it for output
+  /// The connection to adb or to the device broke: try again. Some functions also return it for output
   /// that they cannot read, and say so.
   ADB_RESULT_PROTOCOL_FAULT = 1,
   /// The JSON argument cannot be read.
   ADB_RESULT_JSON_PARSE_FAILED = 3,
-  /// A required pointer is null, or an argument is empty that must not be.
+  /// A required pointer is null, or a required argument is empty.
   ADB_RESULT_INVALID_PARAM = 4,
   /// The resource directory lacks adb or busybox: repair the installation and start the application again.
   ADB_RESULT_RESOURCE_INCOMPLETE = 6,
@@ -242,18 +258,18 @@ enum AdbResultCode {
   ADB_RESULT_NO_DEVICE = 24,
   /// The path does not exist on the device or on the host, or it is not a regular file.
   ADB_RESULT_NO_SUCH_FILE = 25,
-  /// The running adb server does not know the request, being older than adb: AdbRestartDaemon().
+  /// The running adb server is older than adb and does not know the request: AdbRestartDaemon().
   ADB_RESULT_UNKNOWN_HOST_SERVICE = 26,
   /// adb cannot reach its server: AdbStartDaemon().
   ADB_RESULT_CANNOT_CONNECT_DAEMON = 27,
-  /// The device answered, but what was asked for is not in the answer.
+  /// The device answered, but the answer does not contain the requested value.
   ADB_RESULT_NOT_FOUND = 28,
   /// The search found nothing, and the device refused to search some folders.
   ADB_RESULT_PERMISSION_DENIED = 29,
   /// The device has no Wi-Fi address: Wi-Fi is off or not connected.
   ADB_RESULT_NO_IP_ADDRESS = 30,
-  /// adb or the package manager reported "Failure" without a reason that has a code; adb_sdk.log holds the
-  /// text.
+  /// adb or the package manager reported "Failure" for a reason that does not have a code; the text is in
+  /// adb_sdk.log.
   ADB_RESULT_FAILURE = 31,
   /// The package is installed already: uninstall it first.
   ADB_RESULT_INSTALL_ALREADY_EXISTS = 32,
@@ -272,7 +288,7 @@ enum AdbResultCode {
   ADB_RESULT_INSTALL_CANCELED_BY_USER = 38,
   /// The user cancelled the install.
   ADB_RESULT_INSTALL_CANCELLED_BY_USER = 39,
-  /// The device's shell could not read the command: an argument holds a lone quote.
+  /// The device's shell could not read the command: an argument holds an unmatched quote.
   ADB_RESULT_NO_CLOSING_QUOTE = 40,
   /// The device's shell, or the tool that the command needs, is missing on the device.
   ADB_RESULT_SHELL_NOT_FOUND = 41,
@@ -281,12 +297,12 @@ enum AdbResultCode {
   ADB_RESULT_DEVICE_UNAUTHORIZED = 42,
   /// Not enough space on the device: have the user free some.
   ADB_RESULT_NOT_ENOUGH_SPACE = 43,
-  /// The build date or the build number of MIUI could not be read or is not one; also on phones without
+  /// The build date or the build number of MIUI could not be read or is not valid; also on phones without
   /// MIUI.
   ADB_RESULT_MIUI_TIME_CODE_FAILED = 44,
   /// The version name of MIUI could not be read.
   ADB_RESULT_MIUI_VERSION_NAME_FAILED = 45,
-  /// adb's shell may not act for the user that the device was asked about.
+  /// adb's shell may not act for this user of the device.
   ADB_RESULT_USER_ACCESS_DENIED = 46,
   /// The storage of the device is full: have the user free some.
   ADB_RESULT_NO_SPACE_LEFT = 47
@@ -321,24 +337,24 @@ enum AdbChannelStatus {
 /// Starts the library. Call it once, before any other function, from one thread.
 ///
 /// Later calls with three arguments return #ADB_RESULT_OK and change nothing, other directories included.
-/// That also holds after #ADB_RESULT_RESOURCE_INCOMPLETE: only a new process can start the library then,
-/// and every command gives the status 3001. When the log file cannot be opened, one line on standard output
-/// says so and the library works without a log.
+/// The same is true after #ADB_RESULT_RESOURCE_INCOMPLETE: every command then gives the status 3001, and only a
+/// new process can start the library. When the log file cannot be opened, the library prints one line on
+/// standard output and works without a log.
 ///
 /// @param[in] resource_dir  Host directory that holds the executables `adb` (for the host) and `busybox`
 ///                          (for the device).
-/// @param[in] log_context   Any pointer but null, to a thing that lives as long as the process; handed to
-///                          the command channel and the log library, and not looked at here.
+/// @param[in] log_context   Any pointer but null, valid as long as the process; passed to the command channel
+///                          and the log library, and not used otherwise.
 /// @param[in] log_dir       Existing host directory for the log files.
 /// @retval ADB_RESULT_OK                   Started, or started before.
 /// @retval ADB_RESULT_INVALID_PARAM        An argument is null; the library is as before.
 /// @retval ADB_RESULT_RESOURCE_INCOMPLETE  `adb` or `busybox` is missing.
 DAROKLEIM_EXPORT int AdbSdkInit(const char* resource_dir, const void* log_context, const char* log_dir);
 
-/// Frees a block that the library handed out, and sets the caller's pointer to null.
+/// Frees a block of the library, and sets the caller's pointer to null.
 ///
 /// @param[in,out] buffer  Address of the pointer to the block; not checked for null. The pointer itself may
-///                        be null, then nothing happens.
+///                        be null; the call then has no effect.
 DAROKLEIM_EXPORT void AdbFreeResource(char** buffer);
 
 /// @}
@@ -347,13 +363,13 @@ DAROKLEIM_EXPORT void AdbFreeResource(char** buffer);
 
 /// Lists the attached devices into a buffer of the caller (`adb devices`).
 ///
-/// The list reads `SERIAL-STATE;` for each device, in adb's order, where the state is `device` (ready),
+/// The list has an entry `SERIAL-STATE;` for each device, in adb's order, where the state is `device` (ready),
 /// `offline` or `unauthorized`. Devices in any other state are left out, and so are those whose serial
 /// holds anything but ASCII letters and digits: emulators and devices reached over the network.
 ///
-/// A list that does not fit is cut at the end of the buffer, mid-entry, with #ADB_RESULT_OK; an entry
-/// without its `;` tells. AdbGetDevicesEx() has no such limit. Without any device to list the buffer is
-/// left untouched: set its first byte to zero before.
+/// A list that does not fit is cut at the end of the buffer, also inside an entry, with #ADB_RESULT_OK: its last
+/// entry then has no `;`. AdbGetDevicesEx() never cuts. Without any device to list the buffer is not changed:
+/// set its first byte to zero before the call.
 ///
 /// @param[out] buffer       Receives the zero-terminated list.
 /// @param[in]  buffer_size  Size of @p buffer in bytes.
@@ -375,11 +391,11 @@ DAROKLEIM_EXPORT int AdbGetDevices(char* buffer, int buffer_size, const bool* ca
 /// @return Otherwise a common code.
 DAROKLEIM_EXPORT int AdbGetDevicesEx(char** list, int* list_len, const bool* cancel);
 
-/// Makes an unauthorized device ask again whether to trust this host, by re-opening its connection
-/// (`adb -s SERIAL reconnect`).
+/// Makes an unauthorized device ask its user again whether to trust this host, by re-opening its connection
+/// (`adb -s SERIAL reconnect`). A device that is ready does not ask.
 ///
-/// Returns 1 after a normal run, never 0: treat 1 as done and look for the new state with
-/// AdbGetDevicesEx(). Command limit: 255 bytes.
+/// Returns 1 after a normal run, never 0: treat 1 as success and read the new state with
+/// AdbGetDevicesEx(). The device is absent for a moment. Command limit: 255 bytes.
 ///
 /// @param[in] serial  Serial; not checked for null.
 /// @param[in] cancel  Cancel flag.
@@ -389,10 +405,10 @@ DAROKLEIM_EXPORT int AdbAuthenticateShow(const char* serial, const bool* cancel)
 
 /// Re-opens the connection to the attached device (`adb reconnect`, without a serial).
 ///
-/// Which device is meant is left to adb, which does nothing when none or several are attached;
-/// AdbAuthenticateShow() names one. Cannot be cancelled.
+/// adb chooses the device, and does nothing when none or several are attached; AdbAuthenticateShow() takes a
+/// serial. Cannot be cancelled.
 ///
-/// @return The status only; 0 also when adb had no device to reconnect, of which it prints a line and no failure.
+/// @return The status only; 0 also when adb had no device to reconnect: it prints a line, but does not fail.
 DAROKLEIM_EXPORT int AdbReconnectDevice(void);
 
 /// Restarts a device (`adb reboot`) and returns without waiting for it to come back.
@@ -408,18 +424,18 @@ DAROKLEIM_EXPORT int AdbReboot(const char* serial, const bool* cancel);
 
 /// @}
 /// @defgroup properties Device properties
-/// One fact of one device for each call, most of them an Android system property (`getprop NAME`). A
-/// property that the device does not have reads as an empty text. With the status 0 the text is the value,
-/// whatever it says: only with another one are known messages looked for. (AdbGetIPAddress(),
-/// AdbGetDeviceCurrentTime() and IsDeviceHadBeenRooted(), which read no property, always look for them.)
-/// Command limit of them all: 255 bytes.
+/// Each call reads one fact about a device, in most cases an Android system property (`getprop NAME`). A
+/// property that the device does not have is an empty text. With the status 0 the text is the value, whatever
+/// it contains: known messages are only searched for with another status. (AdbGetIPAddress(),
+/// AdbGetDeviceCurrentTime() and IsDeviceHadBeenRooted(), which do not read a property, always search for
+/// them.) Command limit of all: 255 bytes.
 /// @{
 
-/// Reads the maker (`ro.product.manufacturer`), for example `Xiaomi`.
+/// Reads the manufacturer (`ro.product.manufacturer`), for example `Xiaomi`.
 ///
 /// @param[in]  serial       Serial.
-/// @param[out] buffer       Receives the text (see Caller buffers); untouched on failure.
-/// @param[in]  buffer_size  Size of @p buffer in bytes; 128 is ample.
+/// @param[out] buffer       Receives the text (see Caller buffers); unchanged on failure.
+/// @param[in]  buffer_size  Size of @p buffer in bytes; 128 is enough.
 /// @param[in]  cancel       Cancel flag.
 /// @retval ADB_RESULT_OK                The text, empty when the device has no such property.
 /// @retval ADB_RESULT_INVALID_PARAM     @p serial or @p buffer is null.
@@ -466,63 +482,63 @@ DAROKLEIM_EXPORT int AdbGetMiuiBuildRegin(const char* serial, char* buffer, int 
 /// The source depends on the version name (`ro.miui.ui.version.name`):
 /// - below 101, such as `V12`: the name's number, then the build date of `ro.miui.version.code_time` in UTC
 ///   as year - 2010, month, day of the month + 1. `V11` built on 2020-03-15 gives `11.10.3.16`. Reads CR
-///   LF: without it the newline after the name stays inside the text.
-/// - 101 and above, such as `V130`: `ro.build.version.incremental` between its first `V`, or its start when
-///   it has none, and its last dot. `V13.0.4.0.SKHMIXM` gives `13.0.4.0`.
+///   LF: on other phones the line feed after the name stays inside the text.
+/// - 101 and above, such as `V130`: the part of `ro.build.version.incremental` from its first `V`, or from its
+///   start when it does not hold one, to its last dot. `V13.0.4.0.SKHMIXM` gives `13.0.4.0`.
 ///
-/// A version that holds `12.`, wherever, is cut one character after its third dot: `12.0.5.10` gives
+/// A version that holds `12.` at any position is cut one character after its third dot: `12.0.5.10` gives
 /// `12.0.5.1`.
 ///
 /// @param[in]  serial       Serial.
-/// @param[out] buffer       Receives the version (see Caller buffers); untouched on failure.
+/// @param[out] buffer       Receives the version (see Caller buffers); unchanged on failure.
 /// @param[in]  buffer_size  Size of @p buffer in bytes; give 128 or more.
 /// @param[in]  cancel       Cancel flag.
-/// @retval ADB_RESULT_OK                        The version; with an empty one the buffer is untouched.
+/// @retval ADB_RESULT_OK                        The version; when it is empty the buffer is not changed.
 /// @retval ADB_RESULT_INVALID_PARAM             @p serial or @p buffer is null.
 /// @retval ADB_RESULT_BUFFER_TOO_SMALL          The version was cut.
-/// @retval ADB_RESULT_MIUI_VERSION_NAME_FAILED  The version name could not be read, for whatever reason: an
-///                                              absent device or a cancel also ends here.
+/// @retval ADB_RESULT_MIUI_VERSION_NAME_FAILED  The version name could not be read, for any reason: also for an
+///                                              absent device and a cancelled call.
 /// @retval ADB_RESULT_MIUI_TIME_CODE_FAILED     The same for the second property, or its value is no date
 ///                                              or version; the usual result on a phone without MIUI.
 DAROKLEIM_EXPORT int AdbGetMiuiVersion(const char* serial, char* buffer, int buffer_size, const bool* cancel);
 
-/// Asks whether the boot loader is locked (`ro.boot.flash.locked`).
+/// Checks whether the boot loader is locked (`ro.boot.flash.locked`).
 ///
 /// No pointer is checked for null.
 ///
 /// @param[in]  serial  Serial.
-/// @param[out] locked  Receives the answer; untouched on failure and when the device does not tell (the
-///                     code is #ADB_RESULT_OK all the same).
+/// @param[out] locked  Receives the answer; unchanged on failure, and when the device does not report it
+///                     (the code is #ADB_RESULT_OK).
 /// @param[in]  cancel  Cancel flag.
 /// @retval ADB_RESULT_OK  The property was read.
 /// @return Otherwise a common code.
 DAROKLEIM_EXPORT int AdbCheckLockedState(const char* serial, bool* locked, const bool* cancel);
 
-/// Asks whether the user data is encrypted (`ro.crypto.state`).
+/// Checks whether the user data is encrypted (`ro.crypto.state`).
 ///
 /// No pointer is checked for null.
 ///
 /// @param[in]  serial     Serial.
-/// @param[out] encrypted  Receives the answer; untouched on failure and when the device does not tell (the
-///                        code is #ADB_RESULT_OK all the same).
+/// @param[out] encrypted  Receives the answer; unchanged on failure, and when the device does not report it
+///                        (the code is #ADB_RESULT_OK).
 /// @param[in]  cancel     Cancel flag.
 /// @retval ADB_RESULT_OK  The property was read.
 /// @return Otherwise a common code.
 DAROKLEIM_EXPORT int AdbCheckEncryptState(const char* serial, bool* encrypted, const bool* cancel);
 
-/// Asks how the user data is encrypted (`ro.crypto.type`).
+/// Reads how the user data is encrypted (`ro.crypto.type`).
 ///
 /// No pointer is checked for null.
 ///
 /// @param[in]  serial  Serial.
-/// @param[out] type    Receives 0 (file by file) or 1 (the whole disk); untouched on failure and when the
-///                     device names neither (the code is #ADB_RESULT_OK all the same): start from -1.
+/// @param[out] type    Receives 0 (file by file) or 1 (the whole disk); unchanged on failure, and when the
+///                     device reports neither (the code is #ADB_RESULT_OK): start from -1.
 /// @param[in]  cancel  Cancel flag.
 /// @retval ADB_RESULT_OK  The property was read.
 /// @return Otherwise a common code.
 DAROKLEIM_EXPORT int AdbGetEncryptType(const char* serial, int* type, const bool* cancel);
 
-/// Asks whether the device runs HarmonyOS, by the name of its ring tone (`ro.config.ringtone`).
+/// Checks whether the device runs HarmonyOS, by the name of its ring tone (`ro.config.ringtone`).
 ///
 /// No pointer is checked for null.
 ///
@@ -533,10 +549,10 @@ DAROKLEIM_EXPORT int AdbGetEncryptType(const char* serial, int* type, const bool
 /// @return Otherwise a common code.
 DAROKLEIM_EXPORT int AdbCheckIsHarmony(const char* serial, bool* is_harmony, const bool* cancel);
 
-/// Asks whether the device is rooted: whether `/system/bin/su` or `/system/xbin/su` exists (`ls`).
+/// Checks whether the device is rooted: whether `/system/bin/su` or `/system/xbin/su` exists (`ls`).
 ///
-/// Every answer without "No such file" in its first 255 bytes counts as existing: a refusal to look and an
-/// empty answer, too. When the first place cannot be asked, the second alone decides.
+/// Every answer without "No such file" in its first 255 bytes means that the file exists: also a refusal and an
+/// empty answer. When the query for the first path fails, the second alone decides.
 ///
 /// @param[in]  serial  Serial.
 /// @param[out] rooted  Receives the answer; false on failure. Not checked for null.
@@ -576,18 +592,23 @@ DAROKLEIM_EXPORT int AdbGetDeviceCurrentTime(const char* serial, char* buffer, i
 
 /// @}
 /// @defgroup files Files
-/// Transfers between host and device, and operations on one file of the device. Nothing is repeated and
-/// nothing is cleaned up after a failure.
+/// Transfers between host and device, and operations on one file of the device. The functions do not retry, and
+/// do not clean up after a failure.
 /// @{
 
-/// Copies a file from the host to the device (`adb push --sync`), unless the device's copy is at least as
-/// new.
+/// Copies a file from the host to the device (`adb push --sync`), and its modification time.
+///
+/// A file is skipped when the device has one with **the same modification time**, in seconds, whatever the size
+/// and the content: two versions of one second are taken for the same. In every other case the device's file is
+/// replaced, also by an older one. With a directory, its files and directories are copied; empty directories
+/// are not.
 ///
 /// @param[in] serial       Serial.
-/// @param[in] host_path    File to copy; a whole path.
-/// @param[in] device_path  File or existing directory to copy to; a whole path.
+/// @param[in] host_path    File or directory to copy; a whole path.
+/// @param[in] device_path  File to write, or an existing directory to copy into; a whole path. For a directory
+///                         as @p host_path: the new directory, or an existing one to copy it into.
 /// @param[in] cancel       Cancel flag.
-/// @retval ADB_RESULT_OK             Copied, or skipped as up to date.
+/// @retval ADB_RESULT_OK             Copied, or skipped.
 /// @retval ADB_RESULT_INVALID_PARAM  A text is null.
 /// @retval ADB_RESULT_NO_SUCH_FILE   Either path does not exist.
 /// @retval ADB_RESULT_NO_SPACE_LEFT  The storage is full; part of the file may be there.
@@ -597,7 +618,8 @@ DAROKLEIM_EXPORT int AdbPushFile(const char* serial, const char* host_path, cons
 
 /// Copies one file from the device to the host, with its time and mode (`adb pull -a`).
 ///
-/// For one file: a directory of several files is copied too, but the result is 1.
+/// For one file. A directory is copied too, with everything in it, but the result is 0 only when it holds exactly
+/// one file; otherwise it is 1.
 ///
 /// @param[in] serial       Serial.
 /// @param[in] device_path  File to copy; a whole path.
@@ -606,12 +628,12 @@ DAROKLEIM_EXPORT int AdbPushFile(const char* serial, const char* host_path, cons
 /// @retval ADB_RESULT_OK              Copied.
 /// @retval ADB_RESULT_INVALID_PARAM   A text is null.
 /// @retval ADB_RESULT_NO_SUCH_FILE    @p device_path, or the directory of @p host_path, does not exist.
-/// @retval ADB_RESULT_PROTOCOL_FAULT  adb did not say that it copied one file.
-/// @return Otherwise a common code; 1001 when either side does not allow it.
+/// @retval ADB_RESULT_PROTOCOL_FAULT  adb did not report that it copied one file.
+/// @return Otherwise a common code; 1001 when reading or writing is not allowed, or the connection broke.
 DAROKLEIM_EXPORT int AdbPullFile(const char* serial, const char* device_path, const char* host_path,
                                  const bool* cancel);
 
-/// Copies a file on the device (`cp`), replacing what is there.
+/// Copies a file on the device (`cp`). An existing file is replaced.
 ///
 /// @param[in] serial       Serial.
 /// @param[in] source       File to copy; a shell path.
@@ -637,10 +659,10 @@ DAROKLEIM_EXPORT int AdbCopyFile(const char* serial, const char* source, const c
 ///         later).
 DAROKLEIM_EXPORT int AdbRemoveFile(const char* serial, const char* device_path, const bool* cancel);
 
-/// Renames or moves a file or directory on the device (`mv`), replacing a file that is there.
+/// Renames or moves a file or directory on the device (`mv`). An existing file is replaced.
 ///
-/// The paths reach the device in single quotes, so anything but a single quote, a double quote or two
-/// backslashes in a row is fine in them; with assistance anything is.
+/// The paths reach the device in single quotes and may hold anything except a single quote, a double quote or
+/// two consecutive backslashes; with assistance, anything.
 ///
 /// @param[in] serial    Serial.
 /// @param[in] old_path  What to rename.
@@ -653,14 +675,15 @@ DAROKLEIM_EXPORT int AdbRemoveFile(const char* serial, const char* device_path, 
 DAROKLEIM_EXPORT int AdbRenameFile(const char* serial, const char* old_path, const char* new_path,
                                    const bool* cancel);
 
-/// Makes a directory on the device, with the directories above it (`mkdir -p`). One that exists is fine.
+/// Creates a directory on the device, and the directories above it (`mkdir -p`). An existing directory is not an
+/// error.
 ///
 /// No pointer is checked for null.
 ///
 /// @param[in] serial       Serial.
-/// @param[in] device_path  Directory to make; a shell path.
+/// @param[in] device_path  Directory to create; a shell path.
 /// @param[in] cancel       Cancel flag.
-/// @retval ADB_RESULT_OK  Made, or there already.
+/// @retval ADB_RESULT_OK  Created, or existed already.
 /// @return Otherwise a common code; 1001 when the device does not allow it (Android 7 or later).
 DAROKLEIM_EXPORT int AdbCreateDir(const char* serial, const char* device_path, const bool* cancel);
 
@@ -668,7 +691,7 @@ DAROKLEIM_EXPORT int AdbCreateDir(const char* serial, const char* device_path, c
 ///
 /// @param[in] serial       Serial.
 /// @param[in] device_path  File or directory; a bare path.
-/// @param[in] mode         Mode as `chmod` reads it: `644`, `a+x`.
+/// @param[in] mode         Mode as for `chmod`, for example `644` or `a+x`.
 /// @param[in] cancel       Cancel flag.
 /// @retval ADB_RESULT_OK             Changed.
 /// @retval ADB_RESULT_INVALID_PARAM  A text is null.
@@ -677,17 +700,16 @@ DAROKLEIM_EXPORT int AdbCreateDir(const char* serial, const char* device_path, c
 DAROKLEIM_EXPORT int AdbChmodFile(const char* serial, const char* device_path, const char* mode,
                                   const bool* cancel);
 
-/// Asks whether a file or directory exists on the device (`ls`, then `adb ls` of the directory it stands
-/// in).
+/// Checks whether a file or directory exists on the device (`ls`, then `adb ls` of its parent directory).
 ///
-/// Give a directory without a slash at its end: with one, only an empty directory is sure to be found. Read
-/// the answer only with #ADB_RESULT_OK: a command that could not be run (3001 to 3007) answers true.
+/// Pass a directory without a slash at its end: with one, only an empty directory is always found. The answer is
+/// valid only with #ADB_RESULT_OK: a command that could not be run (3001 to 3007) sets it to true.
 ///
 /// @param[in]  serial       Serial.
 /// @param[in]  device_path  Absolute path; a shell path to `ls`, a whole path to `adb ls`.
 /// @param[out] exists       Receives the answer.
 /// @param[in]  cancel       Cancel flag.
-/// @retval ADB_RESULT_OK             The answer, be it true or false.
+/// @retval ADB_RESULT_OK             The answer, true or false.
 /// @retval ADB_RESULT_INVALID_PARAM  @p serial, @p device_path or @p exists is null.
 /// @return Otherwise a common code.
 DAROKLEIM_EXPORT int AdbCheckFileExisted(const char* serial, const char* device_path, bool* exists,
@@ -702,13 +724,13 @@ DAROKLEIM_EXPORT int AdbCheckFileExisted(const char* serial, const char* device_
 /// @retval ADB_RESULT_OK              The size.
 /// @retval ADB_RESULT_INVALID_PARAM   @p serial or @p device_path is null.
 /// @retval ADB_RESULT_NO_SUCH_FILE    There is no such file.
-/// @retval ADB_RESULT_PROTOCOL_FAULT  `stat` printed no size, or LF line ends.
+/// @retval ADB_RESULT_PROTOCOL_FAULT  `stat` printed no size, or lines that end in LF.
 /// @return Otherwise a common code.
 DAROKLEIM_EXPORT int AdbGetFileSize(const char* serial, const char* device_path, unsigned long long* size,
                                     const bool* cancel);
 
-/// Reads when a file on the device was last modified, in spite of the name (`stat -c %Y`; on a device
-/// without `stat`, `adb ls` of the directory that holds the file, as AdbGetFileCreateTimeFromLs()).
+/// Reads when a file on the device was last modified, in spite of the function's name (`stat -c %Y`; on a device
+/// without `stat`, `adb ls` of its parent directory, as AdbGetFileCreateTimeFromLs()).
 ///
 /// @param[in]  serial       Serial.
 /// @param[in]  device_path  Absolute path of the file; a shell path.
@@ -723,9 +745,9 @@ DAROKLEIM_EXPORT int AdbGetFileCreateTime(const char* serial, const char* device
 
 /// Takes a screenshot and copies it to the host as a PNG file.
 ///
-/// The picture goes through `/data/local/tmp/` under the file name of @p host_path: two calls with the same
-/// name at the same time share it, and it stays there when the copy fails. A name with a blank needs
-/// assistance.
+/// The picture is first written to `/data/local/tmp/`, under the file name of @p host_path: two simultaneous calls
+/// must not use the same name. A name with a space needs assistance. **The picture stays on the device** when the
+/// call is cancelled or the copy fails, until AdbRemoveFile() removes it.
 ///
 /// @param[in] serial     Serial.
 /// @param[in] host_path  File to write; a whole path, with a file name at its end.
@@ -733,7 +755,7 @@ DAROKLEIM_EXPORT int AdbGetFileCreateTime(const char* serial, const char* device
 /// @retval ADB_RESULT_OK             The file is written.
 /// @retval ADB_RESULT_INVALID_PARAM  A text is null, or @p host_path ends in a slash.
 /// @return Otherwise the code of the step that failed: AdbScreencapToDevice(), AdbPullFile() or
-///         AdbRemoveFile(); in the last case the file is written all the same.
+///         AdbRemoveFile(); in the last case the host's file has been written.
 DAROKLEIM_EXPORT int AdbScreencapToPC(const char* serial, const char* host_path, const bool* cancel);
 
 /// Takes a screenshot into a PNG file on the device (`screencap -p`).
@@ -748,13 +770,22 @@ DAROKLEIM_EXPORT int AdbScreencapToDevice(const char* serial, const char* device
 
 /// @}
 /// @defgroup directories Directories
-/// The listings are JSON documents. Besides handing the document out, each listing leaves a copy of it in
-/// the current working directory, in a file named `F:\file_list.json` (no drive is meant), replacing the
-/// one before; without a word where it cannot be written.
+/// The listings are JSON documents. Each listing is also written to a file named `F:\file_list.json` in the
+/// current working directory (not on a drive), which replaces the one before. Only a regular file is written: a
+/// link or anything else of that name is left unchanged, and errors are ignored.
 ///
-/// Any number of files and any depth of folders will do: time and memory grow with the document alone, and
-/// no more stack is needed. A million files take about 500 MB and a few seconds besides what the device
-/// needs; in the tree each line is indented by six blanks for each folder that it is in.
+/// There is no limit to the number of files and the depth of folders: time and memory are proportional to the
+/// document, and no additional stack is needed. A million files take about 500 MB and a few seconds, without the
+/// device's time. In the tree each folder indents its lines by six more spaces, and every level repeats the path
+/// above it: a deep tree makes a document that is much larger than its listing.
+///
+/// **A listing is complete only as far as the device reported it.** A directory that may not be read is empty,
+/// without an error. When the connection breaks in the middle of a listing, the files that had arrived are
+/// returned with #ADB_RESULT_OK; adb does not report it.
+///
+/// **A link to a directory**, as `/sdcard` on most devices, is not a directory for `ls -l` and `du`: they print the
+/// link itself, so that AdbGetDirFiles() of `/sdcard` is an empty list and AdbGetDirSize() is 0, both with
+/// #ADB_RESULT_OK. Use `/sdcard/`, with a slash at the end. The other functions here follow such a link.
 ///
 /// A flat listing (line breaks left out):
 ///
@@ -768,60 +799,61 @@ DAROKLEIM_EXPORT int AdbScreencapToDevice(const char* serial, const char* device
 ///
 /// `files` is null, not an empty array, when there are no files.
 ///
-/// Listings are read line by line: a file whose name holds a line feed is left out or shown in pieces.
+/// Listings are read line by line: a file with a line feed in its name is missing or split.
 /// @{
 
-/// Lists the regular files of a directory as the device's `ls -l` tells them. Reads CR LF: on other phones
-/// the list is empty.
+/// Lists the regular files of a directory with the device's `ls -l`. Reads CR LF: on other phones the list is
+/// empty.
 ///
 /// Each file has `file`, `size` (bytes) and `time` (`YYYY-MM-DD HH:MM` in the device's time zone). Without
-/// @p recursive the device does not say in which directory the files are: `file` is `/` and the name alone.
-/// Blanks at the beginning of a name are lost. A line for a file that cannot be read is left out and written
-/// to standard output. No pointer is checked for null.
+/// @p recursive the device does not print the directory: `file` is `/` and the name alone. Spaces at the
+/// beginning of a name are lost. A line for a file that cannot be parsed is skipped and printed to standard
+/// output, unescaped: redirect standard output when a terminal shows it. No pointer is checked for null.
 ///
 /// @param[in]  serial     Serial.
-/// @param[in]  dir        Directory; a shell path.
-/// @param[out] json       Receives a block with the flat listing; free it with AdbFreeResource(). Untouched
+/// @param[in]  dir        Directory, with a slash at its end when it is a link; a shell path.
+/// @param[out] json       Receives a block with the flat listing; free it with AdbFreeResource(). Unchanged
 ///                        on failure.
-/// @param[out] json_len   Receives its length in bytes without the terminating zero; untouched on failure.
+/// @param[out] json_len   Receives its length in bytes without the terminating zero; unchanged on failure.
 /// @param[in]  recursive  Not 0: the directories below as well (`-R`).
 /// @param[in]  all        Not 0: names that begin with a dot as well (`-a`).
 /// @param[in]  cancel     Cancel flag.
-/// @retval ADB_RESULT_OK            The listing.
-/// @retval ADB_RESULT_NO_SUCH_FILE  The directory, or a file that vanished meanwhile, does not exist; no
-///                                  listing.
+/// @retval ADB_RESULT_OK            The listing; empty for a directory that may not be read.
+/// @retval ADB_RESULT_NO_SUCH_FILE  The directory does not exist, or a file was deleted during the listing; there
+///                                  is no listing then.
 /// @return Otherwise a common code.
 DAROKLEIM_EXPORT int AdbGetDirFiles(const char* serial, const char* dir, char** json, int* json_len,
                                     int recursive, int all, const bool* cancel);
 
-/// Lists all files below a directory as adb's own directory service tells them, one `adb ls` for each
-/// directory.
+/// Lists all files below a directory with adb's own directory service, one `adb ls` for each directory.
 ///
-/// Independent of the phone's shell and of line ends. Each file has `file`, `size` (bytes), `time`
+/// Independent of the phone's shell and of line breaks. Each file has `file`, `size` (bytes), `time`
 /// (`YYYY-MM-DD HH:MM:SS` in the host's time zone) and `utc_timestamp` (seconds since 1970). Always
-/// recursive; symbolic links are listed as files and not followed. Left out are names of two characters
-/// that hold a dot (`.a`). Older adb releases count sizes in 32 bits. No pointer is checked for null.
+/// recursive; symbolic links below @p dir are listed as files and not followed, @p dir itself may be a link.
+/// Names of two characters with a dot (`.a`) are missing. Older adb releases count sizes in 32 bits. No pointer
+/// is checked for null.
+///
+/// The number of directories is not limited: a device that always reports one more folder keeps the call busy
+/// until it is cancelled. Pass a cancel flag for a device that is not trusted.
 ///
 /// @param[in]  serial     Serial.
-/// @param[in]  dir        Directory; a whole path. A slash at its end shows as a doubled slash in each
-///                        `file`.
-/// @param[out] json       Receives a block with the flat listing; free it with AdbFreeResource(). Untouched
+/// @param[in]  dir        Directory; a whole path. A slash at its end is doubled in each `file`.
+/// @param[out] json       Receives a block with the flat listing; free it with AdbFreeResource(). Unchanged
 ///                        on failure.
-/// @param[out] json_len   Receives its length in bytes without the terminating zero; untouched on failure.
-/// @param[in]  recursive  Without effect.
-/// @param[in]  all        Without effect.
+/// @param[out] json_len   Receives its length in bytes without the terminating zero; unchanged on failure.
+/// @param[in]  recursive  Ignored.
+/// @param[in]  all        Ignored.
 /// @param[in]  cancel     Cancel flag.
-/// @retval ADB_RESULT_OK  The listing. A directory that does not exist or may not be read is an empty one
-///                        to adb.
+/// @retval ADB_RESULT_OK  The listing. Empty for a directory that does not exist or may not be read: adb does not
+///                        report it.
 /// @return Otherwise the status only.
 DAROKLEIM_EXPORT int AdbGetDirFilesEx(const char* serial, const char* dir, char** json, int* json_len,
                                       int recursive, int all, const bool* cancel);
 
-/// Lists all files below a directory as a tree of folders. Everything else is as for AdbGetDirFilesEx().
+/// Lists all files below a directory as a tree of folders, otherwise like AdbGetDirFilesEx().
 ///
 /// A folder has `Name`, and when there are any, `Dir` (its folders) and `File` (its files); a file has
-/// `Name`, `Size` and `Time`. Names are full paths. Folders without a file anywhere below them are left
-/// out.
+/// `Name`, `Size` and `Time`. Names are full paths. Folders without a file anywhere below them are missing.
 ///
 /// @code{.json}
 /// {
@@ -835,9 +867,9 @@ DAROKLEIM_EXPORT int AdbGetDirFilesEx(const char* serial, const char* dir, char*
 /// @param[in]  dir        Directory, the `Name` of the topmost folder; a whole path.
 /// @param[out] json       Receives a block with the tree; free it with AdbFreeResource(). Untouched on
 ///                        failure.
-/// @param[out] json_len   Receives its length in bytes without the terminating zero; untouched on failure.
-/// @param[in]  recursive  Without effect.
-/// @param[in]  all        Without effect.
+/// @param[out] json_len   Receives its length in bytes without the terminating zero; unchanged on failure.
+/// @param[in]  recursive  Ignored.
+/// @param[in]  all        Ignored.
 /// @param[in]  cancel     Cancel flag.
 /// @return As AdbGetDirFilesEx().
 DAROKLEIM_EXPORT int AdbGetDirFilesAndDirs(const char* serial, const char* dir, char** json, int* json_len,
@@ -847,8 +879,8 @@ DAROKLEIM_EXPORT int AdbGetDirFilesAndDirs(const char* serial, const char* dir, 
 /// `du` and `grep` on a device without `/system/bin/find`).
 ///
 /// Each file has `file` only. @p json and @p json_len are not checked for null and always written: null and
-/// 0 when no listing is handed out. @p suffixes is not checked for null. Command limit: 1023 bytes; none of
-/// the search with `du` and `grep`.
+/// 0 without a listing. @p suffixes is not checked for null. Command limit: 1023 bytes; the
+/// search with `du` and `grep` does not have one.
 ///
 /// @param[in]  serial    Serial.
 /// @param[in]  dir       Directory; a bare path.
@@ -856,19 +888,18 @@ DAROKLEIM_EXPORT int AdbGetDirFilesAndDirs(const char* serial, const char* dir, 
 /// @param[out] json      Receives a block with the flat listing; free it with AdbFreeResource().
 /// @param[out] json_len  Receives its length in bytes without the terminating zero.
 /// @param[in]  cancel    Cancel flag.
-/// @retval ADB_RESULT_OK                 The listing. Nothing found: null in @p json, or an empty listing.
+/// @retval ADB_RESULT_OK                 The listing. When nothing was found: null in @p json, or an empty listing.
 /// @retval ADB_RESULT_INVALID_PARAM      @p serial or @p dir is null, or @p dir is empty.
 /// @retval ADB_RESULT_NO_SUCH_FILE       The directory does not exist.
-/// @retval ADB_RESULT_PERMISSION_DENIED  Nothing was found, and some folders could not be searched; an
-///                                       empty listing is handed out. With files found, refused folders are
-///                                       ignored.
+/// @retval ADB_RESULT_PERMISSION_DENIED  Nothing was found, and some folders could not be searched; the
+///                                       listing is empty. When files were found, refused folders are ignored.
 /// @return Otherwise a common code.
 DAROKLEIM_EXPORT int AdbGetFilesBySuffix(const char* serial, const char* dir, const char* suffixes,
                                          char** json, int* json_len, const bool* cancel);
 
 /// Measures a directory (`du -s`), after AdbConfigDeviceBusybox().
 ///
-/// A directory of which parts may not be read cannot be measured: the result is 1, or 0 with a size of 0.
+/// A directory with parts that may not be read cannot be measured: the result is 1, or 0 with a size of 0.
 ///
 /// @param[in]  serial  Serial.
 /// @param[in]  dir     Directory; a shell path.
@@ -890,12 +921,12 @@ DAROKLEIM_EXPORT int AdbGetDirSize(const char* serial, const char* dir, long lon
 /// exists (`stat`, once for each).
 ///
 /// @param[in]  serial       Serial.
-/// @param[out] buffer       Receives the path; untouched on failure.
+/// @param[out] buffer       Receives the path; unchanged on failure.
 /// @param[in]  buffer_size  Size of @p buffer in bytes; at least 9.
 /// @param[in]  cancel       Cancel flag.
 /// @retval ADB_RESULT_OK                The path.
 /// @retval ADB_RESULT_INVALID_PARAM     @p serial or @p buffer is null.
-/// @retval ADB_RESULT_BUFFER_TOO_SMALL  @p buffer_size is below 9; the device was not asked.
+/// @retval ADB_RESULT_BUFFER_TOO_SMALL  @p buffer_size is below 9; no command was run.
 /// @retval ADB_RESULT_NO_SUCH_FILE      None exists.
 /// @return Otherwise the common code of the last one tried.
 DAROKLEIM_EXPORT int AdbGetFirstSDCardPath(const char* serial, char* buffer, int buffer_size,
@@ -903,7 +934,7 @@ DAROKLEIM_EXPORT int AdbGetFirstSDCardPath(const char* serial, char* buffer, int
 
 /// Reads the free space of the storage that holds a path (`df`).
 ///
-/// A number without a unit is taken as KiB, which is what `df` means by it.
+/// A number without a unit is in KiB, as `df` prints it.
 ///
 /// @param[in]  serial      Serial.
 /// @param[in]  path        Any path on the storage, for example `/sdcard`; a bare path.
@@ -919,14 +950,14 @@ DAROKLEIM_EXPORT int AdbGetStorageFreeSpace(const char* serial, const char* path
 
 /// Lists the storage volumes of a device, internal and cards (`ls -l /storage`). Reads LF.
 ///
-/// A volume may stand in the list twice. @p paths and @p paths_len are not checked for null. Command limit:
+/// A volume may be in the list twice. @p paths and @p paths_len are not checked for null. Command limit:
 /// 255 bytes.
 ///
 /// @param[in]  serial     Serial.
 /// @param[out] paths      Receives a block with a JSON array of paths, for example
 ///                        `[ "/storage/emulated/0", "/storage/1234-5678" ]`, or `null` when no volume was
-///                        recognised; free it with AdbFreeResource(). Untouched on failure.
-/// @param[out] paths_len  Receives its length in bytes without the terminating zero; untouched on failure.
+///                        recognised; free it with AdbFreeResource(). Unchanged on failure.
+/// @param[out] paths_len  Receives its length in bytes without the terminating zero; unchanged on failure.
 /// @param[in]  cancel     Cancel flag.
 /// @retval ADB_RESULT_OK             The list, perhaps `null`.
 /// @retval ADB_RESULT_INVALID_PARAM  @p serial is null.
@@ -936,15 +967,15 @@ DAROKLEIM_EXPORT int AdbSearchSDCardPath(const char* serial, char** paths, int* 
 
 /// Finds the memory card of a device (`ls -l /storage`). Reads LF.
 ///
-/// Knows a card by its group, sdcard_r or sdcard_rw. Newer phones give cards other groups and yield an
-/// empty path: take the entry of AdbSearchSDCardPath() that is not `/storage/emulated/0`. @p path and
+/// Recognises a card by its group, sdcard_r or sdcard_rw. On newer phones cards have other groups and the path is
+/// empty: use the entry of AdbSearchSDCardPath() that is not `/storage/emulated/0`. @p path and
 /// @p path_len are not checked for null. Command limit: 255 bytes.
 ///
 /// @param[in]  serial    Serial.
 /// @param[out] path      Receives a block with the path, for example `/storage/1234-5678`, or with an empty
-///                       text when there is no card; free it with AdbFreeResource(). Untouched on failure.
+///                       text without a card; free it with AdbFreeResource(). Unchanged on failure.
 /// @param[out] path_len  Receives its length in bytes without the terminating zero, 0 without a card;
-///                       untouched on failure.
+///                       unchanged on failure.
 /// @param[in]  cancel    Cancel flag.
 /// @retval ADB_RESULT_OK             The path, perhaps empty.
 /// @retval ADB_RESULT_INVALID_PARAM  @p serial is null.
@@ -960,20 +991,20 @@ DAROKLEIM_EXPORT int AdbSearchExternalSDCardPath(const char* serial, char** path
 /// AdbGetAppVersion() return #ADB_RESULT_USER_ACCESS_DENIED.
 /// @{
 
-/// Asks whether a package is installed (`pm list packages`).
+/// Checks whether a package is installed (`pm list packages`).
 ///
 /// @param[in]  serial     Serial.
 /// @param[in]  package    Full package name, for example `com.example.app`; compared exactly.
 /// @param[out] installed  Receives the answer; false on failure.
 /// @param[in]  cancel     Cancel flag.
-/// @retval ADB_RESULT_OK             The answer, be it true or false. False also when the device lets no
-///                                   listing pass, not even for the current user.
+/// @retval ADB_RESULT_OK             The answer, true or false. Also false when the device refuses
+///                                   the listing, even for the current user.
 /// @retval ADB_RESULT_INVALID_PARAM  @p serial, @p package or @p installed is null.
 /// @return Otherwise a common code.
 DAROKLEIM_EXPORT int AdbCheckAppInstalled(const char* serial, const char* package, bool* installed,
                                           const bool* cancel);
 
-/// Lists installed packages as the device prints them: `package:NAME` and a line end for each
+/// Lists installed packages as the device prints them: `package:NAME` and a line break for each
 /// (`pm list packages FILTER`).
 ///
 /// @p list and @p list_len are not checked for null.
@@ -982,11 +1013,11 @@ DAROKLEIM_EXPORT int AdbCheckAppInstalled(const char* serial, const char* packag
 /// @param[in]  filter    Options of `pm list packages`, part of a name, or both: `-3` for what the user
 ///                       installed, `-f com.example`, an empty text for everything.
 /// @param[out] list      Receives a block of @p list_len bytes **without a terminating zero**; free it with
-///                       AdbFreeResource(). Untouched on failure.
-/// @param[out] list_len  Receives the length in bytes; untouched on failure.
+///                       AdbFreeResource(). Unchanged on failure.
+/// @param[out] list_len  Receives the length in bytes; unchanged on failure.
 /// @param[in]  cancel    Cancel flag.
-/// @retval ADB_RESULT_OK             The list. The outputs are untouched when the device lets no listing
-///                                   pass, not even for the current user.
+/// @retval ADB_RESULT_OK             The list. The outputs are unchanged when the device refuses the
+///                                   listing, even for the current user.
 /// @retval ADB_RESULT_INVALID_PARAM  @p serial or @p filter is null.
 /// @return Otherwise a common code.
 DAROKLEIM_EXPORT int AdbGetPackagesNameOfInstalled(const char* serial, const char* filter, char** list,
@@ -999,8 +1030,8 @@ DAROKLEIM_EXPORT int AdbGetPackagesNameOfInstalled(const char* serial, const cha
 /// @param[in]  serial    Serial.
 /// @param[in]  filter    As there; null for everything.
 /// @param[out] list      Receives a block of @p list_len bytes **without a terminating zero**; free it with
-///                       AdbFreeResource(). Untouched on failure.
-/// @param[out] list_len  Receives the length in bytes; untouched on failure.
+///                       AdbFreeResource(). Unchanged on failure.
+/// @param[out] list_len  Receives the length in bytes; unchanged on failure.
 /// @retval ADB_RESULT_OK             As there.
 /// @retval ADB_RESULT_INVALID_PARAM  @p serial is null.
 /// @return Otherwise a common code.
@@ -1009,16 +1040,17 @@ DAROKLEIM_EXPORT int AdbGetPackagesNameList(const char* serial, const char* filt
 
 /// Finds the APK file of a package on the device (`pm path`); of a split package, the first file.
 ///
-/// **The size of the buffer is not read.** Give 4096 bytes, the longest path there can be;
-/// AdbGetApkPathOfInstatlledEx() has no such limit.
+/// **The size of the buffer is ignored: it must have 4096 bytes.** No more than these are written. A longer path,
+/// which no device should have, is cut. AdbGetApkPathOfInstatlledEx() does not have this limit.
 ///
 /// @param[in]  serial       Serial.
 /// @param[in]  package      Full package name.
-/// @param[out] buffer       Receives the zero-terminated path; empty on failure.
-/// @param[in]  buffer_size  Without effect.
+/// @param[out] buffer       4096 bytes; receives the zero-terminated path; empty on failure.
+/// @param[in]  buffer_size  Ignored.
 /// @param[in]  cancel       Cancel flag.
 /// @retval ADB_RESULT_OK             The path.
 /// @retval ADB_RESULT_INVALID_PARAM  @p serial, @p package or @p buffer is null.
+/// @retval ADB_RESULT_BUFFER_TOO_SMALL  The path was cut to 4095 bytes.
 /// @retval ADB_RESULT_NOT_FOUND      The package is not installed.
 /// @return Otherwise a common code.
 DAROKLEIM_EXPORT int AdbGetApkPathOfInstatlled(const char* serial, const char* package, char* buffer,
@@ -1032,13 +1064,13 @@ DAROKLEIM_EXPORT int AdbGetApkPathOfInstatlled(const char* serial, const char* p
 /// @param[in]  package   Full package name.
 /// @param[out] json      Receives a block, **also with #ADB_RESULT_NOT_FOUND**: an object whose member
 ///                       `path` is an array of paths, or null when there are none. Free it with
-///                       AdbFreeResource(). Untouched with every other code.
+///                       AdbFreeResource(). Unchanged with every other code.
 /// @param[out] json_len  Receives its length in bytes, the terminating zero included.
 /// @param[in]  cancel    Cancel flag.
 /// @retval ADB_RESULT_OK             The paths.
 /// @retval ADB_RESULT_INVALID_PARAM  @p serial or @p package is null.
-/// @retval ADB_RESULT_NOT_FOUND      The package is not installed, or the command failed in any way once
-///                                   adb ran: an absent device too.
+/// @retval ADB_RESULT_NOT_FOUND      The package is not installed, or the command failed for any reason
+///                                   after adb was started, also for an absent device.
 /// @return Otherwise a status from 3001 to 3007.
 DAROKLEIM_EXPORT int AdbGetApkPathOfInstatlledEx(const char* serial, const char* package, char** json,
                                                  int* json_len, const bool* cancel);
@@ -1046,46 +1078,50 @@ DAROKLEIM_EXPORT int AdbGetApkPathOfInstatlledEx(const char* serial, const char*
 /// Reads the version of an installed package (`dumpsys package`): the digits and dots that its version name
 /// begins with, `1.2.3` for `1.2.3-beta`.
 ///
-/// **The size of the buffer is not read.** Give 256 bytes or more. The word `Failure` in the dump is no
-/// error, except in a line that names the package `jp.naver.line.android`.
+/// **The size of the buffer is ignored: it must have 4096 bytes.** No more than these are written: the author of
+/// the application chooses the length of its version, and a longer one is cut. The word `Failure` in the dump is
+/// not an error, except in a line that names the package `jp.naver.line.android`.
 ///
 /// @param[in]  serial       Serial.
 /// @param[in]  package      Full package name.
-/// @param[out] buffer       Receives the zero-terminated version; empty on failure.
-/// @param[in]  buffer_size  Without effect.
+/// @param[out] buffer       4096 bytes; receives the zero-terminated version; empty on failure.
+/// @param[in]  buffer_size  Ignored.
 /// @param[in]  cancel       Cancel flag.
 /// @retval ADB_RESULT_OK             The version.
 /// @retval ADB_RESULT_INVALID_PARAM  @p serial, @p package or @p buffer is null.
-/// @retval ADB_RESULT_NOT_FOUND      The package is not installed, or its version name begins with
-///                                   something else.
+/// @retval ADB_RESULT_BUFFER_TOO_SMALL  The version was cut to 4095 bytes.
+/// @retval ADB_RESULT_NOT_FOUND      The package is not installed, or its version name does not begin with a digit
+///                                   or a dot.
 /// @return Otherwise a common code.
 DAROKLEIM_EXPORT int AdbGetAppVersion(const char* serial, const char* package, char* buffer, int buffer_size,
                                       const bool* cancel);
 
 /// @}
 /// @defgroup install Install and uninstall
-/// Besides the codes listed, an install returns the `ADB_RESULT_INSTALL_` code that the package manager's
-/// message stands for. #ADB_RESULT_OK means that no known failure was printed; AdbCheckAppInstalled() tells
-/// for sure. Package names are read by the device's shell, as a bare path is.
+/// Besides the listed codes, an install returns the `ADB_RESULT_INSTALL_` code of the package manager's message.
+/// #ADB_RESULT_OK means that the package manager did not report a known failure or, on Android 7 and later, exit
+/// with a failure; AdbCheckAppInstalled() confirms it. Package names are read by the device's shell, as a bare
+/// path is.
 /// @{
 
 /// Installs an APK file of the host, replacing an older version and keeping its data: copies it to
 /// `/data/local/tmp/`, installs it as AdbInstallAppFromDevicePath() does, deletes the copy.
 ///
-/// The name of the copy is what follows the last slash. It stays on the device when the call is cancelled or
-/// the connection breaks after the transfer, until a file of that name is installed again; and, without
-/// assistance, when the name is no bare path. No pointer is checked for null.
+/// The copy has the name that follows the last slash. **It stays on the device** when the call is cancelled or the
+/// connection breaks after the transfer, because no command runs under a flag that is set; and, without assistance,
+/// when the name is not a bare path. Remove it with AdbRemoveFile(), or install a file of that name again. No
+/// pointer is checked for null.
 ///
 /// @param[in] serial     Serial.
-/// @param[in] host_path  APK file, no directory; a whole path. Its file name must leave room for the command
-///                       limit of AdbInstallAppFromDevicePath() and, without assistance, do for the
-///                       @p device_path of that function.
+/// @param[in] host_path  APK file, not a directory; a whole path. Its file name must fit into the command limit of
+///                       AdbInstallAppFromDevicePath() and, without assistance, be valid for the @p device_path of
+///                       that function.
 /// @param[in] cancel     Cancel flag.
 /// @retval ADB_RESULT_OK             Installed.
 /// @retval ADB_RESULT_NO_SUCH_FILE   There is no such file on the host.
-/// @retval ADB_RESULT_NO_SPACE_LEFT  The device has no room for the copy.
-/// @return Otherwise a code of AdbInstallAppFromDevicePath(), also for a transfer that failed; 1001 for one
-///         that broke off.
+/// @retval ADB_RESULT_NO_SPACE_LEFT  The device does not have enough space for the copy.
+/// @return Otherwise a code of AdbInstallAppFromDevicePath(), also when the transfer failed; 1001 when the
+///         connection broke during the transfer.
 DAROKLEIM_EXPORT int AdbInstallAppFromPCPath(const char* serial, const char* host_path, const bool* cancel);
 
 /// Installs an APK file of the device, replacing an older version and keeping its data (`pm install -r`).
@@ -1093,13 +1129,13 @@ DAROKLEIM_EXPORT int AdbInstallAppFromPCPath(const char* serial, const char* hos
 /// Command limit: 255 bytes. After a failure the free space is read, which cannot be cancelled.
 ///
 /// @param[in] serial       Serial.
-/// @param[in] device_path  APK file. It reaches the device in double quotes: anything but quotes, `$`, a
-///                         backquote and backslashes is fine in it. Assistance makes it a whole path.
+/// @param[in] device_path  APK file. It reaches the device in double quotes and may hold anything except
+///                         quotes, `$`, a backquote and backslashes. Assistance makes it a whole path.
 /// @param[in] cancel       Cancel flag.
 /// @retval ADB_RESULT_OK                Installed. Also when a newer phone cannot open the file: its message
 ///                                      is none of the known ones.
 /// @retval ADB_RESULT_INVALID_PARAM     A text is null.
-/// @retval ADB_RESULT_FAILURE           Failed for a reason that has no code.
+/// @retval ADB_RESULT_FAILURE           Failed for a reason that does not have a code.
 /// @retval ADB_RESULT_NOT_ENOUGH_SPACE  The same while less than 200 MiB are free on `/sdcard`, or when the
 ///                                      free space could not be read; or the message says so.
 /// @return Otherwise an install code or a common code.
@@ -1113,47 +1149,48 @@ DAROKLEIM_EXPORT int AdbInstallAppFromDevicePath(const char* serial, const char*
 ///
 /// @param[in] serial      Serial.
 /// @param[in] json_paths  JSON object whose arrays hold the files as strings, whole paths:
-///                        `{"apks": ["/tmp/base.apk", "/tmp/split_de.apk"]}`. adb hands their names, without
+///                        `{"apks": ["/tmp/base.apk", "/tmp/split_de.apk"]}`. adb passes their names, without
 ///                        the directories, to the device's shell: these are bare paths. The arrays are
-///                        taken in the order of their names, and anything else in the object is ignored.
-///                        Without any file the command is run all the same.
+///                        used in the order of their names, and anything else in the object is ignored.
+///                        The command is run even without any file.
 /// @param[in] cancel      Cancel flag.
 /// @retval ADB_RESULT_OK                 Installed.
 /// @retval ADB_RESULT_JSON_PARSE_FAILED  @p json_paths is not JSON, has anything but an object (or null) at
-///                                       its top, nests more than 500 levels deep, or holds an array or an
-///                                       object in one of its arrays; nothing was run.
-/// @retval ADB_RESULT_NO_SUCH_FILE       A file does not exist, or its name has a blank.
-/// @retval ADB_RESULT_FAILURE            Failed for a reason that has no code; free space is not looked at.
+///                                       its top, is nested more than 500 levels deep, or holds an array or an
+///                                       object in one of its arrays; no command was run.
+/// @retval ADB_RESULT_NO_SUCH_FILE       A file does not exist, or its name has a space.
+/// @retval ADB_RESULT_FAILURE            Failed for a reason that does not have a code; the free space is not
+///                                       read.
 /// @return Otherwise an install code or a common code.
 DAROKLEIM_EXPORT int AdbInstallMultipleAppFromPCPath(const char* serial, const char* json_paths,
                                                      const bool* cancel);
 
-/// Asks the package manager for a package (`pm path`, with `-k` when @p keep is not 0).
+/// Queries the package manager for a package (`pm path`, with `-k` when @p keep is not 0).
 ///
-/// Phones answer for an unknown package with silence, which counts as success here: AdbCheckAppInstalled()
-/// tells for sure. Command limit: 127 bytes. No pointer is checked for null.
+/// Phones print nothing for an unknown package, which is a success here: use AdbCheckAppInstalled() to find out
+/// whether a package is installed. Command limit: 127 bytes. No pointer is checked for null.
 ///
 /// @param[in] serial   Serial.
 /// @param[in] package  Full package name.
 /// @param[in] keep     Not 0: with `-k`.
 /// @param[in] cancel   Cancel flag.
-/// @retval ADB_RESULT_OK       The package manager answered without a known error.
+/// @retval ADB_RESULT_OK       The package manager did not report a known error.
 /// @retval ADB_RESULT_FAILURE  It reported a failure.
-/// @return Otherwise a common code. A status but 0 comes before any message: an absent device is 1001.
+/// @return Otherwise a common code. A status other than 0 takes precedence over any message: an absent device is 1001.
 DAROKLEIM_EXPORT int AdbCheckAppExist(const char* serial, const char* package, int keep, const bool* cancel);
 
 /// Uninstalls a package (`pm uninstall`).
 ///
-/// Command limit: 127 bytes; a longer name is cut and the package of that name uninstalled, if there is
+/// Command limit: 127 bytes. A longer name is cut, and a package with the cut name is uninstalled if there is
 /// one. No pointer is checked for null.
 ///
 /// @param[in] serial     Serial.
 /// @param[in] package    Full package name.
 /// @param[in] keep_data  Not 0: keep the application's data (`-k`).
 /// @param[in] cancel     Cancel flag.
-/// @retval ADB_RESULT_OK       Uninstalled, or no known error was printed.
+/// @retval ADB_RESULT_OK       Uninstalled, or the device did not report a known error.
 /// @retval ADB_RESULT_FAILURE  Not installed, or protected.
-/// @return Otherwise a common code. A status but 0 comes before any message: an absent device is 1001.
+/// @return Otherwise a common code. A status other than 0 takes precedence over any message: an absent device is 1001.
 DAROKLEIM_EXPORT int AdbUninstallApp(const char* serial, const char* package, int keep_data,
                                      const bool* cancel);
 
@@ -1164,9 +1201,10 @@ DAROKLEIM_EXPORT int AdbUninstallApp(const char* serial, const char* package, in
 /// Saves an application's data to a file of the host (`adb backup -noapk -nosystem`).
 ///
 /// Waits until the user has confirmed on the device; AdbStopDeviceBackupRestoreProcess() or the cancel flag
-/// ends the wait. #ADB_RESULT_OK does not say that data was saved: the user may have refused, or the wait
-/// have been ended, which leaves an empty file; the application may forbid backups, or not be there, which
-/// gives a file without its data. A file that exists is overwritten.
+/// ends the wait. #ADB_RESULT_OK does not mean that data was saved: the user may have refused, or the wait may
+/// have been ended, which leaves an empty file; the application may forbid backups or not be installed, which
+/// gives a file without its data. **An existing file is overwritten at once**, also when the backup fails: write
+/// to a temporary file and rename it.
 ///
 /// @param[in] serial     Serial.
 /// @param[in] package    Full package name, for the device's shell: a bare path.
@@ -1179,9 +1217,8 @@ DAROKLEIM_EXPORT int AdbUninstallApp(const char* serial, const char* package, in
 DAROKLEIM_EXPORT int AdbBackupApp(const char* serial, const char* package, const char* host_path,
                                   const bool* cancel);
 
-/// Brings the data of an AdbBackupApp() file back (`adb restore`), to applications that are installed. Waits
-/// for the user as AdbBackupApp() does; #ADB_RESULT_OK does not say that the user agreed, or that the file
-/// was a backup.
+/// Restores a backup of AdbBackupApp() (`adb restore`) to the applications that are installed. Waits for the user
+/// as AdbBackupApp() does; #ADB_RESULT_OK does not mean that the user agreed, or that the file was a backup.
 ///
 /// No pointer is checked for null.
 ///
@@ -1200,35 +1237,38 @@ DAROKLEIM_EXPORT int AdbRestoreApp(const char* serial, const char* host_path, co
 ///
 /// @param[in] serial  Serial.
 /// @param[in] cancel  Cancel flag.
-/// @retval ADB_RESULT_OK  Closed, or was not open.
+/// @retval ADB_RESULT_OK  Closed, or it was not open.
 /// @return Otherwise a common code.
 DAROKLEIM_EXPORT int AdbStopDeviceBackupRestoreProcess(const char* serial, const bool* cancel);
 
-/// Empties the log of the device (`adb logcat -c`).
+/// Clears the log of the device (`adb logcat -c`).
 ///
-/// Command limit: 127 bytes. @p serial is not checked for null.
+/// **Waits for a device that is not ready** (absent, unauthorized or offline), until it is ready or the call is
+/// cancelled: check the state with AdbGetDevicesEx() first, or pass a cancel flag. Command limit: 127 bytes.
+/// @p serial is not checked for null.
 ///
 /// @param[in] serial  Serial.
 /// @param[in] cancel  Cancel flag.
-/// @retval ADB_RESULT_OK  Emptied.
-/// @return Otherwise a common code.
+/// @retval ADB_RESULT_OK  Cleared.
+/// @return Otherwise a common code; #ADB_CHANNEL_CANCELLED after a cancel.
 DAROKLEIM_EXPORT int AdbClearLogcat(const char* serial, const bool* cancel);
 
 /// What AdbLogcatAnsync() calls with each piece of the log. It runs on a thread of the library, never two
-/// at a time for one stream, and must not let a C++ exception out.
+/// at a time for one stream, and must not throw a C++ exception.
 ///
-/// @param[in] context  The pointer that was given to AdbLogcatAnsync().
+/// @param[in] context  The pointer that was passed to AdbLogcatAnsync().
 /// @param[in] data     Bytes of the log, not zero-terminated, valid during the call; a piece may begin and
 ///                     end in the middle of a line. Null in the last call of the stream.
 /// @param[in] length   Number of bytes in @p data; in the last call the status that the stream ended with:
-///                     3003 when its cancel flag was set.
+///                     #ADB_CHANNEL_CANCELLED when its cancel flag was set.
 typedef void (*DarokleimOutputCallback)(void* context, const char* data, int length);
 
 /// Starts a stream of the device's log and returns at once (`adb logcat -s FILTER`).
 ///
-/// The stream runs until the cancel flag is set, the device goes or the process ends. A start that fails
-/// makes no call to @p on_output. Not to be called from two threads at once; several streams may run side
-/// by side. Command limit: 255 bytes. No pointer is checked for null.
+/// The stream runs until the cancel flag is set, the device is disconnected or the process ends. When the start
+/// fails, @p on_output is not called. adb **waits for a device that is not ready**, and its line
+/// `- waiting for device -` is the first output then. Do not call it from two threads at once; several streams may run
+/// simultaneously. Command limit: 255 bytes. No pointer is checked for null.
 ///
 /// @code{.c}
 /// static void OnLog(void* context, const char* data, int length) {
@@ -1243,12 +1283,12 @@ typedef void (*DarokleimOutputCallback)(void* context, const char* data, int len
 /// @endcode
 ///
 /// @param[in] serial     Serial; needed during the call only.
-/// @param[in] filter     What to show, as `logcat` reads it: `TAG:PRIORITY`, several separated by blanks;
+/// @param[in] filter     What to show, as for `logcat`: `TAG:PRIORITY`, several separated by spaces;
 ///                       needed during the call only.
 /// @param[in] on_output  Address of a ::DarokleimOutputCallback, cast to `void*`; null discards the log.
 /// @param[in] context    Handed to the callback; must outlive the stream.
 /// @param[in] cancel     Cancel flag; must outlive the stream.
-/// @return The status of the start only; 0: the stream runs.
+/// @return The status of the start only: 0 when the stream runs.
 DAROKLEIM_EXPORT int AdbLogcatAnsync(const char* serial, const char* filter, void* on_output, void* context,
                                      const bool* cancel);
 
@@ -1269,8 +1309,8 @@ DAROKLEIM_EXPORT int AdbStartApp(const char* serial, const char* component, cons
 
 /// Types a text into the field of the device that has the focus (`input text`).
 ///
-/// The text is read by the device's shell as a shell path is; without assistance write a blank as `%s`,
-/// which `input` turns back. ASCII only: `input` knows no other characters.
+/// The text is read by the device's shell as a shell path is; without assistance write a space as `%s`, which
+/// `input` converts back. ASCII only: `input` does not accept other characters.
 ///
 /// @param[in] serial  Serial.
 /// @param[in] text    Text to type.
@@ -1282,15 +1322,15 @@ DAROKLEIM_EXPORT int AdbInputStringToDevice(const char* serial, const char* text
 
 /// @}
 /// @defgroup ports Port mappings
-/// Ports are decimal texts, `"8080"`, not checked here: adb refuses any other. A mapping lasts until it is
-/// removed, the device goes or the adb server ends. These functions cannot be cancelled. Command limit of
-/// them all: 511 bytes.
+/// Ports are decimal texts, `"8080"`. They are not checked here: adb refuses any other. A mapping lasts until it
+/// is removed, the device is disconnected or the adb server ends. These functions cannot be cancelled. Command
+/// limit of all: 511 bytes.
 /// @{
 
-/// Maps a TCP port of the host to one of the device (`adb forward`): what connects to @p host_port on the
-/// host reaches @p device_port on the device. A mapping of that host port that exists is replaced.
+/// Maps a TCP port of the host to one of the device (`adb forward`): a connection to @p host_port on the host
+/// reaches @p device_port on the device. An existing mapping of that host port is replaced.
 ///
-/// Host port `0` lets adb choose a port, which is not reported.
+/// With host port `0` adb chooses a port, which is not reported.
 ///
 /// @param[in] serial       Serial.
 /// @param[in] host_port    Port to listen on.
@@ -1311,10 +1351,10 @@ DAROKLEIM_EXPORT int AdbFowardBind(const char* serial, const char* host_port, co
 /// @return Otherwise the status only; 1001 when there is no such mapping or device.
 DAROKLEIM_EXPORT int AdbFowardRemove(const char* serial, const char* host_port);
 
-/// Maps a TCP port of the device to one of the host (`adb reverse`): what connects to @p device_port on the
-/// device reaches @p host_port on the host. A mapping of that device port that exists is replaced.
+/// Maps a TCP port of the device to one of the host (`adb reverse`): a connection to @p device_port on the
+/// device reaches @p host_port on the host. An existing mapping of that device port is replaced.
 ///
-/// Mind the order: the listening port stands first, which is the device's here.
+/// The listening port is the first one, which is the device's here.
 ///
 /// @param[in] serial       Serial.
 /// @param[in] device_port  Port to listen on.
@@ -1337,18 +1377,18 @@ DAROKLEIM_EXPORT int AdbReverseRemove(const char* serial, const char* device_por
 
 /// @}
 /// @defgroup server The adb server and busybox
-/// adb works through a server process on the host, which the first command starts by itself and which all
-/// programs of the user share.
+/// adb uses a server process on the host, which the first command starts and which all programs of the user
+/// share.
 /// @{
 
-/// Starts the adb server, unless it runs (`adb start-server`).
+/// Starts the adb server, unless it is running (`adb start-server`).
 ///
 /// @param[in] kill_first  Call AdbKillDaemon() before; that step cannot be cancelled.
 /// @param[in] cancel      Cancel flag.
-/// @retval ADB_RESULT_OK              The server runs.
-/// @retval ADB_RESULT_PROTOCOL_FAULT  The server runs too: adb's text began with
+/// @retval ADB_RESULT_OK              The server is running.
+/// @retval ADB_RESULT_PROTOCOL_FAULT  The server is running as well: adb's text began with
 ///                                    `daemon started successfully`.
-/// @return Otherwise the status only: the server does not run.
+/// @return Otherwise the status only: the server is not running.
 DAROKLEIM_EXPORT int AdbStartDaemon(bool kill_first, const bool* cancel);
 
 /// The same as AdbStartDaemon() under another name in the log.
@@ -1358,28 +1398,27 @@ DAROKLEIM_EXPORT int AdbStartDaemon(bool kill_first, const bool* cancel);
 /// @return As AdbStartDaemon().
 DAROKLEIM_EXPORT int AdbStartDaemonEx(bool kill_first, const bool* cancel);
 
-/// Stops the adb server (`adb kill-server`), then **kills processes of the host**: every one whose line in
-/// `ps -ax` holds the word adb, on any port, of any program, with signal 9.
+/// Stops the adb server (`adb kill-server`), then **kills processes of the host**: every process whose line in
+/// `ps -ax` holds the word adb, of any program and on any port, with SIGKILL.
 ///
-/// That meets other programs' adb commands, a text editor with a file `adb.txt`, and the calling process
-/// itself if the word stands in its name or arguments. All commands in flight fail, and port mappings and
-/// streams end.
+/// This includes other programs' adb commands, a text editor with a file `adb.txt`, and the calling process
+/// itself if the word is in its name or arguments. All running commands fail, and port mappings and streams end.
 ///
 /// @param[in] cancel  Cancel flag of `kill-server`; the killing cannot be cancelled.
 DAROKLEIM_EXPORT void AdbKillDaemon(const bool* cancel);
 
-/// Kills and starts the adb server: AdbStartDaemon() with @p kill_first, with all that AdbKillDaemon()
-/// warns of. Cannot be cancelled.
+/// Kills and starts the adb server: AdbStartDaemon() with @p kill_first. The warnings of AdbKillDaemon() apply.
+/// Cannot be cancelled.
 ///
 /// @return As AdbStartDaemon().
 DAROKLEIM_EXPORT int AdbRestartDaemon(void);
 
 /// Installs busybox on the device: copies it from the resource directory to `/data/local/tmp/busybox`,
-/// unless a file is there, and makes it executable.
+/// unless that file exists, and makes it executable.
 ///
 /// @param[in] serial  Serial.
 /// @param[in] cancel  Cancel flag.
-/// @retval ADB_RESULT_OK             busybox is there.
+/// @retval ADB_RESULT_OK             busybox is installed.
 /// @retval ADB_RESULT_INVALID_PARAM  @p serial is null.
 /// @return Otherwise the code of the step that failed: AdbCheckFileExisted(), AdbPushFile() or
 ///         AdbChmodFile().
@@ -1391,19 +1430,19 @@ DAROKLEIM_EXPORT int AdbConfigDeviceBusybox(const char* serial, const bool* canc
 }  // extern "C"
 
 /// @defgroup cxx For C++ only
-/// Pieces of functions above, with fewer checks. Applications seldom need them.
+/// Steps of the functions above, with fewer checks. Applications rarely need them.
 /// @{
 
 /// Reads any system property of the device (`getprop`).
 ///
-/// The text is the command channel's own: give it back with the channel's `ReleaseAdbOutBuffer(*out)`,
-/// whatever the result, **not with AdbFreeResource()**. No pointer is checked for null. Command limit: 255
+/// The text belongs to the command channel: release it with the channel's `ReleaseAdbOutBuffer(*out)`, whatever
+/// the result, **not with AdbFreeResource()**. No pointer is checked for null. Command limit: 255
 /// bytes.
 ///
 /// @param[in]     serial     Serial.
 /// @param[in]     prop_name  Name of the property.
 /// @param[in,out] out        Address of a pointer that is null; receives the text as the device printed it,
-///                           its line end included, followed by a zero byte. Null when there is no text.
+///                           its line break included, followed by a zero byte. Null without a text.
 /// @param[in,out] out_len    Address of a 0; receives the length in bytes without the zero.
 /// @param[in]     cancel     Cancel flag.
 /// @retval ADB_RESULT_OK  The value, an empty line when the device has no such property.
@@ -1414,38 +1453,38 @@ DAROKLEIM_EXPORT int GetPropInfo(const char* serial, const char* prop_name, char
 /// Appends the date of a MIUI build to its version, with dots between: year - 2010, month, day of the
 /// month + 1, in UTC. 1583366400 (2020-03-05) appends `10.3.6`.
 ///
-/// @param[in]     time_code  Decimal seconds since 1970-01-01 00:00 UTC; what follows the digits is
+/// @param[in]     time_code  Decimal seconds since 1970-01-01 00:00 UTC; text after the digits is
 ///                           ignored.
 /// @param[in,out] version    Text to append to.
-/// @return False when @p time_code is no such number; @p version may then hold a part of the date.
+/// @return False when @p time_code is not such a number; @p version may then hold a part of the date.
 DAROKLEIM_EXPORT bool AppendMiuiVersionByTimeCode(std::string time_code, std::string& version);
 
-/// Asks whether a file or directory exists on the device, by looking for its name in the directory it
-/// stands in (`adb ls`).
+/// Checks whether a file or directory exists on the device, by searching for its name in its parent directory
+/// (`adb ls`).
 ///
 /// No pointer is checked for null.
 ///
 /// @param[in]  serial       Serial.
 /// @param[in]  device_path  Absolute path without a slash at its end; a whole path.
-/// @param[out] exists       Becomes true when the path was found, else untouched: start from false.
+/// @param[out] exists       Set to true when the path was found, otherwise unchanged: start from false.
 /// @param[in]  cancel       Cancel flag.
-/// @retval ADB_RESULT_OK  The answer; also for a path without any slash, which is not looked for.
+/// @retval ADB_RESULT_OK  The answer; also for a path without any slash, which is not searched for.
 /// @return Otherwise the status only.
 DAROKLEIM_EXPORT int AdbCheckFileExistedUsingFolderContent(const char* serial, const char* device_path,
                                                            bool* exists, const bool* cancel);
 
-/// Reads when a file on the device was last modified, from the directory it stands in (`adb ls`).
+/// Reads when a file on the device was last modified, from its parent directory (`adb ls`).
 ///
-/// Takes the first entry whose line holds the name: another file may be meant, with a longer name or, when
-/// the name consists of hexadecimal digits as `ab` does, with such a number for its mode, size or time. A
-/// name with a blank inside is never found. No pointer is checked for null.
+/// Uses the first entry whose line contains the name. That can be another file: one with a longer name or, when
+/// the name consists of hexadecimal digits as `ab` does, one with such a number as its mode, size or time. A
+/// name with a space is never found. No pointer is checked for null.
 ///
 /// @param[in]  serial       Serial.
 /// @param[in]  device_path  Absolute path; a whole path.
-/// @param[out] seconds      Receives the seconds since 1970-01-01 00:00 UTC; untouched when the file was
+/// @param[out] seconds      Receives the seconds since 1970-01-01 00:00 UTC; unchanged when the file was
 ///                          not found: start from 0.
 /// @param[in]  cancel       Cancel flag.
-/// @retval ADB_RESULT_OK  The time; also for a path without any slash, which is not looked for.
+/// @retval ADB_RESULT_OK  The time; also for a path without any slash, which is not searched for.
 /// @return Otherwise the status only.
 DAROKLEIM_EXPORT int AdbGetFileCreateTimeFromLs(const char* serial, const char* device_path,
                                                 unsigned long long* seconds, const bool* cancel);

@@ -46,7 +46,7 @@ static int FindPhone(char* serial, size_t size) {
 }
 
 static int PrintVersion(const char* serial, const char* package) {
-  char version[256];
+  char version[4096];  // as AdbGetAppVersion requires
   const int code = AdbGetAppVersion(serial, package, version, (int)sizeof version, NULL);
   if (code == ADB_RESULT_NOT_FOUND) {
     printf("%-40s (no version number)\n", package);

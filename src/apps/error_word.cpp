@@ -1,5 +1,7 @@
 #include "src/apps/error_word.h"
 
+#include <string_view>
+
 #include "darokleim.h"
 #include "src/core/adb_run.h"
 #include "src/core/text.h"
@@ -9,7 +11,7 @@ namespace darokleim::sdk {
 namespace {
 
 // What printf prints for a null text; not every C library accepts one.
-constexpr char kNoText[] = "(null)";
+constexpr std::string_view kNoText = "(null)";
 
 bool Failed(const AdbRun& run, SilenceMeans silence_means) {
   return run.has_output() ? Contains(run.output(), "Error") : silence_means == SilenceMeans::kFailure;
@@ -25,8 +27,9 @@ int RunLookingForError(const CallLog& log, const std::string& args, SilenceMeans
     return run.status();
   }
   if (!Failed(run, silence_means)) return ADB_RESULT_OK;
-  const std::string text = run.has_output() ? std::string(run.output()) : kNoText;
-  LogEx(kLogModule, kLogError, "%s Execute Command Failed. Output = %s", log.function(), text.c_str());
+  const std::string_view text = run.has_output() ? run.output() : kNoText;
+  LogEx(kLogModule, kLogError, "%s Execute Command Failed. Output = %.*s", log.function(),
+        PrintedLength(text), text.data());
   return ADB_RESULT_PROTOCOL_FAULT;
 }
 

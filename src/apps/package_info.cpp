@@ -21,23 +21,28 @@ using namespace darokleim::sdk;
 namespace darokleim::sdk {
 namespace {
 
-// Writes the text and a terminating zero, however long it is: callers bring the room for the longest there
-// can be. Behind a zero byte in the text only zeros follow.
-void FillUncheckedBuffer(std::string_view text, char* buffer) {
-  std::strncpy(buffer, text.data(), text.size());
-  buffer[text.size()] = '\0';
+// The size of the buffers that callers of these functions must provide, whatever size they pass: the longest path of a
+// device and its terminating zero.
+constexpr std::size_t kPromisedCapacity = 4096;
+
+// Writes the text and a terminating zero, at most kPromisedCapacity bytes: the author of an application chooses the
+// text. After a zero byte in the text only zeros follow.
+int FillPromisedBuffer(std::string_view text, char* buffer) {
+  const std::string_view fitting = text.substr(0, kPromisedCapacity - 1);
+  std::strncpy(buffer, fitting.data(), fitting.size());
+  buffer[fitting.size()] = '\0';
+  return fitting.size() == text.size() ? ADB_RESULT_OK : ADB_RESULT_BUFFER_TOO_SMALL;
 }
 
-// Writes what find returns for the first line with a result. Returns ADB_RESULT_OK, or ADB_RESULT_NOT_FOUND, with the
-// buffer untouched, when no line has one.
+// Writes what find returns for the first line with a result. Returns ADB_RESULT_OK, ADB_RESULT_BUFFER_TOO_SMALL for a
+// result that was cut, or ADB_RESULT_NOT_FOUND, with the buffer untouched, when no line has one.
 template <typename Find>
 int FillWithFirstFound(std::string_view output, Find find, char* buffer) {
   int code = ADB_RESULT_NOT_FOUND;
   ForEachPiece(output, "\n", [&](std::string_view line) {
     const std::optional<std::string_view> found = find(line);
     if (!found) return true;
-    FillUncheckedBuffer(*found, buffer);
-    code = ADB_RESULT_OK;
+    code = FillPromisedBuffer(*found, buffer);
     return false;
   });
   return code;
@@ -81,19 +86,23 @@ int AdbGetApkPathOfInstatlledEx(const char* serial, const char* package, char** 
                                 const bool* cancel) {
   CallLog log(__func__);
   if (AnyNull(serial, package)) return log.InvalidParam();
-  const AdbRun run = RunPmPath(serial, package, cancel);
-  const int code = run.Classify();
-  if (!run.has_output()) return log.Leave(code);
   Json::Value document;
   Json::Value& paths = document["path"];
-  if (code == ADB_RESULT_OK) {
-    ForEachPiece(run.output(), "\n", [&](std::string_view line) {
-      if (const auto path = MatchPackageLine(line)) paths.append(std::string(*path));
-      return true;
-    });
+  {
+    const AdbRun run = RunPmPath(serial, package, cancel);
+    const int code = run.Classify();
+    if (!run.has_output()) return log.Leave(code);
+    if (code == ADB_RESULT_OK) {
+      ForEachPiece(run.output(), "\n", [&](std::string_view line) {
+        if (const auto path = MatchPackageLine(line)) paths.append(std::string(*path));
+        return true;
+      });
+    }
   }
+  const int code = paths.isNull() ? ADB_RESULT_NOT_FOUND : ADB_RESULT_OK;
   const std::string text = JsonToString(document);
+  document.clear();  // before the text is copied
   // In this function the length includes the terminating zero.
   HandOut({text.c_str(), text.size() + 1}, json, json_len);
-  return log.Leave(paths.isNull() ? ADB_RESULT_NOT_FOUND : ADB_RESULT_OK);
+  return log.Leave(code);
 }

@@ -60,7 +60,7 @@ constexpr Rule kRulesFromFailureOn[] = {
 constexpr std::string_view kPackageWithFailureLines = "jp.naver.line.android";
 
 void LogText(std::string_view text) {
-  LogEx(kLogModule, kLogInfo, "%s", std::string(text).c_str());
+  LogEx(kLogModule, kLogInfo, "%.*s", PrintedLength(text), text.data());
 }
 
 template <std::size_t N>
@@ -87,7 +87,8 @@ int ClassifyFailureLines(std::string_view text, int ret) {
 }  // namespace
 
 int Classify(std::string_view text, int ret, bool line_failure_only) {
-  if (ret != 0) LogEx(kLogModule, kLogError, "ret is %d,outbuf is:%s", ret, std::string(text).c_str());
+  if (ret != 0)
+    LogEx(kLogModule, kLogError, "ret is %d,outbuf is:%.*s", ret, PrintedLength(text), text.data());
   if (const auto code = FirstRuleThatHolds(kRulesBeforeFailure, text)) return *code;
   if (line_failure_only && Contains(text, "Failure")) return ClassifyFailureLines(text, ret);
   return FirstRuleThatHolds(kRulesFromFailureOn, text).value_or(ret);

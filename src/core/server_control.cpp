@@ -51,7 +51,7 @@ std::string_view WithoutCutNumber(std::string_view list, int next) {
 constexpr int kServerPort = 5037;
 
 void LogOutput(const AdbRun& run) {
-  if (run.has_output()) LogEx(kLogModule, kLogInfo, "%s", std::string(run.output()).c_str());
+  if (run.has_output()) LogEx(kLogModule, kLogInfo, "%.*s", PrintedLength(run.output()), run.output().data());
 }
 
 // 1 is not a failure: it means that adb's output began with the report of a started server. adb itself writes "* "

@@ -13,6 +13,11 @@ inline constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
 // The length bytes at text; nothing for null. Throws std::length_error for a negative length.
 std::string_view TextOf(const char* text, int length);
 
+// For %.*s, which prints a text without a copy, up to its first zero byte. Texts of the channel fit an int.
+inline int PrintedLength(std::string_view text) {
+  return static_cast<int>(text.size());
+}
+
 inline bool Contains(std::string_view text, std::string_view part) {
   return text.find(part) != std::string_view::npos;
 }

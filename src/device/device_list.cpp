@@ -92,17 +92,20 @@ int AdbGetDevicesEx(char** list, int* list_len, const bool* cancel) {
   CallLog log(__func__, kDeviceListWording);
   *list = nullptr;
   *list_len = 0;
-  const AdbRun run(kListCommand, cancel);
-  const int code = run.Classify();
-  if (code != ADB_RESULT_OK) return log.Leave(code);
   std::string entries;
-  ForEachEntry(run.output_as_c_text(), [&](const std::string& entry) {
-    entries += entry;
-    return true;
-  });
+  {
+    const AdbRun run(kListCommand, cancel);
+    const int code = run.Classify();
+    if (code != ADB_RESULT_OK) return log.Leave(code);
+    entries.reserve(run.output_as_c_text().size());  // an entry is not longer than its line
+    ForEachEntry(run.output_as_c_text(), [&](const std::string& entry) {
+      entries += entry;
+      return true;
+    });
+  }  // The output is given back before the entries are copied.
   if (!entries.empty()) {
     *list = NewTerminatedBlock(entries);
     *list_len = static_cast<int>(entries.size()) + 1;
   }
-  return log.Leave(code);
+  return log.Leave(ADB_RESULT_OK);
 }

@@ -9,6 +9,7 @@
 #include "darokleim.h"
 #include "src/core/call_log.h"
 #include "src/core/caller_output.h"
+#include "src/core/text.h"
 #include "src/device/miui_texts.h"
 #include "src/device/property.h"
 #include "src/platform/log_library.h"
@@ -52,7 +53,10 @@ int ComposeFromBuildDate(const CallLog& log, std::string_view name, const char* 
     return ADB_RESULT_MIUI_TIME_CODE_FAILED;
   }
   const std::string_view seconds = time_code.value();
-  version = std::string(name.substr(0, name.find('\r'))) + ".";
+  constexpr std::size_t kLongestDate = 24;
+  name = name.substr(0, name.find('\r'));
+  version.reserve(name.size() + 1 + kLongestDate);
+  version.assign(name).append(".");
   const bool appended =
       AppendMiuiVersionByTimeCode(std::string(seconds.substr(0, seconds.rfind('\r'))), version);
   return appended ? ADB_RESULT_OK : ADB_RESULT_MIUI_TIME_CODE_FAILED;
@@ -66,8 +70,8 @@ int ComposeFromBuildNumber(const CallLog& log, const char* serial, const bool* c
   }
   const auto found = VersionInBuildNumber(build_number.value());
   if (!found) {
-    LogEx(kLogModule, kLogError, "%s , no version in incremental:%s", log.function(),
-          std::string(build_number.value()).c_str());
+    LogEx(kLogModule, kLogError, "%s , no version in incremental:%.*s", log.function(),
+          PrintedLength(build_number.value()), build_number.value().data());
     return ADB_RESULT_MIUI_TIME_CODE_FAILED;
   }
   version = *found;
@@ -80,8 +84,8 @@ int Compose(const CallLog& log, const char* serial, const bool* cancel, std::str
     LogUnread(log, "name", ADB_RESULT_MIUI_VERSION_NAME_FAILED);
     return ADB_RESULT_MIUI_VERSION_NAME_FAILED;
   }
-  LogEx(kLogModule, kLogInfo, "%s ,version name now have is %s.", log.function(),
-        std::string(name.value()).c_str());
+  LogEx(kLogModule, kLogInfo, "%s ,version name now have is %.*s.", log.function(),
+        PrintedLength(name.value()), name.value().data());
   const std::string_view number = AfterFirstV(name.value());
   return IsDatedName(number) ? ComposeFromBuildDate(log, number, serial, cancel, version)
                              : ComposeFromBuildNumber(log, serial, cancel, version);

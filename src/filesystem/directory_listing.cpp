@@ -47,12 +47,6 @@ int ListAllBelow(const char* serial, const char* dir, const bool* cancel, std::l
   return status;
 }
 
-// Frees the files before the document is copied: both are of the same size.
-void HandOutOnce(const std::string& document, std::list<FileInfo>* files, char** json, int* json_len) {
-  files->clear();
-  HandOut(document, json, json_len);
-}
-
 }  // namespace
 }  // namespace darokleim::sdk
 

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "src/core/caller_output.h"
 #include "src/filesystem/folder_tree.h"
 #include "src/filesystem/json_text.h"
 #include "src/filesystem/side_file.h"
@@ -144,6 +145,12 @@ std::string WithSideFile(std::string document) {
 }
 
 }  // namespace
+
+void HandOutOnce(const std::string& document, std::list<FileInfo>* files, char** json, int* json_len) {
+  files->clear();
+  HandOut(document, json, json_len);
+}
+
 }  // namespace darokleim::sdk
 
 std::string serialization_file_list(const std::list<FileInfo>* files, bool with_size) {

@@ -19,4 +19,11 @@ std::string serialization_file_list(const std::list<FileInfo>* files, bool with_
 std::string serialization_file_list_keep_folder_structer(const std::list<FileInfo>* files,
                                                          const std::string& root, bool with_size);
 
+namespace darokleim::sdk {
+
+// Hands a document out. Frees the files first: they take as much memory as the copy of the document.
+void HandOutOnce(const std::string& document, std::list<FileInfo>* files, char** json, int* json_len);
+
+}  // namespace darokleim::sdk
+
 #endif  // DAROKLEIM_SRC_FILESYSTEM_FILE_LIST_JSON_H

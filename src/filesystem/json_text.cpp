@@ -6,6 +6,7 @@
 #include <memory>
 #include <new>
 #include <sstream>
+#include <utility>
 
 std::string JsonToString(const Json::Value& value) {
   Json::StreamWriterBuilder settings;
@@ -16,7 +17,7 @@ std::string JsonToString(const Json::Value& value) {
   writer->write(value, &text);
   // A stream that runs out of memory swallows the exception.
   if (text.bad()) throw std::bad_alloc();
-  return text.str();
+  return std::move(text).str();
 }
 
 namespace darokleim::sdk {

@@ -10,6 +10,7 @@
 #include "src/core/argument_text.h"
 #include "src/core/call_log.h"
 #include "src/core/caller_output.h"
+#include "src/core/text.h"
 #include "src/filesystem/json_text.h"
 #include "src/filesystem/storage_output.h"
 #include "src/platform/log_library.h"
@@ -35,13 +36,16 @@ constexpr LogWording kSearchWording{kLogInfo, "%s Enter.", "%s Leave %d", kLogIn
 template <typename ToText>
 int Search(CallLog& log, const char* serial, const bool* cancel, ToText to_text, char** out, int* out_len) {
   if (AnyNull(serial)) return log.Leave(log.InvalidParam());
-  // Without the leading space of other commands: part of the interface to the channel.
-  const AdbRun run(Cut(256, "-s %s shell ls -l /storage", serial), cancel);
-  if (run.status() != 0) {
-    LogEx(kLogModule, kLogInfo, "%s Execute Command Failed. Error = %d.", log.function(), run.status());
-    return log.Leave(run.status());
-  }
-  const std::string text = to_text(run.output());
+  std::string text;
+  {
+    // Without the leading space of other commands: part of the interface to the channel.
+    const AdbRun run(Cut(256, "-s %s shell ls -l /storage", serial), cancel);
+    if (run.status() != 0) {
+      LogEx(kLogModule, kLogInfo, "%s Execute Command Failed. Error = %d.", log.function(), run.status());
+      return log.Leave(run.status());
+    }
+    text = to_text(run.output());
+  }  // The listing is given back before the text is copied.
   *out_len = static_cast<int>(text.size());
   *out = NewTerminatedBlock(text);
   return log.Leave(ADB_RESULT_OK);
@@ -86,7 +90,7 @@ int AdbGetStorageFreeSpace(const char* serial, const char* path, unsigned long l
     LogEx(kLogModule, kLogInfo, "out buf empty, serial %s", serial);
     return log.Leave(run.status());
   }
-  LogEx(kLogModule, kLogInfo, "out buf: %s", std::string(run.output()).c_str());
+  LogEx(kLogModule, kLogInfo, "out buf: %.*s", PrintedLength(run.output()), run.output().data());
   const int code = run.Classify();
   if (code != ADB_RESULT_OK) return log.Leave(code);
   const auto found = FreeBytes(run.output());

@@ -84,17 +84,21 @@ int AdbGetFilesBySuffix(const char* serial, const char* dir, const char* suffixe
     return log.Leave(Failed(log, probe, directory));
   }
   const bool has_find = probe == ADB_RESULT_OK;
-  const AdbRun run(
-      has_find ? FindCommand(serial, directory, suffixes) : DuCommand(serial, directory, suffixes), cancel);
-  const int code = run.Classify();
-  if (code != ADB_RESULT_OK && code != ADB_RESULT_PERMISSION_DENIED) {
-    return log.Leave(Failed(log, code, directory));
-  }
+  int code = ADB_RESULT_OK;
   std::list<FileInfo> files;
-  if (!DecodeFindOut(run.output().data(), static_cast<int>(run.output().size()), &files)) {
-    return log.Leave(Failed(log, code, directory));
-  }
-  HandOut(serialization_file_list(&files, false), json, json_len);
+  {
+    const AdbRun run(
+        has_find ? FindCommand(serial, directory, suffixes) : DuCommand(serial, directory, suffixes), cancel);
+    code = run.Classify();
+    if (code != ADB_RESULT_OK && code != ADB_RESULT_PERMISSION_DENIED) {
+      return log.Leave(Failed(log, code, directory));
+    }
+    if (!DecodeFindOut(run.output().data(), static_cast<int>(run.output().size()), &files)) {
+      return log.Leave(Failed(log, code, directory));
+    }
+  }  // The device's output is given back before a document of the same size is written.
   // Refused folders are an error only when no file was found elsewhere.
-  return log.Leave(files.empty() ? code : ADB_RESULT_OK);
+  if (!files.empty()) code = ADB_RESULT_OK;
+  HandOutOnce(serialization_file_list(&files, false), &files, json, json_len);
+  return log.Leave(code);
 }

@@ -20,6 +20,17 @@ class FailingAllocation {
 // How many blocks have been asked for and not been given back.
 long LiveAllocations();
 
+// The largest number of bytes that blocks have held at once since the object was made, besides those held before.
+class MostBytesHeld {
+ public:
+  MostBytesHeld();
+
+  long bytes() const;
+
+ private:
+  long before_;
+};
+
 // Calls `trial` again and again, with another allocation failing each time, until it makes fewer. Returns how many it
 // makes.
 template <typename Trial>

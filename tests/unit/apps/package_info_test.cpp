@@ -17,7 +17,7 @@ class AppVersionTest : public SdkTest {
 
   // The code, a space and the version.
   std::string Version() {
-    std::string buffer(2'000, '#');
+    std::string buffer(5'000, '#');
     const int code = AdbGetAppVersion("S1", "com.a", buffer.data(), 0, &cancel);
     const std::string version = buffer.c_str();
     EXPECT_EQ(buffer.find_first_not_of('#', version.size() + 1), std::string::npos);
@@ -33,8 +33,14 @@ TEST_F(AppVersionTest, IsTheFirstOneInTheDump) {
   EXPECT_EQ(VersionIn("Packages:\r\n    versionCode=7\r\n    versionName=1.2.3-beta\r\n"), "0 1.2.3");
   EXPECT_EQ(VersionIn("versionName=12.0.1.beta"), "0 12.0.1.");
   EXPECT_EQ(VersionIn("versionName=null\nversionName=2.0\nversionName=3.0\n"), "0 2.0");
-  const std::string longest(1'500, '9');
+  const std::string longest(4'095, '9');
   EXPECT_EQ(VersionIn("versionName=" + longest), "0 " + longest) << "the size of the buffer is not read";
+}
+
+TEST_F(AppVersionTest, NeverNeedsMoreThan4096Bytes) {
+  const std::string fitting(4'095, '9');
+  EXPECT_EQ(VersionIn("versionName=" + fitting + "9"), "8 " + fitting);
+  EXPECT_EQ(VersionIn("versionName=" + std::string(100'000, '9')), "8 " + fitting);
 }
 
 TEST_F(AppVersionTest, LogsEnterAndLeave) {
@@ -161,8 +167,14 @@ TEST_F(ApkPathTest, WithoutOutputTheChannelsValueIsTheCode) {
 }
 
 TEST_F(ApkPathTest, ALongPathIsWrittenWhateverTheSizeSays) {
-  const std::string path = "/" + std::string(9000, 'p');
+  const std::string path = "/" + std::string(4'094, 'p');
   EXPECT_EQ(PathIn("package:" + path + "\n"), "0 " + path);
+}
+
+TEST_F(ApkPathTest, NeverNeedsMoreThan4096Bytes) {
+  const std::string fitting = "/" + std::string(4'094, 'p');
+  EXPECT_EQ(PathIn("package:" + fitting + "p\n"), "8 " + fitting);
+  EXPECT_EQ(PathIn("package:" + fitting + fitting), "8 " + fitting);
 }
 
 TEST_F(ApkPathTest, OnlyZerosFollowAZeroByte) {

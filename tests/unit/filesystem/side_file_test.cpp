@@ -2,9 +2,13 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "tests/unit/filesystem/own_directory.h"
@@ -78,22 +82,79 @@ TEST_F(SideFileTest, SaysNothingInADirectoryThatIsGone) {
   EXPECT_FALSE(fs::exists(directory_.side_file()));
 }
 
+// A limit to the size of files, which a write meets as it meets a full disk.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(rlim_t bytes) {
+    getrlimit(RLIMIT_FSIZE, &before_);
+    const rlimit limit{bytes, before_.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limit);
+    handler_ = signal(SIGXFSZ, SIG_IGN);
+  }
+  ~FileSizeLimit() {
+    setrlimit(RLIMIT_FSIZE, &before_);
+    signal(SIGXFSZ, handler_);
+  }
+  FileSizeLimit(const FileSizeLimit&) = delete;
+  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+ private:
+  rlimit before_;
+  void (*handler_)(int);
+};
+
 TEST_F(SideFileTest, SaysNothingWhenTheDiskIsFull) {
-  if (!fs::exists("/dev/full")) GTEST_SKIP() << "no /dev/full on this system";
-  fs::create_symlink("/dev/full", directory_.side_file());
+  {
+    const FileSizeLimit full(1'000);
+    Save(std::string(1'000'000, 'x'));
+  }
+  EXPECT_EQ(fs::file_size(directory_.side_file()), 1'000U);
+  Save("there is space again");
+  EXPECT_EQ(directory_.SideFileContent(), "there is space again");
+}
+
+TEST_F(SideFileTest, DoesNotFollowALink) {
+  const fs::path target = directory_.path() / "target";
+  std::ofstream(target) << "precious";
+  for (const fs::path& to : {target, fs::path("target"), directory_.path() / "absent"}) {
+    fs::create_symlink(to, directory_.side_file());
+    Save("text");
+    EXPECT_TRUE(fs::is_symlink(directory_.side_file())) << to;
+    EXPECT_EQ(ReadFile(target), "precious") << to;
+    EXPECT_FALSE(fs::exists(directory_.path() / "absent"));
+    fs::remove(directory_.side_file());
+  }
+}
+
+TEST_F(SideFileTest, DoesNotWaitForAReaderOfAFifo) {
+  const std::string fifo = directory_.side_file();
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  Save("text");
+  EXPECT_TRUE(fs::is_fifo(fifo));
+}
+
+TEST_F(SideFileTest, WritesNothingIntoAFifo) {
+  const std::string fifo = directory_.side_file();
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  const int reader = open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
+  ASSERT_GE(reader, 0);
   Save(std::string(1'000'000, 'x'));
-  Save("less than stdio keeps to itself");
+  char byte;
+  EXPECT_EQ(read(reader, &byte, 1), 0) << "the end: neither data nor a writer";
+  close(reader);
 }
 
 TEST_F(SideFileTest, LeavesNoFileOpen) {
   const int before = OpenDescriptors();
   for (int i = 0; i < 10; ++i) Save("text");
   SaveBuf("file_list.json", "", 0);
-  if (fs::exists("/dev/full")) {
-    fs::remove(directory_.side_file());
-    fs::create_symlink("/dev/full", directory_.side_file());
+  {
+    const FileSizeLimit full(1'000);
     for (int i = 0; i < 10; ++i) Save(std::string(100'000, 'x'));
   }
+  fs::remove(directory_.side_file());
+  ASSERT_EQ(mkfifo(directory_.side_file().c_str(), 0600), 0);
+  for (int i = 0; i < 10; ++i) Save("text");
   fs::remove(directory_.side_file());
   fs::create_directory(directory_.side_file());
   for (int i = 0; i < 10; ++i) Save("text");

@@ -294,5 +294,66 @@ TEST_P(MemoryTest, RunsOut) {
 
 INSTANTIATE_TEST_SUITE_P(OfEachFunction, MemoryTest, ::testing::ValuesIn(AllCalls()));
 
+// A line, as often as an answer of four mebibytes holds it.
+std::string LongAnswer(const std::string& line, const std::string& heading = "") {
+  std::string answer = heading;
+  while (answer.size() < 4 * 1024 * 1024) answer += line;
+  return answer;
+}
+
+class LongAnswerTest : public MemoryTest {
+ protected:
+  // The most memory that a call takes beside the channel's own buffer, in lengths of the answer.
+  static double MostHeld(const std::string& answer, const std::function<void()>& call) {
+    output = answer.c_str();
+    const MostBytesHeld most;
+    call();
+    return static_cast<double>(most.bytes()) / static_cast<double>(answer.size());
+  }
+};
+
+constexpr double kOnce = 1.01;
+
+TEST_F(LongAnswerTest, IsNotCopiedToBeLogged) {
+  const std::string control_bytes = LongAnswer("\x01\x02 Error Failure\x1b");
+  for (const auto& call : std::vector<std::function<void()>>{
+           [] { AdbReboot(kSerial, &cancel); }, [] { AdbStartDaemon(false, &cancel); },
+           [] { AdbStartApp(kSerial, kPackage, nullptr); }, [] { AdbFowardBind(kSerial, "1", "2"); },
+           Telling<unsigned long long>([](auto* n) { AdbGetStorageFreeSpace(kSerial, kPath, n, &cancel); }),
+           Filling(AdbGetPhoneProductModel)}) {
+    EXPECT_LT(MostHeld(control_bytes, call), 0.01);
+  }
+  EXPECT_LT(MostHeld(control_bytes, Filling(AdbGetMiuiVersion)), 2 * kOnce)
+      << "two properties, each copied once";
+}
+
+TEST_F(LongAnswerTest, IsHandedOutAsItsOnlyCopy) {
+  const std::string packages = LongAnswer("package:" + std::string(kPackage) + "\r\n");
+  EXPECT_LT(MostHeld(packages, HandingOut([](char** b, int* n) {
+                       AdbGetPackagesNameOfInstalled(kSerial, "", b, n, &cancel);
+                     })),
+            kOnce);
+  EXPECT_LT(MostHeld(packages,
+                     HandingOut([](char** b, int* n) { AdbGetPackagesNameList(kSerial, nullptr, b, n); })),
+            kOnce);
+}
+
+TEST_F(LongAnswerTest, IsGivenBackBeforeItsContentIsCopied) {
+  const std::string name(250, 'n');
+  const std::string devices = LongAnswer(name + "\tdevice\n");
+  EXPECT_LT(MostHeld(devices, HandingOut([](char** b, int* n) { AdbGetDevicesEx(b, n, &cancel); })),
+            2 * kOnce);
+  // The files, then their document twice; each needs some memory besides the name.
+  constexpr double kPerName = 1.6;
+  EXPECT_LT(MostHeld(LongAnswer("/sdcard/" + name + "\n"), HandingOut([](char** b, int* n) {
+                       AdbGetFilesBySuffix(kSerial, "/sdcard", "jpg", b, n, &cancel);
+                     })),
+            2 * kPerName);
+  EXPECT_LT(
+      MostHeld(LongAnswer("-rw-rw---- 1 root sdcard_rw 5 2020-01-02 03:04 " + name + "\r\n"),
+               HandingOut([](char** b, int* n) { AdbGetDirFiles(kSerial, kPath, b, n, 1, 1, &cancel); })),
+      2 * kPerName);
+}
+
 }  // namespace
 }  // namespace darokleim::test
