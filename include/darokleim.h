@@ -51,8 +51,8 @@
 /// ## The contract
 ///
 /// **Calls block.** A call returns when its adb command, or the last of several, has ended; only
-/// AdbLogcatAnsync() returns at once. There is no time limit: while a device does not answer, the call waits
-/// until it is cancelled. Do not call from the thread that draws the windows.
+/// AdbLogcatAnsync() returns at once. The time is not limited, unless `DAROKLEIM_CHANNEL_TIMEOUT=SECONDS` in the
+/// environment limits each command (#ADB_CHANNEL_CANCELLED). Do not call from the thread that draws windows.
 ///
 /// **Threads.** After AdbSdkInit() every function may be called from any thread, several at a time, also
 /// for one device. Exceptions: AdbLogcatAnsync() not from two threads at once, and AdbKillDaemon() ends the
@@ -180,12 +180,12 @@
 /// | AdbClearLogcat(), the stream of AdbLogcatAnsync() | waits until it is cancelled | the same | the same |
 /// | AdbAuthenticateShow() | #ADB_RESULT_NO_DEVICE | 1: asked | 1: asked |
 ///
-/// Offline, AdbRestoreApp() gives 1255. AdbGetDevices() and AdbGetDevicesEx() succeed, and do not list an
-/// absent device.
+/// With `DAROKLEIM_CHANNEL=direct` the log functions do not wait: AdbClearLogcat() gives the codes of the first row,
+/// the stream ends with 1001. AdbRestoreApp() gives 1255 offline. AdbGetDevices() does not list an absent device.
 ///
 /// **A connection that breaks** while a device answers is not always an error: adb prints what has arrived and
 /// reports success. A listing or a text can then be cut although the code is #ADB_RESULT_OK. A broken transfer is
-/// always reported.
+/// always reported, and with `DAROKLEIM_CHANNEL=direct` a broken answer too (#ADB_CHANNEL_CONNECTION_BROKEN).
 ///
 /// ## Phones differ
 ///
@@ -196,9 +196,11 @@
 /// **Line breaks.** Android 7 and later end lines in LF, older phones in CR LF. Functions that *read CR LF* or
 /// *read LF* work on the other phones only with assistance.
 ///
-/// **Assistance.** With `DAROKLEIM_CHANNEL_ASSIST=1` in the environment when AdbSdkInit() is called, the line
-/// breaks of every phone are converted to those that each function reads, and shell paths are quoted for the
-/// device's shell. Without it, commands and texts are not changed. New applications should set it.
+/// **Assistance.** With `DAROKLEIM_CHANNEL=assist` in the environment when AdbSdkInit() is called, or with its
+/// older name `DAROKLEIM_CHANNEL_ASSIST=1`, the line breaks of every phone are converted to those that each
+/// function reads, and shell paths are quoted for the device's shell. Without it, commands and texts are not
+/// changed. New applications should set it. `DAROKLEIM_CHANNEL=direct` adds to it: where possible, the library
+/// speaks to the adb server itself, and reports an answer that breaks off.
 ///
 /// ## Log files
 ///
@@ -320,7 +322,7 @@ enum AdbChannelStatus {
   /// The adb executable cannot be started: it is missing, is not executable or is for another processor. Also
   /// when the command is longer than the host allows.
   ADB_CHANNEL_CANNOT_START_ADB = 3002,
-  /// The cancel flag was set.
+  /// The cancel flag was set, or the time limit of the environment has passed.
   ADB_CHANNEL_CANCELLED = 3003,
   /// adb printed more bytes than an `int` can count.
   ADB_CHANNEL_OUTPUT_TOO_LONG = 3005,
@@ -779,9 +781,9 @@ DAROKLEIM_EXPORT int AdbScreencapToDevice(const char* serial, const char* device
 /// device's time. In the tree each folder indents its lines by six more spaces, and every level repeats the path
 /// above it: a deep tree makes a document that is much larger than its listing.
 ///
-/// **A listing is complete only as far as the device reported it.** A directory that may not be read is empty,
-/// without an error. When the connection breaks in the middle of a listing, the files that had arrived are
-/// returned with #ADB_RESULT_OK; adb does not report it.
+/// **A listing can be incomplete without an error.** A directory that may not be read is empty. When the connection
+/// breaks in the middle of a listing, the files that had arrived are returned with #ADB_RESULT_OK: adb does not
+/// report it (`DAROKLEIM_CHANNEL=direct` does).
 ///
 /// **A link to a directory**, as `/sdcard` on most devices, is not a directory for `ls -l` and `du`: they print the
 /// link itself, so that AdbGetDirFiles() of `/sdcard` is an empty list and AdbGetDirSize() is 0, both with
@@ -807,8 +809,10 @@ DAROKLEIM_EXPORT int AdbScreencapToDevice(const char* serial, const char* device
 ///
 /// Each file has `file`, `size` (bytes) and `time` (`YYYY-MM-DD HH:MM` in the device's time zone). Without
 /// @p recursive the device does not print the directory: `file` is `/` and the name alone. Spaces at the
-/// beginning of a name are lost. A line for a file that cannot be parsed is skipped and printed to standard
-/// output, unescaped: redirect standard output when a terminal shows it. No pointer is checked for null.
+/// beginning of a name are lost. **A listing of a single line is empty**: on phones whose `ls -l` does not print a
+/// total (many before Android 7) a directory needs two entries. A line for a file that cannot be parsed is
+/// skipped and printed to standard output, unescaped: redirect standard output when a terminal shows it. No
+/// pointer is checked for null.
 ///
 /// @param[in]  serial     Serial.
 /// @param[in]  dir        Directory, with a slash at its end when it is a link; a shell path.
@@ -1244,8 +1248,8 @@ DAROKLEIM_EXPORT int AdbStopDeviceBackupRestoreProcess(const char* serial, const
 /// Clears the log of the device (`adb logcat -c`).
 ///
 /// **Waits for a device that is not ready** (absent, unauthorized or offline), until it is ready or the call is
-/// cancelled: check the state with AdbGetDevicesEx() first, or pass a cancel flag. Command limit: 127 bytes.
-/// @p serial is not checked for null.
+/// cancelled, except with `DAROKLEIM_CHANNEL=direct`: check the state with AdbGetDevicesEx() first, or pass a cancel
+/// flag. Command limit: 127 bytes. @p serial is not checked for null.
 ///
 /// @param[in] serial  Serial.
 /// @param[in] cancel  Cancel flag.
