@@ -20,10 +20,12 @@ class CancelTest : public ToolTest {
   // An adb that writes its process id and then hangs.
   void MakeHangingAdb() const { MakeAdb("echo $$ >" + File("pid") + "\nexec /bin/sleep 100\n"); }
 
-  pid_t WaitForAdb() const {
+  static bool IsGone(pid_t process) { return kill(process, 0) == -1 && errno == ESRCH; }
+
+  pid_t WaitForAdb(const std::string& file = "pid") const {
     const auto end = steady_clock::now() + seconds(20);
     while (steady_clock::now() < end) {
-      const std::string text = test::ReadFile(File("pid"));
+      const std::string text = test::ReadFile(File(file));
       if (text.ends_with("\n")) return std::stoi(text);
       std::this_thread::sleep_for(milliseconds(5));
     }
@@ -43,8 +45,7 @@ class CancelTest : public ToolTest {
     EXPECT_EQ(outcome.status, 130);
     EXPECT_EQ(outcome.output, "");
     EXPECT_EQ(outcome.errors, "darokleim: cancelled\n");
-    EXPECT_EQ(kill(adb, 0), -1);
-    EXPECT_EQ(errno, ESRCH);
+    EXPECT_TRUE(IsGone(adb));
   }
 };
 
@@ -63,6 +64,129 @@ TEST_F(CancelTest, ASignalThatIsIgnoredStaysIgnored) {
   const auto outcome = RunShell("trap '' INT HUP; exec \"$TOOL\" devices");
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.errors, "");
+}
+
+struct Line {
+  const char* name;
+  Words words;
+};
+
+void PrintTo(const Line& line, std::ostream* stream) {
+  *stream << line.name;
+}
+
+// Commands whose functions take no cancel flag.
+class CancelWithoutFlagTest : public CancelTest, public testing::WithParamInterface<Line> {
+ protected:
+  void SetUp() override { MakeHangingAdb(); }
+};
+
+TEST_P(CancelWithoutFlagTest, CtrlCEndsAdb) {
+  const auto tool = Start(GetParam().words);
+  const pid_t adb = WaitForAdb();
+  const auto start = steady_clock::now();
+  tool->Signal(SIGINT);
+  tool->Finish();
+  EXPECT_LT(steady_clock::now() - start, seconds(5));
+  EXPECT_TRUE(IsGone(adb));
+}
+
+TEST_P(CancelWithoutFlagTest, ATimeLimitEndsAdb) {
+  auto words = GetParam().words;
+  words.insert(words.begin(), {"--timeout", "1"});
+  const auto start = steady_clock::now();
+  const auto tool = Start(words);
+  const pid_t adb = WaitForAdb();
+  const auto outcome = tool->Finish();
+  EXPECT_LT(steady_clock::now() - start, seconds(10));
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.errors, testing::HasSubstr(": not done within 1 s, the limit of --timeout.\n"));
+  EXPECT_TRUE(IsGone(adb));
+}
+
+INSTANTIATE_TEST_SUITE_P(, CancelWithoutFlagTest,
+                         testing::Values(Line{"start", {"-s", "A", "app", "start", "a/.B"}},
+                                         Line{"forward", {"-s", "A", "forward", "add", "8080", "80"}},
+                                         Line{"reverse", {"-s", "A", "reverse", "remove", "80"}},
+                                         Line{"reconnect", {"reconnect"}}),
+                         [](const auto& line) { return line.param.name; });
+
+TEST_F(CancelTest, CtrlCEndsACompletion) {
+  MakeHangingAdb();
+  const auto tool = Start({"complete", "--", "-s", "A", "app", "uninstall", ""});
+  const pid_t adb = WaitForAdb();
+  tool->Signal(SIGINT);
+  tool->Finish();
+  EXPECT_TRUE(IsGone(adb));
+}
+
+TEST_F(CancelTest, ATimeLimitEndsAdbAndTheTool) {
+  MakeHangingAdb();
+  const auto tool = Start({"--timeout", "1", "devices"});
+  const pid_t adb = WaitForAdb();
+  const auto outcome = tool->Finish();
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.errors, "darokleim: cannot list devices: not done within 1 s, the limit of --timeout.\n");
+  EXPECT_TRUE(IsGone(adb));
+}
+
+// A phone that lists one more folder in each folder, for ever.
+TEST_F(CancelTest, ATimeLimitEndsAListingWithoutEnd) {
+  MakeAdb(R"(case "$*" in
+  *" ls "*) printf '000041ed 00001000 5e0c0000 deeper\n' ;;
+  *stat*) printf '4096\r\n' ;;
+esac)");
+  const auto outcome = Run({"-s", "A", "--timeout", "2", "tree", "/sdcard"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.errors, testing::HasSubstr("the limit of --timeout"));
+}
+
+// The first Ctrl-C ends the installation, then the copy on the phone is deleted.
+TEST_F(CancelTest, ACancelledInstallationDeletesItsCopy) {
+  test::WriteFile(File("a.apk"), "apk");
+  MakeAdb("echo \"$*\" >>" + File("commands") + "\ncase \"$*\" in\n  *'pm install'*) echo $$ >" +
+          File("pid") + "; exec /bin/sleep 100 ;;\n  *push*) echo '1 file pushed, 0 skipped.' ;;\nesac\n");
+  const auto tool = Start({"-s", "A", "app", "install", File("a.apk")});
+  const pid_t adb = WaitForAdb();
+  tool->Signal(SIGINT);
+  EXPECT_EQ(tool->Finish().status, 130);
+  EXPECT_TRUE(IsGone(adb));
+  EXPECT_THAT(test::ReadLines(File("commands")).back(),
+              testing::ContainsRegex("shell rm .*/data/local/tmp/a.apk"));
+}
+
+class CancelledCleanUpTest : public CancelTest {
+ protected:
+  // An adb that hangs in the push of a file, and in the deletion of what arrived of it.
+  void SetUp() override {
+    test::WriteFile(File("a"), "content");
+    MakeAdb("case \"$*\" in\n  *push*) echo $$ >" + File("pid") +
+            "; exec /bin/sleep 100 ;;\n  *'shell rm'*) echo $$ >" + File("deletion") +
+            "; exec /bin/sleep 100 ;;\nesac\n");
+    tool_ = Start({"-s", "A", "push", File("a"), "/sdcard/a"});
+    WaitForAdb();
+    tool_->Signal(SIGINT);
+    deletion_ = WaitForAdb("deletion");
+  }
+
+  std::unique_ptr<HostProcess> tool_;
+  pid_t deletion_ = 0;
+};
+
+TEST_F(CancelledCleanUpTest, HasALimitInTime) {
+  const auto outcome = tool_->Finish();
+  EXPECT_EQ(outcome.status, 130);
+  EXPECT_THAT(outcome.errors,
+              testing::HasSubstr("an unfinished file may be left on the device: /sdcard/.darokleim-"));
+  EXPECT_TRUE(IsGone(deletion_));
+}
+
+TEST_F(CancelledCleanUpTest, IsEndedByASecondCtrlC) {
+  const auto start = steady_clock::now();
+  tool_->Signal(SIGINT);
+  EXPECT_EQ(tool_->Finish().status, 130);
+  EXPECT_LT(steady_clock::now() - start, seconds(4));
+  EXPECT_TRUE(IsGone(deletion_));
 }
 
 }  // namespace

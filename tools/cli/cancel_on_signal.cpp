@@ -1,30 +1,149 @@
 #include "tools/cli/cancel_on_signal.h"
 
+#include <errno.h>
+#include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdint>
 #include <initializer_list>
+
+#include "tools/cli/errors.h"
+#include "tools/cli/host/children.h"
+#include "tools/cli/host/quiet_thread.h"
 
 namespace darokleim::cli {
 namespace {
 
-bool cancel_flag = false;
+using Milliseconds = std::int64_t;  // of the steady clock
+constexpr Milliseconds kNever = INT64_MAX;
+constexpr Milliseconds kBetweenKills = 20;
+constexpr Milliseconds kUntilSigkill = 1000;  // adb ends at SIGTERM
+constexpr Milliseconds kLongestCleanUp = 5000;
+constexpr Milliseconds kUntilTheEnd = 500;  // after the second signal
 
-extern "C" void SetCancelFlag(int /*signal*/) {
-  __atomic_store_n(&cancel_flag, true, __ATOMIC_RELAXED);
+// Read by the library through pointers to plain bool, so written with atomic built-ins.
+bool cancel_flag = false;
+bool clean_up_flag = false;
+
+std::atomic<int> signals{0};
+std::atomic<int> last_signal{0};
+std::atomic<bool> timed_out{false};
+std::atomic<int> calls_without_flag{0};
+std::atomic<Milliseconds> time_limit{kNever};
+std::atomic<Milliseconds> clean_up_limit{kNever};
+int wake_up[2] = {-1, -1};  // a pipe that ends the watcher's waiting
+
+void Set(bool* flag) {
+  __atomic_store_n(flag, true, __ATOMIC_RELAXED);
+}
+
+Milliseconds Now() {
+  using std::chrono::milliseconds;
+  return std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now().time_since_epoch())
+      .count();
+}
+
+// Safe in a signal handler. A full pipe wakes as well.
+void WakeWatcher() {
+  const int before = errno;
+  [[maybe_unused]] const ssize_t ignored = write(wake_up[1], "", 1);
+  errno = before;
+}
+
+extern "C" void OnSignal(int number) {
+  Set(&cancel_flag);
+  last_signal = number;
+  ++signals;
+  WakeWatcher();
+}
+
+// Waits on a thread of its own for what has to be done outside a signal handler.
+class Watcher {
+ public:
+  [[noreturn]] void Run() {
+    for (;;) {
+      Wait();
+      CheckLimits();
+      if (signals > 1) EndAll();
+      if (IsCancelled() && calls_without_flag > 0) EndAdb();
+    }
+  }
+
+ private:
+  void Wait() const {
+    const bool ticks = IsCancelled() && (calls_without_flag > 0 || signals > 1);
+    const Milliseconds next =
+        std::min(ticks ? Now() + kBetweenKills : kNever, std::min<Milliseconds>(time_limit, clean_up_limit));
+    const Milliseconds wait = next == kNever ? -1 : std::clamp<Milliseconds>(next - Now(), 0, 1 << 30);
+    pollfd input{wake_up[0], POLLIN, 0};
+    if (poll(&input, 1, static_cast<int>(wait)) <= 0) return;
+    char bytes[64];
+    while (read(wake_up[0], bytes, sizeof bytes) > 0) {
+    }
+  }
+
+  static void CheckLimits() {
+    if (Now() >= time_limit) {
+      if (!IsCancelled()) timed_out = true;
+      Set(&cancel_flag);
+      time_limit = kNever;
+    }
+    if (Now() >= clean_up_limit) {
+      Set(&clean_up_flag);
+      clean_up_limit = kNever;
+    }
+  }
+
+  void EndAdb() {
+    if (first_kill_ == kNever) first_kill_ = Now();
+    SignalChildren(Now() - first_kill_ < kUntilSigkill ? SIGTERM : SIGKILL);
+  }
+
+  // The tool ends by itself unless a clean-up ignores its flag.
+  void EndAll() {
+    Set(&clean_up_flag);
+    if (end_ == kNever) end_ = Now() + kUntilTheEnd;
+    if (Now() < end_) return;
+    SignalChildren(SIGKILL);
+    signal(last_signal, SIG_DFL);
+    kill(getpid(), last_signal);
+  }
+
+  Milliseconds first_kill_ = kNever;
+  Milliseconds end_ = kNever;
+};
+
+void StartWatcher() {
+  if (pipe(wake_up) != 0) throw ToolError("cannot start: " + SystemErrorText(errno) + ".");
+  for (const int end : wake_up) {
+    fcntl(end, F_SETFD, FD_CLOEXEC);
+    fcntl(end, F_SETFL, O_NONBLOCK);
+  }
+  StartWithoutSignals([] { Watcher().Run(); }).detach();
 }
 
 }  // namespace
 
 void CancelOnSignals() {
+  StartWatcher();
   for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
     struct sigaction action {};
     sigaction(number, nullptr, &action);
     if (action.sa_handler == SIG_IGN) continue;
-    action.sa_handler = SetCancelFlag;
-    // Calls that wait return early; the next such signal has its default effect.
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    action.sa_handler = OnSignal;
+    action.sa_flags = 0;  // calls that wait return early
     sigaction(number, &action, nullptr);
   }
+}
+
+void CancelAfter(int seconds) {
+  time_limit = Now() + Milliseconds{1000} * seconds;
+  WakeWatcher();
 }
 
 const bool* CancelFlag() {
@@ -33,6 +152,32 @@ const bool* CancelFlag() {
 
 bool IsCancelled() {
   return __atomic_load_n(&cancel_flag, __ATOMIC_RELAXED);
+}
+
+bool HasTimedOut() {
+  return timed_out && signals == 0;
+}
+
+EndAdbOnCancel::EndAdbOnCancel() {
+  ++calls_without_flag;
+  WakeWatcher();
+}
+
+EndAdbOnCancel::~EndAdbOnCancel() {
+  --calls_without_flag;
+}
+
+CleanUpScope::CleanUpScope() {
+  clean_up_limit = Now() + kLongestCleanUp;
+  WakeWatcher();
+}
+
+CleanUpScope::~CleanUpScope() {
+  clean_up_limit = kNever;
+}
+
+const bool* CleanUpScope::flag() {
+  return &clean_up_flag;
 }
 
 }  // namespace darokleim::cli

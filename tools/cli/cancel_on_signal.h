@@ -1,16 +1,52 @@
+// What ends a command early: Ctrl-C and the like, and --timeout. Every call of the library is reached, and no adb is
+// left behind.
 #ifndef DAROKLEIM_TOOLS_CLI_CANCEL_ON_SIGNAL_H
 #define DAROKLEIM_TOOLS_CLI_CANCEL_ON_SIGNAL_H
 
 namespace darokleim::cli {
 
-// From now on Ctrl-C, a terminate signal and the end of the terminal set the cancel flag; the second one ends the
-// process. A signal that the tool was started to ignore, as by nohup, stays ignored.
+// From now on Ctrl-C, a terminate signal and the end of the terminal set the cancel flag. The second one ends the
+// clean-up as well, and then the process with the adb that it runs. A signal that the tool was started to ignore, as
+// by nohup, stays ignored.
 void CancelOnSignals();
+
+// Sets the cancel flag after so many seconds.
+void CancelAfter(int seconds);
 
 // The flag for the library's calls.
 const bool* CancelFlag();
 
 bool IsCancelled();
+// Whether the time limit has set the flag, before any signal.
+bool HasTimedOut();
+
+// While one lives, a cancel ends the adb processes of this process: for calls that take no flag.
+class EndAdbOnCancel {
+ public:
+  EndAdbOnCancel();
+  ~EndAdbOnCancel();
+  EndAdbOnCancel(const EndAdbOnCancel&) = delete;
+  EndAdbOnCancel& operator=(const EndAdbOnCancel&) = delete;
+};
+
+// Makes a call of the library that takes no cancel flag. Returns its code.
+template <typename Call>
+int WithoutFlag(const Call& call) {
+  const EndAdbOnCancel guard;
+  return call();
+}
+
+// Work that is done after a cancel as well. It has a flag of its own, which is set a few seconds after the start of
+// the work, and at once by a second signal. One at a time.
+class CleanUpScope {
+ public:
+  CleanUpScope();
+  ~CleanUpScope();
+  CleanUpScope(const CleanUpScope&) = delete;
+  CleanUpScope& operator=(const CleanUpScope&) = delete;
+
+  static const bool* flag();
+};
 
 }  // namespace darokleim::cli
 

@@ -22,7 +22,9 @@ Exit status: 0 done, 1 failed, 2 wrong usage, 130 cancelled with Ctrl-C.)";
 void Run(int argc, const char* const* argv, Tool& tool) {
   const auto line = ParseCommandLine(tool.command_line(), "darokleim " DAROKLEIM_VERSION, argc, argv);
   tool.output().Write(line.text);
-  if (line.command != nullptr) line.command->Run(tool);
+  if (line.command == nullptr) return;
+  if (tool.session_options().timeout > 0) CancelAfter(tool.session_options().timeout);
+  line.command->Run(tool);
 }
 
 }  // namespace
@@ -43,6 +45,9 @@ void Tool::AddGlobalOptions() {
       "--adb", session_options_.adb,
       "The adb executable. Without this option, adb is searched for in the tool's own folder, in "
       "PATH, and where the Android SDK and Homebrew install it");
+  command_line_.Option("--timeout", session_options_.timeout, "Give up after so many seconds")
+      .Called("SECONDS")
+      .Between(1, 86400);
   command_line_.Option("--busybox", session_options_.busybox,
                        "A busybox that runs on the device; only du needs one");
   command_line_.Option("--log-dir", session_options_.log_directory,
@@ -60,6 +65,10 @@ const Device& Tool::device() {
 }
 
 void Tool::Report(std::string_view line) {
+  ReportAsIs(output_.Shown(line));
+}
+
+void Tool::ReportAsIs(std::string_view line) {
   if (!quiet_) output_.Write(std::string(line) + "\n");
 }
 

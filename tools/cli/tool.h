@@ -31,6 +31,8 @@ class Tool {
   bool is_quiet() const { return quiet_; }
   // Prints a line about what was done, unless that is unwanted.
   void Report(std::string_view line);
+  // The same for a line with colours, whose names are safe for a terminal already.
+  void ReportAsIs(std::string_view line);
 
  private:
   void AddGlobalOptions();

@@ -120,9 +120,29 @@ TEST_F(BashCompletionTest, OffersWhatTheToolKnows) {
 
 TEST_F(BashCompletionTest, OffersFilesWithSpacesInTheirNames) {
   test::WriteFile(File("my notes.apk"), "");
-  EXPECT_THAT(Bash({"app", "install", "my"}), ElementsAre("my notes.apk"));
+  EXPECT_THAT(Bash({"app", "install", "my"}), ElementsAre("my\\ notes.apk"));
   EXPECT_THAT(Bash({"--log-dir", "hom"}), ElementsAre("home"));
-  EXPECT_THAT(Bash({"--adb", "=", "my"}), ElementsAre("my notes.apk"));
+  EXPECT_THAT(Bash({"--adb", "=", "my"}), ElementsAre("my\\ notes.apk"));
+}
+
+// Names from the phone go into a command line of the user's own shell.
+TEST_F(BashCompletionTest, RunsNothingThatAPhoneSays) {
+  MakeAdb(
+      R"(printf 'package:com.good.notes\npackage:com.evil.notes;touch${IFS}ran;#\npackage:com.evil.$(touch${IFS}ran)\n')");
+  const auto offered = Bash({"-s", "A", "app", "uninstall", "com."});
+  EXPECT_THAT(offered, ElementsAre("com.good.notes"));
+  for (const auto& name : offered) {
+    RunProgram({"/bin/bash", "-c"},
+               {"cd '" + File("") + "'; eval \": darokleim app uninstall " + name + "\""});
+  }
+  EXPECT_NE(RunShell("test -e '" + File("ran") + "'").status, 0);
+}
+
+// A tool that offers a name with characters of the shell, as no tool should.
+TEST_F(BashCompletionTest, QuotesEveryName) {
+  MakeExecutable(File("loose-tool"), "#!/bin/sh\nprintf '%s\\n' 'a;touch ran' '$(b)'\n");
+  Set("TOOL", File("loose-tool"));
+  EXPECT_THAT(Bash({""}), ElementsAre("a\\;touch\\ ran", "\\$\\(b\\)"));
 }
 
 TEST_F(BashCompletionTest, IsRegisteredForTheTool) {

@@ -30,5 +30,10 @@ TEST(DevicePath, KnowsItsPieces) {
   EXPECT_TRUE(DevicePath("/").IsRoot());
 }
 
+TEST(DevicePath, IsNoLongerThanADeviceAllows) {
+  EXPECT_EQ(DevicePath("/" + std::string(4094, 'a')).text().size(), 4095u);
+  EXPECT_THROW(DevicePath("/" + std::string(4095, 'a')), ToolError);
+}
+
 }  // namespace
 }  // namespace darokleim::cli

@@ -5,6 +5,7 @@
 #include "tests/support/file_content.h"
 #include "tests/support/temporary_directory.h"
 #include "tools/cli/errors.h"
+#include "tools/cli/host/run_mark.h"
 
 namespace darokleim::cli {
 namespace {
@@ -83,6 +84,24 @@ TEST_F(HostFileTest, AbsolutePathsHaveNoSlashAtTheirEnd) {
   EXPECT_EQ(AbsolutePath("/a/b/../c/"), "/a/c");
   EXPECT_EQ(AbsolutePath("x"), fs::current_path() / "x");
   EXPECT_EQ(AbsolutePath("."), fs::current_path());
+}
+
+TEST_F(HostFileTest, AKilledRunsFolderIsRemovedByTheNext) {
+  fs::create_directory(File(".darokleim-abcdef"));
+  test::WriteFile(File(".darokleim-abcdef/unfinished"), "half");
+  const UnfinishedOnHost living(File("a"));
+  const UnfinishedOnHost next(File("b"));
+  EXPECT_FALSE(fs::exists(File(".darokleim-abcdef")));
+  EXPECT_TRUE(fs::exists(living.path().parent_path()));
+}
+
+TEST(RunMark, OfALivingRunHasNotEnded) {
+  EXPECT_FALSE(HasEnded(OwnRunName()));
+  const std::string own = OwnRunName();
+  EXPECT_TRUE(HasEnded(own.substr(0, own.find('-') + 1) + "000000"));
+  EXPECT_FALSE(HasEnded("0123456789abcdef-000000"));
+  EXPECT_FALSE(HasEnded(own.substr(0, own.find('-') + 1) + "../../"));
+  EXPECT_FALSE(HasEnded(""));
 }
 
 }  // namespace

@@ -40,5 +40,15 @@ TEST_F(OutputTest, StillComesWhenTheOtherStreamsAreClosed) {
   EXPECT_THAT(outcome.output, StartsWith("[\n"));
 }
 
+// The library prints lines of a listing that it cannot read.
+TEST_F(OutputTest, IsTheToolsOwn) {
+  MakeAdb(
+      "case \"$*\" in\n  *stat*) printf '4096\\r\\n' ;;\n"
+      "  *'ls -l'*) printf 'total 1\\r\\n-rw-rw---- 1 root \\033[31mevil\\r\\n' ;;\nesac\n");
+  const auto outcome = Run({"-s", "A", "ls", "--files", "/sdcard"});
+  EXPECT_EQ(outcome.output, "");
+  EXPECT_THAT(outcome.errors, testing::Not(testing::HasSubstr("evil")));
+}
+
 }  // namespace
 }  // namespace darokleim::cli

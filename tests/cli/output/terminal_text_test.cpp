@@ -39,5 +39,14 @@ TEST(LengthOfCharacter, KnowsNoOverlongFormsAndSurrogates) {
   EXPECT_EQ(LengthOfCharacter("\xf0\x9f\x93\xb7"), 4u);
 }
 
+TEST(EscapeControls, ShowsWhatReordersText) {
+  EXPECT_EQ(EscapeControls("a\xe2\x80\xaegpj.exe"), "a\\xe2\\x80\\xaegpj.exe");
+  for (const char* control : {"\xd8\x9c", "\xe2\x80\x8e", "\xe2\x80\x8f", "\xe2\x80\xaa", "\xe2\x80\xae",
+                              "\xe2\x81\xa6", "\xe2\x81\xa9", "\xc2\x9b"}) {
+    EXPECT_EQ(EscapeControls(control).find(control), std::string::npos);
+  }
+  EXPECT_EQ(EscapeControls("\xe2\x80\x93\xe2\x81\xaa"), "\xe2\x80\x93\xe2\x81\xaa");
+}
+
 }  // namespace
 }  // namespace darokleim::cli

@@ -6,10 +6,12 @@
 #include <exception>
 #include <string_view>
 
+#include "tools/cli/cancel_on_signal.h"
 #include "tools/cli/command_line/unfinished_line.h"
 #include "tools/cli/commands/commands.h"
 #include "tools/cli/device/device_list.h"
 #include "tools/cli/device/library_block.h"
+#include "tools/cli/output/terminal_text.h"
 #include "tools/cli/tool.h"
 
 namespace darokleim::cli {
@@ -44,16 +46,20 @@ void AddOptions(const Command* command, Lines* lines) {
 void AddSerials(Tool& tool, Lines* lines) {
   constexpr int kRoom = 1 << 16;  // for thousands of devices
   std::vector<char> list(kRoom);
-  if (AdbGetDevices(list.data(), kRoom, tool.session().cancel()) != ADB_RESULT_OK) return;
+  tool.session();
+  if (AdbGetDevices(list.data(), kRoom, CancelFlag()) != ADB_RESULT_OK) return;
   for (const auto& device : ParseDeviceList(list.data())) {
-    lines->push_back(device.serial + "\t" + device.state);
+    // A name that the tool would refuse must not reach the shell.
+    if (IsSerial(device.serial)) lines->push_back(device.serial + "\t" + EscapeControls(device.state));
   }
 }
 
 void AddPackages(Tool& tool, Lines* lines) {
   constexpr std::string_view kPrefix = "package:";
   LibraryBlock list;
-  if (AdbGetPackagesNameList(tool.device().serial(), nullptr, list.text(), list.length()) != ADB_RESULT_OK) {
+  if (WithoutFlag([&] {
+        return AdbGetPackagesNameList(tool.device().serial(), nullptr, list.text(), list.length());
+      }) != ADB_RESULT_OK) {
     return;
   }
   auto text = list.Bytes();
@@ -62,7 +68,8 @@ void AddPackages(Tool& tool, Lines* lines) {
     text.remove_prefix(std::min(line.size() + 1, text.size()));
     if (line.substr(0, kPrefix.size()) != kPrefix) continue;
     const auto name = line.substr(kPrefix.size());
-    lines->push_back(std::string(name.substr(0, name.find_last_not_of('\r') + 1)));
+    const std::string package(name.substr(0, name.find_last_not_of('\r') + 1));
+    if (IsPackageName(package)) lines->push_back(package);
   }
 }
 

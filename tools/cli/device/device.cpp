@@ -37,13 +37,13 @@ std::string TheOnlyUsable(const Session& session) {
 
 void Device::Check(int code, const std::string& action) const {
   if (IsExitStatus(code) && !IsCancelled()) CheckState(action);
-  if (may_be_cancelled_) session_->CheckCancelled();
+  if (!is_cleaning_up_) session_->CheckCancelled(action);
   session_->CheckCode(code, action);
 }
 
 Device Device::ForCleaningUp() const {
   Device device = *this;
-  device.may_be_cancelled_ = false;
+  device.is_cleaning_up_ = true;
   return device;
 }
 

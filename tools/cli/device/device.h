@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "tools/cli/cancel_on_signal.h"
 #include "tools/cli/device/session.h"
 
 namespace darokleim::cli {
@@ -15,9 +16,9 @@ class Device {
 
   // For the library's calls.
   const char* serial() const { return serial_.c_str(); }
-  const bool* cancel() const { return may_be_cancelled_ ? session_->cancel() : nullptr; }
+  const bool* cancel() const { return is_cleaning_up_ ? CleanUpScope::flag() : CancelFlag(); }
 
-  // The same device for work that is also done after Ctrl-C.
+  // The same device for work that is also done after Ctrl-C, in a CleanUpScope.
   Device ForCleaningUp() const;
 
   // As Session::Check. The message says when the device is absent or not ready, even where the code does not.
@@ -28,7 +29,7 @@ class Device {
 
   const Session* session_;
   std::string serial_;
-  bool may_be_cancelled_ = true;
+  bool is_cleaning_up_ = false;
 };
 
 // The named one; without a name, that of ANDROID_SERIAL; without that, the only usable one. Throws ToolError, with the

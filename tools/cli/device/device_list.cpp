@@ -4,8 +4,10 @@
 
 #include <algorithm>
 
+#include "tools/cli/cancel_on_signal.h"
 #include "tools/cli/device/library_block.h"
 #include "tools/cli/output/table.h"
+#include "tools/cli/output/terminal_text.h"
 
 namespace darokleim::cli {
 
@@ -29,7 +31,7 @@ std::vector<AttachedDevice> ParseDeviceList(std::string_view list) {
 
 std::vector<AttachedDevice> ListDevices(const Session& session) {
   LibraryBlock list;
-  session.Check(AdbGetDevicesEx(list.text(), list.length(), session.cancel()), "list devices");
+  session.Check(AdbGetDevicesEx(list.text(), list.length(), CancelFlag()), "list devices");
   return ParseDeviceList(list.Text());
 }
 
@@ -49,7 +51,7 @@ std::string DeviceTable(const std::vector<AttachedDevice>& devices) {
   Table table;
   table.AddRow({"SERIAL", "STATE"});
   for (const auto& device : devices) {
-    table.AddRow({device.serial, device.state, AdviceForState(device.state)});
+    table.AddRow({EscapeControls(device.serial), EscapeControls(device.state), AdviceForState(device.state)});
   }
   return table.Text();
 }

@@ -4,6 +4,11 @@
 #include "tools/cli/errors.h"
 
 namespace darokleim::cli {
+namespace {
+
+constexpr std::size_t kLongestPath = 4095;  // bytes; PATH_MAX of Android's kernels without its final zero
+
+}  // namespace
 
 std::string WithSingleSlashes(std::string_view path) {
   std::string text;
@@ -20,6 +25,10 @@ DevicePath::DevicePath(std::string_view path) : text_(WithSingleSlashes(path)) {
   }
   names_a_folder_ = text_.back() == '/';
   while (text_.size() > 1 && text_.back() == '/') text_.pop_back();
+  if (text_.size() > kLongestPath) {
+    throw ToolError("a path of " + std::to_string(text_.size()) + " bytes is too long: devices allow " +
+                    std::to_string(kLongestPath) + ".");
+  }
   CheckCanBeCarried(text_);
 }
 

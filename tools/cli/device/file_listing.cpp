@@ -106,6 +106,17 @@ std::vector<ListedFile> ListFilesByService(const Device& device, const DevicePat
   }));
 }
 
+std::vector<std::string> NamesOfFiles(const Device& device, const DevicePath& folder) {
+  const std::string path = WithSlash(folder);
+  std::vector<std::string> names;
+  const auto listing = ReadListing(device, "list " + folder.text(), [&](char** json, int* length) {
+    const int code = AdbGetDirFiles(device.serial(), path.c_str(), json, length, 0, 1, device.cancel());
+    return code == ADB_CHANNEL_CANCELLED ? code : ADB_RESULT_OK;
+  });
+  for (const auto& file : FilesOf(listing)) names.push_back(file.path.substr(file.path.rfind('/') + 1));
+  return names;
+}
+
 std::optional<ListedFile> ListFile(const Device& device, const DevicePath& path) {
   for (const auto& file : ListFiles(device, path.Parent(), {false, true})) {
     if (file.path == path.text()) return file;

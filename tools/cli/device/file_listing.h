@@ -34,6 +34,10 @@ std::vector<ListedFile> ListFiles(const Device& device, const DevicePath& folder
 // As adb's own service lists them, everything below the folder: times to the second.
 std::vector<ListedFile> ListFilesByService(const Device& device, const DevicePath& folder);
 
+// The names of the files that are directly in the folder, hidden ones included; empty when it cannot be listed. An older
+// device that lists a single file is one that lists none.
+std::vector<std::string> NamesOfFiles(const Device& device, const DevicePath& folder);
+
 // The file, when the path names a regular file, from the listing of its folder.
 std::optional<ListedFile> ListFile(const Device& device, const DevicePath& path);
 

@@ -40,6 +40,7 @@ std::optional<std::string> ReasonForNoLog(const fs::path& directory) {
 std::string PrepareLogDirectory(const std::string& named) {
   std::error_code error;
   const fs::path directory = named.empty() ? StateDirectory() : fs::absolute(named, error);
+  if (error) throw ToolError("cannot find the folder " + named + ": " + error.message() + ".");
   if (const auto reason = ReasonForNoLog(directory)) {
     PrintError("no log is written: cannot write in " + directory.native() + ": " + *reason +
                ". Name another directory with --log-dir.");
@@ -51,28 +52,34 @@ std::string PrepareLogDirectory(const std::string& named) {
 
 Session::Session(const SessionOptions& options)
     : programs_(FindHostPrograms(options.adb.text, options.busybox.text)),
-      log_directory_(PrepareLogDirectory(options.log_directory.text)) {
+      log_directory_(PrepareLogDirectory(options.log_directory.text)),
+      timeout_(options.timeout) {
+  // Also for what takes no cancel flag and runs no adb.
+  if (timeout_ > 0) setenv("DAROKLEIM_CHANNEL_TIMEOUT", std::to_string(timeout_).c_str(), 1);
   const auto resources = MakeResourceDirectory(programs_);
   // Paths reach the device as they were given, and line breaks as the library reads them.
   setenv("DAROKLEIM_CHANNEL_ASSIST", "1", 0);
   Check(AdbSdkInit(resources.c_str(), kLogContext, log_directory_.c_str()), "start");
 }
 
-const bool* Session::cancel() const {
-  return CancelFlag();
-}
-
 void Session::Check(int code, const std::string& action) const {
-  CheckCancelled();
+  CheckCancelled(action);
   CheckCode(code, action);
 }
 
-void Session::CheckCancelled() const {
+void Session::CheckCancelled(const std::string& action) const {
+  if (HasTimedOut()) ThrowTimedOut(action);
   if (IsCancelled()) throw Cancelled();
+}
+
+void Session::ThrowTimedOut(const std::string& action) const {
+  throw ToolError("cannot " + action + ": not done within " + std::to_string(timeout_) +
+                  " s, the limit of --timeout.");
 }
 
 void Session::CheckCode(int code, const std::string& action) const {
   if (code == ADB_RESULT_OK) return;
+  if (code == ADB_CHANNEL_CANCELLED && timeout_ > 0) ThrowTimedOut(action);
   std::string message = "cannot " + action + ": " + DescribeResult(code);
   if (IsChannelStatus(code) || code == ADB_RESULT_FAILURE) {
     message += " (adb: " + programs_.adb + ", log: " + log_directory_ + ")";

@@ -15,6 +15,7 @@ struct SessionOptions {
   HostPath adb;
   HostPath busybox;
   HostDirectory log_directory;
+  int timeout = 0;  // seconds; 0 is none
 };
 
 class Session {
@@ -22,22 +23,22 @@ class Session {
   // Finds adb and starts the library. Throws ToolError. The library can be started once in a process.
   explicit Session(const SessionOptions& options);
 
-  // The flag for the library's calls.
-  const bool* cancel() const;
-
-  // After each call of the library: throws Cancelled after Ctrl-C, and ToolError unless the code is 0.
-  // action completes "cannot …", as "list devices".
+  // After each call of the library: throws Cancelled after Ctrl-C, and ToolError when the time is over or the code is
+  // not 0. action completes "cannot …", as "list devices".
   void Check(int code, const std::string& action) const;
 
   // Its two halves.
-  void CheckCancelled() const;
+  void CheckCancelled(const std::string& action) const;
   void CheckCode(int code, const std::string& action) const;
   // Whether there is a busybox for devices.
   bool has_busybox() const { return programs_.busybox.has_value(); }
 
  private:
+  [[noreturn]] void ThrowTimedOut(const std::string& action) const;
+
   HostPrograms programs_;
   std::string log_directory_;
+  int timeout_;
 };
 
 }  // namespace darokleim::cli

@@ -63,6 +63,13 @@ fs::path TemporaryUserDirectory() {
   return base / (std::string(kOwnName) + "-" + std::to_string(getuid()));
 }
 
+// FNV-1a.
+std::uint64_t StableHash(std::string_view text) {
+  std::uint64_t hash = 0xcbf29ce484222325;
+  for (const char byte : text) hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100000001b3;
+  return hash;
+}
+
 void MakePrivateDirectory(const fs::path& directory) {
   const auto fail = [&directory](const std::string& why) {
     throw ToolError("cannot use the directory " + directory.native() + ": " + why);

@@ -2,8 +2,10 @@
 #ifndef DAROKLEIM_TOOLS_CLI_HOST_HOST_DIRECTORIES_H
 #define DAROKLEIM_TOOLS_CLI_HOST_HOST_DIRECTORIES_H
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <string_view>
 
 namespace darokleim::cli {
 
@@ -20,6 +22,9 @@ std::optional<std::filesystem::path> CacheDirectory();
 
 // A directory of this user in the temporary directory.
 std::filesystem::path TemporaryUserDirectory();
+
+// Of a text, the same in every run, which std::hash does not promise.
+std::uint64_t StableHash(std::string_view text);
 
 // Creates the directory and its parents where they are missing. Throws ToolError unless it then belongs to this
 // user and nobody else can write in it.

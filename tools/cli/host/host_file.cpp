@@ -1,11 +1,15 @@
 #include "tools/cli/host/host_file.h"
 
 #include <errno.h>
+#include <fcntl.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -28,6 +32,40 @@ void RenameOnHost(const fs::path& from, const fs::path& to) {
   }
 }
 
+constexpr std::string_view kUnfinished = ".darokleim-";
+
+base::UniqueFd OpenFolder(const fs::path& path) {
+  return base::UniqueFd(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+}
+
+bool IsStill(const fs::path& path, const base::UniqueFd& folder) {
+  struct stat by_path {};
+  struct stat by_descriptor {};
+  if (!folder.valid()) return true;
+  return lstat(path.c_str(), &by_path) == 0 && fstat(folder.get(), &by_descriptor) == 0 &&
+         by_path.st_ino == by_descriptor.st_ino && by_path.st_dev == by_descriptor.st_dev;
+}
+
+// A run that was killed has left its folder, which is no longer locked.
+void RemoveLeftovers(const fs::path& parent) {
+  std::error_code error;
+  for (fs::directory_iterator entry(parent, error), end; !error && entry != end; entry.increment(error)) {
+    if (!entry->path().filename().native().starts_with(kUnfinished)) continue;
+    const auto folder = OpenFolder(entry->path());
+    struct stat facts {};
+    if (!folder.valid() || fstat(folder.get(), &facts) != 0 || facts.st_uid != geteuid()) continue;
+    if (flock(folder.get(), LOCK_EX | LOCK_NB) != 0) continue;
+    std::error_code ignored;
+    fs::remove_all(entry->path(), ignored);
+  }
+}
+
+// What was written survives a loss of power. A file system that cannot do that is no reason to fail.
+void Sync(const fs::path& path) {
+  const base::UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (file.valid()) fsync(file.get());
+}
+
 bool IsRealFolder(const fs::path& path) {
   std::error_code error;
   return fs::is_directory(fs::symlink_status(path, error));
@@ -42,6 +80,7 @@ void Merge(const fs::path& from, const fs::path& to) {
     if (IsRealFolder(entry->path()) && fs::exists(target)) {
       Merge(entry->path(), target);
     } else {
+      if (fs::exists(target)) Sync(entry->path());
       RenameOnHost(entry->path(), target);
     }
   }
@@ -90,11 +129,10 @@ fs::path AbsolutePath(const std::string& path) {
 
 UnfinishedOnHost::UnfinishedOnHost(fs::path final_path) : final_path_(std::move(final_path)) {
   CheckCanBeCarried(final_path_.native());
-  std::string name = (final_path_.parent_path() / ".darokleim-XXXXXX").native();
-  if (mkdtemp(name.data()) == nullptr) {
-    throw ToolError("cannot write in " + final_path_.parent_path().native() + ": " + SystemErrorText(errno));
-  }
-  folder_ = name;
+  RemoveLeftovers(final_path_.parent_path());
+  do {
+    MakeFolder();
+  } while (!IsStill(folder_, lock_));
   path_ = folder_ / "unfinished";
 }
 
@@ -103,12 +141,26 @@ UnfinishedOnHost::~UnfinishedOnHost() {
   fs::remove_all(folder_, error);
 }
 
+// Another run may remove the folder before it is locked.
+void UnfinishedOnHost::MakeFolder() {
+  std::string name = (final_path_.parent_path() / (std::string(kUnfinished) + "XXXXXX")).native();
+  if (mkdtemp(name.data()) == nullptr) {
+    throw ToolError("cannot write in " + final_path_.parent_path().native() + ": " + SystemErrorText(errno));
+  }
+  folder_ = name;
+  lock_ = OpenFolder(folder_);
+  // Where folders cannot be locked, no run removes what another one left.
+  if (lock_.valid()) flock(lock_.get(), LOCK_EX);
+}
+
 void UnfinishedOnHost::PutInPlace() {
   if (IsRealFolder(path_) && fs::exists(final_path_)) {
     Merge(path_, final_path_);
   } else {
+    Sync(path_);
     RenameOnHost(path_, final_path_);
   }
+  Sync(final_path_.parent_path());
 }
 
 }  // namespace darokleim::cli

@@ -19,18 +19,11 @@ namespace fs = std::filesystem;
 
 constexpr char kNoBusybox[] = "/dev/null";
 
-// FNV-1a: the name must be the same in every run, which std::hash does not promise.
-std::uint64_t Hash(std::string_view text) {
-  std::uint64_t hash = 0xcbf29ce484222325;
-  for (const char byte : text) hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100000001b3;
-  return hash;
-}
-
 std::string DirectoryName(const fs::path& adb, const fs::path& busybox) {
   std::string both = adb.native();
   both.append(1, '\0').append(busybox.native());
   char name[32];
-  std::snprintf(name, sizeof name, "resources-%016llx", static_cast<unsigned long long>(Hash(both)));
+  std::snprintf(name, sizeof name, "resources-%016llx", static_cast<unsigned long long>(StableHash(both)));
   return name;
 }
 

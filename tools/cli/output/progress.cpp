@@ -1,7 +1,5 @@
 #include "tools/cli/output/progress.h"
 
-#include <pthread.h>
-#include <signal.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -9,6 +7,7 @@
 #include <chrono>
 #include <utility>
 
+#include "tools/cli/host/quiet_thread.h"
 #include "tools/cli/output/human_text.h"
 #include "tools/cli/output/terminal_text.h"
 
@@ -33,17 +32,6 @@ std::size_t TerminalWidth() {
 // A progress line that cannot be written is no error.
 void WriteToTerminal(const std::string& text) {
   [[maybe_unused]] const ssize_t ignored = write(STDERR_FILENO, text.data(), text.size());
-}
-
-// Ctrl-C must interrupt the thread that works.
-std::thread StartWithoutSignals(std::function<void()> work) {
-  sigset_t all;
-  sigset_t before;
-  sigfillset(&all);
-  pthread_sigmask(SIG_SETMASK, &all, &before);
-  std::thread thread(std::move(work));
-  pthread_sigmask(SIG_SETMASK, &before, nullptr);
-  return thread;
 }
 
 }  // namespace

@@ -27,7 +27,10 @@ int TakeStandardOutput() {
   // A reader that has gone away is seen by the failed write.
   signal(SIGPIPE, SIG_IGN);
   const int standard_output = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-  dup2(STDERR_FILENO, STDOUT_FILENO);
+  // Texts of the device, raw, which nobody asked for.
+  const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+  dup2(nowhere < 0 ? STDERR_FILENO : nowhere, STDOUT_FILENO);
+  if (nowhere >= 0) close(nowhere);
   return standard_output;
 }
 

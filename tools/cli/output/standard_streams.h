@@ -6,7 +6,7 @@
 namespace darokleim::cli {
 
 // Prepares descriptors 0 to 2, before anything else is opened: those that are closed are taken, so that no file
-// of the library lands on them, and what the library itself prints goes to standard error.
+// of the library lands on them, and what the library itself prints goes to the null device.
 // Returns a descriptor of the standard output that the tool was started with.
 int TakeStandardOutput();
 

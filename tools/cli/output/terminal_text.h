@@ -8,7 +8,7 @@
 
 namespace darokleim::cli {
 
-// The text with every control character and every byte that is not UTF-8 written as \n, \t, \x1b …, so that no name
+// The text with every control character, those that reorder text included, and every byte that is not UTF-8 written as \n, \t, \x1b …, so that no name
 // moves the cursor or changes colours. `keep` are control characters that stay.
 std::string EscapeControls(std::string_view text, std::string_view keep = "");
 

@@ -2,6 +2,7 @@
 #include <signal.h>
 
 #include <chrono>
+#include <filesystem>
 #include <thread>
 
 #include "tests/cli/phone_tool_test.h"
@@ -46,15 +47,14 @@ TEST_P(PhoneBackupTest, BringsTheDataBack) {
 }
 
 TEST_P(PhoneBackupTest, SaysWhenNothingWasSaved) {
-  const auto outcome = Run({"-q", "backup", "com.example.none", "none.ab"});
-  EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(outcome.output, "");
-  EXPECT_THAT(outcome.errors, HasSubstr("nothing was saved of com.example.none"));
+  auto tool = StartWaitingBackup();
+  Succeed({"backup-stop"});
+  EXPECT_THAT(tool->Finish().errors, HasSubstr("nothing was saved of com.example.notes"));
+  EXPECT_FALSE(std::filesystem::exists(File("work/notes.ab")));
 }
 
 TEST_P(PhoneBackupTest, NamesAFileThatCannotBeWrittenOrRead) {
-  EXPECT_THAT(Fail({"-q", "backup", kNotes, "missing/notes.ab"}),
-              HasSubstr("cannot back up com.example.notes"));
+  EXPECT_THAT(Fail({"-q", "backup", kNotes, "missing/notes.ab"}), HasSubstr("cannot write in "));
   EXPECT_THAT(Fail({"-q", "restore", "none.ab"}),
               HasSubstr("cannot restore none.ab: No such file or directory."));
 }
@@ -76,6 +76,34 @@ TEST_P(PhoneBackupTest, EndsWhenTheQuestionIsClosedElsewhere) {
   const auto outcome = tool->Finish();
   EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(outcome.errors, HasSubstr("nothing was saved of com.example.notes"));
+}
+
+TEST_P(PhoneBackupTest, ThatFailsKeepsTheOlderFile) {
+  test::WriteFile(File("work/notes.ab"), "older");
+  EXPECT_THAT(Fail({"-q", "backup", "com.example.notez", "notes.ab"}),
+              HasSubstr("com.example.notez is not installed."));
+  EXPECT_EQ(Run({"-q", "-s", "ABSENT", "backup", kNotes, "notes.ab"}).status, 1);
+  EXPECT_EQ(test::ReadFile(File("work/notes.ab")), "older");
+  EXPECT_THAT(Fail({"-q", "backup", "com.example.notez", "new.ab"}), HasSubstr("is not installed."));
+  EXPECT_FALSE(std::filesystem::exists(File("work/new.ab")));
+}
+
+TEST_P(PhoneBackupTest, ThatIsCancelledKeepsTheOlderFile) {
+  test::WriteFile(File("work/notes.ab"), "older");
+  auto tool = StartWaitingBackup();
+  tool->Signal(SIGINT);
+  EXPECT_EQ(tool->Finish().status, 130);
+  EXPECT_EQ(test::ReadFile(File("work/notes.ab")), "older");
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(File("work")), {}), 1);
+}
+
+TEST_P(PhoneBackupTest, AFileThatIsNotABackupIsNotSent) {
+  test::WriteFile(File("work/random.ab"), "ANDROID BACKUQ\n5\n1\nnone\n");
+  EXPECT_THAT(Fail({"-q", "restore", "random.ab"}),
+              HasSubstr("cannot restore random.ab: it is not an Android backup."));
+  test::WriteFile(File("work/empty.ab"), "");
+  EXPECT_THAT(Fail({"-q", "restore", "empty.ab"}), HasSubstr("it is not an Android backup."));
+  EXPECT_EQ(Activities(), "");
 }
 
 INSTANTIATE_FOR_BOTH_PHONES(PhoneBackupTest);

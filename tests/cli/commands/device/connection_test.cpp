@@ -81,6 +81,10 @@ TEST_P(PhoneConnectionTest, BusyboxMustBeThere) {
   EXPECT_EQ(Shell("ls /data/local/tmp"), "");
 }
 
+TEST_P(PhoneConnectionTest, AuthorizeAsksNothingOfAReadyPhone) {
+  EXPECT_EQ(Succeed({"-s", "TEST0001", "authorize"}), "TEST0001 is ready.\n");
+}
+
 INSTANTIATE_FOR_BOTH_PHONES(PhoneConnectionTest);
 
 }  // namespace

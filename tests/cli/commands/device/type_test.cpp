@@ -39,7 +39,8 @@ TEST_P(PhoneTypeTest, TypesEveryCharacterThatAPhoneCan) {
 }
 
 TEST_P(PhoneTypeTest, RefusesWhatAPhoneCannotType) {
-  EXPECT_THAT(Fail({"type", "gr\xc3\xbc\xc3\x9f"}), HasSubstr("only be made to type printable ASCII characters"));
+  EXPECT_THAT(Fail({"type", "gr\xc3\xbc\xc3\x9f"}),
+              HasSubstr("only be made to type printable ASCII characters"));
   EXPECT_THAT(Fail({"type", "two\nlines"}), HasSubstr("only be made to type printable ASCII characters"));
   EXPECT_THAT(Fail({"type", ""}), HasSubstr("cannot type an empty text"));
   EXPECT_EQ(Run({"type"}).status, 2);

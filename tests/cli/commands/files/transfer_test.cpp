@@ -215,6 +215,31 @@ TEST_P(PhoneTransferTest, AScreenshotIsAPicture) {
   EXPECT_THAT(Fail({"screenshot", "none/a.png"}), HasSubstr("no such folder"));
 }
 
+TEST_P(PhoneTransferTest, AKilledPullLeavesNothingAfterTheNext) {
+  Shell("truncate -s 1G /sdcard/big");
+  PutOnPhone("/sdcard/small", "x");
+  const auto tool = Start({"pull", "/sdcard/big"});
+  WaitFor([this] { return NamesIn(File("work")).size() == 1; });
+  tool->Signal(SIGKILL);
+  tool->Finish();
+  EXPECT_EQ(NamesIn(File("work")).size(), 1u);
+  Succeed({"pull", "/sdcard/small"});
+  EXPECT_THAT(NamesIn(File("work")), testing::ElementsAre("small"));
+}
+
+TEST_P(PhoneTransferTest, AKilledPushLeavesNothingAfterTheNext) {
+  PutOnPhone("/sdcard/other", "x");
+  test::WriteFile(Work("small"), "x");
+  test::WriteFile(Work("big"), "");
+  fs::resize_file(Work("big"), 1ull << 30);
+  const auto tool = Start({"push", "big", "/sdcard"});
+  WaitFor([this] { return Shell("ls -a /sdcard/").find("unfinished") != std::string::npos; });
+  tool->Signal(SIGKILL);
+  tool->Finish();
+  Succeed({"push", "small", "/sdcard"});
+  EXPECT_EQ(Shell("ls -a /sdcard/ | grep unfinished"), "");
+}
+
 INSTANTIATE_FOR_BOTH_PHONES(PhoneTransferTest);
 
 }  // namespace

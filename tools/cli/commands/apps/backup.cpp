@@ -1,19 +1,29 @@
 // darokleim backup, restore, backup-stop
 #include <darokleim.h>
-#include <sys/stat.h>
+#include <errno.h>
+#include <fcntl.h>
+#include <unistd.h>
 
-#include <cerrno>
+#include <cstdint>
+#include <filesystem>
 #include <string>
+#include <string_view>
+#include <system_error>
 
+#include "base/unique_fd.h"
 #include "tools/cli/cancel_on_signal.h"
 #include "tools/cli/command_line/command.h"
+#include "tools/cli/commands/apps/package.h"
 #include "tools/cli/commands/commands.h"
 #include "tools/cli/errors.h"
+#include "tools/cli/host/host_file.h"
 #include "tools/cli/output/human_text.h"
 #include "tools/cli/tool.h"
 
 namespace darokleim::cli {
 namespace {
+
+namespace fs = std::filesystem;
 
 constexpr char kBackupFooter[] =
     R"(The phone asks its user first: unlock it and confirm. Ctrl-C, or `darokleim backup-stop` elsewhere, closes the
@@ -37,12 +47,13 @@ Examples:
 
 // A backup without any file of an application: its header and an archive of nothing but folders, compressed. What is
 // written of each application besides its files is longer.
-constexpr off_t kLargestEmptyBackup = 200;
+constexpr std::uint64_t kLargestEmptyBackup = 200;
 
 // After Ctrl-C the question would stay on the phone. A second Ctrl-C ends the tool without this.
 void CloseQuestionIfCancelled(const Device& device) {
-  // Without a flag, which is set already; the result no longer matters.
-  if (IsCancelled()) AdbStopDeviceBackupRestoreProcess(device.serial(), nullptr);
+  if (!IsCancelled()) return;
+  const CleanUpScope limit;
+  AdbStopDeviceBackupRestoreProcess(device.serial(), CleanUpScope::flag());
 }
 
 struct BackupOptions {
@@ -55,25 +66,33 @@ void DescribeBackup(Command& command, BackupOptions& options) {
   command.Positional("FILE", options.file, "File to write on this computer").Required();
 }
 
-// 0 for a file that does not exist.
-off_t SizeOf(const std::string& file) {
-  struct stat status {};
-  return stat(file.c_str(), &status) == 0 ? status.st_size : 0;
+void CheckCanBeReplaced(const fs::path& file) {
+  std::error_code error;
+  const auto there = fs::status(file, error);
+  if (fs::exists(there) && !fs::is_regular_file(there)) {
+    throw ToolError("cannot write the backup to " + file.native() + ": it is not a regular file.");
+  }
 }
 
+// The device and the package are checked before the file is touched, and the file appears when it is complete.
 void RunBackup(Tool& tool, const BackupOptions& options) {
+  const std::string& package = options.package.name;
+  const fs::path target = AbsolutePath(options.file.text);
+  CheckCanBeReplaced(target);
   const auto& device = tool.device();
-  const auto& [package, file] = options;
+  RequireInstalled(device, package);
+  UnfinishedOnHost file(target);
   tool.Report("Confirm the backup on the phone's screen.");
-  const int code = AdbBackupApp(device.serial(), package.name.c_str(), file.text.c_str(), device.cancel());
+  const int code = AdbBackupApp(device.serial(), package.c_str(), file.path().c_str(), device.cancel());
   CloseQuestionIfCancelled(device);
-  device.Check(code, "back up " + package.name);
-  const off_t size = SizeOf(file.text);
+  device.Check(code, "back up " + package);
+  const auto size = SizeOnHost(file.path());
   if (size <= kLargestEmptyBackup) {
-    throw ToolError("nothing was saved of " + package.name +
+    throw ToolError("nothing was saved of " + package +
                     ": it was refused on the phone, or the application forbids backups.");
   }
-  tool.Report("Saved " + SizeText(static_cast<std::uint64_t>(size)) + " in " + file.text + ".");
+  file.PutInPlace();
+  tool.Report("Saved " + SizeText(size) + " in " + options.file.text + ".");
 }
 
 struct RestoreOptions {
@@ -84,19 +103,24 @@ void DescribeRestore(Command& command, RestoreOptions& options) {
   command.Positional("FILE", options.file, "Backup file of `darokleim backup` on this computer").Required();
 }
 
-void CheckReadable(const std::string& file) {
-  struct stat status {};
-  if (stat(file.c_str(), &status) != 0) {
-    throw ToolError("cannot restore " + file + ": " + SystemErrorText(errno) + ".");
-  }
+// adb sends any file, and the phone does not say that it could not read it.
+void CheckIsBackup(const std::string& path) {
+  constexpr std::string_view kBegin = "ANDROID BACKUP\n";
+  const std::string action = "cannot restore " + path + ": ";
+  std::string begin(kBegin.size(), '\0');
+  const base::UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!file.valid()) throw ToolError(action + SystemErrorText(errno) + ".");
+  const ssize_t size = read(file.get(), begin.data(), begin.size());
+  if (size < 0) throw ToolError(action + SystemErrorText(errno) + ".");
+  if (begin != kBegin) throw ToolError(action + "it is not an Android backup.");
 }
 
 void RunRestore(Tool& tool, const RestoreOptions& options) {
   const std::string& file = options.file.text;
-  CheckReadable(file);
+  CheckIsBackup(file);
   const auto& device = tool.device();
   tool.Report("Confirm the restore on the phone's screen.");
-  const int code = AdbRestoreApp(device.serial(), file.c_str(), device.cancel());
+  const int code = AdbRestoreApp(device.serial(), AbsolutePath(file).c_str(), device.cancel());
   CloseQuestionIfCancelled(device);
   device.Check(code, "restore " + file);
   tool.Report("The phone has received " + file + ".");

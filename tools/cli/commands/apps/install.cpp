@@ -3,10 +3,13 @@
 
 #include <string>
 
+#include "tools/cli/cancel_on_signal.h"
 #include "tools/cli/command_line/command.h"
 #include "tools/cli/commands/apps/app_commands.h"
 #include "tools/cli/commands/apps/package.h"
 #include "tools/cli/device/argument_text.h"
+#include "tools/cli/device/file_changes.h"
+#include "tools/cli/host/host_file.h"
 #include "tools/cli/tool.h"
 
 namespace darokleim::cli {
@@ -34,7 +37,11 @@ void Run(Tool& tool, const Options& options) {
   const std::string staged = "/data/local/tmp/" + FileName(file);
   CheckLength(" -s " + std::string(device.serial()) + " shell pm install -r '\"" + staged + "\"'", 255,
               "the file's name");
-  device.Check(AdbInstallAppFromPCPath(device.serial(), file.c_str(), device.cancel()), "install " + file);
+  StagedFile copy(device, staged);
+  const int code = AdbInstallAppFromPCPath(device.serial(), AbsolutePath(file).c_str(), device.cancel());
+  // The library deletes the copy itself unless it is cancelled.
+  if (!IsCancelled()) copy.SetGone();
+  device.Check(code, "install " + file);
   tool.Report("Installed " + FileName(file) + ".");
 }
 

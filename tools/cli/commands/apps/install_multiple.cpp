@@ -10,6 +10,7 @@
 #include "tools/cli/commands/apps/package.h"
 #include "tools/cli/device/argument_text.h"
 #include "tools/cli/errors.h"
+#include "tools/cli/host/host_file.h"
 #include "tools/cli/output/human_text.h"
 #include "tools/cli/output/json.h"
 #include "tools/cli/tool.h"
@@ -34,7 +35,7 @@ void Describe(Command& command, Options& options) {
 // Paths are bytes: what is not UTF-8 must not be replaced.
 std::string AsJson(const std::vector<HostPath>& files) {
   Json::Value document(Json::objectValue);
-  for (const auto& file : files) document["files"].append(file.text);
+  for (const auto& file : files) document["files"].append(AbsolutePath(file.text).native());
   return JsonArgument(document);
 }
 

@@ -20,8 +20,8 @@ constexpr char kFooter[] = R"(Examples:
   darokleim app path com.example.notes --base    the first of them only
   darokleim app path com.example.notes --json    {"package": "com.example.notes", "paths": ["/data/app/…"]})";
 
-// The library does not look at the size of the buffer; no path is this long.
-constexpr int kRoom = 1 << 20;
+// The most that the library writes, whatever size it is told.
+constexpr int kRoom = 4096;
 
 struct Options {
   Package package;

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/cli/cancel_on_signal.h"
 #include "tools/cli/command_line/command.h"
 #include "tools/cli/commands/apps/app_commands.h"
 #include "tools/cli/device/argument_text.h"
@@ -14,7 +15,7 @@ namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] =
-    R"(The words after -- are passed to the phone's `am start` one by one. Cannot be cancelled.
+    R"(The words after -- are passed to the phone's `am start` one by one.
 
 Examples:
   darokleim app start com.example.notes/.MainActivity
@@ -54,7 +55,9 @@ void Run(Tool& tool, const Options& options) {
   const std::string component = ForBarePlace(options.component.text);
   CheckLength("-s " + std::string(device.serial()) + " shell am start -n " + component + " " + extras, 511,
               "the list of options");
-  const int code = AdbStartApp(device.serial(), component.c_str(), extras.empty() ? nullptr : extras.c_str());
+  const int code = WithoutFlag([&] {
+    return AdbStartApp(device.serial(), component.c_str(), extras.empty() ? nullptr : extras.c_str());
+  });
   if (code == ADB_RESULT_PROTOCOL_FAULT) {
     throw ToolError("the phone cannot start " + options.component.text +
                     ": no such activity, or it may not be started from outside.");

@@ -21,8 +21,8 @@ Examples:
   darokleim app version com.example.notes           1.2.3
   darokleim app version com.example.notes --json    {"package": "com.example.notes", "version": "1.2.3"})";
 
-// The library does not look at the size of the buffer; a line of a phone's answer is never this long.
-constexpr int kRoom = 1 << 20;
+// The most that the library writes, whatever size it is told.
+constexpr int kRoom = 4096;
 
 struct Options {
   Package package;
@@ -48,7 +48,7 @@ std::string ReadVersion(const Device& device, const std::string& package) {
 void Run(Tool& tool, const Options& options) {
   const std::string version = ReadVersion(tool.device(), options.package.name);
   if (!options.json) {
-    tool.output().Write(version + "\n");
+    tool.output().Write(tool.output().Shown(version) + "\n");
     return;
   }
   Json::Value answer(Json::objectValue);

@@ -21,7 +21,7 @@ Examples:
 void Run(Tool& tool) {
   const auto& device = tool.device();
   const int code = AdbConfigDeviceBusybox(device.serial(), device.cancel());
-  tool.session().CheckCancelled();
+  tool.session().CheckCancelled("install busybox");
   if (code != ADB_RESULT_OK && !tool.session().has_busybox()) {
     throw ToolError(
         "cannot install busybox: none was found. Name one that runs on the device with --busybox PATH.");

@@ -8,6 +8,7 @@
 #include <thread>
 #include <vector>
 
+#include "tools/cli/cancel_on_signal.h"
 #include "tools/cli/command_line/command.h"
 #include "tools/cli/commands/commands.h"
 #include "tools/cli/device/device_list.h"
@@ -27,7 +28,7 @@ Examples:
 
 constexpr char kReconnectFooter[] =
     R"(For a device that does not respond. adb itself picks the device, or refuses when several are attached; `darokleim
-authorize` does the same to a named one. Some versions of adb do not report that there is none. Cannot be cancelled.
+authorize` does the same to a named one. Some versions of adb do not report that there is none.
 
 Examples:
   darokleim reconnect)";
@@ -93,6 +94,10 @@ void WaitUntilReady(const Session& session, const std::string& serial, int secon
 
 void RunAuthorize(Tool& tool, const Options& options) {
   const Device device = ChooseUnauthorized(tool);
+  if (StateOf(tool.session(), device.serial()) == "device") {
+    tool.Report(std::string(device.serial()) + " is ready.");
+    return;
+  }
   const int code = AdbAuthenticateShow(device.serial(), device.cancel());
   // 1 means that the request was made.
   device.Check(code == ADB_RESULT_PROTOCOL_FAULT ? ADB_RESULT_OK : code, "make the device ask its user");
@@ -104,7 +109,7 @@ void RunAuthorize(Tool& tool, const Options& options) {
 
 void RunReconnect(Tool& tool) {
   const auto& session = tool.session();
-  session.Check(AdbReconnectDevice(), "reconnect");
+  session.Check(WithoutFlag([&] { return AdbReconnectDevice(); }), "reconnect");
   tool.Report("adb was asked to reconnect. See `darokleim devices`.");
 }
 

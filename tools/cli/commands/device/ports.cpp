@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "tools/cli/cancel_on_signal.h"
 #include "tools/cli/command_line/command.h"
 #include "tools/cli/commands/commands.h"
 #include "tools/cli/tool.h"
@@ -50,9 +51,11 @@ void DescribeReverse(Command& command, Mapping& mapping) {
 
 void AddForward(Tool& tool, const Mapping& mapping) {
   const auto& device = tool.device();
-  device.Check(
-      AdbFowardBind(device.serial(), mapping.host_port.text.c_str(), mapping.device_port.text.c_str()),
-      "map port " + mapping.host_port.text + " of this computer; it may be in use");
+  device.Check(WithoutFlag([&] {
+                 return AdbFowardBind(device.serial(), mapping.host_port.text.c_str(),
+                                      mapping.device_port.text.c_str());
+               }),
+               "map port " + mapping.host_port.text + " of this computer; it may be in use");
   tool.Report("Port " + mapping.host_port.text + " of this computer is port " + mapping.device_port.text +
               " of the device.");
 }
@@ -60,16 +63,18 @@ void AddForward(Tool& tool, const Mapping& mapping) {
 void RemoveForward(Tool& tool, const Mapping& mapping) {
   const auto& device = tool.device();
   device.Check(
-      AdbFowardRemove(device.serial(), mapping.host_port.text.c_str()),
+      WithoutFlag([&] { return AdbFowardRemove(device.serial(), mapping.host_port.text.c_str()); }),
       "remove the mapping of port " + mapping.host_port.text + " of this computer; there may not be one");
   tool.Report("Port " + mapping.host_port.text + " of this computer is free.");
 }
 
 void AddReverse(Tool& tool, const Mapping& mapping) {
   const auto& device = tool.device();
-  device.Check(
-      AdbReverseBind(device.serial(), mapping.device_port.text.c_str(), mapping.host_port.text.c_str()),
-      "map port " + mapping.device_port.text + " of the device; it may be in use");
+  device.Check(WithoutFlag([&] {
+                 return AdbReverseBind(device.serial(), mapping.device_port.text.c_str(),
+                                       mapping.host_port.text.c_str());
+               }),
+               "map port " + mapping.device_port.text + " of the device; it may be in use");
   tool.Report("Port " + mapping.device_port.text + " of the device is port " + mapping.host_port.text +
               " of this computer.");
 }
@@ -77,7 +82,7 @@ void AddReverse(Tool& tool, const Mapping& mapping) {
 void RemoveReverse(Tool& tool, const Mapping& mapping) {
   const auto& device = tool.device();
   device.Check(
-      AdbReverseRemove(device.serial(), mapping.device_port.text.c_str()),
+      WithoutFlag([&] { return AdbReverseRemove(device.serial(), mapping.device_port.text.c_str()); }),
       "remove the mapping of port " + mapping.device_port.text + " of the device; there may not be one");
   tool.Report("Port " + mapping.device_port.text + " of the device is free.");
 }

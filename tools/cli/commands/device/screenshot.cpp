@@ -70,25 +70,6 @@ fs::path TargetOnHost(const std::string& named) {
   return path;
 }
 
-// After a failure the library leaves its picture on the device.
-class StagedPicture {
- public:
-  StagedPicture(const Device& device, const std::string& name)
-      : device_(device), path_(std::string(kStagingFolder) + "/" + name) {}
-  ~StagedPicture() {
-    if (!arrived_) AdbRemoveFile(device_.serial(), path_.c_str(), nullptr);
-  }
-  StagedPicture(const StagedPicture&) = delete;
-  StagedPicture& operator=(const StagedPicture&) = delete;
-
-  void SetArrived() { arrived_ = true; }
-
- private:
-  const Device& device_;
-  std::string path_;
-  bool arrived_ = false;
-};
-
 [[noreturn]] void ThrowNoPicture() {
   throw ToolError(
       "cannot take a screenshot: the device returned no picture. Its screen may be protected or off.");
@@ -99,9 +80,9 @@ Picture TakeToHost(const Device& device, const std::string& named) {
   UnfinishedOnHost file(target);
   // A name of this process's own: two tools at once must not use the same picture on the device.
   const fs::path unfinished = file.path().native() + "-" + std::to_string(getpid()) + ".png";
-  StagedPicture picture(device, unfinished.filename().native());
+  StagedFile picture(device, std::string(kStagingFolder) + "/" + unfinished.filename().native());
   device.Check(AdbScreencapToPC(device.serial(), unfinished.c_str(), device.cancel()), "take a screenshot");
-  picture.SetArrived();
+  picture.SetGone();
   const auto size = SizeOnHost(unfinished);
   if (size == 0) ThrowNoPicture();
   fs::rename(unfinished, file.path());

@@ -102,7 +102,7 @@ std::string FreeText(const Volume& volume) {
 
 std::string ToText(const Output& output, const Storage& storage) {
   Table table;
-  table.AddRow({"shared storage", storage.shared.empty() ? "none found" : storage.shared});
+  table.AddRow({"shared storage", storage.shared.empty() ? "none found" : output.Shown(storage.shared)});
   table.AddRow({"memory card", storage.card.empty() ? "unknown" : output.Shown(storage.card)});
   for (const auto& volume : storage.volumes) {
     table.AddRow({"volume", output.Shown(volume.path), FreeText(volume)});

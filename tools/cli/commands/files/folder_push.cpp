@@ -77,6 +77,7 @@ class FolderPush {
 
   // The file that was being written has its final name.
   void CleanUp() const try {
+    const CleanUpScope limit;
     const Device device = device_.ForCleaningUp();
     if (!EntryExists(device, target_)) return;
     const auto now = FilesOnDevice(device, target_);

@@ -20,7 +20,7 @@ void ReportTransfer(Tool& tool, const Transfer& transfer) {
               "/s";
     }
   }
-  tool.Report(line);
+  tool.ReportAsIs(line);
 }
 
 Json::Value TransfersJson(const std::vector<Transfer>& transfers) {

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "tools/cli/cancel_on_signal.h"
 #include "tools/cli/command_line/command.h"
 #include "tools/cli/commands/commands.h"
 #include "tools/cli/errors.h"
@@ -75,23 +76,25 @@ void CheckStarted(Tool& tool, int code) {
 
 void Start(Tool& tool, const KillOptions& options) {
   if (!options.force) {
-    CheckStarted(tool, AdbStartDaemon(false, tool.session().cancel()));
+    tool.session();
+    CheckStarted(tool, AdbStartDaemon(false, CancelFlag()));
     return;
   }
   CheckForce(options, "start");
-  CheckStarted(tool, AdbStartDaemonEx(true, tool.session().cancel()));
+  tool.session();
+  CheckStarted(tool, AdbStartDaemonEx(true, CancelFlag()));
 }
 
 void Restart(Tool& tool, const KillOptions& options) {
   CheckForce(options, "restart");
   tool.session();  // finds adb before anything is killed
-  CheckStarted(tool, AdbRestartDaemon());
+  CheckStarted(tool, WithoutFlag([&] { return AdbRestartDaemon(); }));
 }
 
 void Kill(Tool& tool, const KillOptions& options) {
   CheckForce(options, "kill");
   const auto& session = tool.session();
-  AdbKillDaemon(session.cancel());
+  AdbKillDaemon(CancelFlag());
   session.Check(ADB_RESULT_OK, "end the adb server");
   tool.Report("The adb server has ended.");
 }
