@@ -134,7 +134,7 @@ TEST_F(CancelTest, ATimeLimitEndsAdbAndTheTool) {
 TEST_F(CancelTest, ATimeLimitEndsAListingWithoutEnd) {
   MakeAdb(R"(case "$*" in
   *" ls "*) printf '000041ed 00001000 5e0c0000 deeper\n' ;;
-  *stat*) printf '4096\r\n' ;;
+  *stat*) printf '  Size: 4096\t Blocks: 8\r\n' ;;
 esac)");
   const auto outcome = Run({"-s", "A", "--timeout", "2", "tree", "/sdcard"});
   EXPECT_EQ(outcome.status, 1);
