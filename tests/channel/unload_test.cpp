@@ -6,6 +6,8 @@
 #include <sstream>
 
 #include "tests/channel/channel_run.h"
+#include "tests/channel/direct/phone_server.h"
+#include "tests/support/eventually.h"
 
 namespace darokleim::channel {
 namespace {
@@ -128,6 +130,55 @@ TEST_F(UnloadTest, HappensWhenTheHostExits) {
   });
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 5) << status;
   EXPECT_TRUE(EndsWithin(PidIn(file), milliseconds(5000)));
+}
+
+TEST_F(UnloadTest, ClosesTheConnectionsThatAreKept) {
+  const std::string list = "DONE" + std::string(72, '\0');
+  const PhoneServer server("ls_v2", [&](const std::string&, int connection) {
+    WriteBytes(connection, "OKAY");
+    ReadBytes(connection, 10);
+    WriteBytes(connection, list);
+    WaitUntilClosed(connection);
+  });
+  setenv("DAROKLEIM_CHANNEL", "direct", 1);
+  {
+    LoadedChannel channel;
+    channel.Get<decltype(InitAdbCommuncation2Server)>("InitAdbCommuncation2Server")("/none", nullptr,
+                                                                                    nullptr);
+    char* out = nullptr;
+    int length = 0;
+    EXPECT_EQ(channel.Get<decltype(ExecuteAdbCommandSynchronization)>("ExecuteAdbCommandSynchronization")(
+                  " -s X ls /a", nullptr, &out, &length),
+              0);
+    channel.Get<decltype(ReleaseAdbOutBuffer)>("ReleaseAdbOutBuffer")(out);
+    EXPECT_EQ(server.open_connections(), 1);
+    const Clock::time_point start = Clock::now();
+    channel.Unload();
+    EXPECT_LT(Since(start), milliseconds(1500)) << "the thread that closes them ends at once";
+  }
+  EXPECT_TRUE(test::Eventually([&] { return server.open_connections() == 0; }));
+  unsetenv("DAROKLEIM_CHANNEL");
+  unsetenv("ANDROID_ADB_SERVER_PORT");
+}
+
+TEST_F(UnloadTest, StopsDirectStreams) {
+  const PhoneServer server("", [](const std::string&, int connection) {
+    WriteBytes(connection, "OKAY");
+    WaitUntilClosed(connection);
+  });
+  setenv("DAROKLEIM_CHANNEL", "direct", 1);
+  std::atomic<int> last = 0;
+  LoadedChannel channel;
+  ASSERT_EQ(Start(&channel, " -s X logcat", &last,
+                  [](void* context, const char* data, int length) {
+                    if (data == nullptr) *static_cast<std::atomic<int>*>(context) = length;
+                  }),
+            0);
+  EXPECT_TRUE(test::Eventually([&] { return !server.services().empty(); }));
+  channel.Unload();
+  EXPECT_EQ(last, 3003);
+  unsetenv("DAROKLEIM_CHANNEL");
+  unsetenv("ANDROID_ADB_SERVER_PORT");
 }
 
 TEST_F(UnloadTest, HappensWhenAReceiverEndsTheHost) {
