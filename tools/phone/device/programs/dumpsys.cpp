@@ -47,8 +47,9 @@ void DumpPackage(const Package& package) {
               package.installed ? "true" : "false");
 }
 
+// `only`: a package, or a section of the dump.
 int DumpPackages(const std::string& only) {
-  if (!only.empty()) {
+  if (!only.empty() && only != "p" && only != "packages") {
     const auto package = PackageStore().Find(only);
     if (!package || !package->installed) {
       std::printf("Dexopt state:\n  Unable to find package: %s\n", only.c_str());

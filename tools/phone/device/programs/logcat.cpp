@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -29,6 +30,7 @@ struct LogcatOptions {
   bool clear = false;
   bool follow = true;
   bool size = false;
+  bool binary = false;
   size_t last = 0;  // 0: all
   std::string format;
   std::map<std::string, char> least;  // the lowest priority shown of a tag
@@ -69,6 +71,8 @@ LogcatOptions ParseWords(const Words& words) {
       options.clear = true;
     } else if (option == "-d") {
       options.follow = false;
+    } else if (option == "-B") {
+      options.binary = true;
     } else if (option == "-g") {
       options.size = true;
     } else if (option == "-s") {
@@ -166,14 +170,35 @@ class LogReader {
   std::string rest_;
 };
 
+void PutNumber(std::string* record, std::uint32_t number, int bytes) {
+  for (int i = 0; i < bytes; ++i) record->push_back(static_cast<char>(number >> (8 * i)));
+}
+
+// As the log itself keeps an entry: the lengths of what follows the header and of the header, process, thread, time, buffer
+// and user, then the priority as a number, the tag and the message, each with a zero byte.
+std::string Binary(const LogEntry& entry) {
+  constexpr std::uint32_t kHeader = 28;
+  std::string payload(1, static_cast<char>(kPriorities.find(entry.priority) + 2));
+  payload.append(entry.tag).push_back('\0');
+  payload.append(entry.message).push_back('\0');
+  std::string record;
+  PutNumber(&record, static_cast<std::uint32_t>(payload.size()), 2);
+  PutNumber(&record, kHeader, 2);
+  for (const long long number : {static_cast<long long>(entry.process), static_cast<long long>(entry.process),
+                                 entry.seconds, entry.milliseconds * 1000000LL, 0LL, 0LL}) {
+    PutNumber(&record, static_cast<std::uint32_t>(number), 4);
+  }
+  return record + payload;
+}
+
 void Print(const std::vector<LogEntry>& entries, const LogcatOptions& options, size_t last) {
   std::deque<std::string> lines;
   for (const LogEntry& entry : entries) {
     if (!IsShown(entry, options)) continue;
-    lines.push_back(Format(entry, options.format));
+    lines.push_back(options.binary ? Binary(entry) : Format(entry, options.format) + "\n");
     if (last != 0 && lines.size() > last) lines.pop_front();
   }
-  for (const std::string& line : lines) std::printf("%s\n", line.c_str());
+  for (const std::string& line : lines) std::fwrite(line.data(), 1, line.size(), stdout);
   std::fflush(stdout);
 }
 
@@ -193,7 +218,7 @@ int RunLogcat(const Words& words) {
     std::printf("main: ring buffer is 256KiB (1KiB consumed), max entry is 5120B, max payload is 4068B\n");
     return 0;
   }
-  std::printf("--------- beginning of main\n");
+  if (!options.binary) std::printf("--------- beginning of main\n");
   LogReader reader;
   Print(reader.ReadNew(), options, options.last);
   while (options.follow) {

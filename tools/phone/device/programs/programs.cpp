@@ -13,11 +13,12 @@ namespace {
 const std::map<std::string, Program>& Programs() {
   static const std::map<std::string, Program> programs = {
       {"am", RunAm},           {"bu", RunBu},
-      {"cmd", RunCmd},         {"df", RunDf},
-      {"dumpsys", RunDumpsys}, {"getprop", RunGetprop},
-      {"input", RunInput},     {"ip", RunIp},
-      {"log", RunLog},         {"logcat", RunLogcat},
-      {"ls", RunLs},           {"pm", RunPm},
+      {"cmd", RunCmd},         {"dd", RunDd},
+      {"df", RunDf},           {"dumpsys", RunDumpsys},
+      {"getprop", RunGetprop}, {"input", RunInput},
+      {"ip", RunIp},           {"log", RunLog},
+      {"logcat", RunLogcat},   {"ls", RunLs},
+      {"monkey", RunMonkey},   {"pm", RunPm},
       {"reboot", RunReboot},   {"screencap", RunScreencap},
       {"setprop", RunSetprop}, {"settings", RunSettings},
       {"su", RunSu},           {"wm", RunWm},
