@@ -24,4 +24,11 @@ void CancelToken::Set() {
   errno = before;
 }
 
+void CancelToken::Reset() {
+  if (!set_.exchange(false, std::memory_order_acq_rel)) return;
+  char byte;
+  while (read(read_end_.get(), &byte, 1) < 0 && errno == EINTR) {
+  }
+}
+
 }  // namespace darokleim::adb

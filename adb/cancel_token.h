@@ -15,8 +15,10 @@ class CancelToken : public Interrupt {
   // kSystem when there are no descriptors left.
   static Result<std::unique_ptr<CancelToken>> Create();
 
-  // From any thread and from a signal handler, any number of times. It stays set.
+  // From any thread and from a signal handler, any number of times. It stays set until Reset().
   void Set();
+  // Makes it usable again, while no call holds it.
+  void Reset();
 
   bool IsSet() const override { return set_.load(std::memory_order_acquire); }
   int descriptor() const override { return read_end_.get(); }
