@@ -96,18 +96,19 @@ typedef enum dk_code {
   DK_STOPPED = 3,           ///< a callback returned false
   DK_INVALID_ARGUMENT = 4,  ///< a null pointer, a relative path, a malformed address: nothing was sent
   DK_OUT_OF_MEMORY = 5,
-  DK_SYSTEM_REFUSED = 6,    ///< this computer has no descriptor, socket or thread left; see dk_error_errno()
+  DK_SYSTEM_REFUSED = 6,  ///< this computer has no descriptor, socket or thread left; see dk_error_errno()
 
   // The way to the phone.
-  DK_NO_SERVER = 10,            ///< no adb server answers, and none could be started
-  DK_SERVER_PROTOCOL = 11,      ///< what answers is no adb server, or answers against its protocol
-  DK_SERVER_REFUSED = 12,       ///< the server said no, for a reason without a code of its own; see dk_error_words()
-  DK_NO_DEVICE = 13,            ///< the server does not know this serial
-  DK_SEVERAL_DEVICES = 14,      ///< no serial was given, and there are several devices
-  DK_DEVICE_OFFLINE = 15,       ///< attached, but does not answer; also while it restarts
-  DK_DEVICE_UNAUTHORIZED = 16,  ///< its user has not allowed debugging for this computer
+  DK_NO_SERVER = 10,        ///< no adb server answers, and none could be started
+  DK_SERVER_PROTOCOL = 11,  ///< what answers is no adb server, or answers against its protocol
+  DK_SERVER_REFUSED =
+      12,             ///< the server said no, for a reason without a code of its own; see dk_error_words()
+  DK_NO_DEVICE = 13,  ///< the server does not know this serial
+  DK_SEVERAL_DEVICES = 14,        ///< no serial was given, and there are several devices
+  DK_DEVICE_OFFLINE = 15,         ///< attached, but does not answer; also while it restarts
+  DK_DEVICE_UNAUTHORIZED = 16,    ///< its user has not allowed debugging for this computer
   DK_DEVICE_NO_PERMISSIONS = 17,  ///< this computer's user may not open it (udev rules on Linux)
-  DK_CONNECTION_LOST = 18,      ///< the server or the phone went away in the middle
+  DK_CONNECTION_LOST = 18,        ///< the server or the phone went away in the middle
 
   // Files, the phone's and this computer's: dk_error_on_host() says whose.
   DK_NOT_FOUND = 20,
@@ -120,16 +121,17 @@ typedef enum dk_code {
   DK_READ_ONLY = 27,
   DK_LINK_LOOP = 28,
   DK_NAME_TOO_LONG = 29,
-  DK_UNSAFE_NAME = 30,    ///< a name from the phone that would leave the target folder, or meet another file there
-  DK_FILE_ERROR = 31,     ///< any other errno; see dk_error_errno()
-  DK_CHANGED = 32,        ///< the file changed while it was read
+  DK_UNSAFE_NAME =
+      30,  ///< a name from the phone that would leave the target folder, or meet another file there
+  DK_FILE_ERROR = 31,  ///< any other errno; see dk_error_errno()
+  DK_CHANGED = 32,     ///< the file changed while it was read
 
   // What the phone's programs answer.
-  DK_COMMAND_FAILED = 40,  ///< an exit status other than 0; see dk_error_exit_status()
-  DK_INSTALL_FAILED = 41,  ///< see dk_error_reason()
-  DK_NO_PACKAGE = 42,      ///< no application of this name is installed
+  DK_COMMAND_FAILED = 40,     ///< an exit status other than 0; see dk_error_exit_status()
+  DK_INSTALL_FAILED = 41,     ///< see dk_error_reason()
+  DK_NO_PACKAGE = 42,         ///< no application of this name is installed
   DK_ANSWER_UNREADABLE = 43,  ///< the phone's program answered in a form that is not known
-  DK_UNSUPPORTED = 44,     ///< this phone, or its server, cannot do that
+  DK_UNSUPPORTED = 44,        ///< this phone, or its server, cannot do that
 
   DK_ADDRESS_IN_USE = 50,  ///< a port mapping exists already
 
@@ -184,7 +186,8 @@ typedef struct dk_call {
   /// [out] null: not wanted. Otherwise set to null, and on failure to an error that the caller frees with dk_error_free().
   dk_error** error;
 } dk_call;
-#define DK_CALL_INIT {sizeof(dk_call), NULL, 0, NULL}
+#define DK_CALL_INIT \
+  { sizeof(dk_call), NULL, 0, NULL }
 
 /// A block of bytes that the library allocated: `size` bytes and a zero byte after them, which `size` does not count.
 typedef struct dk_bytes {
@@ -213,7 +216,8 @@ typedef struct dk_context_options {
   void (*log)(void* user, const char* line);
   void* log_user;
 } dk_context_options;
-#define DK_CONTEXT_OPTIONS_INIT {sizeof(dk_context_options), NULL, NULL, NULL, NULL}
+#define DK_CONTEXT_OPTIONS_INIT \
+  { sizeof(dk_context_options), NULL, NULL, NULL, NULL }
 
 /// Reads the environment and asks nobody: it also succeeds where no server runs. options may be null.
 DK_API dk_code dk_context_new(const dk_context_options* options, dk_context** context, const dk_call* call);
@@ -242,7 +246,12 @@ typedef enum dk_state {
   DK_STATE_HOST = 12,
 } dk_state;
 
-typedef enum dk_link { DK_LINK_UNKNOWN = 0, DK_LINK_USB = 1, DK_LINK_NETWORK = 2, DK_LINK_EMULATOR = 3 } dk_link;
+typedef enum dk_link {
+  DK_LINK_UNKNOWN = 0,
+  DK_LINK_USB = 1,
+  DK_LINK_NETWORK = 2,
+  DK_LINK_EMULATOR = 3
+} dk_link;
 
 typedef struct dk_device_info {
   const char* serial;
@@ -264,7 +273,8 @@ DK_API dk_code dk_devices(dk_context* context, dk_on_device on_device, void* use
 /// One device, by its serial. Light: opening asks nobody, and the device may come and go meanwhile.
 typedef struct dk_device dk_device;
 /// serial: null takes the only one that is ready; ::DK_NO_DEVICE or ::DK_SEVERAL_DEVICES otherwise.
-DK_API dk_code dk_device_open(dk_context* context, const char* serial, dk_device** device, const dk_call* call);
+DK_API dk_code dk_device_open(dk_context* context, const char* serial, dk_device** device,
+                              const dk_call* call);
 DK_API const char* dk_device_serial(const dk_device* device);
 DK_API void dk_device_free(dk_device* device);
 
@@ -304,20 +314,28 @@ DK_API void dk_watch_stop(dk_watch* watch);
 /// @defgroup files Files on the phone
 /// @{
 
-typedef enum dk_type { DK_UNKNOWN_TYPE = 0, DK_FILE = 1, DK_DIRECTORY = 2, DK_LINK = 3, DK_SPECIAL = 4 } dk_type;
+typedef enum dk_type {
+  DK_UNKNOWN_TYPE = 0,
+  DK_FILE = 1,
+  DK_DIRECTORY = 2,
+  DK_LINK = 3,
+  DK_SPECIAL = 4
+} dk_type;
 
 typedef struct dk_entry {
   const char* path;  ///< absolute; of a walk: below the folder that was asked for, as it was spelled
   const char* name;  ///< the last part of path
   dk_type type;
-  uint32_t mode;      ///< type and permissions as in Linux (S_IFMT | 07777)
-  uint64_t size;      ///< bytes; of a link, of its text
-  bool size_known;    ///< false for a file of 4 GiB or more in a folder of an old phone (dk_stat() asks its shell)
-  int64_t mtime;      ///< seconds since 1970, UTC
-  bool has_owner;     ///< uid, gid, device and inode are known: phones since Android 8
+  uint32_t mode;  ///< type and permissions as in Linux (S_IFMT | 07777)
+  uint64_t size;  ///< bytes; of a link, of its text
+  bool
+      size_known;  ///< false for a file of 4 GiB or more in a folder of an old phone (dk_stat() asks its shell)
+  int64_t mtime;   ///< seconds since 1970, UTC
+  bool has_owner;  ///< uid, gid, device and inode are known: phones since Android 8
   uint32_t uid, gid;
   uint64_t device, inode;
-  const char* link_target;  ///< of a link, where it was asked for (dk_stat() without following); otherwise null
+  const char*
+      link_target;  ///< of a link, where it was asked for (dk_stat() without following); otherwise null
 } dk_entry;
 
 /// false ends the call with ::DK_STOPPED.
@@ -326,18 +344,21 @@ typedef bool (*dk_on_entry)(void* user, const dk_entry* entry);
 typedef enum dk_follow { DK_NO_FOLLOW = 0, DK_FOLLOW = 1 } dk_follow;
 /// ::DK_NOT_FOUND for what is not there, and with ::DK_FOLLOW for a link to nowhere; ::DK_ACCESS_DENIED where the phone's shell
 /// may not look (old phones are asked through their shell).
-DK_API dk_code dk_stat(dk_device* device, const char* path, dk_follow follow, dk_entry** entry, const dk_call* call);
+DK_API dk_code dk_stat(dk_device* device, const char* path, dk_follow follow, dk_entry** entry,
+                       const dk_call* call);
 DK_API void dk_entry_free(dk_entry* entry);
 
 /// One folder: files, folders, links, the empty ones, every name but `.` and `..`, in the phone's order, while they arrive.
 /// A path that is a link to a folder lists that folder. ::DK_NOT_FOUND, ::DK_NOT_A_DIRECTORY, ::DK_ACCESS_DENIED.
-DK_API dk_code dk_list(dk_device* device, const char* folder, dk_on_entry on_entry, void* user, const dk_call* call);
+DK_API dk_code dk_list(dk_device* device, const char* folder, dk_on_entry on_entry, void* user,
+                       const dk_call* call);
 
 typedef struct dk_walk_options {
   size_t size;
-  uint32_t max_depth;     ///< 1: the folder alone; 0: no limit
-  uint32_t types;         ///< a set of (1u << dk_type); 0: all
-  const char* const* suffixes;  ///< without the dot, compared without regard to ASCII case; null: all. Files only
+  uint32_t max_depth;  ///< 1: the folder alone; 0: no limit
+  uint32_t types;      ///< a set of (1u << dk_type); 0: all
+  const char* const*
+      suffixes;  ///< without the dot, compared without regard to ASCII case; null: all. Files only
   size_t suffix_count;
   uint64_t min_size, max_size;  ///< of files; max_size 0: no limit
   int64_t newer_than;           ///< mtime after this, seconds since 1970; 0: all
@@ -345,18 +366,19 @@ typedef struct dk_walk_options {
   /// same, without a word. Returning false ends the walk.
   bool (*on_error)(void* user, const dk_error* error);
 } dk_walk_options;
-#define DK_WALK_OPTIONS_INIT {sizeof(dk_walk_options), 0, 0, NULL, 0, 0, 0, 0, NULL}
+#define DK_WALK_OPTIONS_INIT \
+  { sizeof(dk_walk_options), 0, 0, NULL, 0, 0, 0, 0, NULL }
 /// Everything below a folder, folder after folder, each folder's entries in the phone's order, a folder before what is in it.
 /// Links are reported and not followed. Paths longer than 4,096 bytes are not descended into (::DK_NAME_TOO_LONG).
-DK_API dk_code dk_walk(dk_device* device, const char* folder, const dk_walk_options* options, dk_on_entry on_entry,
-                       void* user, const dk_call* call);
+DK_API dk_code dk_walk(dk_device* device, const char* folder, const dk_walk_options* options,
+                       dk_on_entry on_entry, void* user, const dk_call* call);
 
 /// Pieces of a file or an output; false ends the call with ::DK_STOPPED.
 typedef bool (*dk_on_bytes)(void* user, const char* data, size_t size);
 /// Reads length bytes from offset, fewer at the file's end; length 0: all there is. The beginning of a file costs no
 /// more than itself, so that a thumbnail is read from the first 64 KiB of a photo; an offset needs the phone's shell.
-DK_API dk_code dk_read(dk_device* device, const char* path, uint64_t offset, uint64_t length, dk_on_bytes on_bytes,
-                       void* user, const dk_call* call);
+DK_API dk_code dk_read(dk_device* device, const char* path, uint64_t offset, uint64_t length,
+                       dk_on_bytes on_bytes, void* user, const dk_call* call);
 
 /// parents: makes missing parents as well, and an existing folder is no error.
 DK_API dk_code dk_make_folder(dk_device* device, const char* path, bool parents, const dk_call* call);
@@ -365,10 +387,12 @@ DK_API dk_code dk_make_folder(dk_device* device, const char* path, bool parents,
 DK_API dk_code dk_remove(dk_device* device, const char* path, bool recursive, const dk_call* call);
 /// Renames, or moves to another folder. An existing target gives ::DK_EXISTS unless replace; to is never taken for a
 /// folder to move into.
-DK_API dk_code dk_move(dk_device* device, const char* from, const char* to, bool replace, const dk_call* call);
+DK_API dk_code dk_move(dk_device* device, const char* from, const char* to, bool replace,
+                       const dk_call* call);
 /// Copies a file, or a folder with all in it, on the phone, modes and times kept where the phone's storage keeps them. An
 /// existing target gives ::DK_EXISTS unless replace; what was copied before a failure is removed.
-DK_API dk_code dk_copy(dk_device* device, const char* from, const char* to, bool replace, const dk_call* call);
+DK_API dk_code dk_copy(dk_device* device, const char* from, const char* to, bool replace,
+                       const dk_call* call);
 /// mode: permissions as 0644. Storage volumes of phones ignore it without a word.
 DK_API dk_code dk_chmod(dk_device* device, const char* path, uint32_t mode, const dk_call* call);
 
@@ -386,12 +410,13 @@ typedef enum dk_existing {
 
 typedef struct dk_item {
   const char* source;  ///< a file or a folder
-  const char* target;  ///< the file or folder that it becomes; not a folder to put it in. Missing parents are made
+  const char*
+      target;  ///< the file or folder that it becomes; not a folder to put it in. Missing parents are made
 } dk_item;
 
 typedef struct dk_progress {
-  const char* path;  ///< the source file that is at work
-  uint64_t file_done, file_size;    ///< bytes
+  const char* path;                  ///< the source file that is at work
+  uint64_t file_done, file_size;     ///< bytes
   uint64_t bytes_done, bytes_total;  ///< of all items; skipped files count as done
   uint64_t files_done, files_total;
 } dk_progress;
@@ -404,9 +429,9 @@ typedef struct dk_summary {
 typedef struct dk_transfer_options {
   size_t size;
   dk_existing existing;
-  bool keep_going;   ///< after a file's error: report it and go on; the call then ends with ::DK_PARTLY_DONE
-  bool keep_times;   ///< DK_TRANSFER_OPTIONS_INIT sets it; ::DK_SKIP_SAME depends on it
-  bool keep_modes;   ///< permissions, where the target can have them
+  bool keep_going;  ///< after a file's error: report it and go on; the call then ends with ::DK_PARTLY_DONE
+  bool keep_times;  ///< DK_TRANSFER_OPTIONS_INIT sets it; ::DK_SKIP_SAME depends on it
+  bool keep_modes;  ///< permissions, where the target can have them
   /// Before each block, on the caller's thread; false ends the call with ::DK_STOPPED. Null: none. Totals are known before
   /// the first byte.
   bool (*on_progress)(void* user, const dk_progress* progress);
@@ -414,7 +439,8 @@ typedef struct dk_transfer_options {
   bool (*on_error)(void* user, const dk_error* error);
   void* user;
 } dk_transfer_options;
-#define DK_TRANSFER_OPTIONS_INIT {sizeof(dk_transfer_options), DK_FAIL_IF_EXISTS, false, true, false, NULL, NULL, NULL}
+#define DK_TRANSFER_OPTIONS_INIT \
+  { sizeof(dk_transfer_options), DK_FAIL_IF_EXISTS, false, true, false, NULL, NULL, NULL }
 
 /// Sends files and folders to the phone, or fetches them. Each file is whole before it gets its name: it is transferred under
 /// a temporary name beside its target (or in a temporary folder there) and renamed, so that no failure, cancel or unplugging
@@ -426,17 +452,17 @@ typedef struct dk_transfer_options {
 /// Links on this computer are not written through.
 ///
 /// options and summary may be null.
-DK_API dk_code dk_push(dk_device* device, const dk_item* items, size_t count, const dk_transfer_options* options,
-                       dk_summary* summary, const dk_call* call);
-DK_API dk_code dk_pull(dk_device* device, const dk_item* items, size_t count, const dk_transfer_options* options,
-                       dk_summary* summary, const dk_call* call);
+DK_API dk_code dk_push(dk_device* device, const dk_item* items, size_t count,
+                       const dk_transfer_options* options, dk_summary* summary, const dk_call* call);
+DK_API dk_code dk_pull(dk_device* device, const dk_item* items, size_t count,
+                       const dk_transfer_options* options, dk_summary* summary, const dk_call* call);
 
 /// Hands out the next bytes of a file that is being sent: fills at most capacity bytes of buffer, returns how many, 0 at
 /// the end, and a negative number to end the call with ::DK_STOPPED.
 typedef int64_t (*dk_source)(void* user, char* buffer, size_t capacity);
 /// Sends what the source gives as one file, mode as 0644, mtime in seconds since 1970 (0: now).
-DK_API dk_code dk_write(dk_device* device, const char* path, uint32_t mode, int64_t mtime, bool replace, dk_source source,
-                        void* user, const dk_call* call);
+DK_API dk_code dk_write(dk_device* device, const char* path, uint32_t mode, int64_t mtime, bool replace,
+                        dk_source source, void* user, const dk_call* call);
 
 /// @}
 /// @defgroup shell Commands on the phone
@@ -453,12 +479,13 @@ typedef struct dk_run_options {
   void* user;
   size_t most_collected;  ///< bytes kept of each stream for dk_output; 0: 1 MiB
 } dk_run_options;
-#define DK_RUN_OPTIONS_INIT {sizeof(dk_run_options), NULL, 0, NULL, NULL, 0}
+#define DK_RUN_OPTIONS_INIT \
+  { sizeof(dk_run_options), NULL, 0, NULL, NULL, 0 }
 
 typedef struct dk_output {
-  dk_bytes out, err;   ///< empty when on_output took them
-  bool cut;            ///< more came than was kept
-  int exit_status;     ///< of the command; 128 and more: ended by a signal, as its shell counts
+  dk_bytes out, err;  ///< empty when on_output took them
+  bool cut;           ///< more came than was kept
+  int exit_status;    ///< of the command; 128 and more: ended by a signal, as its shell counts
 } dk_output;
 /// Frees what is in it.
 DK_API void dk_output_free(dk_output* output);
@@ -466,11 +493,11 @@ DK_API void dk_output_free(dk_output* output);
 /// Runs a program of the phone with an argument list. The list is quoted by the library: no argument is read by a shell.
 /// The call succeeds when the command ran, whatever its exit status, which is in the output (phones before Android 7 are
 /// made to print it at the end, and it is taken off). ::DK_CONNECTION_LOST when the end is missing. options may be null.
-DK_API dk_code dk_run(dk_device* device, const char* const* arguments, size_t count, const dk_run_options* options,
-                      dk_output* output, const dk_call* call);
+DK_API dk_code dk_run(dk_device* device, const char* const* arguments, size_t count,
+                      const dk_run_options* options, dk_output* output, const dk_call* call);
 /// The same for a script, which the phone's shell reads. Quote what comes from elsewhere with dk_quote().
-DK_API dk_code dk_run_script(dk_device* device, const char* script, const dk_run_options* options, dk_output* output,
-                             const dk_call* call);
+DK_API dk_code dk_run_script(dk_device* device, const char* script, const dk_run_options* options,
+                             dk_output* output, const dk_call* call);
 /// The text as one word for the phone's shell.
 DK_API dk_code dk_quote(const char* text, dk_bytes* quoted);
 
@@ -484,7 +511,7 @@ typedef struct dk_app {
   int64_t version_code;      ///< -1 when not known
   bool system;               ///< came with the phone
   bool enabled;
-  uint64_t size;             ///< bytes of its APKs; 0 unless asked for
+  uint64_t size;  ///< bytes of its APKs; 0 unless asked for
   const char* const* apk_paths;
   size_t apk_count;
 } dk_app;
@@ -492,7 +519,8 @@ typedef bool (*dk_on_app)(void* user, const dk_app* app);
 
 typedef enum dk_app_set { DK_ALL_APPS = 0, DK_USER_APPS = 1, DK_SYSTEM_APPS = 2 } dk_app_set;
 /// All applications, in a few commands however many there are. sizes: asks for the sizes of the APKs as well.
-DK_API dk_code dk_apps(dk_device* device, dk_app_set set, bool sizes, dk_on_app on_app, void* user, const dk_call* call);
+DK_API dk_code dk_apps(dk_device* device, dk_app_set set, bool sizes, dk_on_app on_app, void* user,
+                       const dk_call* call);
 /// ::DK_NO_PACKAGE when it is not installed.
 DK_API dk_code dk_app_get(dk_device* device, const char* package, dk_app** app, const dk_call* call);
 DK_API void dk_app_free(dk_app* app);
@@ -503,10 +531,12 @@ typedef struct dk_install_options {
   bool downgrade;  ///< also an older version
   bool grant;      ///< all permissions that it asks for
   bool test;       ///< also one that is marked as for tests only
-  bool (*on_progress)(void* user, uint64_t bytes_done, uint64_t bytes_total);  ///< false ends the call; null: none
+  bool (*on_progress)(void* user, uint64_t bytes_done,
+                      uint64_t bytes_total);  ///< false ends the call; null: none
   void* user;
 } dk_install_options;
-#define DK_INSTALL_OPTIONS_INIT {sizeof(dk_install_options), true, false, false, false, NULL, NULL}
+#define DK_INSTALL_OPTIONS_INIT \
+  { sizeof(dk_install_options), true, false, false, false, NULL, NULL }
 /// Installs one APK, or the several of one application together. They are streamed into the phone's package manager; a phone
 /// before Android 7 gets them under a temporary name that nobody else uses, which is always removed.
 /// ::DK_INSTALL_FAILED with the reason, for example `INSTALL_FAILED_UPDATE_INCOMPATIBLE`.
@@ -514,7 +544,8 @@ DK_API dk_code dk_app_install(dk_device* device, const char* const* apk_paths, s
                               const dk_install_options* options, const dk_call* call);
 DK_API dk_code dk_app_uninstall(dk_device* device, const char* package, bool keep_data, const dk_call* call);
 /// activity: null starts what the phone's launcher would.
-DK_API dk_code dk_app_start(dk_device* device, const char* package, const char* activity, const dk_call* call);
+DK_API dk_code dk_app_start(dk_device* device, const char* package, const char* activity,
+                            const dk_call* call);
 DK_API dk_code dk_app_stop(dk_device* device, const char* package, const dk_call* call);
 /// Deletes its data.
 DK_API dk_code dk_app_clear(dk_device* device, const char* package, const dk_call* call);
@@ -528,7 +559,7 @@ typedef bool (*dk_on_property)(void* user, const char* name, const char* value);
 DK_API dk_code dk_properties(dk_device* device, dk_on_property on_property, void* user, const dk_call* call);
 
 typedef struct dk_battery {
-  int level;           ///< percent; -1 when not known
+  int level;  ///< percent; -1 when not known
   bool charging;
   double temperature;  ///< degrees Celsius
   int voltage_mv;      ///< millivolts; 0 when not known
@@ -547,8 +578,8 @@ typedef struct dk_memory {
 DK_API dk_code dk_memory_get(dk_device* device, dk_memory* memory, const dk_call* call);
 
 typedef struct dk_volume {
-  const char* path;  ///< `/storage/emulated/0`, `/storage/1234-5678`
-  bool internal;     ///< not a card or a USB stick
+  const char* path;            ///< `/storage/emulated/0`, `/storage/1234-5678`
+  bool internal;               ///< not a card or a USB stick
   uint64_t total, used, free;  ///< bytes
 } dk_volume;
 typedef bool (*dk_on_volume)(void* user, const dk_volume* volume);
@@ -566,38 +597,40 @@ DK_API dk_code dk_type_text(dk_device* device, const char* text, const dk_call* 
 DK_API dk_code dk_press_key(dk_device* device, const char* key, const dk_call* call);
 /// In pixels from the upper left.
 DK_API dk_code dk_tap(dk_device* device, int x, int y, const dk_call* call);
-DK_API dk_code dk_swipe(dk_device* device, int x1, int y1, int x2, int y2, int duration_ms, const dk_call* call);
+DK_API dk_code dk_swipe(dk_device* device, int x1, int y1, int x2, int y2, int duration_ms,
+                        const dk_call* call);
 
 /// @}
 /// @defgroup log The phone's log
 /// @{
 
 typedef struct dk_log_record {
-  int64_t seconds;      ///< since 1970, UTC
+  int64_t seconds;  ///< since 1970, UTC
   int32_t nanoseconds;
-  char level;           ///< V D I W E F
+  char level;  ///< V D I W E F
   uint32_t process, thread;
   const char* tag;
-  const char* text;     ///< may have several lines
+  const char* text;  ///< may have several lines
 } dk_log_record;
 
 typedef struct dk_log_options {
   size_t size;
   const char* const* filters;  ///< as logcat takes them, `ActivityManager:I`, `*:S`; null: everything
   size_t filter_count;
-  const char* buffers;         ///< `main,system,crash`; null: the phone's choice
-  bool only_new;               ///< not what is in the buffer already
-  bool stop_at_end;            ///< what is in the buffer, then the end
+  const char* buffers;  ///< `main,system,crash`; null: the phone's choice
+  bool only_new;        ///< not what is in the buffer already
+  bool stop_at_end;     ///< what is in the buffer, then the end
 } dk_log_options;
-#define DK_LOG_OPTIONS_INIT {sizeof(dk_log_options), NULL, 0, NULL, false, false}
+#define DK_LOG_OPTIONS_INIT \
+  { sizeof(dk_log_options), NULL, 0, NULL, false, false }
 
 typedef struct dk_log dk_log;
 typedef void (*dk_on_record)(void* user, const dk_log_record* record);
 /// Once, last: why the log ended. ::DK_OK: as asked (dk_log_stop(), stop_at_end); error is null then.
 typedef void (*dk_on_log_end)(void* user, dk_code code, const dk_error* error);
 /// Returns once the phone has taken the order; records come on a thread of the log. ::DK_UNSUPPORTED before Android 5.
-DK_API dk_code dk_log_start(dk_device* device, const dk_log_options* options, dk_on_record on_record, dk_on_log_end on_end,
-                            void* user, dk_log** log, const dk_call* call);
+DK_API dk_code dk_log_start(dk_device* device, const dk_log_options* options, dk_on_record on_record,
+                            dk_on_log_end on_end, void* user, dk_log** log, const dk_call* call);
 /// Stops and frees; as dk_watch_stop().
 DK_API void dk_log_stop(dk_log* log);
 DK_API dk_code dk_log_clear(dk_device* device, const dk_call* call);

@@ -1,0 +1,150 @@
+#include "client/transfer/host_target.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <vector>
+
+#include "client/temporary_name.h"
+#include "client/transfer/host_names.h"
+
+namespace darokleim::client {
+namespace {
+
+constexpr int kFolderFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+
+std::string In(const std::string& folder, const std::string& name) {
+  return folder.empty() || folder.back() == '/' ? folder + name : folder + "/" + name;
+}
+
+std::string WhatFor(const std::string& path) {
+  return "write " + Shown(path);
+}
+
+bool MakeWithParents(const std::string& path) {
+  if (mkdir(path.c_str(), 0777) == 0 || errno == EEXIST) return true;
+  const std::size_t slash = path.find_last_of('/');
+  if (errno != ENOENT || slash == std::string::npos || slash == 0) return false;
+  return MakeWithParents(path.substr(0, slash)) && (mkdir(path.c_str(), 0777) == 0 || errno == EEXIST);
+}
+
+}  // namespace
+
+Result<std::shared_ptr<HostFolder>> HostFolder::Open(const std::string& path) {
+  base::UniqueFd opened(open(path.c_str(), kFolderFlags));
+  if (!opened.valid() && errno == ENOENT && MakeWithParents(path))
+    opened.Reset(open(path.c_str(), kFolderFlags));
+  if (!opened.valid()) return FromHostErrno(errno, WhatFor(path), path);
+  return std::shared_ptr<HostFolder>(new HostFolder(std::move(opened), path));
+}
+
+Result<std::shared_ptr<HostFolder>> HostFolder::Enter(const std::string& name) const {
+  const std::string path = In(path_, name);
+  if (!IsSafeName(name)) return UnsafeName(WhatFor(path), path);
+  if (mkdirat(descriptor(), name.c_str(), 0777) != 0 && errno != EEXIST)
+    return FromHostErrno(errno, WhatFor(path), path);
+  base::UniqueFd opened(openat(descriptor(), name.c_str(), kFolderFlags | O_NOFOLLOW));
+  if (!opened.valid()) {
+    struct stat status = {};
+    const int error = errno;
+    const bool is_link =
+        fstatat(descriptor(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(status.st_mode);
+    return is_link ? UnsafeName(WhatFor(path), path) : FromHostErrno(error, WhatFor(path), path);
+  }
+  if (!HasExactName(opened.get(), name)) return UnsafeName(WhatFor(path), path);
+  return std::shared_ptr<HostFolder>(new HostFolder(std::move(opened), path));
+}
+
+Existing HostFolder::Look(const std::string& name) const {
+  struct stat status = {};
+  if (fstatat(descriptor(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return {};
+  const bool is_file = S_ISREG(status.st_mode);
+  return {true, S_ISDIR(status.st_mode), is_file ? static_cast<std::uint64_t>(status.st_size) : 0,
+          status.st_mtime};
+}
+
+bool IsSafeName(std::string_view name) {
+  return !name.empty() && name != "." && name != ".." && name.find('/') == std::string_view::npos &&
+         name.find('\0') == std::string_view::npos;
+}
+
+Error UnsafeName(std::string_view what, const std::string& path) {
+  Error error =
+      Failed(DK_UNSAFE_NAME, what, "the name leads out of the target folder, or is another file's here");
+  error.path = path;
+  return error;
+}
+
+ReceivedFile::ReceivedFile(std::shared_ptr<HostFolder> folder, std::string name, std::string temporary,
+                           base::UniqueFd descriptor)
+    : folder_(std::move(folder)),
+      name_(std::move(name)),
+      temporary_(std::move(temporary)),
+      descriptor_(std::move(descriptor)) {}
+
+ReceivedFile::~ReceivedFile() {
+  if (!committed_) unlinkat(folder_->descriptor(), temporary_.c_str(), 0);
+}
+
+Error ReceivedFile::FromErrno(int error) const {
+  const std::string path = In(folder_->path(), name_);
+  return FromHostErrno(error, WhatFor(path), path);
+}
+
+Result<std::unique_ptr<ReceivedFile>> ReceivedFile::Create(std::shared_ptr<HostFolder> folder,
+                                                           std::string name) {
+  const std::string path = In(folder->path(), name);
+  if (!IsSafeName(name)) return UnsafeName(WhatFor(path), path);
+  if (IsNameOfAnother(folder->descriptor(), name)) return UnsafeName(WhatFor(path), path);
+  std::string temporary = NewTemporaryName();
+  base::UniqueFd opened(openat(folder->descriptor(), temporary.c_str(),
+                               O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
+  if (!opened.valid()) return FromHostErrno(errno, WhatFor(path), path);
+  return std::unique_ptr<ReceivedFile>(
+      new ReceivedFile(std::move(folder), std::move(name), std::move(temporary), std::move(opened)));
+}
+
+Status ReceivedFile::Write(std::string_view data) {
+  while (!data.empty()) {
+    const ssize_t count = write(descriptor_.get(), data.data(), data.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return FromErrno(errno);
+    data.remove_prefix(static_cast<std::size_t>(count));
+  }
+  return {};
+}
+
+Status ReceivedFile::Commit(std::int64_t modified, std::uint32_t permissions, bool replaces) {
+  if (permissions != 0 && fchmod(descriptor_.get(), static_cast<mode_t>(permissions)) != 0)
+    return FromErrno(errno);
+  if (modified >= 0) {
+    const timespec time = {static_cast<time_t>(modified), 0};
+    const timespec times[] = {time, time};
+    if (futimens(descriptor_.get(), times) != 0) return FromErrno(errno);
+  }
+  // An older file is given up only for one that a power failure does not take.
+  if (replaces && fsync(descriptor_.get()) != 0) return FromErrno(errno);
+  if (close(std::exchange(descriptor_, base::UniqueFd()).Release()) != 0 && errno != EINTR)
+    return FromErrno(errno);
+  if (renameat(folder_->descriptor(), temporary_.c_str(), folder_->descriptor(), name_.c_str()) != 0) {
+    return FromErrno(errno);
+  }
+  committed_ = true;
+  return {};
+}
+
+void RemoveLeftOvers(const HostFolder& folder) {
+  DIR* const opened = fdopendir(openat(folder.descriptor(), ".", kFolderFlags));
+  if (opened == nullptr) return;
+  std::vector<std::string> names;
+  while (const dirent* const entry = readdir(opened)) {
+    if (IsLeftOver(entry->d_name)) names.emplace_back(entry->d_name);
+  }
+  closedir(opened);
+  for (const std::string& name : names) unlinkat(folder.descriptor(), name.c_str(), 0);
+}
+
+}  // namespace darokleim::client

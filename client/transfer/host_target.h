@@ -1,0 +1,73 @@
+// Where files from the phone go on this computer: folders that no link leads out of, and files that get their names when
+// they are whole.
+#ifndef DAROKLEIM_CLIENT_TRANSFER_HOST_TARGET_H
+#define DAROKLEIM_CLIENT_TRANSFER_HOST_TARGET_H
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "base/unique_fd.h"
+#include "client/error.h"
+#include "client/transfer/target_check.h"
+
+namespace darokleim::client {
+
+// An open folder of this computer.
+class HostFolder {
+ public:
+  // The folder that the caller named; it and its parents are made where they are missing. Links in it are the caller's choice.
+  static Result<std::shared_ptr<HostFolder>> Open(const std::string& path);
+  // A folder in this one, made where it is missing. DK_UNSAFE_NAME for a link there, or for a name that this computer's file
+  // system takes for another one's.
+  Result<std::shared_ptr<HostFolder>> Enter(const std::string& name) const;
+
+  // What is there under this name; a link is itself and not what it leads to.
+  Existing Look(const std::string& name) const;
+
+  int descriptor() const { return descriptor_.get(); }
+  const std::string& path() const { return path_; }
+
+ private:
+  HostFolder(base::UniqueFd descriptor, std::string path)
+      : descriptor_(std::move(descriptor)), path_(std::move(path)) {}
+
+  base::UniqueFd descriptor_;
+  std::string path_;  // for messages
+};
+
+// A name from the phone that may be used here: not empty, not "." or "..", without a slash.
+bool IsSafeName(std::string_view name);
+Error UnsafeName(std::string_view what, const std::string& path);
+
+// A file that is being written under a temporary name, which goes when it is not committed.
+class ReceivedFile {
+ public:
+  static Result<std::unique_ptr<ReceivedFile>> Create(std::shared_ptr<HostFolder> folder, std::string name);
+  ~ReceivedFile();
+  ReceivedFile(const ReceivedFile&) = delete;
+  ReceivedFile& operator=(const ReceivedFile&) = delete;
+
+  Status Write(std::string_view data);
+  // Gives it its time (below 0: now), its permissions (0: the usual ones) and its name. replace: whether a file of that name is
+  // replaced; it is written to the disk before.
+  Status Commit(std::int64_t modified, std::uint32_t permissions, bool replaces);
+
+ private:
+  ReceivedFile(std::shared_ptr<HostFolder> folder, std::string name, std::string temporary,
+               base::UniqueFd descriptor);
+  Error FromErrno(int error) const;
+
+  std::shared_ptr<HostFolder> folder_;
+  std::string name_, temporary_;
+  base::UniqueFd descriptor_;
+  bool committed_ = false;
+};
+
+// Removes temporary files in the folder that a process of this computer left when it was killed.
+void RemoveLeftOvers(const HostFolder& folder);
+
+}  // namespace darokleim::client
+
+#endif  // DAROKLEIM_CLIENT_TRANSFER_HOST_TARGET_H

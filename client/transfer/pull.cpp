@@ -1,0 +1,265 @@
+// dk_pull: files and folders of the phone to this computer.
+#include <string>
+#include <vector>
+
+#include "client/files.h"
+#include "client/phone_path.h"
+#include "client/transfer/host_target.h"
+#include "client/transfer/receiver.h"
+#include "client/walk.h"
+
+namespace darokleim::client {
+namespace {
+
+std::string WhatFor(const std::string& path) {
+  return "fetch " + Shown(path);
+}
+
+constexpr std::uint32_t kPermissionBits = 0777;
+
+// Splits a path of this computer; a name alone is in the current folder.
+std::string HostParent(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  if (slash == std::string::npos) return ".";
+  return slash == 0 ? "/" : path.substr(0, slash);
+}
+std::string HostName(const std::string& path) {
+  return path.substr(path.rfind('/') + 1);
+}
+
+// A folder of the phone on its way to one of this computer.
+class FolderPull {
+ public:
+  FolderPull(dk_device* device, Tally* tally, Receiver* receiver, std::string source,
+             std::shared_ptr<HostFolder> target, const Limits& limits)
+      : device_(device),
+        tally_(tally),
+        receiver_(receiver),
+        source_(std::move(source)),
+        target_(std::move(target)),
+        limits_(limits) {}
+
+  Status Count() {
+    WalkVisitor visitor;
+    visitor.visit = [this](const dk_entry& entry, std::uint32_t, bool*) {
+      if (entry.type == DK_FILE) tally_->Expect(entry.size);
+      return Status();
+    };
+    visitor.fail = [](const Error&) { return Status(); };  // said by the second walk
+    return WalkPhone(device_, source_, visitor, limits_);
+  }
+
+  Status Run() {
+    WalkVisitor visitor;
+    visitor.visit = [this](const dk_entry& entry, std::uint32_t, bool* descend) {
+      return Take(entry, descend);
+    };
+    visitor.fail = [this](Error error) { return tally_->Failed(std::move(error)); };
+    return WalkPhone(device_, source_, visitor, limits_);
+  }
+
+ private:
+  Status Take(const dk_entry& entry, bool* descend) {
+    const std::string path = entry.path;
+    if (!IsSafeName(entry.name)) {
+      *descend = false;
+      return tally_->Failed(UnsafeName(WhatFor(path), path));
+    }
+    if (entry.type == DK_DIRECTORY) {
+      auto made = FolderFor(path);
+      *descend = made.ok();
+      return made.ok() ? Status() : tally_->Failed(made.TakeError());
+    }
+    if (entry.type == DK_LINK) return TakeLink(path, entry.name);
+    if (entry.type != DK_FILE) return {};
+    return Fetch({path, entry.size, entry.mtime, entry.mode & kPermissionBits}, entry.name);
+  }
+
+  // Links to files in the same tree are those files; all others are not followed.
+  Status TakeLink(const std::string& path, const std::string& name) {
+    const std::string what = WhatFor(path);
+    if (real_source_.empty()) {
+      auto real = RealPath(device_, source_, what, limits_);
+      if (!real.ok()) return real.TakeError();
+      real_source_ = real->value_or(source_);
+    }
+    auto real = RealPath(device_, path, what, limits_);
+    if (!real.ok()) return real.TakeError();
+    const std::string inside = real_source_ + "/";
+    const bool stays = *real && (*real)->compare(0, inside.size(), inside) == 0;
+    auto sync = OpenSync(device_, what, limits_);
+    if (!sync.ok()) return sync.TakeError();
+    auto status = StatOf(device_, &*sync, path, DK_FOLLOW, what, limits_);
+    if (!status.ok()) return tally_->Failed(status.TakeError());
+    if (!stays || TypeOf(status->mode) != DK_FILE) {
+      Error error =
+          Failed(DK_UNSUPPORTED, what, "it is a link to a folder, or to outside of what is fetched");
+      error.path = path;
+      return tally_->Failed(std::move(error));
+    }
+    tally_->Expect(status->size);
+    return Fetch({path, status->size, status->modified, status->mode & kPermissionBits}, name);
+  }
+
+  Status Fetch(PhoneFile file, const std::string& name) {
+    auto folder = FolderFor(ParentOf(file.path));
+    if (!folder.ok()) return tally_->Failed(folder.TakeError());
+    return receiver_->Fetch(std::move(file), *std::move(folder), name);
+  }
+
+  // The folder of this computer for one of the phone; the last one is kept, since what is in a folder comes together.
+  Result<std::shared_ptr<HostFolder>> FolderFor(const std::string& path) {
+    if (path == last_path_) return last_;
+    std::shared_ptr<HostFolder> folder = target_;
+    std::string_view below = std::string_view(path).substr(std::min(source_.size(), path.size()));
+    while (!below.empty()) {
+      below.remove_prefix(below.front() == '/' ? 1 : 0);
+      const std::string name(below.substr(0, below.find('/')));
+      below.remove_prefix(name.size());
+      if (name.empty()) continue;
+      auto entered = folder->Enter(name);
+      if (!entered.ok()) return entered;
+      folder = *std::move(entered);
+    }
+    last_path_ = path;
+    last_ = folder;
+    return folder;
+  }
+
+  dk_device* const device_;
+  Tally* const tally_;
+  Receiver* const receiver_;
+  const std::string source_;
+  const std::shared_ptr<HostFolder> target_;
+  const Limits& limits_;
+  std::string real_source_;
+  std::string last_path_;
+  std::shared_ptr<HostFolder> last_;
+};
+
+class Pull {
+ public:
+  Pull(dk_device* device, const dk_transfer_options& options, const Limits& limits)
+      : device_(device),
+        limits_(limits),
+        tally_(options, "fetch files"),
+        receiver_(device, &tally_, limits) {}
+
+  const dk_summary& summary() const { return tally_.summary(); }
+
+  Status Run(const dk_item* items, std::size_t count) {
+    std::vector<Item> all;
+    for (std::size_t i = 0; i < count; ++i) {
+      auto source = ReadPath(items[i].source);
+      if (!source.ok()) return source.TakeError();
+      if (items[i].target == nullptr || *items[i].target == '\0') return InvalidArgument("a target is empty");
+      std::string target = items[i].target;
+      while (target.size() > 1 && target.back() == '/') target.pop_back();
+      all.push_back({*std::move(source), std::move(target), {}, {}});
+    }
+    if (Status looked = LookAt(&all); !looked.ok()) return looked;
+    for (Item& item : all) {
+      if (Status counted = Count(&item); !counted.ok()) return counted;
+    }
+    for (Item& item : all) {
+      if (Status fetched = Fetch(&item); !fetched.ok()) return fetched;
+    }
+    if (Status finished = receiver_.Finish(); !finished.ok()) return finished;
+    return tally_.Finish();
+  }
+
+ private:
+  struct Item {
+    std::string source, target;
+    adb::FileStatus status;
+    std::optional<Error> error;
+  };
+
+  // All of them in one time of waiting; links, and what the protocol does not explain, one by one.
+  Status LookAt(std::vector<Item>* items) {
+    auto sync = OpenSync(device_, tally_.what(), limits_);
+    if (!sync.ok()) return sync.TakeError();
+    std::vector<std::string> paths;
+    paths.reserve(items->size());
+    for (const Item& item : *items) paths.push_back(item.source);
+    auto statuses = StatMany(device_, &*sync, paths, tally_.what(), limits_);
+    if (!statuses.ok()) return statuses.TakeError();
+    for (std::size_t i = 0; i < items->size(); ++i) {
+      Item& item = (*items)[i];
+      item.status = (*statuses)[i];
+      const dk_type type = TypeOf(item.status.mode);
+      if (item.status.exists() && (type == DK_FILE || type == DK_DIRECTORY)) continue;
+      auto followed = StatOf(device_, &*sync, item.source, DK_FOLLOW, WhatFor(item.source), limits_);
+      if (followed.ok()) {
+        item.status = *followed;
+      } else if (IsOfOneFile(followed.error().code)) {
+        item.error = followed.TakeError();
+      } else {
+        return followed.TakeError();
+      }
+    }
+    return {};
+  }
+
+  bool IsFolder(const Item& item) const { return TypeOf(item.status.mode) == DK_DIRECTORY; }
+
+  Status Count(Item* item) {
+    if (item->error) return {};
+    if (!IsFolder(*item)) {
+      tally_.Expect(item->status.size);
+      return {};
+    }
+    Status counted = FolderPull(device_, &tally_, &receiver_, item->source, nullptr, limits_).Count();
+    if (counted.ok() || !IsOfOneFile(counted.error().code)) return counted;
+    item->error = counted.TakeError();
+    return {};
+  }
+
+  Status Fetch(Item* item) {
+    if (item->error) return tally_.Failed(*std::move(item->error));
+    if (IsFolder(*item)) {
+      auto target = HostFolder::Open(item->target);
+      if (!target.ok()) return tally_.Failed(target.TakeError());
+      return FolderPull(device_, &tally_, &receiver_, item->source, *std::move(target), limits_).Run();
+    }
+    auto parent = OpenParent(HostParent(item->target));
+    if (!parent.ok()) return tally_.Failed(parent.TakeError());
+    PhoneFile file{item->source, item->status.size, item->status.modified,
+                   item->status.mode & kPermissionBits};
+    return receiver_.Fetch(std::move(file), *std::move(parent), HostName(item->target));
+  }
+
+  Result<std::shared_ptr<HostFolder>> OpenParent(const std::string& path) {
+    if (last_parent_ != nullptr && last_parent_->path() == path) return last_parent_;
+    auto opened = HostFolder::Open(path);
+    if (!opened.ok()) return opened;
+    RemoveLeftOvers(**opened);
+    last_parent_ = *opened;
+    return last_parent_;
+  }
+
+  dk_device* const device_;
+  const Limits& limits_;
+  Tally tally_;
+  Receiver receiver_;
+  std::shared_ptr<HostFolder> last_parent_;
+};
+
+}  // namespace
+}  // namespace darokleim::client
+
+using namespace darokleim;
+
+dk_code dk_pull(dk_device* device, const dk_item* items, size_t count, const dk_transfer_options* given,
+                dk_summary* summary, const dk_call* call) {
+  return client::Answer(call, [&](const adb::Limits& limits) -> client::Status {
+    if (summary != nullptr) *summary = {};
+    if (device == nullptr || (items == nullptr && count > 0))
+      return client::InvalidArgument("a null pointer");
+    client::Pull pull(device, client::ReadOptions<dk_transfer_options>(given, DK_TRANSFER_OPTIONS_INIT),
+                      limits);
+    client::Status status = pull.Run(items, count);
+    if (summary != nullptr) *summary = pull.summary();
+    return status;
+  });
+}

@@ -1,0 +1,55 @@
+// What a transfer of many files has done so far, and what its caller wants to know of it.
+#ifndef DAROKLEIM_CLIENT_TRANSFER_TALLY_H
+#define DAROKLEIM_CLIENT_TRANSFER_TALLY_H
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "client/call.h"
+
+namespace darokleim::client {
+
+class Tally {
+ public:
+  Tally(const dk_transfer_options& options, std::string what) : options_(options), what_(std::move(what)) {}
+
+  const dk_transfer_options& options() const { return options_; }
+  const std::string& what() const { return what_; }
+  const dk_summary& summary() const { return summary_; }
+
+  // Before the first byte.
+  void Expect(std::uint64_t bytes) {
+    progress_.bytes_total += bytes;
+    ++progress_.files_total;
+  }
+
+  // A file is begun; its path must live until the next one.
+  void Begin(const char* path, std::uint64_t size);
+  // The caller is asked before each block; DK_STOPPED when it does not want to go on.
+  Status Ask();
+  void Sent(std::uint64_t bytes);
+  // The same bytes once more: they are sent, and no progress.
+  void SentAgain(std::uint64_t bytes) { summary_.bytes_sent += bytes; }
+
+  void Done() { ++progress_.files_done, ++summary_.files_sent; }
+  void Skipped(std::uint64_t size);
+  // A file's error: the caller is told, and whether the rest goes on is its choice. Errors that the rest would have, too
+  // (the phone is gone, cancelled, out of time), end the transfer.
+  Status Failed(Error error);
+  // After the last one.
+  Status Finish() const;
+
+ private:
+  dk_transfer_options options_;
+  std::string what_;
+  dk_progress progress_ = {};
+  dk_summary summary_ = {};
+};
+
+// Whether what failed is one file, so that others may succeed.
+bool IsOfOneFile(dk_code code);
+
+}  // namespace darokleim::client
+
+#endif  // DAROKLEIM_CLIENT_TRANSFER_TALLY_H

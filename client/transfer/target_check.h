@@ -1,0 +1,42 @@
+// What is at the targets of a transfer already, and what that means for it.
+#ifndef DAROKLEIM_CLIENT_TRANSFER_TARGET_CHECK_H
+#define DAROKLEIM_CLIENT_TRANSFER_TARGET_CHECK_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "client/sync.h"
+
+namespace darokleim::client {
+
+struct Existing {
+  bool exists = false;
+  bool is_folder = false;
+  std::uint64_t size = 0;
+  std::int64_t modified = 0;
+};
+
+enum class Decision { kTransfer, kSkip, kExists, kIsFolder };
+
+// What becomes of a file of this size and time whose target is like that. A file never replaces a folder.
+Decision Decide(dk_existing policy, const Existing& target, std::uint64_t size, std::int64_t modified);
+
+// Looks at many files of the phone in one time of waiting.
+class TargetCheck {
+ public:
+  TargetCheck(dk_device* device, const Limits& limits) : device_(device), limits_(limits) {}
+
+  // In the order of the paths. What cannot be looked at counts as not there: writing it will say why.
+  Result<std::vector<Existing>> Look(const std::vector<std::string>& paths);
+
+ private:
+  dk_device* const device_;
+  const Limits& limits_;
+  std::optional<Sync> sync_;
+};
+
+}  // namespace darokleim::client
+
+#endif  // DAROKLEIM_CLIENT_TRANSFER_TARGET_CHECK_H

@@ -1,0 +1,267 @@
+// Files and folders to the phone and back.
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <map>
+#include <thread>
+
+#include "tests/client/client_on_phone.h"
+#include "tests/support/file_content.h"
+#include "tests/support/temporary_directory.h"
+
+namespace darokleim::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class Transfers : public ClientOnPhone {
+ protected:
+  std::string Host(const std::string& name) const { return directory_.File(name); }
+
+  // Every regular file below a folder of this computer, with its content.
+  static std::map<std::string, std::string> Content(const std::string& folder) {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+      if (entry.is_regular_file())
+        files[entry.path().native().substr(folder.size() + 1)] = ReadFile(entry.path());
+    }
+    return files;
+  }
+
+  // What no transfer leaves behind, wherever it ended.
+  void ExpectNoTemporaryFiles(const std::string& folder) const {
+    EXPECT_EQ(Shell("find " + folder + " -name '.darokleim*'"), "");
+    for (const auto& entry : fs::recursive_directory_iterator(directory_.path())) {
+      EXPECT_NE(entry.path().filename().native().rfind(".darokleim", 0), 0U) << entry.path();
+    }
+  }
+
+  struct Calls {
+    std::vector<dk_code> errors;
+    std::vector<std::string> paths;
+    dk_progress last = {};
+    std::uint64_t stop_after = ~std::uint64_t{0};
+  };
+  static dk_transfer_options Options(Calls* calls, dk_existing existing = DK_FAIL_IF_EXISTS,
+                                     bool keep_going = true) {
+    dk_transfer_options options = DK_TRANSFER_OPTIONS_INIT;
+    options.existing = existing;
+    options.keep_going = keep_going;
+    options.user = calls;
+    options.on_progress = [](void* user, const dk_progress* progress) {
+      auto& seen = *static_cast<Calls*>(user);
+      seen.last = *progress;
+      return progress->bytes_done < seen.stop_after;
+    };
+    options.on_error = [](void* user, const dk_error* error) {
+      static_cast<Calls*>(user)->errors.push_back(dk_error_code(error));
+      static_cast<Calls*>(user)->paths.emplace_back(dk_error_path(error) == nullptr ? ""
+                                                                                    : dk_error_path(error));
+      return true;
+    };
+    return options;
+  }
+
+  TemporaryDirectory directory_;
+};
+DAROKLEIM_ON_BOTH_GENERATIONS(Transfers);
+
+TEST_P(Transfers, ATreeGoesThereAndBackWithItsNamesTimesAndEmptyFolders) {
+  const std::string source = Host("tree");
+  for (const char* name :
+       {"my photo.jpg", "it's $HOME;&", "sub/\xff\xfe", "sub/deep/line\nbreak", "sub/-rf"}) {
+    fs::create_directories(fs::path(source + "/" + name).parent_path());
+    WriteFile(source + "/" + name, std::string("content of ") + name);
+  }
+  fs::create_directories(source + "/empty/in empty");
+  fs::last_write_time(source + "/my photo.jpg", fs::file_time_type::clock::now() - std::chrono::hours(1000));
+
+  Calls calls;
+  const dk_summary sent = phone().push({{source, "/sdcard/DCIM/tree"}}, Options(&calls)).value();
+  EXPECT_EQ(sent.files_sent, 5U);
+  EXPECT_EQ(calls.last.files_total, 5U);
+  EXPECT_EQ(calls.last.bytes_done, calls.last.bytes_total);
+  EXPECT_EQ(phone().stat("/sdcard/DCIM/tree/empty/in empty").value().type, DK_DIRECTORY);
+  ExpectNoTemporaryFiles("/sdcard/DCIM");
+
+  const dk_summary fetched = phone().pull({{"/sdcard/DCIM/tree", Host("back")}}, Options(&calls)).value();
+  EXPECT_EQ(fetched.files_sent, 5U);
+  EXPECT_EQ(Content(Host("back")), Content(source));
+  EXPECT_TRUE(fs::is_directory(Host("back/empty/in empty")));
+  struct stat before = {}, after = {};
+  stat((source + "/my photo.jpg").c_str(), &before);
+  stat(Host("back/my photo.jpg").c_str(), &after);
+  EXPECT_EQ(before.st_mtime, after.st_mtime);
+  ExpectNoTemporaryFiles("/sdcard/DCIM");
+}
+
+TEST_P(Transfers, WhatIsThereFailsIsSkippedOrReplaced) {
+  WriteFile(Host("a"), "new");
+  WriteFile(Host("b"), "new");
+  Shell("mkdir -p /sdcard/t/folder; echo old > /sdcard/t/a");
+  Calls calls;
+  EXPECT_EQ(phone().push({{Host("a"), "/sdcard/t/a"}, {Host("b"), "/sdcard/t/b"}}, Options(&calls)).code(),
+            DK_PARTLY_DONE);
+  EXPECT_EQ(calls.errors, std::vector<dk_code>{DK_EXISTS});
+  EXPECT_EQ(calls.paths, std::vector<std::string>{"/sdcard/t/a"});
+  EXPECT_EQ(Shell("cat /sdcard/t/a"), "old\n");
+  EXPECT_EQ(Shell("cat /sdcard/t/b"), "new");
+  EXPECT_EQ(
+      phone().push({{Host("a"), "/sdcard/t/a"}}, Options(&calls, DK_SKIP_EXISTING)).value().files_skipped,
+      1U);
+  EXPECT_EQ(phone().push({{Host("a"), "/sdcard/t/a"}}, Options(&calls, DK_REPLACE)).value().files_sent, 1U);
+  EXPECT_EQ(Shell("cat /sdcard/t/a"), "new");
+  const dk_summary again = phone().push({{Host("a"), "/sdcard/t/a"}}, Options(&calls, DK_SKIP_SAME)).value();
+  EXPECT_EQ(again.files_skipped, 1U);
+  EXPECT_EQ(again.bytes_sent, 0U);
+  calls.errors.clear();
+  EXPECT_EQ(phone().push({{Host("a"), "/sdcard/t/folder"}}, Options(&calls, DK_REPLACE)).code(),
+            DK_PARTLY_DONE);
+  EXPECT_EQ(calls.errors, std::vector<dk_code>{DK_IS_A_DIRECTORY});
+
+  WriteFile(Host("old"), "older content");
+  calls.errors.clear();
+  EXPECT_EQ(phone().pull({{"/sdcard/t/a", Host("old")}}, Options(&calls)).code(), DK_PARTLY_DONE);
+  EXPECT_EQ(calls.errors, std::vector<dk_code>{DK_EXISTS});
+  EXPECT_EQ(ReadFile(Host("old")), "older content");
+  EXPECT_TRUE(phone().pull({{"/sdcard/t/a", Host("old")}}, Options(&calls, DK_REPLACE)));
+  EXPECT_EQ(ReadFile(Host("old")), "new");
+}
+
+TEST_P(Transfers, OneBadFileKeepsNoOtherUp) {
+  std::vector<dk::Item> items;
+  for (int i = 0; i < 300; ++i) {
+    const std::string name = "f" + std::to_string(i);
+    if (i % 100 != 50) WriteFile(Host(name), std::string(1000, static_cast<char>('a' + i % 26)));
+    items.push_back({Host(name), "/sdcard/many/" + name});
+  }
+  Calls calls;
+  EXPECT_EQ(phone().push(items, Options(&calls)).code(), DK_PARTLY_DONE);
+  EXPECT_EQ(calls.errors, std::vector<dk_code>(3, DK_NOT_FOUND));
+  EXPECT_EQ(Shell("ls /sdcard/many | wc -l"), "297\n");
+
+  calls = {};
+  Shell("rm /sdcard/many/f7 /sdcard/many/f200");
+  items.clear();
+  for (int i = 0; i < 300; ++i) {
+    const std::string name = "f" + std::to_string(i);
+    if (i % 100 != 50) items.push_back({"/sdcard/many/" + name, Host("back/" + name)});
+  }
+  EXPECT_EQ(phone().pull(items, Options(&calls)).code(), DK_PARTLY_DONE);
+  EXPECT_EQ(calls.errors, std::vector<dk_code>(2, DK_NOT_FOUND));
+  EXPECT_EQ(Content(Host("back")).size(), 295U);
+  ExpectNoTemporaryFiles("/sdcard/many");
+}
+
+TEST_P(Transfers, ACancelInTheMiddleHarmsNoOlderFile) {
+  WriteFile(Host("large"), std::string(20 << 20, 'x'));
+  Shell("mkdir -p /sdcard/t; echo old > /sdcard/t/large");
+  Calls calls;
+  calls.stop_after = 1 << 20;
+  EXPECT_EQ(phone().push({{Host("large"), "/sdcard/t/large"}}, Options(&calls, DK_REPLACE)).code(),
+            DK_STOPPED);
+  EXPECT_EQ(Shell("cat /sdcard/t/large"), "old\n");
+  ExpectNoTemporaryFiles("/sdcard/t");
+
+  calls.stop_after = ~std::uint64_t{0};
+  ASSERT_TRUE(phone().push({{Host("large"), "/sdcard/t/large"}}, Options(&calls, DK_REPLACE)));
+  WriteFile(Host("target"), "old");
+  calls.stop_after = 1 << 20;
+  EXPECT_EQ(phone().pull({{"/sdcard/t/large", Host("target")}}, Options(&calls, DK_REPLACE)).code(),
+            DK_STOPPED);
+  EXPECT_EQ(ReadFile(Host("target")), "old");
+
+  const dk::Cancel cancel;
+  std::thread canceller([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    cancel.set();
+  });
+  calls.stop_after = ~std::uint64_t{0};
+  const auto pulled =
+      phone().pull({{"/sdcard/t/large", Host("target")}}, Options(&calls, DK_REPLACE), {cancel, {}});
+  canceller.join();
+  if (!pulled) {  // unless it was faster
+    EXPECT_EQ(pulled.code(), DK_CANCELLED);
+    EXPECT_EQ(ReadFile(Host("target")), "old");
+  }
+  ExpectNoTemporaryFiles("/sdcard/t");
+}
+
+TEST_P(Transfers, AnUnpluggedPhoneIsSaidToBeGone) {
+  WriteFile(Host("a"), "new");
+  phones().Control({kSerial, "unplug"});
+  Calls calls;
+  EXPECT_EQ(phone().push({{Host("a"), "/sdcard/a"}}, Options(&calls)).code(), DK_NO_DEVICE);
+  EXPECT_EQ(phone().pull({{"/sdcard/a", Host("b")}}, Options(&calls)).code(), DK_NO_DEVICE);
+  EXPECT_FALSE(fs::exists(Host("b")));
+}
+
+TEST_P(Transfers, AFullStorageKeepsTheOlderFile) {
+  WriteFile(Host("large"), std::string(4 << 20, 'x'));
+  Shell("mkdir -p /sdcard/t; echo old > /sdcard/t/large");
+  phones().Control({kSerial, "fault", "full-storage"});
+  Calls calls;
+  EXPECT_EQ(phone().push({{Host("large"), "/sdcard/t/large"}}, Options(&calls, DK_REPLACE)).code(),
+            DK_PARTLY_DONE);
+  EXPECT_EQ(calls.errors, std::vector<dk_code>{DK_NO_SPACE});
+  EXPECT_EQ(Shell("cat /sdcard/t/large"), "old\n");
+}
+
+TEST_P(Transfers, LinksLeadNowhere) {
+  fs::create_directories(Host("tree/folder"));
+  WriteFile(Host("outside"), "secret");
+  WriteFile(Host("tree/file"), "content");
+  fs::create_symlink("file", Host("tree/inside"));
+  fs::create_symlink(Host("outside"), Host("tree/out"));
+  fs::create_symlink("folder", Host("tree/to folder"));
+  Calls calls;
+  EXPECT_EQ(phone().push({{Host("tree"), "/sdcard/tree"}}, Options(&calls)).code(), DK_PARTLY_DONE);
+  EXPECT_EQ(calls.errors, (std::vector<dk_code>{DK_UNSUPPORTED, DK_UNSUPPORTED}));
+  EXPECT_EQ(Shell("cat /sdcard/tree/inside"), "content");
+  EXPECT_EQ(phone().stat("/sdcard/tree/out").code(), DK_NOT_FOUND);
+
+  // A link that is here already is not written through.
+  fs::create_directories(Host("target"));
+  fs::create_directories(Host("elsewhere"));
+  fs::create_symlink(Host("elsewhere"), Host("target/folder"));
+  Shell("echo x > /sdcard/tree/folder/x");
+  calls = {};
+  EXPECT_EQ(phone().pull({{"/sdcard/tree", Host("target")}}, Options(&calls)).code(), DK_PARTLY_DONE);
+  EXPECT_EQ(calls.errors, std::vector<dk_code>{DK_UNSAFE_NAME});
+  EXPECT_TRUE(fs::is_empty(Host("elsewhere")));
+  EXPECT_EQ(ReadFile(Host("target/file")), "content");
+}
+
+TEST_P(Transfers, MemoryIsWrittenAsAFile) {
+  const std::string content(200000, 'm');
+  ASSERT_TRUE(phone().write("/sdcard/new/from memory", content));
+  EXPECT_EQ(phone().read("/sdcard/new/from memory").value(), content);
+  EXPECT_EQ(phone().write("/sdcard/new/from memory", "other").code(), DK_EXISTS);
+  ASSERT_TRUE(phone().write("/sdcard/new/from memory", "other", 0600, true));
+  EXPECT_EQ(Shell("cat '/sdcard/new/from memory'"), "other");
+  ExpectNoTemporaryFiles("/sdcard/new");
+}
+
+TEST_P(Transfers, LeftOversOfAKilledProcessAreRemoved) {
+  Shell("mkdir -p /sdcard/t");
+  WriteFile(Host("a"), "a");
+  // One that ends in the middle, without any clean-up.
+  Calls calls;
+  static_cast<void>(WaitStatusOfFork([&] {
+    Calls mine;
+    auto options = Options(&mine);
+    options.on_progress = [](void*, const dk_progress* progress) -> bool {
+      if (progress->bytes_done > 0) _exit(0);
+      return true;
+    };
+    WriteFile(Host("large"), std::string(8 << 20, 'x'));
+    static_cast<void>(phone().push({{Host("large"), "/sdcard/t/large"}}, options));
+  }));
+  // The daemon removes an unfinished file; its temporary folder stays.
+  ASSERT_TRUE(phone().push({{Host("a"), "/sdcard/t/a"}}, Options(&calls)));
+  ExpectNoTemporaryFiles("/sdcard/t");
+}
+
+}  // namespace
+}  // namespace darokleim::test

@@ -1,0 +1,187 @@
+// The client's readers of what phones print, on any bytes: without a phone.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "client/apps/package_dump.h"
+#include "client/exit_mark.h"
+#include "client/facts.h"
+#include "client/log_records.h"
+#include "client/phone_errors.h"
+#include "client/phone_path.h"
+#include "client/temporary_name.h"
+#include "client/transfer/host_target.h"
+
+namespace darokleim::client {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::Pair;
+
+TEST(PackageList, HasPathsWithEqualSigns) {
+  EXPECT_THAT(
+      ReadPackageList(
+          "package:/data/app/~~a==/com.x-b==/base.apk=com.x\r\nnoise\npackage:/system/a.apk=com.y;rm\n"),
+      ElementsAre(Pair("com.x", "/data/app/~~a==/com.x-b==/base.apk")));
+}
+
+TEST(PackageDump, GivesFactsOfInstalledPackagesAlone) {
+  const auto packages = ReadPackageDump(
+      "Packages:\n  Package [com.x] (1):\n    versionCode=12 minSdk=21\n    versionName=1.2-beta 3\n"
+      "    splits=[base, config.en]\n    pkgFlags=[ SYSTEM HAS_CODE ]\n    User 0: installed=true enabled=2\n"
+      "Hidden system packages:\n  Package [com.x] (1):\n    versionName=0.9\n");
+  ASSERT_EQ(packages.size(), 1U);
+  const PackageFacts& facts = packages.at("com.x");
+  EXPECT_EQ(facts.version_name, "1.2-beta 3");
+  EXPECT_EQ(facts.version_code, 12);
+  EXPECT_TRUE(facts.system);
+  EXPECT_FALSE(facts.enabled);
+  EXPECT_THAT(facts.splits, ElementsAre("config.en"));
+}
+
+TEST(PackageDump, ReadsAnyBytes) {
+  EXPECT_TRUE(
+      ReadPackageDump("Packages:\n  Package [\n    versionCode=x\n  Package [a;b] (1):\n\n=").empty());
+}
+
+TEST(PackageAnswer, NamesTheReason) {
+  EXPECT_TRUE(ReadPackageAnswer("Success\n").success);
+  EXPECT_EQ(ReadPackageAnswer("Failure [INSTALL_FAILED_OLDER_SDK: needs 99]").reason,
+            "INSTALL_FAILED_OLDER_SDK");
+  EXPECT_FALSE(ReadPackageAnswer("Exception occurred while executing 'install'").success);
+  EXPECT_FALSE(ReadPackageAnswer("").success);
+}
+
+TEST(Session, IsANumber) {
+  EXPECT_EQ(ReadSession("Success: created install session [123]\n"), "123");
+  EXPECT_EQ(ReadSession("Success: created install session [1;reboot]"), std::nullopt);
+  EXPECT_EQ(ReadSession("Failure [x]"), std::nullopt);
+}
+
+TEST(PackageName, IsHarmlessToAShell) {
+  EXPECT_TRUE(IsPackageName("com.example.Notes_2"));
+  for (const char* name : {"", "a b", "a;b", "$x", "a/b", "-a b", "a\nb"})
+    EXPECT_FALSE(IsPackageName(name)) << name;
+}
+
+// The output that is passed on, and the status, whatever the pieces are.
+std::pair<std::string, std::optional<int>> ReadMarked(const ExitMark& mark, const std::string& output,
+                                                      std::size_t piece) {
+  ExitMarkReader reader(mark, false);
+  std::string passed;
+  for (std::size_t at = 0; at < output.size(); at += piece) passed += reader.Pass(output.substr(at, piece));
+  const auto status = reader.Finish();
+  return {passed + (status ? reader.TakeRest() : ""), status};
+}
+
+TEST(ExitMark, IsTakenOffWhateverThePieces) {
+  const ExitMark mark;
+  for (std::size_t piece = 1; piece < 200; ++piece) {
+    EXPECT_THAT(ReadMarked(mark, "some output\nno break" + mark.text() + "255\n", piece),
+                Pair("some output\nno break", 255));
+  }
+  EXPECT_EQ(ReadMarked(mark, "cut off", 3).second, std::nullopt);
+  EXPECT_EQ(ReadMarked(mark, "cut " + mark.text() + "1", 3).second, std::nullopt);
+  EXPECT_EQ(ReadMarked(mark, "odd " + mark.text() + "x\n", 3).second, std::nullopt);
+}
+
+TEST(ExitMark, DiffersFromCallToCall) {
+  EXPECT_NE(ExitMark().text(), ExitMark().text());
+}
+
+std::string LogRecord(const std::string& payload, int header = 28) {
+  std::string record = {static_cast<char>(payload.size()), 0, static_cast<char>(header), 0};
+  record += std::string("\x01\0\0\0\x02\0\0\0\x03\0\0\0\x04\0\0\0", 16);
+  record += std::string(static_cast<std::size_t>(header) - 20, '\0');
+  return record + payload;
+}
+
+TEST(LogRecords, AreFoundWhateverThePieces) {
+  const std::string payload("\x06Tag\0text\nof two lines\0", 23);
+  const std::string stream = LogRecord(payload) + LogRecord(payload, 20);
+  for (std::size_t piece = 1; piece < stream.size(); ++piece) {
+    LogRecords records;
+    std::vector<std::string> found;
+    for (std::size_t at = 0; at < stream.size(); at += piece) {
+      ASSERT_TRUE(records.Read(stream.substr(at, piece), [&](const dk_log_record& record) {
+        EXPECT_EQ(record.process, 1U);
+        EXPECT_EQ(record.thread, 2U);
+        EXPECT_EQ(record.seconds, 3);
+        EXPECT_EQ(record.nanoseconds, 4);
+        found.push_back(std::string(1, record.level) + record.tag + ":" + record.text);
+      }));
+    }
+    EXPECT_THAT(found, ElementsAre("ETag:text\nof two lines", "ETag:text\nof two lines"));
+  }
+}
+
+TEST(LogRecords, WithoutTextsEndWhereTheyEnd) {
+  LogRecords records;
+  int count = 0;
+  EXPECT_TRUE(records.Read(LogRecord("\x04"), [&](const dk_log_record& record) {
+    ++count;
+    EXPECT_STREQ(record.tag, "");
+    EXPECT_STREQ(record.text, "");
+  }));
+  EXPECT_EQ(count, 1);
+  EXPECT_FALSE(LogRecords().Read(std::string(40, '\xff'), [](const dk_log_record&) {}));
+}
+
+TEST(PhoneErrors, AreReadAfterEveryName) {
+  EXPECT_EQ(ErrnoAtEnd("mkdir: '/sdcard/x': No such file or directory\n"), 2);
+  EXPECT_EQ(ErrnoAtEnd("rm: /sdcard/Permission denied: Directory not empty\r\n"), 39);
+  EXPECT_EQ(ErrnoAtEnd("cp: File exists: something else"), 0);
+}
+
+TEST(PhonePath, IsAbsoluteAndWithoutSlashesAtItsEnd) {
+  EXPECT_EQ(*ReadPath("/sdcard//"), "/sdcard");
+  EXPECT_EQ(*ReadPath("/"), "/");
+  EXPECT_EQ(ReadPath("sdcard").error().code, DK_INVALID_ARGUMENT);
+  EXPECT_EQ(ReadPath(("/" + std::string(4095, 'a')).c_str()).error().code, DK_NAME_TOO_LONG);
+  for (const char* path :
+       {"/", "/sdcard", "/storage/emulated/0", "/storage/AB-CD", "/a/../b", "/data/media/0"}) {
+    EXPECT_TRUE(IsTooMuchToRemove(path)) << path;
+  }
+  EXPECT_FALSE(IsTooMuchToRemove("/sdcard/DCIM"));
+  EXPECT_FALSE(IsTooMuchToRemove("/storage/emulated/0/DCIM"));
+}
+
+TEST(SafeName, LeadsNowhere) {
+  EXPECT_TRUE(IsSafeName("a photo.jpg"));
+  EXPECT_TRUE(IsSafeName("..."));
+  for (const char* name : {"", ".", "..", "../x", "/etc/passwd", "a/b"})
+    EXPECT_FALSE(IsSafeName(name)) << name;
+}
+
+TEST(TemporaryName, IsLeftOverOnlyOfAnEndedProcess) {
+  const std::string own = NewTemporaryName();
+  EXPECT_FALSE(IsLeftOver(own));
+  const std::string ended = own.substr(0, own.find('-', kTemporaryPrefix.size()) + 1) + "2147483000-0";
+  EXPECT_TRUE(IsLeftOver(ended));
+  EXPECT_FALSE(IsLeftOver(".darokleim-00000000-2147483000-0"));
+  EXPECT_FALSE(IsLeftOver("photo.jpg"));
+}
+
+TEST(Facts, AreReadFromWhatPhonesPrint) {
+  EXPECT_EQ(ReadScreen("Physical size: 1080x2340\nOverride size: 720x1560\nPhysical density: 440\n")->width,
+            720);
+  EXPECT_EQ(ReadScreen("Physical size: x\n"), std::nullopt);
+  EXPECT_EQ(ReadBattery("  level: 43\n  scale: 50\n  USB powered: true\n  temperature: 281\n")->level, 86);
+  EXPECT_EQ(ReadBattery("nothing"), std::nullopt);
+  EXPECT_EQ(ReadMemory("MemTotal: 2000 kB\nMemFree: 10 kB\nCached: 20 kB\n")->available, 30U * 1024);
+  EXPECT_EQ(ReadRoundedSize("1.5K"), 1536U);
+  EXPECT_EQ(ReadRoundedSize("12Q"), std::nullopt);
+  EXPECT_EQ(ReadRoundedSize("99999999999999999999T"), std::nullopt);
+}
+
+TEST(Properties, MayHaveSeveralLines) {
+  std::vector<std::pair<std::string, std::string>> found;
+  ForEachProperty("[a]: [1]\r\n[b]: [two\nlines]\n[c]: []\n",
+                  [&](const std::string& name, const std::string& value) {
+                    found.emplace_back(name, value);
+                    return true;
+                  });
+  EXPECT_THAT(found, ElementsAre(Pair("a", "1"), Pair("b", "two\nlines"), Pair("c", "")));
+}
+
+}  // namespace
+}  // namespace darokleim::client
