@@ -86,9 +86,9 @@ std::string PhoneToolTest::Fail(const Words& arguments) const {
 
 std::vector<std::string> AwkwardPaths(const std::string& folder) {
   std::vector<std::string> paths;
-  for (const char* name : {"my photo.jpg", " blank first", "it's", "say \"hi\" twice", "\"", "$HOME", "a&b",
+  for (const char* name : {"my photo.jpg", " space first", "it's", "say \"hi\" twice", "\"", "$HOME", "a&b",
                            "(1)", "a|b", "*", "back\\slash", "two\\\\slashes", "ends\\", "~", "-rf",
-                           "\xe7\x85\xa7\xe7\x89\x87 1", "'quoted'", "x\"\" y", "blank last "}) {
+                           "\xe7\x85\xa7\xe7\x89\x87 1", "'quoted'", "x\"\" y", "space last "}) {
     paths.push_back(folder + "/" + name);
   }
   return paths;

@@ -59,7 +59,7 @@ TEST(DescribeResult, KnowsTheStatusesOfTheChannel) {
   EXPECT_THAT(DescribeResult(3999), StartsWith("unknown result (3999): "));
 }
 
-// A meaning and what to do about it: two sentences, behind the name.
+// A meaning and what to do about it: two sentences, after the name.
 TEST(DescribeResult, AlwaysHasAdvice) {
   std::set<int> codes = kCodes;
   codes.erase(ADB_RESULT_OK);

@@ -21,7 +21,7 @@ constexpr char kExitStatus[] = R"(.TP
 The command did what it was asked.
 .TP
 1
-It failed. What could not be done, why, and what helps is told on standard error.
+It failed. Standard error says what could not be done, why, and what helps.
 .TP
 2
 The command line is wrong.
@@ -35,7 +35,7 @@ constexpr char kEnvironment[] = R"(.TP
 The device, where \-s names none.
 .TP
 .BR ANDROID_HOME ", " ANDROID_SDK_ROOT
-An Android SDK, in which adb is looked for.
+An Android SDK, in which adb is searched for.
 .TP
 .B ANDROID_ADB_SERVER_PORT
 Where adb\(aqs server is; read by adb itself.
@@ -47,7 +47,7 @@ Not empty: no colours, on a terminal either.
 The lowest level written to the logs: 0 trace, 1 progress (the default), 2 command lines, 3 errors.
 .TP
 .B DAROKLEIM_CHANNEL_ASSIST
-0: hand commands and texts through as they are, for a look at what a device really says.
+0: pass commands and output through unchanged, to see what a device really prints.
 )";
 
 constexpr char kFiles[] = R"(.TP
@@ -130,7 +130,7 @@ std::string ManualPage(const Command& root, const std::string& version) {
   page += ".SH NAME\ndarokleim \\- " + RoffLine("manage Android devices over adb") + "\n";
   page += ".SH SYNOPSIS\n" + Usage(root);
   page += ".SH DESCRIPTION\n" + RoffText(kDescription);
-  page += ".SH OPTIONS\nThey may stand before and behind the command.\n" + Entries(root);
+  page += ".SH OPTIONS\nThey may precede or follow the command.\n" + Entries(root);
   page += ".SH COMMANDS\n";
   for (const auto& command : root.subcommands()) {
     if (!command->is_hidden()) page += Section(*command);

@@ -9,7 +9,7 @@ namespace darokleim::cli {
 // A line of UTF-8 text as the formatters of manual pages read it, whatever it holds.
 std::string RoffLine(std::string_view text);
 
-// Several lines, of which those that begin with two blanks stay as they are laid out.
+// Several lines, of which those that begin with two spaces keep their layout.
 std::string RoffText(std::string_view text);
 
 }  // namespace darokleim::cli

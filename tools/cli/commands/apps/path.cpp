@@ -20,7 +20,7 @@ constexpr char kFooter[] = R"(Examples:
   darokleim app path com.example.notes --base    the first of them only
   darokleim app path com.example.notes --json    {"package": "com.example.notes", "paths": ["/data/app/…"]})";
 
-// The most that the library writes, whatever size it is told.
+// The most that the library writes, whatever size it is given.
 constexpr int kRoom = 4096;
 
 struct Options {

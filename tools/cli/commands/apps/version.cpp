@@ -21,7 +21,7 @@ Examples:
   darokleim app version com.example.notes           1.2.3
   darokleim app version com.example.notes --json    {"package": "com.example.notes", "version": "1.2.3"})";
 
-// The most that the library writes, whatever size it is told.
+// The most that the library writes, whatever size it is given.
 constexpr int kRoom = 4096;
 
 struct Options {
