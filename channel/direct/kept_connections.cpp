@@ -9,6 +9,7 @@
 #include <list>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <thread>
 
 #include "base/signals_blocked.h"
@@ -163,10 +164,14 @@ std::optional<adb::SyncConnection> TakeKeptConnection(const std::string& key) {
 
 void KeepConnection(const std::string& key, adb::SyncConnection connection) {
   if (!connection.IsIdle()) return;
-  KeptList added;
-  added.push_back({key, std::move(connection), {}});
-  Pool* const pool = pool_of_this_process.Get();
-  Pool::Quit(pool == nullptr ? std::move(added) : pool->Keep(std::move(added)));
+  try {
+    KeptList added;
+    added.push_back({key, std::move(connection), {}});
+    Pool* const pool = pool_of_this_process.Get();
+    Pool::Quit(pool == nullptr ? std::move(added) : pool->Keep(std::move(added)));
+  } catch (const std::bad_alloc&) {
+    // The command has had its answer; the connection is closed.
+  }
 }
 
 }  // namespace darokleim::channel::direct

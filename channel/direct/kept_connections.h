@@ -16,7 +16,7 @@ namespace darokleim::channel::direct {
 // key: names the server and the phone. None when none is kept that is still usable.
 std::optional<adb::SyncConnection> TakeKeptConnection(const std::string& key);
 
-// Keeps the connection if it is idle; closes it otherwise.
+// Keeps the connection if it is idle and there is memory for it; closes it otherwise.
 void KeepConnection(const std::string& key, adb::SyncConnection connection);
 
 }  // namespace darokleim::channel::direct

@@ -75,7 +75,7 @@ void Stream::RunDirectly() {
   std::optional<direct::Ending> ending;
   try {
     ending = direct::Run(command_, {.interrupt = &*interrupt_}, this);
-  } catch (const std::bad_alloc&) {
+  } catch (const std::exception&) {
     ending = {direct::Ending::kSystemRefused};
   }
   if (!ending) return RunThroughAdbAfterAll();
@@ -85,9 +85,11 @@ void Stream::RunDirectly() {
 
 void Stream::RunThroughAdbAfterAll() {
   Status started = kCancelled;
-  {
+  try {
     const std::lock_guard lock(mutex_);
     if (!stopping_) started = StartChild();
+  } catch (const std::exception&) {
+    started = kSystemRefused;
   }
   if (started == kDelivered) return RunThroughAdb();
   Finish(Route::kAdb, started);
