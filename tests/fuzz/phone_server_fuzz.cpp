@@ -33,7 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   darokleim::sdk::Require(ends && WriteAll(ends->first.get(), data, size));
   shutdown(ends->first.get(), SHUT_WR);
   ClientSession(
-      &phones, &forwards, [] {}, &ends->second)
+      ServerRelease::kAdb34, &phones, &forwards, [] {}, &ends->second)
       .Run();
   ends->second.Reset();
   const std::string answer = TakeAnswer(ends->first);

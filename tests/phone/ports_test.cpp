@@ -34,12 +34,19 @@ TEST_P(Ports, ForwardsAreListedAndRemoved) {
   EXPECT_THAT(Adb({"forward", "--list"}).output, HasSubstr(serial() + " " + local + " tcp:8713\n"));
   EXPECT_EQ(Adb({"forward", "--no-rebind", local, "tcp:9"}).errors,
             "adb: error: cannot rebind existing socket\n");
-  EXPECT_EQ(Adb({"forward", local, "tcp:8714"}).status, 0);
+  const Outcome rebound = Adb({"forward", local, "tcp:8714"});
+  EXPECT_EQ(rebound.errors + rebound.output, "");
   EXPECT_THAT(Adb({"forward", "--list"}).output, HasSubstr(local + " tcp:8714\n"));
   EXPECT_EQ(Adb({"forward", "--remove", local}).status, 0);
   const Outcome again = Adb({"forward", "--remove", local});
   EXPECT_EQ(again.errors, "adb: error: listener '" + local + "' not found\n");
   EXPECT_EQ(Exchange(port, "hello"), "");
+}
+
+TEST_P(Ports, ForwardPrintsThePortAlsoWhenItWasNamed) {
+  const std::string port = std::to_string(FreeHostPort());
+  EXPECT_EQ(Adb({"forward", "tcp:" + port, "tcp:8718"}).output, port + "\n");
+  EXPECT_EQ(Adb({"forward", "--remove", "tcp:" + port}).errors, "");
 }
 
 TEST_P(Ports, ForwardsEndWhenThePhoneGoes) {

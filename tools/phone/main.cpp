@@ -46,6 +46,16 @@ int Serve(int argc, char** argv) {
       ->capture_default_str()
       ->envname(kPortVariable);
   app.add_option("--phone", phones, kPhoneHelp)->allow_extra_args(false);
+  std::string release = "29";
+  app.add_option("--server-release", release,
+                 "the release of adb whose server this is; they differ in features")
+      ->check(CLI::IsMember({"29", "34"}))
+      ->capture_default_str();
+  bool quick = false;
+  app.add_flag(
+      "--quick", quick,
+      "send every reply at once; a real server keeps a client that waits for each reply waiting for up to "
+      "40 ms");
   app.add_flag("--restart-on-kill", options.restart_on_kill,
                "adb kill-server ends every connection; then the server is there again, with its phones");
   CLI::App* control =
@@ -58,6 +68,8 @@ int Serve(int argc, char** argv) {
   control->add_option("WORD", control_words, "what to do")->required()->type_name("");
   try {
     app.parse(argc, argv);
+    if (release == "34") options.release = ServerRelease::kAdb34;
+    if (quick) options.small_packets = SmallPackets::kGoAtOnce;
     for (const std::string& phone : phones) options.phones.push_back(ParsePhoneOptions(phone));
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? 0 : kWrongUsage;

@@ -118,7 +118,7 @@ uint16_t Listener::port() const {
   return ntohs(bound.sin_port);
 }
 
-base::UniqueFd AcceptConnection(int listener) {
+base::UniqueFd AcceptConnection(int listener, SmallPackets small_packets) {
 #if defined(__linux__)
   base::UniqueFd connection(accept4(listener, nullptr, nullptr, SOCK_CLOEXEC));
 #else
@@ -126,8 +126,8 @@ base::UniqueFd AcceptConnection(int listener) {
 #endif
   if (connection.valid()) {
     SetCloseOnExec(connection.get());
-    const int on = 1;
-    setsockopt(connection.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof(on));
+    const int at_once = small_packets == SmallPackets::kGoAtOnce ? 1 : 0;
+    setsockopt(connection.get(), IPPROTO_TCP, TCP_NODELAY, &at_once, sizeof(at_once));
   } else if (errno != ECONNABORTED && errno != EINTR && errno != EAGAIN) {
     // The listener stays readable meanwhile: without the pause its owner would ask again at once.
     usleep(kPauseMicroseconds);

@@ -56,9 +56,11 @@ class Listener {
   base::UniqueFd fd_;
 };
 
-// The next connection, without delay for small packets; not valid when it was closed again, or after a pause while
-// there is no descriptor for it.
-base::UniqueFd AcceptConnection(int listener);
+// Whether a small packet waits until the other side has acknowledged the one before (Nagle's algorithm).
+enum class SmallPackets { kWait, kGoAtOnce };
+
+// The next connection; not valid when it was closed again, or after a pause while there is no descriptor for it.
+base::UniqueFd AcceptConnection(int listener, SmallPackets small_packets = SmallPackets::kGoAtOnce);
 
 }  // namespace darokleim::phone
 

@@ -46,7 +46,7 @@ bool SendOkay(int fd) {
 }
 
 bool SendFail(int fd, std::string_view reason) {
-  return Send(fd, "FAIL" + WithLength(reason));
+  return Send(fd, "FAIL") && Send(fd, WithLength(reason));
 }
 
 bool SendText(int fd, std::string_view text) {
@@ -54,7 +54,7 @@ bool SendText(int fd, std::string_view text) {
 }
 
 bool SendOkayAndText(int fd, std::string_view text) {
-  return Send(fd, "OKAY" + WithLength(text));
+  return Send(fd, "OKAY") && Send(fd, WithLength(text));
 }
 
 void PutLe32(std::string* out, uint32_t value) {

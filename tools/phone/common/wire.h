@@ -13,6 +13,8 @@ namespace darokleim::phone {
 // many bytes; an answer is OKAY, or FAIL and a text in the same form.
 std::optional<std::string> ReadRequest(int fd);
 
+// Each answer goes out as the adb server sends it, the word and then the rest: where small packets are held back, a
+// client that waits for the whole answer also waits for its own system's delayed acknowledgement of the word.
 bool SendOkay(int fd);
 bool SendFail(int fd, std::string_view reason);
 // A text after its length, as it follows OKAY. A text longer than four hexadecimal digits can express is cut.

@@ -71,7 +71,7 @@ void RunService(const Request& request, base::UniqueFd stream) {
   if (const auto shell = ParseShellService(request.service, request.legacy)) {
     RunShell(*shell, std::move(stream));
   } else if (request.service == "sync:") {
-    SyncService(std::move(stream)).Run();
+    SyncService(std::move(stream), request.legacy).Run();
   } else if (!request.answer.empty()) {
     AnswerAndClose(std::move(stream), request.answer);
   } else if (const auto address = SocketAddress::Parse(request.service)) {

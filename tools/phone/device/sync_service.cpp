@@ -49,8 +49,8 @@ bool IsReplaced(const std::string& path, bool by_link) {
 
 }  // namespace
 
-SyncService::SyncService(base::UniqueFd client)
-    : client_(std::move(client)), block_(kSyncHeaderSize + kSyncLargestData) {}
+SyncService::SyncService(base::UniqueFd client, bool legacy)
+    : client_(std::move(client)), legacy_(legacy), block_(kSyncHeaderSize + kSyncLargestData) {}
 
 void SyncService::Run() {
   SendOkay(client_.get());
@@ -69,6 +69,9 @@ void SyncService::Run() {
 }
 
 bool SyncService::Answer(uint32_t id, const std::string& path) {
+  const bool second_form =
+      id == kSyncStat2 || id == kSyncLstat2 || id == kSyncList2 || id == kSyncSend2 || id == kSyncReceive2;
+  if (legacy_ && second_form) return Refuse("unknown command " + std::to_string(id));
   switch (id) {
     case kSyncLstat1:
     case kSyncStat2:
@@ -79,8 +82,12 @@ bool SyncService::Answer(uint32_t id, const std::string& path) {
       return List(id == kSyncList2, path);
     case kSyncSend:
       return Send(path);
+    case kSyncSend2:
+      return Send2(path);
     case kSyncReceive:
       return Receive(path);
+    case kSyncReceive2:
+      return Receive2(path);
     default:
       return Refuse("unknown command " + std::to_string(id));
   }
@@ -91,28 +98,31 @@ bool SyncService::Stat(uint32_t id, const std::string& path) {
   const int result = id == kSyncStat2 ? stat(path.c_str(), &status) : lstat(path.c_str(), &status);
   const int error = result == 0 ? 0 : errno;
   if (error != 0) status = {};
-  return Reply(id == kSyncLstat1 ? MakeStat1(id, status) : MakeStat2(id, error, status));
+  return ReplyInTwoPieces(id == kSyncLstat1 ? MakeStat1(id, status) : MakeStat2(id, error, status));
 }
 
 // A folder that cannot be read lists nothing: the protocol has no word for it.
 bool SyncService::List(bool second_form, const std::string& path) {
+  std::string entries;
   if (DIR* folder = opendir(path.c_str())) {
     while (const dirent* entry = readdir(folder)) {
       struct stat status = {};
       const bool known = lstat((path + "/" + entry->d_name).c_str(), &status) == 0;
       const int error = known ? 0 : errno;
       if (!known && !second_form) continue;
-      if (!Reply(MakeEntry(second_form, error, status, entry->d_name))) {
+      entries += MakeEntry(second_form, error, status, entry->d_name);
+      if (entries.size() < kSyncLargestData) continue;
+      if (!ReplyInTwoPieces(entries)) {
         closedir(folder);
         return false;
       }
+      entries.clear();
     }
     closedir(folder);
   }
-  return Reply(MakeEndOfList(second_form));
+  return ReplyInTwoPieces(entries + MakeEndOfList(second_form));
 }
 
-// "PATH,MODE" with a decimal mode.
 bool SyncService::Send(const std::string& path_and_mode) {
   const size_t comma = path_and_mode.rfind(',');
   if (comma == std::string::npos) return Refuse("missing , in ID_SEND");
@@ -121,9 +131,23 @@ bool SyncService::Send(const std::string& path_and_mode) {
   char* end = nullptr;
   const unsigned long mode = std::strtoul(path_and_mode.c_str() + comma + 1, &end, 0);
   if (errno != 0 || *end != '\0' || end == path_and_mode.c_str() + comma + 1) return Refuse("bad mode");
+  return TakeEntry(path, static_cast<unsigned>(mode));
+}
+
+// The mode and flags follow in a message of their own. The flags name a compression; none is offered.
+bool SyncService::Send2(const std::string& path) {
+  std::array<char, kSyncHeaderSize + sizeof(uint32_t)> bytes;
+  if (!ReadExactly(client_.get(), bytes.data(), bytes.size())) return false;
+  const SyncHeader setup = ParseSyncHeader(bytes.data());
+  if (setup.id != kSyncSend2) return Refuse("invalid send setup");
+  if (GetLe32(bytes.data() + kSyncHeaderSize) != 0) return Refuse("unknown flags");
+  return TakeEntry(path, setup.value);
+}
+
+bool SyncService::TakeEntry(const std::string& path, unsigned mode) {
   const bool is_link = S_ISLNK(static_cast<mode_t>(mode));
   if (IsReplaced(path, is_link)) unlink(path.c_str());
-  return is_link ? TakeLink(path) : TakeFile(path, static_cast<unsigned>(mode));
+  return is_link ? TakeLink(path) : TakeFile(path, mode);
 }
 
 bool SyncService::TakeFile(const std::string& path, unsigned mode) {
@@ -183,14 +207,25 @@ bool SyncService::TakeLink(const std::string& path) {
 bool SyncService::Receive(const std::string& path) {
   base::UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (!file.valid()) return RefuseWithErrno("open failed");
-  for (;;) {
+  for (bool first = true;; first = false) {
     const ssize_t count = ReadSome(file.get(), block_.data() + kSyncHeaderSize, kSyncLargestData);
     if (count < 0) return RefuseWithErrno("read failed");
     if (count == 0) return Reply(MakeSyncHeader(kSyncDone, 0));
     const std::string header = MakeSyncHeader(kSyncData, static_cast<uint32_t>(count));
     std::memcpy(block_.data(), header.data(), kSyncHeaderSize);
-    if (!WriteAll(client_.get(), block_.data(), kSyncHeaderSize + static_cast<size_t>(count))) return false;
+    const std::string_view block(block_.data(), kSyncHeaderSize + static_cast<size_t>(count));
+    if (!(first ? ReplyInTwoPieces(block) : Reply(block))) return false;
   }
+}
+
+// The flags follow in a message of their own.
+bool SyncService::Receive2(const std::string& path) {
+  std::array<char, kSyncHeaderSize> bytes;
+  if (!ReadExactly(client_.get(), bytes.data(), bytes.size())) return false;
+  const SyncHeader setup = ParseSyncHeader(bytes.data());
+  if (setup.id != kSyncReceive2) return Refuse("invalid receive setup");
+  if (setup.value != 0) return Refuse("unknown flags");
+  return Receive(path);
 }
 
 bool SyncService::Refuse(const std::string& reason) {
@@ -213,8 +248,14 @@ bool SyncService::RefuseRestOfFile(const std::string& reason) {
   return false;
 }
 
-bool SyncService::Reply(const std::string& message) const {
+bool SyncService::Reply(std::string_view message) const {
   return WriteAll(client_.get(), message.data(), message.size());
+}
+
+bool SyncService::ReplyInTwoPieces(std::string_view message) const {
+  constexpr size_t kWord = 4;
+  return WriteAll(client_.get(), message.data(), kWord) &&
+         WriteAll(client_.get(), message.data() + kWord, message.size() - kWord);
 }
 
 }  // namespace darokleim::phone

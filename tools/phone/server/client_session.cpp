@@ -1,6 +1,7 @@
 #include "tools/phone/server/client_session.h"
 
 #include <poll.h>
+#include <sys/socket.h>
 
 #include <array>
 #include <cerrno>
@@ -10,7 +11,6 @@
 #include "tools/phone/common/io.h"
 #include "tools/phone/common/wire.h"
 #include "tools/phone/server/control.h"
-#include "tools/phone/server/features.h"
 
 namespace darokleim::phone {
 
@@ -36,6 +36,12 @@ bool WaitForChange(ChangeFeed::Watcher* watcher, int client) {
 std::string WithPort(std::string_view address) {
   constexpr char kUsualPort[] = ":5555";
   return std::string(address) + (address.find(':') == std::string_view::npos ? kUsualPort : "");
+}
+
+void DiscardReceived(int connection) {
+  std::array<char, 4096> bytes;
+  while (recv(connection, bytes.data(), bytes.size(), MSG_DONTWAIT) > 0) {
+  }
 }
 
 // adb connect ADDRESS: attaches the phone that has this serial, and returns the answer.
@@ -101,7 +107,7 @@ bool ClientSession::AnswerHost(HostRequest request) {
   } else if (service == "track-devices" || service == "track-devices-l") {
     TrackDevices(service == "track-devices-l");
   } else if (service == "host-features") {
-    SendOkayAndText(fd(), HostFeatures());
+    SendOkayAndText(fd(), FeaturesOf(release_));
   } else if (service == "reconnect") {
     AnswerReconnect(request.target);
   } else if (service == "reconnect-offline") {
@@ -130,9 +136,11 @@ bool ClientSession::SelectPhone(const Target& target, bool with_id) {
   }
   selected_ = found.phone;
   selected_id_ = found.transport.id;
-  std::string answer = "OKAY";
-  if (with_id) PutLe64(&answer, found.transport.id);
-  return WriteAll(fd(), answer.data(), answer.size());
+  // The real server loses what arrives together with this request: a service in the same write gets no answer.
+  DiscardReceived(fd());
+  std::string id;
+  if (with_id) PutLe64(&id, found.transport.id);
+  return SendOkay(fd()) && WriteAll(fd(), id.data(), id.size());
 }
 
 void ClientSession::AnswerAboutPhone(const HostRequest& request) {
@@ -140,7 +148,7 @@ void ClientSession::AnswerAboutPhone(const HostRequest& request) {
   if (found.phone == nullptr) {
     SendFail(fd(), found.error);
   } else if (request.service == "features") {
-    SendOkayAndText(fd(), found.transport.features);
+    SendOkayAndText(fd(), FeaturesThrough(release_, found.transport.generation));
   } else if (request.service == "get-state") {
     SendOkayAndText(fd(), NameOf(found.transport.state));
   } else if (request.service == "get-serialno") {
@@ -188,6 +196,7 @@ void ClientSession::AddForward(std::string_view addresses, const std::string& se
   }
   SendOkay(fd());
   SendOkay(fd());
+  // Also when the client named it.
   if (port != 0) SendText(fd(), std::to_string(port));
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "base/unique_fd.h"
+#include "tools/phone/server/features.h"
 #include "tools/phone/server/forwards.h"
 #include "tools/phone/server/host_request.h"
 #include "tools/phone/server/phone_list.h"
@@ -15,9 +16,13 @@ namespace darokleim::phone {
 class ClientSession {
  public:
   // `kill_server` is called for host:kill.
-  ClientSession(PhoneList* phones, Forwards* forwards, std::function<void()> kill_server,
-                base::UniqueFd* connection)
-      : phones_(phones), forwards_(forwards), kill_server_(std::move(kill_server)), connection_(connection) {}
+  ClientSession(ServerRelease release, PhoneList* phones, Forwards* forwards,
+                std::function<void()> kill_server, base::UniqueFd* connection)
+      : release_(release),
+        phones_(phones),
+        forwards_(forwards),
+        kill_server_(std::move(kill_server)),
+        connection_(connection) {}
 
   void Run();
 
@@ -39,6 +44,7 @@ class ClientSession {
 
   int fd() const { return connection_->get(); }
 
+  ServerRelease release_;
   PhoneList* phones_;
   Forwards* forwards_;
   std::function<void()> kill_server_;

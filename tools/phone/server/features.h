@@ -7,12 +7,15 @@
 
 namespace darokleim::phone {
 
-// What a phone of this generation offers to the client, separated by commas. The client asks for them before
-// it chooses between the forms of shell, file transfer and installation.
-std::string FeaturesOf(Generation generation);
+// The releases of adb whose server can be simulated. They differ in their features.
+enum class ServerRelease { kAdb29, kAdb34 };
 
-// What the server itself offers.
-std::string HostFeatures();
+// What the server offers, separated by commas.
+std::string FeaturesOf(ServerRelease server);
+
+// What a client is shown of a phone: the features that the phone has and the server knows. The client asks for them
+// before it chooses between the forms of shell, file transfer and installation.
+std::string FeaturesThrough(ServerRelease server, Generation phone);
 
 }  // namespace darokleim::phone
 

@@ -28,7 +28,7 @@ std::string Forwards::Add(const std::string& serial, const std::string& local, c
   forward.listener = Listener(*wanted);
   auto stop = MakePipe();
   if (!forward.listener.valid() || !stop) return std::string("cannot bind listener: ") + std::strerror(errno);
-  if (wanted->IsAnyFreePort()) *port = forward.listener.port();
+  *port = forward.listener.port();
   forward.serial = serial;
   forward.local = *port != 0 ? "tcp:" + std::to_string(*port) : local;
   forward.remote = remote;

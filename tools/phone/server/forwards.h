@@ -21,7 +21,7 @@ class Forwards {
   ~Forwards() { RemoveAll(); }
 
   // Listens at `local` ("tcp:0": a port that is free) for the phone. The result is empty or the reason for
-  // refusing; `port` gets the port listened on when any would do, and 0 otherwise.
+  // refusing; `port` gets the TCP port of a new listener, and 0 otherwise.
   std::string Add(const std::string& serial, const std::string& local, const std::string& remote, bool rebind,
                   uint16_t* port);
   // False when there is none.

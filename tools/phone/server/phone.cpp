@@ -15,7 +15,6 @@
 #include <utility>
 
 #include "tools/phone/common/wire.h"
-#include "tools/phone/server/features.h"
 #include "tools/phone/server/profile.h"
 
 namespace darokleim::phone {
@@ -113,12 +112,12 @@ std::optional<Transport> Phone::transport() const {
   transport.over_network = bus_.empty();
   transport.bus = bus_;
   transport.id = transport_id_;
+  transport.generation = options_.generation;
   // adb learns what a phone is from the phone itself, once it is connected.
   if (RefusalOf(state_).empty()) {
     transport.product = ValueOf(properties_, "ro.product.name");
     transport.model = OnlyLettersAndDigits(ValueOf(properties_, "ro.product.model"));
     transport.device = ValueOf(properties_, "ro.product.device");
-    transport.features = FeaturesOf(options_.generation);
   }
   return transport;
 }

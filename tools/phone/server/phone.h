@@ -29,7 +29,7 @@ struct Transport {
   std::string product;
   std::string model;
   std::string device;
-  std::string features;
+  Generation generation;
 };
 
 // One phone, switched on and off by the server. It has a thread of its own, which starts the phone's sandbox and

@@ -89,13 +89,14 @@ class LastRequest {
   base::UniqueFd client_;
 };
 
-void AcceptUntil(int end, int listener, const std::function<void(base::UniqueFd)>& serve) {
+void AcceptUntil(int end, int listener, SmallPackets small_packets,
+                 const std::function<void(base::UniqueFd)>& serve) {
   for (;;) {
     std::array<pollfd, 2> ends = {{{listener, POLLIN, 0}, {end, POLLIN, 0}}};
     if (poll(ends.data(), ends.size(), -1) < 0 && errno != EINTR) return;
     if (ends[1].revents != 0) return;
     if (ends[0].revents == 0) continue;
-    base::UniqueFd client = AcceptConnection(listener);
+    base::UniqueFd client = AcceptConnection(listener, small_packets);
     if (client.valid()) serve(std::move(client));
   }
 }
@@ -148,7 +149,8 @@ int Server::Run() {
 }
 
 bool Server::ServeClients(Listener listener) {
-  AcceptUntil(end_.descriptor(), listener.get(), [this](base::UniqueFd client) { Serve(std::move(client)); });
+  AcceptUntil(end_.descriptor(), listener.get(), options_.small_packets,
+              [this](base::UniqueFd client) { Serve(std::move(client)); });
   const bool asked = end_.TakeRequestFromClient();
   listener = Listener();
   connections_.StopAll();
@@ -173,7 +175,7 @@ void Server::Serve(base::UniqueFd client) {
       last_request_.Keep(std::move(*connection));
       end_.RequestFromClient();
     };
-    ClientSession(&phones_, &forwards_, kill_server, connection).Run();
+    ClientSession(options_.release, &phones_, &forwards_, kill_server, connection).Run();
   });
 }
 

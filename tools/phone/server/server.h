@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "tools/phone/common/address.h"
+#include "tools/phone/server/features.h"
 #include "tools/phone/server/phone_options.h"
 
 namespace darokleim::phone {
@@ -11,6 +13,9 @@ namespace darokleim::phone {
 struct ServerOptions {
   uint16_t port = 5037;  // 0: one that is free
   std::vector<PhoneOptions> phones;
+  ServerRelease release = ServerRelease::kAdb29;
+  // How replies go out: kWait is what a real server does.
+  SmallPackets small_packets = SmallPackets::kWait;
   // To a client it looks like a new server: every connection ends, the phones stay.
   bool restart_on_kill = false;
 };
