@@ -27,28 +27,37 @@ usage() { sed -n -e '/^$/q' -e '2,$s/^# \{0,1\}//p' "$0"; }
 
 processors() { getconf _NPROCESSORS_ONLN 2>/dev/null || echo 2; }
 
-# build_tree DIRECTORY [CMake argument]…: configures a build tree and builds everything in it.
+# The presets of CMakePresets.json say how each tree is configured, where it is, and how its tests run.
+tree_of() {
+  if [ "$1" = developer ]; then echo build; else echo "build-$1"; fi
+}
+
+# build_tree PRESET [CMake argument]…: configures a tree and builds everything in it.
 build_tree() {
   configure_tree "$@"
-  show cmake --build "$1" --parallel "$(processors)"
+  build_targets "$1"
+}
+
+# build_targets PRESET [target]…: all of them, when none is named.
+build_targets() {
+  local target=()
+  [ $# -eq 1 ] || target=(--target "${@:2}")
+  show cmake --build "$(tree_of "$1")" --parallel "$(processors)" ${target[@]+"${target[@]}"}
 }
 
 configure_tree() {
-  local tree=$1
+  local preset=$1
   shift
   local launcher=()
   if have ccache; then
-    # Without this ccache leaves alone whatever uses a precompiled header.
+    # Without this ccache ignores every source that uses a precompiled header.
     export CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
     launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
   fi
-  show cmake -S "$root" -B "$tree" -G Ninja --log-level=NOTICE -DDAROKLEIM_WERROR=ON \
-    ${launcher[@]+"${launcher[@]}"} "$@"
+  show cmake --preset "$preset" --log-level=NOTICE ${launcher[@]+"${launcher[@]}"} "$@"
 }
 
-# run_tests DIRECTORY [CTest argument]…: runs the tests of a build tree; none to run is a failure.
+# run_tests PRESET [CTest argument]…: runs the tests of a tree; having none to run is a failure.
 run_tests() {
-  local tree=$1
-  shift
-  show ctest --test-dir "$tree" --parallel "$(processors)" --output-on-failure --no-tests=error "$@"
+  show ctest --preset "$1" --parallel "$(processors)" "${@:2}"
 }
