@@ -1,5 +1,5 @@
-# What `cmake --install` puts where, for the libraries and what their users build with; the tools install themselves
-# beside their sources. The tree may be moved as a whole: nothing in it names the place it was installed to.
+# What `cmake --install` puts where, for the libraries and what their users build with; the tools have their own rules,
+# beside their sources. The tree may be moved as a whole: nothing in it names the folder it was installed to.
 include(CMakePackageConfigHelpers)
 
 # The channel and the log keep the bare file names under which others can take their place.
@@ -13,9 +13,20 @@ else()
   set(own_folder "$ORIGIN")
 endif()
 file(RELATIVE_PATH bin_to_lib "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
-set_target_properties(darokleim _adb_communcation VexoLogSDK PROPERTIES INSTALL_RPATH "${own_folder}")
+# The build tree has the same paths: CMake would leave room in them to be replaced, which the loader takes for the
+# current folder.
+set_target_properties(darokleim _adb_communcation VexoLogSDK PROPERTIES
+                      INSTALL_RPATH "${own_folder}" BUILD_WITH_INSTALL_RPATH ON)
 if(TARGET darokleim_cli)
-  set_target_properties(darokleim_cli PROPERTIES INSTALL_RPATH "${own_folder}/${bin_to_lib}")
+  set_target_properties(darokleim_cli PROPERTIES
+                        INSTALL_RPATH "${own_folder}/${bin_to_lib}" BUILD_WITH_INSTALL_RPATH ON)
+endif()
+if(NOT bin_to_lib STREQUAL "../lib") # as with Debian's prefix /usr: the same way leads to our lib
+  cmake_path(ABSOLUTE_PATH bin_to_lib BASE_DIRECTORY "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}" NORMALIZE
+             OUTPUT_VARIABLE other_lib)
+  cmake_path(GET other_lib PARENT_PATH other_parent)
+  file(MAKE_DIRECTORY "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}" "${other_parent}")
+  file(CREATE_LINK "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}" "${other_lib}" SYMBOLIC)
 endif()
 
 set(package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/darokleim")
