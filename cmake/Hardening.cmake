@@ -1,4 +1,4 @@
-# What makes an error in our code harder to exploit, for everything that is built from here on. The sanitizers find
+# What makes an error in our code harder to exploit, for every folder that is added from here on. The sanitizers find
 # such errors by themselves, and these would hide some from them.
 include(CheckCompilerFlag)
 include(CheckLinkerFlag)
