@@ -2,11 +2,9 @@
 #ifndef DAROKLEIM_ADB_RESULT_H
 #define DAROKLEIM_ADB_RESULT_H
 
-#include <cassert>
-#include <optional>
 #include <string>
-#include <utility>
-#include <variant>
+
+#include "base/result.h"
 
 namespace darokleim::adb {
 
@@ -32,50 +30,8 @@ struct Error {
   int system_error = 0;  // an errno of this host; 0 where none is known
 };
 
-// A value or an Error.
 template <typename T>
-class [[nodiscard]] Result {
- public:
-  Result(T value) : content_(std::in_place_index<0>, std::move(value)) {}
-  Result(Error error) : content_(std::in_place_index<1>, std::move(error)) {}
-
-  bool ok() const { return content_.index() == 0; }
-
-  // Only of a result that is ok().
-  T& operator*() & { return *Pointer(); }
-  const T& operator*() const& { return *std::get_if<0>(&content_); }
-  T&& operator*() && { return std::move(*Pointer()); }
-  T* operator->() { return Pointer(); }
-  const T* operator->() const { return std::get_if<0>(&content_); }
-
-  // Only of a result that is not.
-  const Error& error() const { return *std::get_if<1>(&content_); }
-  Error TakeError() { return std::move(*std::get_if<1>(&content_)); }
-
- private:
-  T* Pointer() {
-    assert(ok());
-    return std::get_if<0>(&content_);
-  }
-
-  std::variant<T, Error> content_;
-};
-
-// Success without a value, or an Error.
-template <>
-class [[nodiscard]] Result<void> {
- public:
-  Result() = default;
-  Result(Error error) : error_(std::move(error)) {}
-
-  bool ok() const { return !error_; }
-  const Error& error() const { return *error_; }
-  Error TakeError() { return std::move(*error_); }
-
- private:
-  std::optional<Error> error_;
-};
-
+using Result = base::Result<T, Error>;
 using Status = Result<void>;
 
 }  // namespace darokleim::adb

@@ -115,22 +115,6 @@ Meaning MeaningOf(const adb::Error& error, std::string_view serial) {
 
 }  // namespace
 
-std::string Shown(std::string_view bytes) {
-  constexpr char kHex[] = "0123456789abcdef";
-  std::string shown;
-  shown.reserve(bytes.size());
-  for (const char c : bytes) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte >= 0x20 && byte != 0x7f) {
-      shown += c;
-    } else {
-      shown.append("\\x") += kHex[byte >> 4];
-      shown += kHex[byte & 0xf];
-    }
-  }
-  return shown;
-}
-
 Error Failed(dk_code code, std::string_view what, std::string_view why) {
   Error error;
   error.code = code;

@@ -5,10 +5,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
-#include <variant>
 
 #include "adb/result.h"
+#include "base/result.h"
+#include "base/terminal_text.h"
 #include "darokleim/client.h"
 
 namespace darokleim::client {
@@ -22,37 +22,9 @@ struct Error {
   bool on_host = false;
 };
 
-// A value or an error.
 template <typename T>
-class [[nodiscard]] Result {
- public:
-  Result(T value) : content_(std::in_place_index<0>, std::move(value)) {}
-  Result(Error error) : content_(std::in_place_index<1>, std::move(error)) {}
-
-  bool ok() const { return content_.index() == 0; }
-  T& operator*() & { return *std::get_if<0>(&content_); }
-  T&& operator*() && { return std::move(*std::get_if<0>(&content_)); }
-  T* operator->() { return std::get_if<0>(&content_); }
-  const Error& error() const { return *std::get_if<1>(&content_); }
-  Error TakeError() { return std::move(*std::get_if<1>(&content_)); }
-
- private:
-  std::variant<T, Error> content_;
-};
-
-// Done, or an error.
-class [[nodiscard]] Status {
- public:
-  Status() = default;
-  Status(Error error) : error_(std::move(error)) {}
-
-  bool ok() const { return !error_; }
-  const Error& error() const { return *error_; }
-  Error TakeError() { return std::move(*error_); }
-
- private:
-  std::optional<Error> error_;
-};
+using Result = base::Result<T, Error>;
+using Status = Result<void>;
 
 // `what` was tried: "list /sdcard". The message becomes "cannot list /sdcard: …".
 Error Failed(dk_code code, std::string_view what, std::string_view why);
@@ -68,8 +40,10 @@ Error FromHostErrno(int error, std::string_view what, std::string_view path);
 Error FromPhoneErrno(int error, std::string_view what, std::string_view path);
 dk_code CodeOfErrno(int error);
 
-// Text that a terminal or a window may show: control bytes and what is not UTF-8 as \xHH.
-std::string Shown(std::string_view bytes);
+// Text that a terminal or a window may show.
+inline std::string Shown(std::string_view bytes) {
+  return base::EscapeControls(bytes);
+}
 
 }  // namespace darokleim::client
 

@@ -6,12 +6,12 @@
 #include <exception>
 #include <string_view>
 
+#include "base/terminal_text.h"
 #include "tools/cli/cancel_on_signal.h"
 #include "tools/cli/command_line/unfinished_line.h"
 #include "tools/cli/commands/commands.h"
 #include "tools/cli/device/device_list.h"
 #include "tools/cli/device/library_block.h"
-#include "tools/cli/output/terminal_text.h"
 #include "tools/cli/tool.h"
 
 namespace darokleim::cli {
@@ -50,7 +50,7 @@ void AddSerials(Tool& tool, Lines* lines) {
   if (AdbGetDevices(list.data(), kRoom, CancelFlag()) != ADB_RESULT_OK) return;
   for (const auto& device : ParseDeviceList(list.data())) {
     // A name that the tool would refuse must not reach the shell.
-    if (IsSerial(device.serial)) lines->push_back(device.serial + "\t" + EscapeControls(device.state));
+    if (IsSerial(device.serial)) lines->push_back(device.serial + "\t" + base::EscapeControls(device.state));
   }
 }
 

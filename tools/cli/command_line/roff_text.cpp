@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "tools/cli/output/terminal_text.h"
+#include "base/utf8.h"
 
 namespace darokleim::cli {
 namespace {
@@ -45,7 +45,7 @@ bool IsLaidOut(std::string_view line) {
 std::string RoffLine(std::string_view text) {
   std::string line = text.substr(0, 1) == "." ? "\\&" : "";
   while (!text.empty()) {
-    const std::size_t length = std::max<std::size_t>(LengthOfCharacter(text), 1);
+    const std::size_t length = std::max<std::size_t>(base::LengthOfUtf8Character(text), 1);
     line += Escaped(text.substr(0, length));
     text.remove_prefix(length);
   }

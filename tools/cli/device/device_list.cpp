@@ -4,10 +4,10 @@
 
 #include <algorithm>
 
+#include "base/terminal_text.h"
 #include "tools/cli/cancel_on_signal.h"
 #include "tools/cli/device/library_block.h"
 #include "tools/cli/output/table.h"
-#include "tools/cli/output/terminal_text.h"
 
 namespace darokleim::cli {
 
@@ -51,7 +51,8 @@ std::string DeviceTable(const std::vector<AttachedDevice>& devices) {
   Table table;
   table.AddRow({"SERIAL", "STATE"});
   for (const auto& device : devices) {
-    table.AddRow({EscapeControls(device.serial), EscapeControls(device.state), AdviceForState(device.state)});
+    table.AddRow({base::EscapeControls(device.serial), base::EscapeControls(device.state),
+                  AdviceForState(device.state)});
   }
   return table.Text();
 }

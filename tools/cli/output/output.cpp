@@ -5,10 +5,10 @@
 #include <stdlib.h>
 #include <unistd.h>
 
+#include "base/terminal_text.h"
 #include "tools/cli/cancel_on_signal.h"
 #include "tools/cli/errors.h"
 #include "tools/cli/output/json.h"
-#include "tools/cli/output/terminal_text.h"
 
 namespace darokleim::cli {
 namespace {
@@ -44,7 +44,7 @@ Output::Output(int descriptor)
       has_colours_(is_terminal_ && ColoursAreWanted()) {}
 
 std::string Output::Shown(std::string_view text) const {
-  return is_terminal_ ? EscapeControls(text) : std::string(text);
+  return is_terminal_ ? base::EscapeControls(text) : std::string(text);
 }
 
 std::string Output::Painted(Colour colour, std::string_view text) const {

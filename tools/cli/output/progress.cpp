@@ -7,9 +7,10 @@
 #include <chrono>
 #include <utility>
 
+#include "base/terminal_text.h"
+#include "base/utf8.h"
 #include "tools/cli/host/quiet_thread.h"
 #include "tools/cli/output/human_text.h"
-#include "tools/cli/output/terminal_text.h"
 
 namespace darokleim::cli {
 namespace {
@@ -58,7 +59,7 @@ void Progress::Show() {
   while (!stopped_.wait_for(lock, pause, [this] { return stop_; })) {
     lock.unlock();
     const auto begin = Clock::now();
-    const auto text = EscapeControls(line_(Seconds(begin - start).count(), &stop_));
+    const auto text = base::EscapeControls(line_(Seconds(begin - start).count(), &stop_));
     pause = std::max(kBetween, Seconds(Clock::now() - begin) * kPausePerWork);
     lock.lock();
     if (stop_) break;
@@ -98,7 +99,7 @@ std::string TransferText(const std::string& label, std::uint64_t done, std::uint
 std::string CutToPlaces(const std::string& text, std::size_t places) {
   std::size_t end = 0;
   while (end < text.size() && places > 0) {
-    end += std::max<std::size_t>(1, LengthOfCharacter(std::string_view(text).substr(end)));
+    end += std::max<std::size_t>(1, base::LengthOfUtf8Character(std::string_view(text).substr(end)));
     --places;
   }
   return text.substr(0, end);

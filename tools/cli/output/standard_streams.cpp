@@ -7,7 +7,7 @@
 #include <iostream>
 #include <string>
 
-#include "tools/cli/output/terminal_text.h"
+#include "base/terminal_text.h"
 
 namespace darokleim::cli {
 
@@ -36,7 +36,7 @@ int TakeStandardOutput() {
 
 void PrintError(std::string_view message) {
   const bool on_terminal = isatty(STDERR_FILENO) == 1;
-  std::cerr << "darokleim: " << (on_terminal ? EscapeControls(message, "\n") : std::string(message))
+  std::cerr << "darokleim: " << (on_terminal ? base::EscapeControls(message, "\n") : std::string(message))
             << std::endl;
 }
 

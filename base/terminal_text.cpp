@@ -1,36 +1,14 @@
-#include "tools/cli/output/terminal_text.h"
+#include "base/terminal_text.h"
 
 #include <cstdio>
 
-namespace darokleim::cli {
+#include "base/utf8.h"
+
+namespace darokleim::base {
 namespace {
 
 unsigned char Byte(char c) {
   return static_cast<unsigned char>(c);
-}
-
-// By the first two bytes: overlong forms, surrogates and what is beyond U+10FFFF are not characters.
-bool IsAllowedStart(unsigned char first, unsigned char second) {
-  switch (first) {
-    case 0xe0:
-      return second >= 0xa0;
-    case 0xed:
-      return second < 0xa0;
-    case 0xf0:
-      return second >= 0x90;
-    case 0xf4:
-      return second < 0x90;
-    default:
-      return true;
-  }
-}
-
-std::size_t LengthByFirstByte(unsigned char first) {
-  if (first < 0x80) return 1;
-  if (first < 0xc2) return 0;
-  if (first < 0xe0) return 2;
-  if (first < 0xf0) return 3;
-  return first < 0xf5 ? 4 : 0;
 }
 
 // Those that reorder the text around them: U+061C, U+200E, U+200F, U+2028 to U+202E, U+2066 to U+2069.
@@ -68,20 +46,10 @@ void AppendEscaped(std::string_view bytes, std::string* text) {
 
 }  // namespace
 
-std::size_t LengthOfCharacter(std::string_view text) {
-  if (text.empty()) return 0;
-  const std::size_t length = LengthByFirstByte(Byte(text.front()));
-  if (length > text.size() || length == 0) return 0;
-  for (std::size_t i = 1; i < length; ++i) {
-    if ((Byte(text[i]) & 0xc0) != 0x80) return 0;
-  }
-  return length == 1 || IsAllowedStart(Byte(text[0]), Byte(text[1])) ? length : 0;
-}
-
 std::string EscapeControls(std::string_view text, std::string_view keep) {
   std::string escaped;
   while (!text.empty()) {
-    const std::size_t length = LengthOfCharacter(text);
+    const std::size_t length = LengthOfUtf8Character(text);
     const auto piece = text.substr(0, length == 0 ? 1 : length);
     if (length > 0 && (!IsControl(piece) || keep.find(piece) != std::string_view::npos)) {
       escaped += piece;
@@ -93,4 +61,4 @@ std::string EscapeControls(std::string_view text, std::string_view keep) {
   return escaped;
 }
 
-}  // namespace darokleim::cli
+}  // namespace darokleim::base

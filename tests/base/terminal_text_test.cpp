@@ -1,8 +1,8 @@
-#include "tools/cli/output/terminal_text.h"
+#include "base/terminal_text.h"
 
 #include <gtest/gtest.h>
 
-namespace darokleim::cli {
+namespace darokleim::base {
 namespace {
 
 TEST(EscapeControls, LeavesTextOfAnyLanguage) {
@@ -28,17 +28,6 @@ TEST(EscapeControls, ShowsBytesThatAreNotUtf8) {
   EXPECT_EQ(EscapeControls("\xe7\x85"), "\\xe7\\x85");
 }
 
-TEST(LengthOfCharacter, KnowsNoOverlongFormsAndSurrogates) {
-  EXPECT_EQ(LengthOfCharacter(""), 0u);
-  EXPECT_EQ(LengthOfCharacter("\xc3\xbc"), 2u);
-  EXPECT_EQ(LengthOfCharacter("\xc0\xaf"), 0u);
-  EXPECT_EQ(LengthOfCharacter("\xe0\x80\xaf"), 0u);
-  EXPECT_EQ(LengthOfCharacter("\xed\xa0\x80"), 0u);
-  EXPECT_EQ(LengthOfCharacter("\xf0\x80\x80\x80"), 0u);
-  EXPECT_EQ(LengthOfCharacter("\xf4\x90\x80\x80"), 0u);
-  EXPECT_EQ(LengthOfCharacter("\xf0\x9f\x93\xb7"), 4u);
-}
-
 TEST(EscapeControls, ShowsWhatReordersText) {
   EXPECT_EQ(EscapeControls("a\xe2\x80\xaegpj.exe"), "a\\xe2\\x80\\xaegpj.exe");
   for (const char* control : {"\xd8\x9c", "\xe2\x80\x8e", "\xe2\x80\x8f", "\xe2\x80\xaa", "\xe2\x80\xae",
@@ -49,4 +38,4 @@ TEST(EscapeControls, ShowsWhatReordersText) {
 }
 
 }  // namespace
-}  // namespace darokleim::cli
+}  // namespace darokleim::base
