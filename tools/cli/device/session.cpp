@@ -31,7 +31,7 @@ std::optional<std::string> ReasonForNoLog(const fs::path& directory) {
   fs::create_directories(directory, error);
   if (error) return error.message();
   const int log =
-      open((directory / "adb_sdk.log").c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC, 0644);
+      open((directory / "adb_sdk.log").c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC, 0600);
   if (log < 0) return SystemErrorText(errno);
   close(log);
   return std::nullopt;
