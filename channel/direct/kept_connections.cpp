@@ -100,7 +100,9 @@ class Pool {
     std::unique_lock lock(mutex_);
     // The thread that started this one adds a connection before it releases the mutex.
     while (!closed_ && !kept_.empty()) {
-      change_.wait_until(lock, kept_.front().end);
+      // A copy: the connection may be taken meanwhile.
+      const Clock::time_point end = kept_.front().end;
+      change_.wait_until(lock, end);
       KeptList expired;
       while (!kept_.empty() && kept_.front().end <= Clock::now()) {
         expired.splice(expired.end(), kept_, kept_.begin());
