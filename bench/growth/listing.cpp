@@ -88,7 +88,7 @@ BENCHMARK(GetFilesBySuffix)->Name("AdbGetFilesBySuffix")->Apply(Sizes);
 }  // namespace
 
 int main(int argc, char** argv) {
-  const darokleim::sdk::TemporaryDirectory for_the_side_file;
+  const darokleim::test::TemporaryDirectory for_the_side_file;
   std::filesystem::current_path(for_the_side_file.path());
   benchmark::Initialize(&argc, argv);
   benchmark::RunSpecifiedBenchmarks();

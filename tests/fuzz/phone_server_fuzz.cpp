@@ -13,7 +13,7 @@ namespace {
 using namespace darokleim::phone;
 
 // The session has ended, so nothing more will come.
-std::string TakeAnswer(const base::UniqueFd& client) {
+std::string TakeAnswer(const darokleim::base::UniqueFd& client) {
   std::string answer;
   char buffer[4096];
   ssize_t count;
