@@ -99,8 +99,8 @@
 ///   end. With assistance (below) these are allowed too, except the sequence of a double quote, a space and a
 ///   double quote in a path of a function that takes two or more;
 /// - a *shell path* is read by the device's shell: with a space, `$`, `&`, `;`, `*`, a quote or a parenthesis
-///   the command fails, or does nothing and still succeeds, or works on other files. Assistance makes it a
-///   whole path without exceptions;
+///   the command fails, or does nothing and still succeeds, or works on other files. With assistance it may hold
+///   anything, except for `" "/` in AdbCopyFile(): the device's shell can then run the rest of the path;
 /// - a *bare path* is a shell path that assistance does not change: use only letters, digits and `/`, `.`,
 ///   `_`, `-`.
 ///
@@ -500,7 +500,7 @@ DAROKLEIM_EXPORT int AdbGetMiuiBuildRegin(const char* serial, char* buffer, int 
 /// @retval ADB_RESULT_BUFFER_TOO_SMALL          The version was cut.
 /// @retval ADB_RESULT_MIUI_VERSION_NAME_FAILED  The version name could not be read, for any reason: also for an
 ///                                              absent device and a cancelled call.
-/// @retval ADB_RESULT_MIUI_TIME_CODE_FAILED     The same for the second property, or its value is no date
+/// @retval ADB_RESULT_MIUI_TIME_CODE_FAILED     The same for the second property, or its value is not a date
 ///                                              or version; the usual result on a phone without MIUI.
 DAROKLEIM_EXPORT int AdbGetMiuiVersion(const char* serial, char* buffer, int buffer_size, const bool* cancel);
 
@@ -638,8 +638,8 @@ DAROKLEIM_EXPORT int AdbPullFile(const char* serial, const char* device_path, co
 /// Copies a file on the device (`cp`). An existing file is replaced.
 ///
 /// @param[in] serial       Serial.
-/// @param[in] source       File to copy; a shell path.
-/// @param[in] destination  File or existing directory to copy to; a shell path.
+/// @param[in] source       File to copy; a shell path, without `" "/` in it.
+/// @param[in] destination  File or existing directory to copy to; a shell path, without `" "/` in it.
 /// @param[in] cancel       Cancel flag.
 /// @retval ADB_RESULT_OK             Copied.
 /// @retval ADB_RESULT_INVALID_PARAM  A text is null.
@@ -663,8 +663,8 @@ DAROKLEIM_EXPORT int AdbRemoveFile(const char* serial, const char* device_path, 
 
 /// Renames or moves a file or directory on the device (`mv`). An existing file is replaced.
 ///
-/// The paths reach the device in single quotes and may hold anything except a single quote, a double quote or
-/// two consecutive backslashes; with assistance, anything.
+/// The paths reach the device in single quotes and may hold anything except a single quote, a double quote or two
+/// consecutive backslashes. With assistance, anything except ``'" "'/``, as in AdbCopyFile().
 ///
 /// @param[in] serial    Serial.
 /// @param[in] old_path  What to rename.
@@ -823,8 +823,8 @@ DAROKLEIM_EXPORT int AdbScreencapToDevice(const char* serial, const char* device
 /// @param[in]  all        Not 0: names that begin with a dot as well (`-a`).
 /// @param[in]  cancel     Cancel flag.
 /// @retval ADB_RESULT_OK            The listing; empty for a directory that may not be read.
-/// @retval ADB_RESULT_NO_SUCH_FILE  The directory does not exist, or a file was deleted during the listing; there
-///                                  is no listing then.
+/// @retval ADB_RESULT_NO_SUCH_FILE  The directory does not exist, or a file was deleted during the listing;
+///                                  no listing is returned.
 /// @return Otherwise a common code.
 DAROKLEIM_EXPORT int AdbGetDirFiles(const char* serial, const char* dir, char** json, int* json_len,
                                     int recursive, int all, const bool* cancel);
@@ -1137,7 +1137,7 @@ DAROKLEIM_EXPORT int AdbInstallAppFromPCPath(const char* serial, const char* hos
 ///                         quotes, `$`, a backquote and backslashes. Assistance makes it a whole path.
 /// @param[in] cancel       Cancel flag.
 /// @retval ADB_RESULT_OK                Installed. Also when a newer phone cannot open the file: its message
-///                                      is none of the known ones.
+///                                      is not one of the known ones.
 /// @retval ADB_RESULT_INVALID_PARAM     A text is null.
 /// @retval ADB_RESULT_FAILURE           Failed for a reason that does not have a code.
 /// @retval ADB_RESULT_NOT_ENOUGH_SPACE  The same while less than 200 MiB are free on `/sdcard`, or when the

@@ -100,7 +100,7 @@ typedef enum dk_code {
 
   // The way to the phone.
   DK_NO_SERVER = 10,        ///< no adb server answers, and none could be started
-  DK_SERVER_PROTOCOL = 11,  ///< what answers is no adb server, or answers against its protocol
+  DK_SERVER_PROTOCOL = 11,  ///< not an adb server, or its answer breaks the protocol
   DK_SERVER_REFUSED =
       12,             ///< the server said no, for a reason without a code of its own; see dk_error_words()
   DK_NO_DEVICE = 13,  ///< the server does not know this serial
@@ -287,7 +287,7 @@ DK_API dk_code dk_device_reboot(dk_device* device, const char* mode, const dk_ca
 /// Makes the server drop the device and look for it again; one that is unauthorized asks its user again.
 DK_API dk_code dk_device_reconnect(dk_device* device, const dk_call* call);
 
-/// Over the network: `HOST` or `HOST:PORT` (5555 when left out). Connecting twice is no error.
+/// Over the network: `HOST` or `HOST:PORT` (5555 when left out). Connecting twice is not an error.
 DK_API dk_code dk_connect(dk_context* context, const char* address, const dk_call* call);
 /// address: null disconnects all of the network.
 DK_API dk_code dk_disconnect(dk_context* context, const char* address, const dk_call* call);
@@ -380,7 +380,7 @@ typedef bool (*dk_on_bytes)(void* user, const char* data, size_t size);
 DK_API dk_code dk_read(dk_device* device, const char* path, uint64_t offset, uint64_t length,
                        dk_on_bytes on_bytes, void* user, const dk_call* call);
 
-/// parents: makes missing parents as well, and an existing folder is no error.
+/// parents: makes missing parents as well, and an existing folder is not an error.
 DK_API dk_code dk_make_folder(dk_device* device, const char* path, bool parents, const dk_call* call);
 /// A file, a link (not what it points to), an empty folder; recursive: a folder with all in it. What cannot be removed is
 /// left, the rest is removed. Refuses `/` and mount points of storage volumes.

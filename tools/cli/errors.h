@@ -22,10 +22,10 @@ class UsageError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// The command's answer is no, and it has been printed: `exists`.
+// The command answered no, and has printed it, for example `exists`.
 class AnswerIsNo : public std::exception {
  public:
-  const char* what() const noexcept override { return "the answer is no"; }
+  const char* what() const noexcept override { return "the command answered no"; }
 };
 
 // Ctrl-C.
@@ -34,13 +34,13 @@ class Cancelled : public std::exception {
   const char* what() const noexcept override { return "cancelled"; }
 };
 
-// Nobody reads standard output any more, as after `| head`: nobody would read a message about it either.
+// Standard output was closed, for example by `| head`. A message about it would not be read either.
 class OutputClosed : public std::exception {
  public:
   const char* what() const noexcept override { return "standard output is closed"; }
 };
 
-// The system's words for an errno: "Permission denied".
+// The system's description of an errno: "Permission denied".
 inline std::string SystemErrorText(int error_number) {
   return std::generic_category().message(error_number);
 }
