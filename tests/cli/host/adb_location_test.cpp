@@ -22,6 +22,17 @@ class AdbOptionTest : public ToolTest {
     MakeExecutable(path, "#!/bin/sh\nprintf 'List of devices attached\\n" + serial + "\\tdevice\\n\\n'\n");
   }
 
+  // A copy of the tool, which finds its libraries where they are installed: in lib beside its folder.
+  std::string CopyTool(const std::string& name) const {
+    namespace fs = std::filesystem;
+    const fs::path tool = File(name);
+    fs::create_directories(tool.parent_path());
+    fs::copy_file(DAROKLEIM_TOOL, tool);
+    fs::create_directory_symlink(fs::path(DAROKLEIM_TOOL).parent_path() / "../lib",
+                                 tool.parent_path() / "../lib");
+    return tool.native();
+  }
+
   void ExpectRefused(const std::string& adb, const std::string& why) const {
     const auto outcome = Run({"--adb", adb, "devices"});
     EXPECT_EQ(outcome.status, 1);
@@ -61,18 +72,15 @@ TEST_F(AdbOptionTest, OtherwiseTheSdkFoldersFollowPath) {
 }
 
 TEST_F(AdbOptionTest, OtherwiseTheFolderBesideTheToolComesFirst) {
-  const auto tool = File("app/darokleim");
-  std::filesystem::create_directories(File("app/resources"));
-  std::filesystem::copy_file(DAROKLEIM_TOOL, tool);
-  MakeNamedAdb(File("app/resources/adb"), "BUNDLED");
+  const auto tool = CopyTool("app/bin/darokleim");
+  std::filesystem::create_directories(File("app/bin/resources"));
+  MakeNamedAdb(File("app/bin/resources/adb"), "BUNDLED");
   MakeNamedAdb(File("bin/adb"), "FROMPATH");
   EXPECT_THAT(RunShell("'" + tool + "' devices").output, HasSubstr("BUNDLED"));
 }
 
 TEST_F(AdbOptionTest, AnInstalledToolHasItsFolderInShare) {
-  const auto tool = File("prefix/bin/darokleim");
-  std::filesystem::create_directories(File("prefix/bin"));
-  std::filesystem::copy_file(DAROKLEIM_TOOL, tool);
+  const auto tool = CopyTool("prefix/bin/darokleim");
   MakeNamedAdb(File("prefix/share/darokleim/resources/adb"), "INSTALLED");
   EXPECT_THAT(RunShell("'" + tool + "' devices").output, HasSubstr("INSTALLED"));
 }
