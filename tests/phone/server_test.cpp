@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 
+#include "tests/support/eventually.h"
 #include "tests/support/simulated_phones.h"
 
 namespace darokleim::test {
@@ -117,8 +118,13 @@ TEST(Server, ConnectsToPhonesOverTheNetwork) {
 TEST(Server, RestartsThePhonesEndWhenAsked) {
   const SimulatedPhones phones({"ALFA1"});
   EXPECT_EQ(phones.Adb({"tcpip", "5555"}).output, "restarting in TCP mode port: 5555\n");
-  EXPECT_EQ(phones.Adb({"wait-for-device", "usb"}).output, "restarting in USB mode\n");
-  EXPECT_EQ(phones.Adb({"wait-for-device", "shell", "echo here"}).output, "here\n");
+  EXPECT_TRUE(Eventually([&] {
+    return phones.Adb({"wait-for-device", "usb"}).output == "restarting in USB mode\n";
+  }));
+  // The phone may still be attached when it is waited for, and go just then.
+  EXPECT_TRUE(Eventually([&] {
+    return phones.Adb({"wait-for-device", "shell", "echo here"}).output == "here\n";
+  }));
 }
 
 TEST(Server, WaitsForAPhone) {

@@ -64,10 +64,15 @@ bool ShellSession::PassStreams() {
   if (poll(ends.data(), ends.size(), WaitMilliseconds()) < 0) return errno == EINTR;
   if (ends[0].revents != 0) FromClient();
   if (ends[1].revents != 0) ToCommand();
-  // An error is written in pieces, output in blocks: a block that came after the first piece must not be in
-  // the middle of the error.
+  const auto pass_output = [&] {
+    if (ends[2].revents != 0) FromCommand(&command_.output, ShellPacket::kOutput);
+  };
+  // Programs write both in pieces. Whichever was left in the middle of a line goes on first, so that neither is in the
+  // middle of the other; otherwise an error, which is written before what follows it.
+  const bool output_first = output_in_line_ && !errors_in_line_;
+  if (output_first) pass_output();
   if (ends[3].revents != 0) FromCommand(&command_.errors, ShellPacket::kErrors);
-  if (ends[2].revents != 0) FromCommand(&command_.output, ShellPacket::kOutput);
+  if (!output_first) pass_output();
   return true;
 }
 
@@ -147,6 +152,7 @@ void ShellSession::FromCommand(base::UniqueFd* from, ShellPacket kind) {
   }
   if (client_gone_) return;
   const std::string_view bytes(buffer_.data(), static_cast<size_t>(count));
+  (kind == ShellPacket::kErrors ? errors_in_line_ : output_in_line_) = bytes.back() != '\n';
   const bool sent = request_.packets ? SendShellPacket(client_.get(), kind, bytes)
                                      : WriteAll(client_.get(), bytes.data(), bytes.size());
   if (!sent) client_gone_ = true;

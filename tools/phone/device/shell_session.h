@@ -42,6 +42,9 @@ class ShellSession {
   std::string pending_input_;
   bool close_input_when_empty_ = false;
   bool client_gone_ = false;
+  // Whether what was passed on last ended in the middle of a line.
+  bool output_in_line_ = false;
+  bool errors_in_line_ = false;
   // Until when a command without a terminal may finish with what its client sent before it went away.
   std::optional<Clock::time_point> last_chance_;
   std::vector<char> buffer_;
