@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 
+#include "tests/phone/raw_client.h"
 #include "tests/support/eventually.h"
 #include "tests/support/simulated_phones.h"
 
@@ -148,6 +149,16 @@ TEST(Server, ComesBackAfterKillServerWhenAsked) {
   const Outcome start = phones.Adb({"start-server"});
   EXPECT_EQ(start.output + start.errors, "");
   EXPECT_EQ(phones.Adb({"wait-for-device", "shell", "echo here"}).output, "here\n");
+}
+
+TEST(Server, AnswersKillServerWhenItIsBack) {
+  const SimulatedPhones phones({"ALFA1"}, {"--restart-on-kill"});
+  for (int i = 0; i < 5; ++i) {
+    const RawClient client(phones.port());
+    ASSERT_TRUE(client.connected());
+    client.Send(phone::WithLength("host:kill"));
+    EXPECT_EQ(client.ReadAll(), "OKAY");
+  }
 }
 
 TEST(Server, EndsOnInterruptInTheMiddleOfACommand) {

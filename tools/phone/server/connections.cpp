@@ -42,6 +42,14 @@ void Connections::Run(Connection* entry, base::UniqueFd connection,
   entry->finished = true;
 }
 
+base::UniqueFd Connections::Release(base::UniqueFd* connection) {
+  std::lock_guard lock(mutex_);
+  for (Connection& entry : open_) {
+    if (entry.thread.get_id() == std::this_thread::get_id()) entry.for_shutdown.Reset();
+  }
+  return std::move(*connection);
+}
+
 void Connections::StopAll() {
   {
     std::lock_guard lock(mutex_);

@@ -18,6 +18,8 @@ class Connections {
   // Runs `serve` on a new thread and closes the connection afterwards; `serve` may take it away. After
   // StopAll(), and when the system has no thread left, the connection is closed at once.
   void Serve(base::UniqueFd connection, std::function<void(base::UniqueFd*)> serve);
+  // Takes the connection away, so that StopAll() leaves it open. To be called from its `serve`.
+  base::UniqueFd Release(base::UniqueFd* connection);
   // Shuts every connection down and waits for its thread. Not to be called from `serve`.
   void StopAll();
   // Afterwards connections are served again.

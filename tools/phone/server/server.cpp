@@ -172,7 +172,7 @@ void Server::AddPhones() {
 void Server::Serve(base::UniqueFd client) {
   connections_.Serve(std::move(client), [this](base::UniqueFd* connection) {
     const auto kill_server = [this, connection] {
-      last_request_.Keep(std::move(*connection));
+      last_request_.Keep(connections_.Release(connection));
       end_.RequestFromClient();
     };
     ClientSession(options_.release, &phones_, &forwards_, kill_server, connection).Run();
