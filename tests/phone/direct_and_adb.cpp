@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "src/platform/command_channel.h"
+#include "tests/support/adb_version.h"
 #include "tests/support/eventually.h"
 #include "tests/support/file_content.h"
 
@@ -108,7 +109,10 @@ Answer DirectAndAdb::Run(const char* mode, const std::string& adb, const std::st
   Answer answer;
   answer.status = ExecuteAdbCommandSynchronization(args.c_str(), cancel, &out, &length);
   answer.handed_out = out != nullptr;
-  if (out != nullptr) answer.text = WithoutMeasurements(std::string(out, static_cast<size_t>(length)));
+  if (out != nullptr) {
+    // Without adb the channel says what adb 29 says.
+    answer.text = WithoutMeasurements(InTheWordsOfAdb29(std::string(out, static_cast<size_t>(length))));
+  }
   ReleaseAdbOutBuffer(out);
   return answer;
 }

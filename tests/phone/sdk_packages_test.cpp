@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "tests/phone/sdk_on_phone.h"
+#include "tests/support/adb_version.h"
 
 namespace darokleim::test {
 namespace {
@@ -152,9 +153,17 @@ TEST_P(SdkPackages, SeveralFilesThatDoNotMakeAPackageAreRefused) {
   EXPECT_FALSE(IsInstalled());
 }
 
-// adb hands them to the phone's shell without quotes.
-TEST_P(SdkPackages, OfSeveralFilesNoneMayHaveABlankOrAQuoteInItsOwnName) {
+// adb 29 hands their names to the phone's shell without quotes, as adb 34 does on old phones.
+TEST_P(SdkPackages, OfSeveralFilesWithASpaceOrAQuoteInTheirOwnNames) {
   REQUIRE_SIMULATED_PHONE("words its errors in its own ways");
+  if (AdbIsOfRelease34() && !is_legacy()) {
+    for (const char* name : {"my notes.apk", "it's.apk"}) {
+      EXPECT_EQ(InstallSet({PackageNamed(name)}), kOk) << name;
+      EXPECT_TRUE(IsInstalled()) << name;
+      EXPECT_EQ(AdbUninstallApp(phone(), kNotes, 0, cancel_), kOk);
+    }
+    return;
+  }
   EXPECT_EQ(InstallSet({PackageNamed("my notes.apk")}), ADB_RESULT_NO_SUCH_FILE);
   EXPECT_EQ(InstallSet({PackageNamed("it's.apk")}), ADB_RESULT_NO_CLOSING_QUOTE);
   EXPECT_FALSE(IsInstalled());

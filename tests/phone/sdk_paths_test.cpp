@@ -9,6 +9,7 @@
 #include "tests/phone/each_phone.h"
 #include "tests/phone/path_trials.h"
 #include "tests/phone/paths_document.h"
+#include "tests/support/adb_version.h"
 
 namespace darokleim::test {
 namespace {
@@ -46,6 +47,23 @@ const std::vector<AwkwardName>& AwkwardNames() {
   return names;
 }
 
+// A cell that adb 34 fills otherwise than adb 29, for which the page is written.
+struct Difference {
+  bool assist;
+  std::string title;
+  std::string shown;  // the name
+  std::string with_adb_29;
+  std::string with_adb_34;
+};
+
+const std::vector<Difference>& Differences() {
+  static const std::vector<Difference> differences = {
+      // The quote ends the path, so that there are two: 29 refuses that, 34 looks for the first.
+      {false, "AdbRestoreApp", "`x\" y`", "1001", "25"},
+  };
+  return differences;
+}
+
 class Paths : public EachPhone {
  protected:
   // Works, says that it does and does not, or a code; with a warning where it worked on other files.
@@ -80,6 +98,19 @@ class Paths : public EachPhone {
     return !GetParam().assist() || cells.front() == "✓";
   }
 
+  // Expects what adb 34 does otherwise, and replaces it by what adb 29 does.
+  static void TakeBackDifferences(const std::string& title, std::vector<std::string>* cells) {
+    if (!AdbIsOfRelease34()) return;
+    for (const Difference& difference : Differences()) {
+      if (difference.title != title || difference.assist != GetParam().assist()) continue;
+      for (size_t i = 0; i < cells->size(); ++i) {
+        if (AwkwardNames()[i].shown != difference.shown) continue;
+        EXPECT_EQ((*cells)[i], difference.with_adb_34) << title << " " << difference.shown;
+        (*cells)[i] = difference.with_adb_29;
+      }
+    }
+  }
+
   // Fails on a phone that does not do what any phone does.
   void MakeTable(std::string* table) const {
     std::vector<std::string> columns;
@@ -88,6 +119,7 @@ class Paths : public EachPhone {
     for (const PathTrial& trial : PathTrials()) {
       rows.emplace_back(trial.title, CellsOf(trial));
       ASSERT_TRUE(PlainNamesWork(rows.back().second)) << trial.title << " " << rows.back().second.front();
+      TakeBackDifferences(trial.title, &rows.back().second);
     }
     *table = RenderTable(columns, rows);
   }
