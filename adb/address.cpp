@@ -15,9 +15,8 @@ namespace {
 // The port of an Android phone's own daemon: what adb takes where a host is given without a port.
 constexpr std::uint16_t kPortWithoutOne = 5555;
 
-Error Invalid(std::string_view specification, std::string_view expected) {
-  return {ErrorCode::kInvalidAddress,
-          "\"" + std::string(specification) + "\" has no " + std::string(expected)};
+Error Invalid(std::string_view text, std::string_view expected) {
+  return {ErrorCode::kInvalidAddress, "\"" + std::string(text) + "\" has no " + std::string(expected)};
 }
 
 // As adb reads a number: white space before it, a sign and, with `any_base`, 0x are allowed.
@@ -91,18 +90,17 @@ Result<ServerAddress> Local(ServerAddress::Kind kind, std::string_view name) {
 
 }  // namespace
 
-Result<ServerAddress> ServerAddress::Parse(std::string_view specification) {
-  std::string_view rest = specification;
+Result<ServerAddress> ServerAddress::Parse(std::string_view text) {
+  std::string_view rest = text;
   if (TakePrefix(&rest, "tcp:")) return ParseTcp(std::string(rest));
   if (TakePrefix(&rest, "localfilesystem:") || TakePrefix(&rest, "local:"))
     return Local(Kind::kLocalFile, rest);
   if (kHasAbstractSockets && TakePrefix(&rest, "localabstract:")) return Local(Kind::kLocalAbstract, rest);
-  return Invalid(specification,
-                 "kind of socket that adb knows here, such as tcp:PORT or localfilesystem:PATH");
+  return Invalid(text, "kind of socket that adb knows here, such as tcp:PORT or localfilesystem:PATH");
 }
 
 Result<ServerAddress> ServerAddress::FromEnvironment() {
-  if (const char* specification = std::getenv("ADB_SERVER_SOCKET")) return Parse(specification);
+  if (const char* text = std::getenv("ADB_SERVER_SOCKET")) return Parse(text);
   ServerAddress address;
   const char* port = std::getenv("ANDROID_ADB_SERVER_PORT");
   if (port != nullptr && *port != '\0') {

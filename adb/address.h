@@ -27,7 +27,7 @@ struct ServerAddress {
 
   // As adb reads the value of ADB_SERVER_SOCKET: tcp:PORT, tcp:HOST, tcp:HOST:PORT, tcp:[IPV6]:PORT, local:PATH,
   // localfilesystem:PATH, localabstract:NAME.
-  static Result<ServerAddress> Parse(std::string_view specification);
+  static Result<ServerAddress> Parse(std::string_view text);
 
   // What adb would use: ADB_SERVER_SOCKET, or else ANDROID_ADB_SERVER_ADDRESS and ANDROID_ADB_SERVER_PORT, or else
   // port 5037 of this computer. kInvalidAddress where adb refuses to run.

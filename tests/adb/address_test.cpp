@@ -23,8 +23,8 @@ std::string Shown(const Result<ServerAddress>& address) {
   return "";
 }
 
-std::string Shown(const std::string& specification) {
-  return Shown(ServerAddress::Parse(specification));
+std::string Shown(const std::string& text) {
+  return Shown(ServerAddress::Parse(text));
 }
 
 const std::string kInvalid = "error 0";
@@ -63,11 +63,10 @@ TEST(ServerAddressTest, Local) {
 }
 
 TEST(ServerAddressTest, Invalid) {
-  for (const std::string specification :
-       {"", "foo", "tcp", "tcp:", "tcp:0", "tcp:65536", "tcp:-1", "tcp::5037", "tcp:host:", "tcp:host:0",
-        "tcp:host:65536", "tcp:host:5037x", "tcp:[::1", "tcp:[]:1", "tcp:[::1]5037",
-        "local:", "localreserved:adb", "usb:1"}) {
-    EXPECT_EQ(Shown(specification), kInvalid) << specification;
+  for (const std::string text : {"", "foo", "tcp", "tcp:", "tcp:0", "tcp:65536", "tcp:-1", "tcp::5037",
+                                 "tcp:host:", "tcp:host:0", "tcp:host:65536", "tcp:host:5037x", "tcp:[::1",
+                                 "tcp:[]:1", "tcp:[::1]5037", "local:", "localreserved:adb", "usb:1"}) {
+    EXPECT_EQ(Shown(text), kInvalid) << text;
   }
   EXPECT_EQ(Shown(std::string("tcp:ho\0st:5037", 14)), kInvalid);
   EXPECT_EQ(Shown("local:/" + std::string(106, 'a')), "file /" + std::string(106, 'a'));
