@@ -24,6 +24,14 @@ dk_code Call::Finish(Status status) {
   return code;
 }
 
+dk_bytes NewBytes(std::string_view content) {
+  auto* const data = static_cast<char*>(std::malloc(content.size() + 1));
+  if (data == nullptr) throw std::bad_alloc();
+  content.copy(data, content.size());
+  data[content.size()] = '\0';
+  return {data, content.size()};
+}
+
 }  // namespace darokleim::client
 
 using namespace darokleim;

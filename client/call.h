@@ -51,6 +51,9 @@ Options ReadOptions(const Options* given, Options defaults) {
   return defaults;
 }
 
+// A copy for the caller to give back with dk_bytes_free(). Throws when there is no memory.
+dk_bytes NewBytes(std::string_view content);
+
 }  // namespace darokleim::client
 
 #endif  // DAROKLEIM_CLIENT_CALL_H

@@ -30,13 +30,9 @@ constexpr std::array<StateWord, 12> kStateWords = {{
     {"host", DK_STATE_HOST},
 }};
 
-bool BeginsWith(std::string_view text, std::string_view begin) {
-  return text.substr(0, begin.size()) == begin;
-}
-
 dk_link LinkOf(const adb::AttachedDevice& device) {
-  if (BeginsWith(device.serial, "emulator-")) return DK_LINK_EMULATOR;
-  if (BeginsWith(device.plug, "usb:")) return DK_LINK_USB;
+  if (device.serial.starts_with("emulator-")) return DK_LINK_EMULATOR;
+  if (device.plug.starts_with("usb:")) return DK_LINK_USB;
   if (device.serial.find(':') != std::string::npos || device.serial.find("._adb-tls") != std::string::npos) {
     return DK_LINK_NETWORK;
   }
@@ -73,7 +69,7 @@ Result<std::string> OnlyReadySerial(dk_context* context, const Limits& limits) {
 dk_state StateOf(std::string_view text) {
   for (const StateWord& known : kStateWords) {
     const bool is_explained = known.state == DK_STATE_NO_PERMISSIONS;  // by a text in parentheses after it
-    if (is_explained ? BeginsWith(text, known.word) : text == known.word) return known.state;
+    if (is_explained ? text.starts_with(known.word) : text == known.word) return known.state;
   }
   return DK_STATE_UNKNOWN;
 }
@@ -124,7 +120,7 @@ Status FromServerText(adb::Result<std::string> answer, std::string_view what,
                       std::initializer_list<std::string_view> successes) {
   if (!answer.ok()) return FromAdb(answer.error(), what, "");
   for (const std::string_view success : successes) {
-    if (BeginsWith(*answer, success)) return {};
+    if (answer->starts_with(success)) return {};
   }
   Error error = Failed(DK_SERVER_REFUSED, what, Shown(*answer));
   error.words = *answer;
@@ -146,8 +142,7 @@ dk_code dk_devices(dk_context* context, dk_on_device on_device, void* user, cons
     if (!devices.ok()) return devices.TakeError();
     for (const adb::AttachedDevice& device : *devices) {
       const dk_device_info info = client::InfoOf(device);
-      if (!on_device(user, &info))
-        return client::Failed(DK_STOPPED, "list the devices", "stopped by the application");
+      if (!on_device(user, &info)) return client::Stopped("list the devices");
     }
     return {};
   });

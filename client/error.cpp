@@ -38,22 +38,18 @@ std::string WordsOfPhoneErrno(int error) {
   return "error " + std::to_string(error);
 }
 
-bool BeginsWith(std::string_view text, std::string_view begin) {
-  return text.substr(0, begin.size()) == begin;
-}
-
 // What the server answers in place of a device. Its texts are fixed but for the serial, which is compared.
 dk_code CodeOfRefusal(std::string_view message, std::string_view serial) {
   if (message == "device '" + std::string(serial) + "' not found" ||
       message == "no devices/emulators found" || message == "device not found") {
     return DK_NO_DEVICE;
   }
-  if (BeginsWith(message, "more than one device")) return DK_SEVERAL_DEVICES;
+  if (message.starts_with("more than one device")) return DK_SEVERAL_DEVICES;
   if (message == "device offline" || message == "device still connecting") return DK_DEVICE_OFFLINE;
-  if (message == "device still authorizing" || BeginsWith(message, "device unauthorized")) {
+  if (message == "device still authorizing" || message.starts_with("device unauthorized")) {
     return DK_DEVICE_UNAUTHORIZED;
   }
-  if (BeginsWith(message, "insufficient permissions for device") || BeginsWith(message, "no permissions")) {
+  if (message.starts_with("insufficient permissions for device") || message.starts_with("no permissions")) {
     return DK_DEVICE_NO_PERMISSIONS;
   }
   return DK_SERVER_REFUSED;
@@ -120,6 +116,10 @@ Error Failed(dk_code code, std::string_view what, std::string_view why) {
   error.code = code;
   error.message = "Cannot " + std::string(what) + ": " + std::string(why) + ".";
   return error;
+}
+
+Error Stopped(std::string_view what) {
+  return Failed(DK_STOPPED, what, "stopped by the application");
 }
 
 Error InvalidArgument(std::string_view why) {

@@ -28,6 +28,8 @@ using Status = Result<void>;
 
 // `what` was tried: "list /sdcard". The message becomes "cannot list /sdcard: …".
 Error Failed(dk_code code, std::string_view what, std::string_view why);
+// A callback of the caller ended the call.
+Error Stopped(std::string_view what);
 Error InvalidArgument(std::string_view why);
 
 // Of the server's protocol. `serial` is the device that was asked, empty for the server itself: what the server says about

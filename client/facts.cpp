@@ -189,7 +189,7 @@ dk_code dk_properties(dk_device* device, dk_on_property on_property, void* user,
         client::ForEachProperty(collected->out, [&](const std::string& name, const std::string& value) {
           return on_property(user, name.c_str(), value.c_str());
         });
-    if (!all) return client::Failed(DK_STOPPED, kWhat, "stopped by the application");
+    if (!all) return client::Stopped(kWhat);
     return {};
   });
 }

@@ -26,10 +26,6 @@ struct OwnedEntry {
   std::string path, name, link_target;
 };
 
-Error Stopped(std::string_view what) {
-  return Failed(DK_STOPPED, what, "stopped by the application");
-}
-
 // What `readlink` says, without its line break; nothing where it cannot be had.
 Result<std::optional<std::string>> ReadLink(dk_device* device, const std::string& path, const char* option,
                                             std::string_view what, const Limits& limits) {

@@ -13,11 +13,6 @@ constexpr std::size_t kFirstHeader = 20;
 constexpr std::size_t kLongestHeader = 64;
 constexpr std::size_t kLongestPayload = 64 * 1024 - 1;
 
-std::uint16_t Get16(const char* bytes) {
-  return static_cast<std::uint16_t>(static_cast<unsigned char>(bytes[0]) |
-                                    static_cast<unsigned char>(bytes[1]) << 8);
-}
-
 char LevelOf(unsigned char priority) {
   constexpr std::string_view kLevels = "??VDIWEFS";
   return priority < kLevels.size() ? kLevels[priority] : '?';
@@ -45,8 +40,9 @@ bool LogRecords::Read(std::string_view data, const Use& use) {
   std::size_t at = 0;
   while (rest_.size() - at >= kFirstHeader) {
     const char* const header = rest_.data() + at;
-    const std::size_t payload = Get16(header);
-    const std::size_t size = std::max<std::size_t>(Get16(header + 2), kFirstHeader);
+    const std::size_t payload = base::GetLittleEndian<std::uint16_t>(header);
+    const std::size_t size =
+        std::max<std::size_t>(base::GetLittleEndian<std::uint16_t>(header + 2), kFirstHeader);
     if (size > kLongestHeader || payload > kLongestPayload || payload == 0) return false;
     if (rest_.size() - at < size + payload) break;
     UsePayload(header, rest_.substr(at + size, payload), use);

@@ -37,8 +37,7 @@ Status ReportMappings(std::string_view text, ListOf kind, const dk_device* devic
     const bool forward = kind == ListOf::kForwards;
     if (forward && (*words)[0] != device->serial) continue;
     const dk_mapping mapping = {forward ? (*words)[0].c_str() : "", (*words)[1].c_str(), (*words)[2].c_str()};
-    if (!on_mapping(user, &mapping))
-      return Failed(DK_STOPPED, "list the ports", "stopped by the application");
+    if (!on_mapping(user, &mapping)) return Stopped("list the ports");
   }
   return {};
 }

@@ -1,5 +1,4 @@
 // dk_screenshot, dk_type_text, dk_press_key, dk_tap, dk_swipe: what the phone's user sees and does.
-#include <cstdlib>
 #include <string>
 
 #include "base/ascii.h"
@@ -17,11 +16,7 @@ Status Screenshot(dk_device* device, dk_bytes* png, const Limits& limits) {
   if (!collected.ok()) return collected.TakeError();
   const std::string& picture = collected->out;
   if (picture.substr(0, kPngBegin.size()) != kPngBegin) return CommandFailed(kWhat, *collected);
-  auto* const data = static_cast<char*>(std::malloc(picture.size() + 1));
-  if (data == nullptr) throw std::bad_alloc();
-  picture.copy(data, picture.size());
-  data[picture.size()] = '\0';
-  *png = {data, picture.size()};
+  *png = NewBytes(picture);
   return {};
 }
 
@@ -30,8 +25,7 @@ Status Input(dk_device* device, const std::string& script, std::string_view what
   auto collected = CollectScript(device, script, what, limits);
   if (!collected.ok()) return collected.TakeError();
   if (collected->exit_status == 0) return {};
-  Error error = CommandFailed(what, *collected);
-  return error;
+  return CommandFailed(what, *collected);
 }
 
 bool IsPrintableAscii(char c) {

@@ -14,10 +14,6 @@ namespace {
 
 using adb::ShellForm;
 
-Error Stopped(std::string_view what) {
-  return Failed(DK_STOPPED, what, "stopped by the application");
-}
-
 // The newest form that this phone, behind this server, has.
 Result<ShellForm> FormOf(dk_device* device, std::string_view what, const Limits& limits) {
   auto features = AskDevice(device, limits, [&](const auto& server, const auto& selector) {
@@ -174,15 +170,6 @@ using client::Status;
 
 namespace darokleim::client {
 namespace {
-
-// Zero-terminated, for free(). Throws when there is no memory.
-dk_bytes NewBytes(std::string_view text) {
-  auto* const data = static_cast<char*>(std::malloc(text.size() + 1));
-  if (data == nullptr) throw std::bad_alloc();
-  text.copy(data, text.size());
-  data[text.size()] = '\0';
-  return {data, text.size()};
-}
 
 Status RunForCaller(dk_device* device, std::string_view script, const dk_run_options* given,
                     dk_output* output, const Limits& limits) {

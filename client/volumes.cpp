@@ -95,7 +95,7 @@ dk_code dk_volumes(dk_device* device, dk_on_volume on_volume, void* user, const 
       if (!volume.known) continue;
       const dk_volume shown = {volume.path.c_str(), client::IsInternal(volume.path), volume.total,
                                volume.used, volume.free};
-      if (!on_volume(user, &shown)) return client::Failed(DK_STOPPED, kWhat, "stopped by the application");
+      if (!on_volume(user, &shown)) return client::Stopped(kWhat);
     }
     return {};
   });

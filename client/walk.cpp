@@ -142,14 +142,14 @@ Status WalkForCaller(dk_device* device, const std::string& root, const dk_walk_o
   visitor.visit = [&](const dk_entry& entry, std::uint32_t depth, bool* descend) -> Status {
     *descend = *descend && (options.max_depth == 0 || depth < options.max_depth);
     if (!IsWanted(entry, options) || on_entry(user, &entry)) return {};
-    return Failed(DK_STOPPED, what, "stopped by the application");
+    return Stopped(what);
   };
   visitor.fail = [&](Error error) -> Status {
     failed = true;
     if (options.on_error == nullptr) return {};
     const dk_error shown{std::move(error)};
     if (options.on_error(user, &shown)) return {};
-    return Failed(DK_STOPPED, what, "stopped by the application");
+    return Stopped(what);
   };
   if (Status status = WalkPhone(device, root, visitor, limits); !status.ok()) return status;
   if (failed) return Failed(DK_PARTLY_DONE, what, "some folders cannot be read");

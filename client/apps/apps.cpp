@@ -116,7 +116,7 @@ dk_code dk_apps(dk_device* device, dk_app_set set, bool sizes, dk_on_app on_app,
     }
     for (client::OwnedApp& app : *apps) {
       app.Bind();
-      if (!on_app(user, &app.app)) return client::Failed(DK_STOPPED, kWhat, "stopped by the application");
+      if (!on_app(user, &app.app)) return client::Stopped(kWhat);
     }
     return {};
   });

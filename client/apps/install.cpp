@@ -60,7 +60,7 @@ class ApkReader {
  private:
   bool Ask() {
     if (options_.on_progress == nullptr || options_.on_progress(options_.user, done_, total_)) return true;
-    error_ = Failed(DK_STOPPED, "install " + Shown(path_), "stopped by the application");
+    error_ = Stopped("install " + Shown(path_));
     return false;
   }
   Error FromErrno(int error) const { return FromHostErrno(error, "install " + Shown(path_), path_); }

@@ -9,10 +9,6 @@
 namespace darokleim::client {
 namespace {
 
-bool BeginsWith(std::string_view text, std::string_view begin) {
-  return text.substr(0, begin.size()) == begin;
-}
-
 std::string_view WithoutIndent(std::string_view line) {
   line.remove_prefix(std::min(line.find_first_not_of(' '), line.size()));
   return line;
@@ -20,7 +16,7 @@ std::string_view WithoutIndent(std::string_view line) {
 
 // The text after "name=" up to a space; nothing for a line that does not begin with it.
 std::optional<std::string_view> Value(std::string_view line, std::string_view name) {
-  if (!BeginsWith(line, name) || line.size() <= name.size() || line[name.size()] != '=') return std::nullopt;
+  if (!line.starts_with(name) || line.size() <= name.size() || line[name.size()] != '=') return std::nullopt;
   return line.substr(name.size() + 1);
 }
 
@@ -59,7 +55,7 @@ void ReadFact(std::string_view line, PackageFacts* facts) {
     if (const auto set = Value(line, flags))
       facts->system = facts->system || set->find(" SYSTEM ") != std::string_view::npos;
   }
-  if (BeginsWith(line, "User 0:")) {
+  if (line.starts_with("User 0:")) {
     // 0: as the application itself says; 1: enabled; 2 to 4: disabled, by the user or until it is used.
     constexpr std::string_view kEnabled = " enabled=";
     const std::size_t at = line.find(kEnabled);
@@ -81,7 +77,7 @@ std::vector<std::pair<std::string, std::string>> ReadPackageList(std::string_vie
   ForEachLine(text, [&](std::string_view line) {
     constexpr std::string_view kBegin = "package:";
     const std::size_t equals = line.rfind('=');
-    if (!BeginsWith(line, kBegin) || equals == std::string_view::npos) return true;
+    if (!line.starts_with(kBegin) || equals == std::string_view::npos) return true;
     const std::string_view name = line.substr(equals + 1);
     if (IsPackageName(name)) packages.emplace_back(name, line.substr(kBegin.size(), equals - kBegin.size()));
     return true;
@@ -102,7 +98,7 @@ std::map<std::string, PackageFacts> ReadPackageDump(std::string_view text) {
     }
     if (!in_packages) return true;
     constexpr std::string_view kPackage = "  Package [";
-    if (BeginsWith(line, kPackage)) {
+    if (line.starts_with(kPackage)) {
       const std::string_view name =
           line.substr(kPackage.size(), line.find(']') - std::min(line.find(']'), kPackage.size()));
       current = IsPackageName(name) ? &packages[std::string(name)] : nullptr;
@@ -118,8 +114,8 @@ PackageAnswer ReadPackageAnswer(std::string_view text) {
   PackageAnswer answer;
   ForEachLine(text, [&](std::string_view line) {
     constexpr std::string_view kFailure = "Failure [";
-    if (BeginsWith(line, "Success")) answer.success = true;
-    if (!BeginsWith(line, kFailure)) return true;
+    if (line.starts_with("Success")) answer.success = true;
+    if (!line.starts_with(kFailure)) return true;
     line.remove_prefix(kFailure.size());
     const std::size_t end =
         std::min(line.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_"), line.size());
@@ -133,7 +129,7 @@ PackageAnswer ReadPackageAnswer(std::string_view text) {
 std::optional<std::string> ReadSession(std::string_view text) {
   const std::size_t open = text.find('[');
   const std::size_t close = text.find(']', open == std::string_view::npos ? 0 : open);
-  if (!BeginsWith(text, "Success") || open == std::string_view::npos || close == std::string_view::npos)
+  if (!text.starts_with("Success") || open == std::string_view::npos || close == std::string_view::npos)
     return std::nullopt;
   const std::string_view number = text.substr(open + 1, close - open - 1);
   if (number.empty() || number.find_first_not_of("0123456789") != std::string_view::npos) return std::nullopt;

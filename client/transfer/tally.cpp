@@ -17,7 +17,7 @@ void Tally::Begin(const char* path, std::uint64_t size) {
 
 Status Tally::Ask() {
   if (options_.on_progress == nullptr || options_.on_progress(options_.user, &progress_)) return {};
-  return client::Failed(DK_STOPPED, what_, "stopped by the application");
+  return client::Stopped(what_);
 }
 
 void Tally::Sent(std::uint64_t bytes) {
@@ -41,7 +41,7 @@ Status Tally::Failed(Error error) {
   if (options_.on_error == nullptr) return {};
   const dk_error shown{std::move(error)};
   if (options_.on_error(options_.user, &shown)) return {};
-  return client::Failed(DK_STOPPED, what_, "stopped by the application");
+  return client::Stopped(what_);
 }
 
 Status Tally::Finish() const {

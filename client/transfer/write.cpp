@@ -38,7 +38,7 @@ Status WriteFrom(dk_device* device, const std::string& path, std::uint32_t mode,
   while (sent.ok()) {
     const std::int64_t count = source(user, block.data(), block.size());
     if (count < 0 || count > static_cast<std::int64_t>(block.size())) {
-      return Failed(DK_STOPPED, what, "stopped by the application");
+      return Stopped(what);
     }
     if (count == 0) break;
     sent = connection.SendData({block.data(), static_cast<std::size_t>(count)}, limits);
