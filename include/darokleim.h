@@ -776,7 +776,7 @@ DAROKLEIM_EXPORT int AdbScreencapToDevice(const char* serial, const char* device
 /// current working directory (not on a drive), which replaces the one before. Only a regular file is written: a
 /// link or anything else of that name is left unchanged, and errors are ignored.
 ///
-/// There is no limit to the number of files and the depth of folders: time and memory are proportional to the
+/// The number of files and the depth of folders are not limited: time and memory are proportional to the
 /// document, and no additional stack is needed. A million files take about 500 MB and a few seconds, without the
 /// device's time. In the tree each folder indents its lines by six more spaces, and every level repeats the path
 /// above it: a deep tree makes a document that is much larger than its listing.
