@@ -27,6 +27,9 @@ inline std::uint64_t GetLe64(const char* bytes) {
 inline void PutLe32(std::string* text, std::uint32_t number) {
   for (int shift = 0; shift < 32; shift += 8) text->push_back(static_cast<char>(number >> shift));
 }
+inline void PutLe64(std::string* text, std::uint64_t number) {
+  for (int shift = 0; shift < 64; shift += 8) text->push_back(static_cast<char>(number >> shift));
+}
 
 }  // namespace darokleim::base
 

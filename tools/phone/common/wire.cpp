@@ -17,10 +17,6 @@ bool Send(int fd, const std::string& bytes) {
   return WriteAll(fd, bytes.data(), bytes.size());
 }
 
-void PutLe(std::string* out, uint64_t value, int bytes) {
-  for (int i = 0; i < bytes; ++i) out->push_back(static_cast<char>((value >> (8 * i)) & 0xff));
-}
-
 }  // namespace
 
 std::optional<std::string> ReadRequest(int fd) {
@@ -55,20 +51,6 @@ bool SendText(int fd, std::string_view text) {
 
 bool SendOkayAndText(int fd, std::string_view text) {
   return Send(fd, "OKAY") && Send(fd, WithLength(text));
-}
-
-void PutLe32(std::string* out, uint32_t value) {
-  PutLe(out, value, 4);
-}
-
-void PutLe64(std::string* out, uint64_t value) {
-  PutLe(out, value, 8);
-}
-
-uint32_t GetLe32(const char* bytes) {
-  uint32_t value = 0;
-  for (int i = 3; i >= 0; --i) value = (value << 8) | static_cast<unsigned char>(bytes[i]);
-  return value;
 }
 
 bool TakePrefix(std::string_view* text, std::string_view prefix) {

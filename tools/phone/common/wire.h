@@ -1,7 +1,6 @@
 #ifndef DAROKLEIM_TOOLS_PHONE_COMMON_WIRE_H
 #define DAROKLEIM_TOOLS_PHONE_COMMON_WIRE_H
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,11 +20,6 @@ bool SendFail(int fd, std::string_view reason);
 std::string WithLength(std::string_view text);
 bool SendText(int fd, std::string_view text);
 bool SendOkayAndText(int fd, std::string_view text);
-
-// For the sync service, whose numbers are little-endian whatever the machine.
-void PutLe32(std::string* out, uint32_t value);
-void PutLe64(std::string* out, uint64_t value);
-uint32_t GetLe32(const char* bytes);
 
 // When `text` begins with `prefix`: cuts it off and is true.
 bool TakePrefix(std::string_view* text, std::string_view prefix);

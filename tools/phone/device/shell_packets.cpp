@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/little_endian.h"
 #include "tools/phone/common/io.h"
 #include "tools/phone/common/wire.h"
 
@@ -20,7 +21,7 @@ ShellPacket KindOf(const std::string& header) {
 
 bool SendShellPacket(int fd, ShellPacket kind, std::string_view data) {
   std::string packet(1, static_cast<char>(kind));
-  PutLe32(&packet, static_cast<uint32_t>(data.size()));
+  base::PutLe32(&packet, static_cast<uint32_t>(data.size()));
   packet.append(data);
   return WriteAll(fd, packet.data(), packet.size());
 }
@@ -32,7 +33,7 @@ bool ShellPacketReader::Feed(std::string_view bytes, const Receive& receive) {
       header_.append(bytes.substr(0, count));
       bytes.remove_prefix(count);
       if (header_.size() < kHeaderSize) return true;
-      missing_ = GetLe32(header_.data() + 1);
+      missing_ = base::GetLe32(header_.data() + 1);
       if (KindOf(header_) != ShellPacket::kInput && missing_ > kLongestOtherPacket) return false;
     }
     const std::string_view piece = bytes.substr(0, missing_);

@@ -1,5 +1,6 @@
 #include "tools/phone/device/sync_messages.h"
 
+#include "base/little_endian.h"
 #include "tools/phone/common/wire.h"
 
 namespace darokleim::phone {
@@ -20,45 +21,45 @@ uint64_t Seconds(time_t time) {
 }  // namespace
 
 SyncHeader ParseSyncHeader(const char* bytes) {
-  return {GetLe32(bytes), GetLe32(bytes + 4)};
+  return {base::GetLe32(bytes), base::GetLe32(bytes + 4)};
 }
 
 std::string MakeSyncHeader(uint32_t id, uint32_t value) {
   std::string message;
-  PutLe32(&message, id);
-  PutLe32(&message, value);
+  base::PutLe32(&message, id);
+  base::PutLe32(&message, value);
   return message;
 }
 
 std::string MakeStat1(uint32_t id, const struct stat& status) {
   std::string message;
-  PutLe32(&message, id);
-  PutLe32(&message, status.st_mode);
-  PutLe32(&message, Low32(static_cast<uint64_t>(status.st_size)));
-  PutLe32(&message, Low32(Seconds(status.st_mtime)));
+  base::PutLe32(&message, id);
+  base::PutLe32(&message, status.st_mode);
+  base::PutLe32(&message, Low32(static_cast<uint64_t>(status.st_size)));
+  base::PutLe32(&message, Low32(Seconds(status.st_mtime)));
   return message;
 }
 
 std::string MakeStat2(uint32_t id, int error, const struct stat& status) {
   std::string message;
-  PutLe32(&message, id);
-  PutLe32(&message, static_cast<uint32_t>(error));
-  PutLe64(&message, static_cast<uint64_t>(status.st_dev));
-  PutLe64(&message, status.st_ino);
-  PutLe32(&message, status.st_mode);
-  PutLe32(&message, Low32(status.st_nlink));
-  PutLe32(&message, status.st_uid);
-  PutLe32(&message, status.st_gid);
-  PutLe64(&message, static_cast<uint64_t>(status.st_size));
-  PutLe64(&message, Seconds(status.st_atime));
-  PutLe64(&message, Seconds(status.st_mtime));
-  PutLe64(&message, Seconds(status.st_ctime));
+  base::PutLe32(&message, id);
+  base::PutLe32(&message, static_cast<uint32_t>(error));
+  base::PutLe64(&message, static_cast<uint64_t>(status.st_dev));
+  base::PutLe64(&message, status.st_ino);
+  base::PutLe32(&message, status.st_mode);
+  base::PutLe32(&message, Low32(status.st_nlink));
+  base::PutLe32(&message, status.st_uid);
+  base::PutLe32(&message, status.st_gid);
+  base::PutLe64(&message, static_cast<uint64_t>(status.st_size));
+  base::PutLe64(&message, Seconds(status.st_atime));
+  base::PutLe64(&message, Seconds(status.st_mtime));
+  base::PutLe64(&message, Seconds(status.st_ctime));
   return message;
 }
 
 std::string MakeEntry(bool second_form, int error, const struct stat& status, std::string_view name) {
   std::string message = second_form ? MakeStat2(kSyncEntry2, error, status) : MakeStat1(kSyncEntry1, status);
-  PutLe32(&message, Low32(name.size()));
+  base::PutLe32(&message, Low32(name.size()));
   return message.append(name);
 }
 

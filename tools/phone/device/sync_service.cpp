@@ -11,6 +11,7 @@
 #include <cstring>
 #include <utility>
 
+#include "base/little_endian.h"
 #include "tools/phone/common/io.h"
 #include "tools/phone/common/wire.h"
 #include "tools/phone/device/sync_messages.h"
@@ -140,7 +141,7 @@ bool SyncService::Send2(const std::string& path) {
   if (!ReadExactly(client_.get(), bytes.data(), bytes.size())) return false;
   const SyncHeader setup = ParseSyncHeader(bytes.data());
   if (setup.id != kSyncSend2) return Refuse("invalid send setup");
-  if (GetLe32(bytes.data() + kSyncHeaderSize) != 0) return Refuse("unknown flags");
+  if (base::GetLe32(bytes.data() + kSyncHeaderSize) != 0) return Refuse("unknown flags");
   return TakeEntry(path, setup.value);
 }
 
@@ -166,7 +167,7 @@ bool SyncService::TakeFile(const std::string& path, unsigned mode) {
     unlink(path.c_str());
     return false;
   }
-  SetTime(path, GetLe32(block_.data() + 4));
+  SetTime(path, base::GetLe32(block_.data() + 4));
   return Reply(MakeSyncHeader(kSyncOkay, 0));
 }
 

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 
+#include "base/little_endian.h"
 #include "tools/phone/common/io.h"
 #include "tools/phone/common/wire.h"
 #include "tools/phone/server/control.h"
@@ -139,7 +140,7 @@ bool ClientSession::SelectPhone(const Target& target, bool with_id) {
   // The real server loses what arrives together with this request: a service in the same write gets no answer.
   DiscardReceived(fd());
   std::string id;
-  if (with_id) PutLe64(&id, found.transport.id);
+  if (with_id) base::PutLe64(&id, found.transport.id);
   return SendOkay(fd()) && WriteAll(fd(), id.data(), id.size());
 }
 

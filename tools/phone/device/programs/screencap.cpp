@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "base/little_endian.h"
 #include "tools/phone/common/io.h"
 #include "tools/phone/common/wire.h"
 #include "tools/phone/device/packages/package_store.h"
@@ -62,7 +63,7 @@ std::string AsRaw(const Screen& screen, const Pixels& pixels) {
   constexpr uint32_t kRgba8888 = 1;
   constexpr uint32_t kSrgb = 1;
   std::string bytes;
-  for (const uint32_t number : {screen.width, screen.height, kRgba8888, kSrgb}) PutLe32(&bytes, number);
+  for (const uint32_t number : {screen.width, screen.height, kRgba8888, kSrgb}) base::PutLe32(&bytes, number);
   return bytes.append(reinterpret_cast<const char*>(pixels.data()), pixels.size());
 }
 
