@@ -48,6 +48,10 @@ dk_code dk_context_new(const dk_context_options* options, dk_context** context, 
   });
 }
 
+const char* dk_version() {
+  return DK_VERSION;
+}
+
 void dk_context_free(dk_context* context) {
   delete context;
 }

@@ -1,11 +1,17 @@
 # What `cmake --install` puts where, for the libraries and what their users build with; the tools have their own rules,
 # beside their sources. The tree may be moved as a whole: nothing in it names the folder it was installed to.
+#
+# `cmake --install` takes one component with --component: sdk, client, tools or documentation. Each of the first two is usable without
+# the other; the tools need the sdk and the client.
+include(CheckCXXSymbolExists)
 include(CMakePackageConfigHelpers)
 
 # The channel and the log keep the bare file names under which others can take their place.
-set_target_properties(darokleim PROPERTIES VERSION "${PROJECT_VERSION}" SOVERSION "${PROJECT_VERSION_MAJOR}")
+set_target_properties(darokleim darokleim_client PROPERTIES VERSION "${PROJECT_VERSION}" SOVERSION "${PROJECT_VERSION_MAJOR}")
 set_target_properties(_adb_communcation PROPERTIES EXPORT_NAME channel)
 set_target_properties(VexoLogSDK PROPERTIES EXPORT_NAME log)
+set_target_properties(darokleim_client PROPERTIES EXPORT_NAME client)
+set_target_properties(darokleim_client_static PROPERTIES EXPORT_NAME client_static)
 
 if(APPLE)
   set(own_folder "@loader_path")
@@ -32,37 +38,61 @@ endif()
 set(package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/darokleim")
 set(header_folder "${CMAKE_INSTALL_INCLUDEDIR}/darokleim")
 
-install(TARGETS darokleim _adb_communcation VexoLogSDK EXPORT darokleimTargets
-        LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
-install(EXPORT darokleimTargets NAMESPACE darokleim:: DESTINATION "${package_folder}")
+# darokleim_install_export(COMPONENT NAME target…): the targets, and the file of the CMake package that names them.
+function(darokleim_install_export component name)
+  install(TARGETS ${ARGN} EXPORT ${name}
+          LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT ${component} NAMELINK_COMPONENT ${component}
+          ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT ${component})
+  install(EXPORT ${name} NAMESPACE darokleim:: DESTINATION "${package_folder}" COMPONENT ${component})
+endfunction()
 
+darokleim_install_export(sdk darokleimTargets darokleim _adb_communcation VexoLogSDK)
 # The archive's users bring JsonCpp, which must be of the kind that it was compiled with.
 if(NOT DAROKLEIM_JSONCPP_SOURCE)
-  install(TARGETS darokleim_static EXPORT darokleimStaticTargets
-          ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
-  install(EXPORT darokleimStaticTargets NAMESPACE darokleim:: DESTINATION "${package_folder}")
+  darokleim_install_export(sdk darokleimStaticTargets darokleim_static)
 endif()
+darokleim_install_export(client darokleimClientTargets darokleim_client darokleim_client_static)
 
-install(FILES "${PROJECT_SOURCE_DIR}/include/darokleim.h" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
-# In a folder of its own: Clang reads every file of that name that it finds on its way.
-install(FILES "${PROJECT_SOURCE_DIR}/cmake/package/module.modulemap" DESTINATION "${header_folder}")
+install(FILES "${PROJECT_SOURCE_DIR}/include/darokleim.h" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT sdk)
 # For those who write a channel or a log of their own.
 install(FILES "${PROJECT_SOURCE_DIR}/src/platform/command_channel.h"
-              "${PROJECT_SOURCE_DIR}/src/platform/log_library.h" DESTINATION "${header_folder}")
+              "${PROJECT_SOURCE_DIR}/src/platform/log_library.h" DESTINATION "${header_folder}" COMPONENT sdk)
+install(FILES "${PROJECT_SOURCE_DIR}/include/darokleim/client.h"
+              "${PROJECT_SOURCE_DIR}/include/darokleim/client.hpp" DESTINATION "${header_folder}" COMPONENT client)
 
 configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/package/darokleimConfig.cmake.in"
                               "${PROJECT_BINARY_DIR}/package/darokleimConfig.cmake"
                               INSTALL_DESTINATION "${package_folder}")
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/package/darokleimConfigVersion.cmake"
                                  COMPATIBILITY SameMajorVersion)
-install(FILES "${PROJECT_BINARY_DIR}/package/darokleimConfig.cmake"
-              "${PROJECT_BINARY_DIR}/package/darokleimConfigVersion.cmake" DESTINATION "${package_folder}")
+# In the folder of the headers: Clang reads every file of that name that it finds on its way.
+foreach(component sdk client)
+  install(FILES "${PROJECT_SOURCE_DIR}/cmake/package/module.modulemap" DESTINATION "${header_folder}"
+          COMPONENT ${component})
+  install(FILES "${PROJECT_BINARY_DIR}/package/darokleimConfig.cmake"
+                "${PROJECT_BINARY_DIR}/package/darokleimConfigVersion.cmake" DESTINATION "${package_folder}"
+          COMPONENT ${component})
+endforeach()
 
 file(RELATIVE_PATH pkgconfig_to_prefix "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
 string(REGEX REPLACE "/$" "" pkgconfig_to_prefix "${pkgconfig_to_prefix}")
-configure_file("${PROJECT_SOURCE_DIR}/cmake/package/darokleim.pc.in" "${PROJECT_BINARY_DIR}/package/darokleim.pc" @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/package/darokleim.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+check_cxx_symbol_exists(_LIBCPP_VERSION version DAROKLEIM_USES_LIBCXX)
+if(APPLE)
+  set(cxx_library -lc++)
+elseif(DAROKLEIM_USES_LIBCXX)
+  set(cxx_library "-lc++ -lc++abi")
+else()
+  set(cxx_library -lstdc++)
+endif()
+function(darokleim_install_pkg_config component name)
+  configure_file("${PROJECT_SOURCE_DIR}/cmake/package/${name}.pc.in" "${PROJECT_BINARY_DIR}/package/${name}.pc" @ONLY)
+  install(FILES "${PROJECT_BINARY_DIR}/package/${name}.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig"
+          COMPONENT ${component})
+endfunction()
+darokleim_install_pkg_config(sdk darokleim)
+darokleim_install_pkg_config(client darokleim-client)
 
-install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md" DESTINATION "${CMAKE_INSTALL_DOCDIR}")
-install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples" DESTINATION "${CMAKE_INSTALL_DOCDIR}"
+install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md" DESTINATION "${CMAKE_INSTALL_DOCDIR}"
+        COMPONENT documentation)
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation
         PATTERN __pycache__ EXCLUDE)

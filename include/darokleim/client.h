@@ -78,6 +78,17 @@
 #endif
 #define DK_API __attribute__((visibility("default")))
 
+/// The version of this header. It is that of the whole project.
+#define DK_VERSION "2.0.109"
+/// Changes when programs that were built before no longer work with the library.
+#define DK_VERSION_MAJOR 2
+/// Changes when something is added.
+#define DK_VERSION_MINOR 0
+/// Changes with every release.
+#define DK_VERSION_PATCH 109
+/// The version as one number, to compare: `#if DK_VERSION_NUMBER >= 2000109`.
+#define DK_VERSION_NUMBER (DK_VERSION_MAJOR * 1000000 + DK_VERSION_MINOR * 1000 + DK_VERSION_PATCH)
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -162,6 +173,9 @@ DK_API void dk_error_free(dk_error* error);
 
 /// The name of a code, "DK_NO_DEVICE"; "unknown" for a number that is not one.
 DK_API const char* dk_code_name(dk_code code);
+
+/// The version of the library that runs, which may be later than ::DK_VERSION of the header that a program was built with.
+DK_API const char* dk_version(void);
 
 /// @}
 /// @defgroup calls What every call takes

@@ -1,8 +1,9 @@
 /// @file
 /// @brief The client for C++17: values, objects that free themselves, errors as exceptions or as results.
 ///
-/// Header only, over darokleim/client.h, which says what each call does on the device. Every call returns a
-/// dk::Result; take its value with `.value()` and failures are thrown as dk::Error, or look at it and nothing is.
+/// Header only, over darokleim/client.h, which says what each call does on the device and which codes to expect. Every
+/// call returns a dk::Result: take its value with `.value()`, which throws a dk::Error when there is none, or look at it
+/// first, and nothing is thrown.
 ///
 /// @code{.cpp}
 /// #include <darokleim/client.hpp>
@@ -21,7 +22,20 @@
 /// }
 /// @endcode
 ///
-/// An exception that a callback throws ends the call and comes out of it.
+/// **Limits** come last in each call: a cancel token, a limit in time.
+///
+/// @code{.cpp}
+/// dk::Cancel cancel;  // another thread calls cancel.set()
+/// auto pulled = phone.pull({{"/sdcard/DCIM", "photos"}}, {}, {cancel, std::chrono::minutes(10)});
+/// if (pulled.code() == DK_CANCELLED) …
+/// @endcode
+///
+/// **Callbacks** take lambdas with captures. Those of a call come on the caller's thread; an exception that one throws ends
+/// the call and comes out of it. Those of a dk::Watch, a dk::Log, and of a client's log come on other threads, where an
+/// exception ends the program (std::terminate).
+///
+/// **Lifetime**: devices, watches and logs must go before the dk::Client that they come from. In one function, the order of
+/// declaration does that. Running out of memory is std::bad_alloc.
 #ifndef DAROKLEIM_CLIENT_HPP
 #define DAROKLEIM_CLIENT_HPP
 
@@ -41,12 +55,15 @@
 #include <variant>
 #include <vector>
 
+/// The client for C++17.
 namespace dk {
 
-/// What went wrong: a copy of the library's dk_error.
+/// What went wrong: a copy of the library's ::dk_error.
 class Error : public std::exception {
  public:
+  /// @param[in] code What went wrong, where that is all there is to say.
   explicit Error(dk_code code) : code_(code), message_(dk_code_name(code)) {}
+  /// @param[in] error Copied.
   explicit Error(const dk_error& error)
       : code_(dk_error_code(&error)),
         message_(dk_error_message(&error)),
@@ -57,14 +74,23 @@ class Error : public std::exception {
         exit_status_(dk_error_exit_status(&error)),
         on_host_(dk_error_on_host(&error)) {}
 
+  /// @return What to act on.
   dk_code code() const noexcept { return code_; }
+  /// @return As message().
   const char* what() const noexcept override { return message_.c_str(); }
+  /// @return One plain English sentence to show.
   const std::string& message() const noexcept { return message_; }
+  /// @return The path that it is about; empty when it is about none.
   const std::string& path() const noexcept { return path_; }
+  /// @return Why an application was not installed or removed, as Android names it; otherwise empty.
   const std::string& reason() const noexcept { return reason_; }
+  /// @return What the server or the phone said; empty when it said nothing.
   const std::string& words() const noexcept { return words_; }
+  /// @return The errno; 0 when there is none.
   int system_error() const noexcept { return errno_; }
+  /// @return The exit status of the phone's program; -1 when there is none.
   int exit_status() const noexcept { return exit_status_; }
+  /// @return Whether the path, or the errno, is this computer's and not the phone's.
   bool on_host() const noexcept { return on_host_; }
 
  private:
@@ -81,24 +107,33 @@ class Error : public std::exception {
 template <typename T>
 class [[nodiscard]] Result {
  public:
+  /// @param[in] value What the call gives.
   Result(T value) : state_(std::in_place_index<0>, std::move(value)) {}
+  /// @param[in] error Why there is no value.
   Result(Error error) : state_(std::in_place_index<1>, std::move(error)) {}
 
+  /// @return Whether there is a value.
   bool ok() const noexcept { return state_.index() == 0; }
+  /// @return Whether there is a value.
   explicit operator bool() const noexcept { return ok(); }
+  /// @return ::DK_OK, or the error's code.
   dk_code code() const noexcept { return ok() ? DK_OK : std::get<1>(state_).code(); }
+  /// @return The error. Throws std::bad_variant_access when there is a value.
   const Error& error() const { return std::get<1>(state_); }
 
-  /// Throws the error when there is no value.
+  /// @return The value. Throws the error when there is none.
   T& value() & {
     if (!ok()) throw std::get<1>(state_);
     return std::get<0>(state_);
   }
-  /// By value, so that `for (… : phone.list(folder).value())` keeps what it runs over.
+  /// @return The value itself, so that `for (… : phone.list(folder).value())` keeps what it runs over. Throws the error
+  /// when there is none.
   T value() && {
     if (!ok()) throw std::get<1>(state_);
     return std::move(std::get<0>(state_));
   }
+  /// @param[in] other What is taken in place of an error.
+  /// @return The value, or @p other.
   T value_or(T other) && { return ok() ? std::move(std::get<0>(state_)) : std::move(other); }
 
  private:
@@ -109,13 +144,20 @@ class [[nodiscard]] Result {
 template <>
 class [[nodiscard]] Result<void> {
  public:
+  /// Done.
   Result() = default;
+  /// @param[in] error Why it is not done.
   Result(Error error) : error_(std::move(error)) {}
 
+  /// @return Whether it is done.
   bool ok() const noexcept { return !error_; }
+  /// @return Whether it is done.
   explicit operator bool() const noexcept { return ok(); }
+  /// @return ::DK_OK, or the error's code.
   dk_code code() const noexcept { return ok() ? DK_OK : error_->code(); }
+  /// @return The error; there must be one.
   const Error& error() const { return *error_; }
+  /// Throws the error if there is one.
   void value() const {
     if (error_) throw *error_;
   }
@@ -127,14 +169,21 @@ class [[nodiscard]] Result<void> {
 /// Ends calls from another thread. Copies share the token.
 class Cancel {
  public:
+  /// Throws dk::Error when this computer has no descriptors left.
   Cancel() {
     dk_cancel* token = nullptr;
-    if (dk_cancel_new(&token) != DK_OK) throw std::bad_alloc();
+    const dk_code code = dk_cancel_new(&token);
+    if (code == DK_OUT_OF_MEMORY) throw std::bad_alloc();
+    if (code != DK_OK) throw Error(code);
     token_.reset(token, dk_cancel_free);
   }
+  /// Ends every call that has the token, now and later. From any thread, or a signal handler.
   void set() const noexcept { dk_cancel_set(token_.get()); }
+  /// @return Whether it was set.
   bool is_set() const noexcept { return dk_cancel_is_set(token_.get()); }
+  /// Makes the token usable again. No call may have it.
   void reset() const noexcept { dk_cancel_reset(token_.get()); }
+  /// @return The token of the C interface, which stays this object's.
   dk_cancel* get() const noexcept { return token_.get(); }
 
  private:
@@ -143,19 +192,22 @@ class Cancel {
 
 /// What any call may be given last.
 struct Limits {
-  std::optional<Cancel> cancel = {};
-  std::chrono::milliseconds timeout = {};  ///< 0: none
+  std::optional<Cancel> cancel = {};       ///< none: cannot be cancelled
+  std::chrono::milliseconds timeout = {};  ///< for the whole call; 0: no limit
 };
 
+/// A copy of ::dk_device_info.
 struct DeviceInfo {
-  std::string serial;
-  dk_state state = DK_STATE_UNKNOWN;
-  std::string state_text;
-  dk_link link = DK_LINK_UNKNOWN;
-  std::string product, model, device, usb_path;
-  std::uint64_t transport_id = 0;
+  std::string serial;                  ///< the name to open it by
+  dk_state state = DK_STATE_UNKNOWN;   ///< whether it is usable
+  std::string state_text;              ///< as the server words it
+  dk_link link = DK_LINK_UNKNOWN;      ///< how it is attached
+  std::string product, model, device;  ///< empty when not known
+  std::string usb_path;                ///< empty when not known
+  std::uint64_t transport_id = 0;      ///< new each time it is attached; 0 when not known
 
   DeviceInfo() = default;
+  /// @param[in] info Copied.
   explicit DeviceInfo(const dk_device_info& info)
       : serial(info.serial),
         state(info.state),
@@ -168,15 +220,19 @@ struct DeviceInfo {
         transport_id(info.transport_id) {}
 };
 
+/// A copy of ::dk_entry.
 struct Entry {
-  std::string path, name;
-  dk_type type = DK_UNKNOWN_TYPE;
-  std::uint32_t mode = 0;
-  std::optional<std::uint64_t> size;
-  std::int64_t mtime = 0;
-  std::optional<std::string> link_target;
+  std::string path;                        ///< absolute
+  std::string name;                        ///< the last part of path
+  dk_type type = DK_UNKNOWN_TYPE;          ///< what it is
+  std::uint32_t mode = 0;                  ///< type and permissions as in Linux
+  std::optional<std::uint64_t> size;       ///< bytes; none where the phone cannot say it
+  std::int64_t mtime = 0;                  ///< seconds since 1970, UTC
+  std::optional<std::uint32_t> uid, gid;   ///< known since Android 8
+  std::optional<std::string> link_target;  ///< of a link, where it was asked for
 
   Entry() = default;
+  /// @param[in] entry Copied.
   explicit Entry(const dk_entry& entry)
       : path(entry.path),
         name(entry.name),
@@ -184,28 +240,36 @@ struct Entry {
         mode(entry.mode),
         size(entry.size_known ? std::optional<std::uint64_t>(entry.size) : std::nullopt),
         mtime(entry.mtime),
+        uid(entry.has_owner ? std::optional<std::uint32_t>(entry.uid) : std::nullopt),
+        gid(entry.has_owner ? std::optional<std::uint32_t>(entry.gid) : std::nullopt),
         link_target(entry.link_target == nullptr ? std::optional<std::string>() : entry.link_target) {}
 };
 
+/// What a command printed.
 struct Output {
-  std::string out, err;
-  bool cut = false;
-  int exit_status = 0;
+  std::string out, err;  ///< empty when RunOptions::on_output took them
+  bool cut = false;      ///< more came than was kept
+  int exit_status = 0;   ///< 128 and more: ended by a signal
 };
 
+/// One file or folder to transfer.
 struct Item {
-  std::string source, target;
+  std::string source;  ///< a file or a folder
+  std::string target;  ///< the file or folder that it becomes, not a folder to put it in
 };
 
+/// A copy of ::dk_app.
 struct App {
-  std::string package, version_name;
-  std::int64_t version_code = -1;
-  bool system = false;
-  bool enabled = true;
-  std::uint64_t size = 0;
-  std::vector<std::string> apk_paths;
+  std::string package;                 ///< its name
+  std::string version_name;            ///< empty when not known
+  std::int64_t version_code = -1;      ///< -1 when not known
+  bool system = false;                 ///< came with the phone
+  bool enabled = true;                 ///< can be started
+  std::uint64_t size = 0;              ///< bytes of its APKs; 0 unless asked for
+  std::vector<std::string> apk_paths;  ///< on the phone
 
   App() = default;
+  /// @param[in] app Copied.
   explicit App(const dk_app& app)
       : package(app.package),
         version_name(app.version_name),
@@ -216,43 +280,137 @@ struct App {
         apk_paths(app.apk_paths, app.apk_paths + app.apk_count) {}
 };
 
+/// A copy of ::dk_volume.
 struct Volume {
-  std::string path;
-  bool internal = false;
-  std::uint64_t total = 0, used = 0, free = 0;
+  std::string path;                             ///< where it is mounted
+  bool internal = false;                        ///< not a card or a USB stick
+  std::uint64_t total = 0, used = 0, free = 0;  ///< bytes
 };
 
+/// A copy of ::dk_mapping.
+struct Mapping {
+  std::string from;  ///< where is listened
+  std::string to;    ///< where it connects to
+};
+
+/// Where the adb server is, and who starts one.
+struct ClientOptions {
+  std::string server = {};    ///< as dk_context_options::server; empty: from the environment
+  std::string adb_path = {};  ///< the adb that starts a server where none answers; empty: none is started
+  /// Called with each request to the server and its outcome, from any thread.
+  std::function<void(std::string_view line)> log = {};
+};
+
+/// What a walk reports. Filters add up.
+struct WalkOptions {
+  std::uint32_t max_depth = 0;               ///< 1: the folder alone; 0: no limit
+  std::uint32_t types = 0;                   ///< a set of (1u << dk_type); 0: all
+  std::vector<std::string> suffixes = {};    ///< without the dot; empty: all. Files only
+  std::uint64_t min_size = 0, max_size = 0;  ///< bytes, of files; max_size 0: no limit
+  std::int64_t newer_than = 0;               ///< mtime after this, seconds since 1970; 0: all
+  /// Called for each folder below that cannot be read; false ends the walk.
+  std::function<bool(const Error& error)> on_error = {};
+};
+
+/// How files are transferred.
+struct TransferOptions {
+  dk_existing existing = DK_FAIL_IF_EXISTS;  ///< what to do with files that are at the target already
+  bool keep_going =
+      false;  ///< after a file's error: report it and go on; the call then ends with ::DK_PARTLY_DONE
+  bool keep_times = true;   ///< modification times; ::DK_SKIP_SAME depends on it
+  bool keep_modes = false;  ///< permissions, where the target can have them
+  /// Before each block; false ends the call with ::DK_STOPPED.
+  std::function<bool(const dk_progress& progress)> on_progress = {};
+  /// Of one file, with its path, when the call keeps going; false ends the call.
+  std::function<bool(const Error& error)> on_error = {};
+  dk_summary* summary = nullptr;  ///< filled in the end, also when the call fails
+};
+
+/// How a command runs.
+struct RunOptions {
+  std::optional<std::string> input = {};  ///< for its standard input; not to phones before Android 7
+  /// Each piece of the output as it comes; false ends the command. Without it the output is collected.
+  std::function<bool(dk_stream stream, std::string_view data)> on_output = {};
+  std::size_t most_collected = 0;  ///< bytes kept of each stream; 0: 1 MiB
+};
+
+/// How an application is installed.
+struct InstallOptions {
+  bool replace = true;     ///< an installed version keeps its data
+  bool downgrade = false;  ///< also an older version
+  bool grant = false;      ///< all permissions that it asks for
+  bool test = false;       ///< also one that is marked as for tests only
+  /// Bytes sent, and to send in all; false ends the call.
+  std::function<bool(std::uint64_t bytes_done, std::uint64_t bytes_total)> on_progress = {};
+};
+
+/// What a log gives.
+struct LogOptions {
+  std::vector<std::string> filters =
+      {};                    ///< as logcat takes them, `ActivityManager:I`, `*:S`; empty: everything
+  std::string buffers = {};  ///< `main,system,crash`; empty: the phone's choice
+  bool only_new = false;     ///< not what is in the buffer already
+  bool stop_at_end = false;  ///< what is in the buffer, then the end
+};
+
+/// @cond
 namespace detail {
 
-/// Holds what a C callback needs: the caller's function, and the exception it threw.
-template <typename Function>
-struct Guarded {
-  Function function;
-  std::exception_ptr thrown = nullptr;
-
-  template <typename... Arguments>
-  bool operator()(Arguments&&... arguments) noexcept {
+/// Runs callers' functions inside C callbacks, and keeps the exception that one throws.
+class Catcher {
+ public:
+  template <typename Function>
+  bool Run(Function&& function) noexcept {
     try {
-      if constexpr (std::is_void_v<std::invoke_result_t<Function&, Arguments...>>) {
-        function(std::forward<Arguments>(arguments)...);
+      if constexpr (std::is_void_v<std::invoke_result_t<Function>>) {
+        function();
         return true;
       } else {
-        return static_cast<bool>(function(std::forward<Arguments>(arguments)...));
+        return static_cast<bool>(function());
       }
     } catch (...) {
-      thrown = std::current_exception();
+      thrown_ = std::current_exception();
       return false;
     }
   }
   void Rethrow() const {
-    if (thrown) std::rethrow_exception(thrown);
+    if (thrown_) std::rethrow_exception(thrown_);
   }
+
+ private:
+  std::exception_ptr thrown_ = nullptr;
+};
+
+/// A caller's function as a C callback needs it.
+template <typename Function>
+struct Guarded {
+  Function function;
+  Catcher catcher = {};
+
+  template <typename... Arguments>
+  bool operator()(Arguments&&... arguments) noexcept {
+    return catcher.Run([&] { return function(std::forward<Arguments>(arguments)...); });
+  }
+  void Rethrow() const { catcher.Rethrow(); }
 };
 
 template <typename Function>
 Guarded<std::decay_t<Function>> Guard(Function&& function) {
   return {std::forward<Function>(function)};
 }
+
+/// The options of a call with callbacks, and what they throw.
+template <typename Options>
+struct Given {
+  const Options& options;
+  Catcher catcher = {};
+
+  static Given& Of(void* user) { return *static_cast<Given*>(user); }
+  static bool OnError(void* user, const dk_error* error) {
+    Given& given = Of(user);
+    return given.catcher.Run([&] { return given.options.on_error(Error(*error)); });
+  }
+};
 
 /// The dk_call of one call, and its error.
 class Call {
@@ -291,12 +449,32 @@ struct Free {
   void operator()(dk_device* device) const { dk_device_free(device); }
   void operator()(dk_watch* watch) const { dk_watch_stop(watch); }
   void operator()(dk_log* log) const { dk_log_stop(log); }
+  void operator()(dk_entry* entry) const { dk_entry_free(entry); }
+  void operator()(dk_app* app) const { dk_app_free(app); }
 };
 
-inline std::string TakeBytes(dk_bytes* bytes) {
-  std::string text(bytes->data == nullptr ? "" : bytes->data, bytes->size);
-  dk_bytes_free(bytes);
-  return text;
+inline std::string Copy(const dk_bytes& bytes) {
+  return bytes.data == nullptr ? std::string() : std::string(bytes.data, bytes.size);
+}
+
+/// What the library allocates, given back however the scope is left.
+struct OwnedBytes {
+  dk_bytes bytes = {};
+  OwnedBytes() = default;
+  ~OwnedBytes() { dk_bytes_free(&bytes); }
+  OwnedBytes(const OwnedBytes&) = delete;
+  OwnedBytes& operator=(const OwnedBytes&) = delete;
+};
+struct OwnedOutput {
+  dk_output output = {};
+  OwnedOutput() = default;
+  ~OwnedOutput() { dk_output_free(&output); }
+  OwnedOutput(const OwnedOutput&) = delete;
+  OwnedOutput& operator=(const OwnedOutput&) = delete;
+};
+
+inline const char* TextOrNull(const std::string& text) {
+  return text.empty() ? nullptr : text.c_str();
 }
 
 inline std::vector<const char*> Pointers(const std::vector<std::string>& texts) {
@@ -306,11 +484,45 @@ inline std::vector<const char*> Pointers(const std::vector<std::string>& texts) 
   return pointers;
 }
 
-}  // namespace detail
+/// For an overload that takes a structure of the C interface: `{}` then means the one of C++. Where a function has no other
+/// template parameter, one that is not used does the same, since functions come before templates.
+template <typename Given, typename Plain>
+using If = std::enable_if_t<std::is_same_v<std::decay_t<Given>, Plain>>;
 
-/// A log of the phone that runs; stops when it goes out of scope.
+}  // namespace detail
+/// @endcond
+
+/// @return The version of the library that runs.
+inline std::string version() {
+  return dk_version();
+}
+
+/// @param[in] text Any text.
+/// @return The text as one word for the phone's shell.
+inline std::string quote(const std::string& text) {
+  detail::OwnedBytes quoted;
+  if (dk_quote(text.c_str(), &quoted.bytes) != DK_OK) throw std::bad_alloc();
+  return detail::Copy(quoted.bytes);
+}
+
+/// A log of the phone that runs; stops when it goes out of scope. Its callbacks may stop it, but not destroy it.
 class Log {
  public:
+  /// No log runs.
+  Log() = default;
+  /// @param[in] other Gives up its log.
+  Log(Log&& other) = default;
+  /// Stops the log that this object has.
+  /// @param[in] other Gives up its log.
+  /// @return This object.
+  Log& operator=(Log&& other) noexcept {
+    stop();
+    receiver_ = std::move(other.receiver_);
+    log_ = std::move(other.log_);
+    return *this;
+  }
+  ~Log() = default;
+  /// Stops it. No callback runs afterwards, or, when called from one, after that one has returned.
   void stop() { log_.reset(); }
 
  private:
@@ -323,9 +535,24 @@ class Log {
   std::unique_ptr<dk_log, detail::Free> log_;
 };
 
-/// Device changes; stops when it goes out of scope.
+/// Device changes; stops when it goes out of scope. Its callback may stop it, but not destroy it.
 class Watch {
  public:
+  /// No watch runs.
+  Watch() = default;
+  /// @param[in] other Gives up its watch.
+  Watch(Watch&& other) = default;
+  /// Stops the watch that this object has.
+  /// @param[in] other Gives up its watch.
+  /// @return This object.
+  Watch& operator=(Watch&& other) noexcept {
+    stop();
+    on_change_ = std::move(other.on_change_);
+    watch_ = std::move(other.watch_);
+    return *this;
+  }
+  ~Watch() = default;
+  /// Stops it. No callback runs afterwards, or, when called from one, after that one has returned.
   void stop() { watch_.reset(); }
 
  private:
@@ -338,36 +565,63 @@ class Watch {
 /// One device. May be moved; calls may be made from any thread.
 class Device {
  public:
+  /// @return The serial that it was opened with, or that of the only device.
   std::string serial() const { return dk_device_serial(device_.get()); }
+  /// @return The device of the C interface, which stays this object's.
   dk_device* get() const noexcept { return device_.get(); }
 
+  /// @name The device itself
+  /// @{
+
+  /// Asks for its state: dk_device_state().
+  /// @param[in] limits As everywhere.
+  /// @return The state, or the error.
   Result<dk_state> state(const Limits& limits = {}) const {
     dk_state state = DK_STATE_UNKNOWN;
     const detail::Call call(limits);
     const dk_code code = dk_device_state(get(), &state, call.get());
     return call.Give(code, std::move(state));
   }
+  /// Waits for a state: dk_device_wait().
+  /// @param[in] state,limits As there. Set a limit in time.
+  /// @return Nothing, or the error.
   Result<void> wait(dk_state state, const Limits& limits) const {
     const detail::Call call(limits);
     return call.Done(dk_device_wait(get(), state, call.get()));
   }
-  /// mode: empty for Android.
+  /// Restarts the phone: dk_device_reboot().
+  /// @param[in] mode Empty for Android, otherwise as there.
+  /// @param[in] limits As everywhere.
+  /// @return Nothing, or the error.
   Result<void> reboot(const std::string& mode = "", const Limits& limits = {}) const {
     const detail::Call call(limits);
-    return call.Done(dk_device_reboot(get(), mode.empty() ? nullptr : mode.c_str(), call.get()));
+    return call.Done(dk_device_reboot(get(), detail::TextOrNull(mode), call.get()));
   }
+  /// Has the server look for it again: dk_device_reconnect().
+  /// @param[in] limits As everywhere.
+  /// @return Nothing, or the error.
   Result<void> reconnect(const Limits& limits = {}) const {
     const detail::Call call(limits);
     return call.Done(dk_device_reconnect(get(), call.get()));
   }
 
+  /// @}
+  /// @name Files
+  /// @{
+
+  /// Looks at one file: dk_stat().
+  /// @param[in] path,follow,limits As there.
+  /// @return What it is, or the error.
   Result<Entry> stat(const std::string& path, dk_follow follow = DK_FOLLOW, const Limits& limits = {}) const {
     dk_entry* found = nullptr;
     const detail::Call call(limits);
     const dk_code code = dk_stat(get(), path.c_str(), follow, &found, call.get());
-    const std::unique_ptr<dk_entry, void (*)(dk_entry*)> owner(found, dk_entry_free);
+    const std::unique_ptr<dk_entry, detail::Free> owner(found);
     return call.Give(code, found == nullptr ? Entry() : Entry(*found));
   }
+  /// Lists one folder: dk_list().
+  /// @param[in] folder,limits As there.
+  /// @return All of its entries, or the error.
   Result<std::vector<Entry>> list(const std::string& folder, const Limits& limits = {}) const {
     std::vector<Entry> entries;
     auto listed = list(
@@ -380,7 +634,10 @@ class Device {
     if (!listed) return listed.error();
     return entries;
   }
-  /// on_entry: bool(const dk_entry&), as entries arrive; false ends the listing with ::DK_STOPPED.
+  /// Lists one folder: dk_list().
+  /// @param[in] folder,limits As there.
+  /// @param[in] on_entry bool(const dk_entry&), as entries arrive; false ends the listing with ::DK_STOPPED.
+  /// @return Nothing, or the error.
   template <typename OnEntry>
   Result<void> list(const std::string& folder, OnEntry&& on_entry, const Limits& limits = {}) const {
     auto guarded = detail::Guard(std::forward<OnEntry>(on_entry));
@@ -390,8 +647,47 @@ class Device {
     guarded.Rethrow();
     return call.Done(code);
   }
+  /// Lists everything below a folder: dk_walk().
+  /// @param[in] folder,limits As there.
+  /// @param[in] options Filters.
+  /// @param[in] on_entry bool(const dk_entry&), as entries arrive; false ends the walk with ::DK_STOPPED.
+  /// @return Nothing, or the error.
   template <typename OnEntry>
-  Result<void> walk(const std::string& folder, const dk_walk_options& options, OnEntry&& on_entry,
+  Result<void> walk(const std::string& folder, const WalkOptions& options, OnEntry&& on_entry,
+                    const Limits& limits = {}) const {
+    struct Walking : detail::Given<WalkOptions> {
+      std::decay_t<OnEntry> on_entry;
+    };
+    Walking walking{{options}, std::forward<OnEntry>(on_entry)};
+    const auto suffixes = detail::Pointers(options.suffixes);
+    dk_walk_options plain = DK_WALK_OPTIONS_INIT;
+    plain.max_depth = options.max_depth;
+    plain.types = options.types;
+    plain.suffixes = suffixes.empty() ? nullptr : suffixes.data();
+    plain.suffix_count = suffixes.size();
+    plain.min_size = options.min_size;
+    plain.max_size = options.max_size;
+    plain.newer_than = options.newer_than;
+    if (options.on_error) {
+      plain.on_error = [](void* user, const dk_error* error) {
+        auto& to = *static_cast<Walking*>(user);
+        return to.catcher.Run([&] { return to.options.on_error(Error(*error)); });
+      };
+    }
+    const auto on_each = [](void* user, const dk_entry* entry) {
+      auto& to = *static_cast<Walking*>(user);
+      return to.catcher.Run([&] { return to.on_entry(*entry); });
+    };
+    const detail::Call call(limits);
+    const dk_code code = dk_walk(get(), folder.c_str(), &plain, on_each, &walking, call.get());
+    walking.catcher.Rethrow();
+    return call.Done(code);
+  }
+  /// Lists everything below a folder, with the options of the C interface; their on_error is not given a user.
+  /// @param[in] folder,options,on_entry,limits As above.
+  /// @return Nothing, or the error.
+  template <typename Plain, typename OnEntry, typename = detail::If<Plain, dk_walk_options>>
+  Result<void> walk(const std::string& folder, const Plain& options, OnEntry&& on_entry,
                     const Limits& limits = {}) const {
     auto guarded = detail::Guard(std::forward<OnEntry>(on_entry));
     const detail::Call call(limits);
@@ -400,124 +696,280 @@ class Device {
     guarded.Rethrow();
     return call.Done(code);
   }
-  /// length 0: all there is.
+  /// Reads a file, or a part of it, into memory: dk_read().
+  /// @param[in] path,offset,length,limits As there. Length 0: all there is.
+  /// @return The bytes, or the error.
   Result<std::string> read(const std::string& path, std::uint64_t offset = 0, std::uint64_t length = 0,
                            const Limits& limits = {}) const {
     std::string content;
-    auto guarded = detail::Guard([&](const char* data, std::size_t size) {
-      content.append(data, size);
-      return true;
-    });
-    const detail::Call call(limits);
-    const dk_code code =
-        dk_read(get(), path.c_str(), offset, length, &PassBytes<decltype(guarded)>, &guarded, call.get());
-    guarded.Rethrow();
-    return call.Give(code, std::move(content));
+    auto done = read(
+        path, offset, length,
+        [&](std::string_view data) {
+          content += data;
+          return true;
+        },
+        limits);
+    if (!done) return done.error();
+    return content;
   }
-  Result<void> write(const std::string& path, std::string_view content, std::uint32_t mode = 0644,
-                     bool replace = false, const Limits& limits = {}) const {
-    const auto source = [](void* user, char* buffer, std::size_t capacity) -> std::int64_t {
-      auto& rest = *static_cast<std::string_view*>(user);
-      const std::size_t count = rest.copy(buffer, capacity);
-      rest.remove_prefix(count);
-      return static_cast<std::int64_t>(count);
+  /// Reads a file, or a part of it, as it arrives: dk_read().
+  /// @param[in] path,offset,length,limits As there. Length 0: all there is.
+  /// @param[in] on_bytes bool(std::string_view), for each piece; false ends the call with ::DK_STOPPED.
+  /// @return Nothing, or the error.
+  template <typename OnBytes, typename = std::enable_if_t<std::is_invocable_v<OnBytes&, std::string_view>>>
+  Result<void> read(const std::string& path, std::uint64_t offset, std::uint64_t length, OnBytes&& on_bytes,
+                    const Limits& limits = {}) const {
+    auto guarded = detail::Guard(std::forward<OnBytes>(on_bytes));
+    const auto pass = [](void* user, const char* data, std::size_t size) {
+      return (*static_cast<decltype(guarded)*>(user))(std::string_view(data, size));
     };
     const detail::Call call(limits);
-    return call.Done(dk_write(get(), path.c_str(), mode, 0, replace, source, &content, call.get()));
+    const dk_code code = dk_read(get(), path.c_str(), offset, length, pass, &guarded, call.get());
+    guarded.Rethrow();
+    return call.Done(code);
   }
+  /// Writes a file: dk_write().
+  /// @param[in] path,mode,replace,limits As there.
+  /// @param[in] content What the file holds then.
+  /// @return Nothing, or the error.
+  Result<void> write(const std::string& path, std::string_view content, std::uint32_t mode = 0644,
+                     bool replace = false, const Limits& limits = {}) const {
+    return write_from(
+        path,
+        [&](char* buffer, std::size_t capacity) {
+          const std::size_t count = content.copy(buffer, capacity);
+          content.remove_prefix(count);
+          return static_cast<std::int64_t>(count);
+        },
+        mode, replace, 0, limits);
+  }
+  /// Writes what a source gives as one file: dk_write().
+  /// @param[in] path,mode,replace,mtime,limits As there.
+  /// @param[in] source std::int64_t(char* buffer, std::size_t capacity): fills the buffer and returns how many bytes, 0 at
+  /// the end, a negative number to end the call with ::DK_STOPPED.
+  /// @return Nothing, or the error.
+  template <typename Source>
+  Result<void> write_from(const std::string& path, Source&& source, std::uint32_t mode = 0644,
+                          bool replace = false, std::int64_t mtime = 0, const Limits& limits = {}) const {
+    auto guarded = detail::Guard(std::forward<Source>(source));
+    const auto pass = [](void* user, char* buffer, std::size_t capacity) -> std::int64_t {
+      auto& from = *static_cast<decltype(guarded)*>(user);
+      std::int64_t count = 0;
+      const bool given = from.catcher.Run([&] { count = from.function(buffer, capacity); });
+      return given ? count : -1;
+    };
+    const detail::Call call(limits);
+    const dk_code code = dk_write(get(), path.c_str(), mode, mtime, replace, pass, &guarded, call.get());
+    guarded.Rethrow();
+    return call.Done(code);
+  }
+  /// Makes a folder: dk_make_folder().
+  /// @param[in] path,parents,limits As there.
+  /// @return Nothing, or the error.
   Result<void> make_folder(const std::string& path, bool parents = false, const Limits& limits = {}) const {
     const detail::Call call(limits);
     return call.Done(dk_make_folder(get(), path.c_str(), parents, call.get()));
   }
+  /// Removes a file or a folder: dk_remove().
+  /// @param[in] path,recursive,limits As there.
+  /// @return Nothing, or the error.
   Result<void> remove(const std::string& path, bool recursive = false, const Limits& limits = {}) const {
     const detail::Call call(limits);
     return call.Done(dk_remove(get(), path.c_str(), recursive, call.get()));
   }
+  /// Renames or moves on the phone: dk_move().
+  /// @param[in] from,to,replace,limits As there.
+  /// @return Nothing, or the error.
   Result<void> move(const std::string& from, const std::string& to, bool replace = false,
                     const Limits& limits = {}) const {
     const detail::Call call(limits);
     return call.Done(dk_move(get(), from.c_str(), to.c_str(), replace, call.get()));
   }
+  /// Copies on the phone: dk_copy().
+  /// @param[in] from,to,replace,limits As there.
+  /// @return Nothing, or the error.
   Result<void> copy(const std::string& from, const std::string& to, bool replace = false,
                     const Limits& limits = {}) const {
     const detail::Call call(limits);
     return call.Done(dk_copy(get(), from.c_str(), to.c_str(), replace, call.get()));
   }
+  /// Changes permissions: dk_chmod().
+  /// @param[in] path,mode,limits As there.
+  /// @return Nothing, or the error.
   Result<void> chmod(const std::string& path, std::uint32_t mode, const Limits& limits = {}) const {
     const detail::Call call(limits);
     return call.Done(dk_chmod(get(), path.c_str(), mode, call.get()));
   }
 
-  /// options: what is to be done with existing files, and callbacks as in C.
-  Result<dk_summary> push(const std::vector<Item>& items, const dk_transfer_options& options,
+  /// @}
+  /// @name Transfers
+  /// @{
+
+  /// Sends files and folders to the phone: dk_push().
+  /// @param[in] items,limits As there.
+  /// @param[in] options What to do with existing files, progress, errors.
+  /// @return What was done, or the error. Where a call that keeps going ends with ::DK_PARTLY_DONE, or is stopped,
+  /// TransferOptions::summary has what was done.
+  Result<dk_summary> push(const std::vector<Item>& items, const TransferOptions& options = {},
                           const Limits& limits = {}) const {
     return Transfer(dk_push, items, options, limits);
   }
-  Result<dk_summary> pull(const std::vector<Item>& items, const dk_transfer_options& options,
+  /// Fetches files and folders from the phone: dk_pull().
+  /// @param[in] items,options,limits As for push().
+  /// @return As push().
+  Result<dk_summary> pull(const std::vector<Item>& items, const TransferOptions& options = {},
                           const Limits& limits = {}) const {
     return Transfer(dk_pull, items, options, limits);
   }
+  /// The same with the options and callbacks of the C interface.
+  /// @param[in] items,options,limits As above.
+  /// @return As above.
+  template <int = 0>
+  Result<dk_summary> push(const std::vector<Item>& items, const dk_transfer_options& options,
+                          const Limits& limits = {}) const {
+    return TransferPlain(dk_push, items, options, limits);
+  }
+  /// The same with the options and callbacks of the C interface.
+  /// @param[in] items,options,limits As above.
+  /// @return As above.
+  template <int = 0>
+  Result<dk_summary> pull(const std::vector<Item>& items, const dk_transfer_options& options,
+                          const Limits& limits = {}) const {
+    return TransferPlain(dk_pull, items, options, limits);
+  }
 
-  /// The phone's program gets the arguments as they are; no shell reads them.
-  Result<Output> run(const std::vector<std::string>& arguments, const Limits& limits = {}) const {
+  /// @}
+  /// @name Commands
+  /// @{
+
+  /// Runs a program of the phone, which gets the arguments as they are; no shell reads them: dk_run().
+  /// @param[in] arguments,options,limits As there.
+  /// @return What it printed, whatever its exit status, or the error.
+  Result<Output> run(const std::vector<std::string>& arguments, const RunOptions& options,
+                     const Limits& limits = {}) const {
     const auto pointers = detail::Pointers(arguments);
-    dk_output output = {};
-    const detail::Call call(limits);
-    return TakeOutput(call, dk_run(get(), pointers.data(), pointers.size(), nullptr, &output, call.get()),
-                      &output);
+    return Run(options, limits, [&](const dk_run_options* plain, dk_output* output, const dk_call* call) {
+      return dk_run(get(), pointers.data(), pointers.size(), plain, output, call);
+    });
   }
+  /// Runs a program of the phone: dk_run().
+  /// @param[in] arguments,limits As above.
+  /// @return As above.
+  Result<Output> run(const std::vector<std::string>& arguments, const Limits& limits = {}) const {
+    return run(arguments, RunOptions(), limits);
+  }
+  /// Runs a script, which the phone's shell reads: dk_run_script(). Quote what comes from elsewhere with dk::quote().
+  /// @param[in] script,options,limits As there.
+  /// @return What it printed, whatever its exit status, or the error.
+  Result<Output> run_script(const std::string& script, const RunOptions& options,
+                            const Limits& limits = {}) const {
+    return Run(options, limits, [&](const dk_run_options* plain, dk_output* output, const dk_call* call) {
+      return dk_run_script(get(), script.c_str(), plain, output, call);
+    });
+  }
+  /// Runs a script: dk_run_script().
+  /// @param[in] script,limits As above.
+  /// @return As above.
   Result<Output> run_script(const std::string& script, const Limits& limits = {}) const {
-    dk_output output = {};
-    const detail::Call call(limits);
-    return TakeOutput(call, dk_run_script(get(), script.c_str(), nullptr, &output, call.get()), &output);
+    return run_script(script, RunOptions(), limits);
   }
 
+  /// @}
+  /// @name Applications
+  /// @{
+
+  /// Lists the applications: dk_apps().
+  /// @param[in] set,sizes,limits As there.
+  /// @return The applications, or the error.
   Result<std::vector<App>> apps(dk_app_set set = DK_ALL_APPS, bool sizes = false,
                                 const Limits& limits = {}) const {
-    std::vector<App> found;
-    auto guarded = detail::Guard([&](const dk_app& app) {
-      found.emplace_back(app);
-      return true;
-    });
-    const detail::Call call(limits);
-    const dk_code code = dk_apps(get(), set, sizes, &Pass<decltype(guarded), dk_app>, &guarded, call.get());
-    guarded.Rethrow();
-    return call.Give(code, std::move(found));
+    return Collect<App, dk_app>(
+        limits, [](const dk_app& app) { return App(app); },
+        [&](auto on_app, void* user, const dk_call* call) {
+          return dk_apps(get(), set, sizes, on_app, user, call);
+        });
   }
+  /// Asks for one application: dk_app_get().
+  /// @param[in] package,limits As there.
+  /// @return The application with its size, or the error.
   Result<App> app(const std::string& package, const Limits& limits = {}) const {
     dk_app* found = nullptr;
     const detail::Call call(limits);
     const dk_code code = dk_app_get(get(), package.c_str(), &found, call.get());
-    const std::unique_ptr<dk_app, void (*)(dk_app*)> owner(found, dk_app_free);
+    const std::unique_ptr<dk_app, detail::Free> owner(found);
     return call.Give(code, found == nullptr ? App() : App(*found));
   }
+  /// Installs an application: dk_app_install().
+  /// @param[in] apk_paths,options,limits As there.
+  /// @return Nothing, or the error, with Android's reason.
+  Result<void> install(const std::vector<std::string>& apk_paths, const InstallOptions& options = {},
+                       const Limits& limits = {}) const {
+    detail::Given<InstallOptions> given{options};
+    dk_install_options plain = DK_INSTALL_OPTIONS_INIT;
+    plain.replace = options.replace;
+    plain.downgrade = options.downgrade;
+    plain.grant = options.grant;
+    plain.test = options.test;
+    plain.user = &given;
+    if (options.on_progress) {
+      plain.on_progress = [](void* user, std::uint64_t done, std::uint64_t total) {
+        auto& to = detail::Given<InstallOptions>::Of(user);
+        return to.catcher.Run([&] { return to.options.on_progress(done, total); });
+      };
+    }
+    auto installed = install(apk_paths, plain, limits);
+    given.catcher.Rethrow();
+    return installed;
+  }
+  /// Installs an application, with the options of the C interface.
+  /// @param[in] apk_paths,options,limits As above.
+  /// @return As above.
+  template <int = 0>
   Result<void> install(const std::vector<std::string>& apk_paths, const dk_install_options& options,
                        const Limits& limits = {}) const {
     const auto pointers = detail::Pointers(apk_paths);
     const detail::Call call(limits);
     return call.Done(dk_app_install(get(), pointers.data(), pointers.size(), &options, call.get()));
   }
+  /// Removes an application: dk_app_uninstall().
+  /// @param[in] package,keep_data,limits As there.
+  /// @return Nothing, or the error.
   Result<void> uninstall(const std::string& package, bool keep_data = false,
                          const Limits& limits = {}) const {
     const detail::Call call(limits);
     return call.Done(dk_app_uninstall(get(), package.c_str(), keep_data, call.get()));
   }
-  /// activity: empty starts what the launcher would.
+  /// Starts an application: dk_app_start().
+  /// @param[in] package,limits As there.
+  /// @param[in] activity Empty: what the launcher would start.
+  /// @return Nothing, or the error.
   Result<void> start(const std::string& package, const std::string& activity = "",
                      const Limits& limits = {}) const {
     const detail::Call call(limits);
-    return call.Done(
-        dk_app_start(get(), package.c_str(), activity.empty() ? nullptr : activity.c_str(), call.get()));
+    return call.Done(dk_app_start(get(), package.c_str(), detail::TextOrNull(activity), call.get()));
   }
+  /// Ends an application: dk_app_stop().
+  /// @param[in] package,limits As there.
+  /// @return Nothing, or the error.
   Result<void> stop(const std::string& package, const Limits& limits = {}) const {
     const detail::Call call(limits);
     return call.Done(dk_app_stop(get(), package.c_str(), call.get()));
   }
+  /// Deletes an application's data: dk_app_clear().
+  /// @param[in] package,limits As there.
+  /// @return Nothing, or the error.
   Result<void> clear(const std::string& package, const Limits& limits = {}) const {
     const detail::Call call(limits);
     return call.Done(dk_app_clear(get(), package.c_str(), call.get()));
   }
 
+  /// @}
+  /// @name Facts
+  /// @{
+
+  /// Reads all system properties: dk_properties().
+  /// @param[in] limits As everywhere.
+  /// @return Names and values, or the error.
   Result<std::vector<std::pair<std::string, std::string>>> properties(const Limits& limits = {}) const {
     std::vector<std::pair<std::string, std::string>> found;
     auto guarded = detail::Guard([&](const char* name, const char* value) {
@@ -532,44 +984,103 @@ class Device {
     guarded.Rethrow();
     return call.Give(code, std::move(found));
   }
+  /// Asks for the battery: dk_battery_get().
+  /// @param[in] limits As everywhere.
+  /// @return The battery, or the error.
   Result<dk_battery> battery(const Limits& limits = {}) const {
     return Fact<dk_battery>(dk_battery_get, limits);
   }
+  /// Asks for the screen's size: dk_screen_get().
+  /// @param[in] limits As everywhere.
+  /// @return The screen, or the error.
   Result<dk_screen> screen(const Limits& limits = {}) const { return Fact<dk_screen>(dk_screen_get, limits); }
+  /// Asks for the memory: dk_memory_get().
+  /// @param[in] limits As everywhere.
+  /// @return The memory, or the error.
   Result<dk_memory> memory(const Limits& limits = {}) const { return Fact<dk_memory>(dk_memory_get, limits); }
+  /// Asks for the storage: dk_volumes().
+  /// @param[in] limits As everywhere.
+  /// @return The volumes, or the error.
   Result<std::vector<Volume>> volumes(const Limits& limits = {}) const {
-    std::vector<Volume> found;
-    auto guarded = detail::Guard([&](const dk_volume& volume) {
-      found.push_back({volume.path, volume.internal, volume.total, volume.used, volume.free});
-      return true;
-    });
-    const detail::Call call(limits);
-    const dk_code code = dk_volumes(get(), &Pass<decltype(guarded), dk_volume>, &guarded, call.get());
-    guarded.Rethrow();
-    return call.Give(code, std::move(found));
+    return Collect<Volume, dk_volume>(
+        limits,
+        [](const dk_volume& volume) {
+          return Volume{volume.path, volume.internal, volume.total, volume.used, volume.free};
+        },
+        [&](auto on_volume, void* user, const dk_call* call) {
+          return dk_volumes(get(), on_volume, user, call);
+        });
   }
 
-  /// The bytes of a PNG.
+  /// @}
+  /// @name Screen and input
+  /// @{
+
+  /// Takes a picture of the screen: dk_screenshot().
+  /// @param[in] limits As everywhere.
+  /// @return The bytes of a PNG, or the error.
   Result<std::string> screenshot(const Limits& limits = {}) const {
-    dk_bytes png = {};
+    detail::OwnedBytes png;
     const detail::Call call(limits);
-    const dk_code code = dk_screenshot(get(), &png, call.get());
-    return call.Give(code, detail::TakeBytes(&png));
+    const dk_code code = dk_screenshot(get(), &png.bytes, call.get());
+    return call.Give(code, detail::Copy(png.bytes));
   }
+  /// Types text: dk_type_text().
+  /// @param[in] text,limits As there.
+  /// @return Nothing, or the error.
   Result<void> type_text(const std::string& text, const Limits& limits = {}) const {
     const detail::Call call(limits);
     return call.Done(dk_type_text(get(), text.c_str(), call.get()));
   }
+  /// Presses a key: dk_press_key().
+  /// @param[in] key,limits As there.
+  /// @return Nothing, or the error.
   Result<void> press_key(const std::string& key, const Limits& limits = {}) const {
     const detail::Call call(limits);
     return call.Done(dk_press_key(get(), key.c_str(), call.get()));
   }
+  /// Taps the screen: dk_tap().
+  /// @param[in] x,y,limits As there.
+  /// @return Nothing, or the error.
   Result<void> tap(int x, int y, const Limits& limits = {}) const {
     const detail::Call call(limits);
     return call.Done(dk_tap(get(), x, y, call.get()));
   }
+  /// Swipes over the screen: dk_swipe().
+  /// @param[in] x1,y1,x2,y2,limits As there.
+  /// @param[in] duration How long it takes.
+  /// @return Nothing, or the error.
+  Result<void> swipe(int x1, int y1, int x2, int y2, std::chrono::milliseconds duration,
+                     const Limits& limits = {}) const {
+    const detail::Call call(limits);
+    return call.Done(dk_swipe(get(), x1, y1, x2, y2, static_cast<int>(duration.count()), call.get()));
+  }
 
-  /// Both are called on a thread of the log; on_end once, last, with a null error when it ended as asked.
+  /// @}
+  /// @name The log
+  /// @{
+
+  /// Follows the phone's log: dk_log_start(). Both callbacks come on a thread of the log, and must not throw.
+  /// @param[in] options,limits As there.
+  /// @param[in] on_record Each record.
+  /// @param[in] on_end Once, last, with a null error when it ended as asked.
+  /// @return The running log, or the error.
+  Result<Log> log(const LogOptions& options, std::function<void(const dk_log_record&)> on_record,
+                  std::function<void(dk_code, const Error*)> on_end = nullptr,
+                  const Limits& limits = {}) const {
+    const auto filters = detail::Pointers(options.filters);
+    dk_log_options plain = DK_LOG_OPTIONS_INIT;
+    plain.filters = filters.empty() ? nullptr : filters.data();
+    plain.filter_count = filters.size();
+    plain.buffers = detail::TextOrNull(options.buffers);
+    plain.only_new = options.only_new;
+    plain.stop_at_end = options.stop_at_end;
+    return log(plain, std::move(on_record), std::move(on_end), limits);
+  }
+  /// Follows the phone's log, with the options of the C interface.
+  /// @param[in] options,on_record,on_end,limits As above.
+  /// @return As above.
+  template <int = 0>
   Result<Log> log(const dk_log_options& options, std::function<void(const dk_log_record&)> on_record,
                   std::function<void(dk_code, const Error*)> on_end = nullptr,
                   const Limits& limits = {}) const {
@@ -579,10 +1090,10 @@ class Device {
     const detail::Call call(limits);
     const dk_code code = dk_log_start(
         get(), &options,
-        [](void* user, const dk_log_record* record) {
+        [](void* user, const dk_log_record* record) noexcept {
           static_cast<Log::Receiver*>(user)->on_record(*record);
         },
-        [](void* user, dk_code end, const dk_error* error) {
+        [](void* user, dk_code end, const dk_error* error) noexcept {
           const auto& ended = static_cast<Log::Receiver*>(user)->on_end;
           const std::optional<Error> copy = error == nullptr ? std::optional<Error>() : Error(*error);
           if (ended) ended(end, copy ? &*copy : nullptr);
@@ -591,12 +1102,21 @@ class Device {
     log.log_.reset(started);
     return call.Give(code, std::move(log));
   }
+  /// Empties the phone's log: dk_log_clear().
+  /// @param[in] limits As everywhere.
+  /// @return Nothing, or the error.
   Result<void> clear_log(const Limits& limits = {}) const {
     const detail::Call call(limits);
     return call.Done(dk_log_clear(get(), call.get()));
   }
 
-  /// Returns the port that this computer listens on, for `tcp:0` the one that the server chose.
+  /// @}
+  /// @name Ports
+  /// @{
+
+  /// Connects an address of this computer to the phone: dk_forward_add().
+  /// @param[in] from,to,replace,limits As there.
+  /// @return The port that this computer listens on, for `tcp:0` the one that the server chose, or the error.
   Result<int> forward(const std::string& from, const std::string& to, bool replace = false,
                       const Limits& limits = {}) const {
     int port = 0;
@@ -604,11 +1124,23 @@ class Device {
     const dk_code code = dk_forward_add(get(), from.c_str(), to.c_str(), replace, &port, call.get());
     return call.Give(code, std::move(port));
   }
-  /// from: empty removes all of this device.
+  /// Removes one: dk_forward_remove().
+  /// @param[in] from Empty removes all of this device.
+  /// @param[in] limits As everywhere.
+  /// @return Nothing, or the error.
   Result<void> remove_forward(const std::string& from, const Limits& limits = {}) const {
     const detail::Call call(limits);
-    return call.Done(dk_forward_remove(get(), from.empty() ? nullptr : from.c_str(), call.get()));
+    return call.Done(dk_forward_remove(get(), detail::TextOrNull(from), call.get()));
   }
+  /// Lists them: dk_forward_list().
+  /// @param[in] limits As everywhere.
+  /// @return Those of this device, or the error.
+  Result<std::vector<Mapping>> forwards(const Limits& limits = {}) const {
+    return Mappings(dk_forward_list, limits);
+  }
+  /// Connects an address of the phone to this computer: dk_reverse_add().
+  /// @param[in] from,to,replace,limits As there.
+  /// @return The port that the phone listens on, or the error.
   Result<int> reverse(const std::string& from, const std::string& to, bool replace = false,
                       const Limits& limits = {}) const {
     int port = 0;
@@ -616,10 +1148,22 @@ class Device {
     const dk_code code = dk_reverse_add(get(), from.c_str(), to.c_str(), replace, &port, call.get());
     return call.Give(code, std::move(port));
   }
+  /// Removes one: dk_reverse_remove().
+  /// @param[in] from Empty removes all of this device.
+  /// @param[in] limits As everywhere.
+  /// @return Nothing, or the error.
   Result<void> remove_reverse(const std::string& from, const Limits& limits = {}) const {
     const detail::Call call(limits);
-    return call.Done(dk_reverse_remove(get(), from.empty() ? nullptr : from.c_str(), call.get()));
+    return call.Done(dk_reverse_remove(get(), detail::TextOrNull(from), call.get()));
   }
+  /// Lists them: dk_reverse_list().
+  /// @param[in] limits As everywhere.
+  /// @return Those of this device, or the error.
+  Result<std::vector<Mapping>> reverses(const Limits& limits = {}) const {
+    return Mappings(dk_reverse_list, limits);
+  }
+
+  /// @}
 
  private:
   friend class Client;
@@ -629,10 +1173,6 @@ class Device {
   static bool Pass(void* user, const Value* value) {
     return (*static_cast<Guarded*>(user))(*value);
   }
-  template <typename Guarded>
-  static bool PassBytes(void* user, const char* data, std::size_t size) {
-    return (*static_cast<Guarded*>(user))(data, size);
-  }
   template <typename Value>
   Result<Value> Fact(dk_code (*ask)(dk_device*, Value*, const dk_call*), const Limits& limits) const {
     Value value = {};
@@ -640,78 +1180,186 @@ class Device {
     const dk_code code = ask(get(), &value, call.get());
     return call.Give(code, std::move(value));
   }
+  // What a call hands to its callback, one by one, as values.
+  template <typename Value, typename Plain, typename Convert, typename Ask>
+  static Result<std::vector<Value>> Collect(const Limits& limits, Convert convert, Ask ask) {
+    std::vector<Value> found;
+    auto guarded = detail::Guard([&](const Plain& plain) {
+      found.push_back(convert(plain));
+      return true;
+    });
+    const detail::Call call(limits);
+    const dk_code code = ask(&Pass<decltype(guarded), Plain>, &guarded, call.get());
+    guarded.Rethrow();
+    return call.Give(code, std::move(found));
+  }
   template <typename Function>
-  Result<dk_summary> Transfer(Function function, const std::vector<Item>& items,
-                              const dk_transfer_options& options, const Limits& limits) const {
+  Result<std::vector<Mapping>> Mappings(Function function, const Limits& limits) const {
+    return Collect<Mapping, dk_mapping>(
+        limits,
+        [](const dk_mapping& mapping) {
+          return Mapping{mapping.from, mapping.to};
+        },
+        [&](auto on_mapping, void* user, const dk_call* call) {
+          return function(get(), on_mapping, user, call);
+        });
+  }
+  template <typename Function>
+  Result<dk_summary> TransferPlain(Function function, const std::vector<Item>& items,
+                                   const dk_transfer_options& options, const Limits& limits,
+                                   dk_summary* copy = nullptr) const {
     std::vector<dk_item> plain;
     plain.reserve(items.size());
     for (const Item& item : items) plain.push_back({item.source.c_str(), item.target.c_str()});
     dk_summary summary = {};
     const detail::Call call(limits);
     const dk_code code = function(get(), plain.data(), plain.size(), &options, &summary, call.get());
+    if (copy != nullptr) *copy = summary;
     return call.Give(code, std::move(summary));
   }
-  static Result<Output> TakeOutput(const detail::Call& call, dk_code code, dk_output* output) {
-    Output taken{detail::TakeBytes(&output->out), detail::TakeBytes(&output->err), output->cut,
-                 output->exit_status};
-    return call.Give(code, std::move(taken));
+  template <typename Function>
+  Result<dk_summary> Transfer(Function function, const std::vector<Item>& items,
+                              const TransferOptions& options, const Limits& limits) const {
+    using Given = detail::Given<TransferOptions>;
+    Given given{options};
+    dk_transfer_options plain = DK_TRANSFER_OPTIONS_INIT;
+    plain.existing = options.existing;
+    plain.keep_going = options.keep_going;
+    plain.keep_times = options.keep_times;
+    plain.keep_modes = options.keep_modes;
+    plain.user = &given;
+    if (options.on_error) plain.on_error = &Given::OnError;
+    if (options.on_progress) {
+      plain.on_progress = [](void* user, const dk_progress* progress) {
+        Given& to = Given::Of(user);
+        return to.catcher.Run([&] { return to.options.on_progress(*progress); });
+      };
+    }
+    auto done = TransferPlain(function, items, plain, limits, options.summary);
+    given.catcher.Rethrow();
+    return done;
+  }
+  template <typename Function>
+  static Result<Output> Run(const RunOptions& options, const Limits& limits, Function function) {
+    detail::Given<RunOptions> given{options};
+    dk_run_options plain = DK_RUN_OPTIONS_INIT;
+    if (options.input) {
+      plain.input = options.input->data();
+      plain.input_size = options.input->size();
+    }
+    plain.most_collected = options.most_collected;
+    plain.user = &given;
+    if (options.on_output) {
+      plain.on_output = [](void* user, dk_stream stream, const char* data, std::size_t size) {
+        auto& to = detail::Given<RunOptions>::Of(user);
+        return to.catcher.Run([&] { return to.options.on_output(stream, std::string_view(data, size)); });
+      };
+    }
+    detail::OwnedOutput owned;
+    const detail::Call call(limits);
+    const dk_code code = function(&plain, &owned.output, call.get());
+    given.catcher.Rethrow();
+    const dk_output& output = owned.output;
+    return call.Give(
+        code, Output{detail::Copy(output.out), detail::Copy(output.err), output.cut, output.exit_status});
   }
 
   std::unique_ptr<dk_device, detail::Free> device_;
 };
 
-/// A context: where the adb server is. Devices, watches and logs made from it must go before it.
+/// Where the adb server is. Devices, watches and logs made from it must go before it.
 class Client {
  public:
-  /// Throws dk::Error. options as in C.
-  explicit Client(const dk_context_options& options = DK_CONTEXT_OPTIONS_INIT) {
-    dk_context* context = nullptr;
-    const detail::Call call({});
-    const dk_code code = dk_context_new(&options, &context, call.get());
-    context_.reset(context);
-    call.Done(code).value();
+  /// With the server that adb itself would use. Throws dk::Error.
+  Client() : Client(ClientOptions()) {}
+  /// Throws dk::Error.
+  /// @param[in] options Where the server is, and who starts one.
+  explicit Client(ClientOptions options) : log_(std::make_unique<Logger>(std::move(options.log))) {
+    dk_context_options plain = DK_CONTEXT_OPTIONS_INIT;
+    plain.server = detail::TextOrNull(options.server);
+    plain.adb_path = detail::TextOrNull(options.adb_path);
+    plain.log_user = log_.get();
+    if (*log_) {
+      plain.log = [](void* user, const char* line) noexcept { (*static_cast<Logger*>(user))(line); };
+    }
+    Open(plain);
   }
+  /// With the options and the callback of the C interface. Throws dk::Error.
+  /// @param[in] options As there.
+  template <int = 0>
+  explicit Client(const dk_context_options& options) {
+    Open(options);
+  }
+  /// @param[in] other Gives up its context; what was made from it goes on.
+  Client(Client&& other) = default;
+  /// What was made from this object must be gone.
+  /// @param[in] other Gives up its context; what was made from it goes on.
+  /// @return This object.
+  Client& operator=(Client&& other) noexcept {
+    context_.reset();
+    log_ = std::move(other.log_);
+    context_ = std::move(other.context_);
+    return *this;
+  }
+  ~Client() = default;
+  /// @return The context of the C interface, which stays this object's.
   dk_context* get() const noexcept { return context_.get(); }
 
+  /// Asks the server for the version of its protocol: dk_server_version().
+  /// @param[in] limits As everywhere.
+  /// @return The version, or the error.
   Result<int> server_version(const Limits& limits = {}) const {
     int version = 0;
     const detail::Call call(limits);
     const dk_code code = dk_server_version(get(), &version, call.get());
     return call.Give(code, std::move(version));
   }
+  /// Lists the devices: dk_devices().
+  /// @param[in] limits As everywhere.
+  /// @return All devices in every state, or the error.
   Result<std::vector<DeviceInfo>> devices(const Limits& limits = {}) const {
-    std::vector<DeviceInfo> found;
-    auto guarded = detail::Guard([&](const dk_device_info& info) {
-      found.emplace_back(info);
-      return true;
-    });
-    const detail::Call call(limits);
-    const dk_code code =
-        dk_devices(get(), &Device::Pass<decltype(guarded), dk_device_info>, &guarded, call.get());
-    guarded.Rethrow();
-    return call.Give(code, std::move(found));
+    return Device::Collect<DeviceInfo, dk_device_info>(
+        limits, [](const dk_device_info& info) { return DeviceInfo(info); },
+        [&](auto on_device, void* user, const dk_call* call) {
+          return dk_devices(get(), on_device, user, call);
+        });
   }
-  /// serial: empty takes the only device that is ready.
+  /// Opens a device: dk_device_open().
+  /// @param[in] serial Empty takes the only device that is ready.
+  /// @param[in] limits As everywhere.
+  /// @return The device, or the error.
   Result<Device> open(const std::string& serial = "", const Limits& limits = {}) const {
     dk_device* device = nullptr;
     const detail::Call call(limits);
-    const dk_code code =
-        dk_device_open(get(), serial.empty() ? nullptr : serial.c_str(), &device, call.get());
+    const dk_code code = dk_device_open(get(), detail::TextOrNull(serial), &device, call.get());
     return call.Give(code, Device(device));
   }
+  /// Connects to a device over the network: dk_connect().
+  /// @param[in] address,limits As there.
+  /// @return Nothing, or the error.
   Result<void> connect(const std::string& address, const Limits& limits = {}) const {
     const detail::Call call(limits);
     return call.Done(dk_connect(get(), address.c_str(), call.get()));
   }
+  /// Ends such a connection: dk_disconnect().
+  /// @param[in] address Empty: all of the network.
+  /// @param[in] limits As everywhere.
+  /// @return Nothing, or the error.
   Result<void> disconnect(const std::string& address, const Limits& limits = {}) const {
     const detail::Call call(limits);
-    return call.Done(dk_disconnect(get(), address.empty() ? nullptr : address.c_str(), call.get()));
+    return call.Done(dk_disconnect(get(), detail::TextOrNull(address), call.get()));
   }
+  /// Pairs with a device over the network: dk_pair().
+  /// @param[in] address,code,limits As there.
+  /// @return Nothing, or the error.
   Result<void> pair(const std::string& address, const std::string& code, const Limits& limits = {}) const {
     const detail::Call call(limits);
     return call.Done(dk_pair(get(), address.c_str(), code.c_str(), call.get()));
   }
-  /// on_change is called on a thread of the watch; the info is null for changes of the server.
+  /// Reports what is attached, then each change: dk_watch_start().
+  /// @param[in] on_change Called on a thread of the watch, must not throw; the info is null for changes of the server.
+  /// @param[in] limits As everywhere.
+  /// @return The running watch, or the error.
   Result<Watch> watch(std::function<void(dk_change, const DeviceInfo*)> on_change,
                       const Limits& limits = {}) const {
     Watch watch;
@@ -720,7 +1368,7 @@ class Client {
     const detail::Call call(limits);
     const dk_code code = dk_watch_start(
         get(),
-        [](void* user, dk_change change, const dk_device_info* info) {
+        [](void* user, dk_change change, const dk_device_info* info) noexcept {
           const std::optional<DeviceInfo> copy =
               info == nullptr ? std::optional<DeviceInfo>() : DeviceInfo(*info);
           (*static_cast<Watch::OnChange*>(user))(change, copy ? &*copy : nullptr);
@@ -731,6 +1379,17 @@ class Client {
   }
 
  private:
+  using Logger = std::function<void(std::string_view)>;
+
+  void Open(const dk_context_options& options) {
+    dk_context* context = nullptr;
+    const detail::Call call({});
+    const dk_code code = dk_context_new(&options, &context, call.get());
+    context_.reset(context);
+    call.Done(code).value();
+  }
+
+  std::unique_ptr<Logger> log_;  // outlives the context, which is declared after it
   std::unique_ptr<dk_context, detail::Free> context_;
 };
 
