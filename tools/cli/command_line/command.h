@@ -97,6 +97,10 @@ class Command {
   Argument& Positional(const char* name, T& value, std::string help) {
     return Add(Argument::Form::kPositional, name, BindingTo(value), std::move(help));
   }
+  // For an argument whose type is known only when the tool runs.
+  Argument& PositionalOf(const Binding& binding, const char* name, std::string help) {
+    return Add(Argument::Form::kPositional, name, binding, std::move(help));
+  }
   template <typename T>
   Argument& Option(const char* names, T& value, std::string help) {
     return Add(Argument::Form::kOption, names, BindingTo(value), std::move(help));
@@ -109,7 +113,7 @@ class Command {
   // PACKAGE, required.
   Argument& PackageArgument(Package& package);
 
-  // Subcommands, in the order of help. A command that has some does nothing by itself: one of them must follow.
+  // Subcommands, in the order of help. One of them must follow, unless the command itself does something, too.
   Command& Subcommand(const CommandText& text);
   Command& Alias(const char* name);
   // Left out of help, completion and the manual page.
@@ -128,6 +132,7 @@ class Command {
   std::vector<const Argument*> Options() const;  // flags included
   // Whether the word names this command.
   bool IsCalled(const std::string& word) const;
+  bool has_action() const { return action_ != nullptr; }
   void Run(Tool& tool) const { action_(tool); }
 
  private:

@@ -137,7 +137,7 @@ class Parser {
     while (!app->get_subcommands().empty()) app = app->get_subcommands().front();
     for (const auto& [command, candidate] : apps_) {
       if (candidate != app) continue;
-      if (!command->subcommands().empty()) throw UsageError("A command is required");
+      if (!command->has_action()) throw UsageError("A command is required");
       return *command;
     }
     throw std::logic_error("a command that nobody added");

@@ -45,6 +45,9 @@ void AddMvCommand(Command& root);
 void AddRmCommand(Command& root);
 void AddChmodCommand(Command& root);
 
+// commands/sdk/
+void AddSdkCommand(Command& root);
+
 // commands/server/
 void AddServerCommand(Command& root);
 
@@ -66,6 +69,7 @@ inline constexpr void (*kCommands[])(Command&) = {
     AddReconnectCommand,
     AddServerCommand,
     AddBusyboxCommand,
+    AddSdkCommand,
     AddCompleteCommand,
     AddManualCommand,
     AddLsCommand,

@@ -9,7 +9,7 @@
 namespace darokleim::cli {
 namespace {
 
-struct ResultText {
+struct KnownResult {
   int code;
   const char* name;
   const char* meaning;
@@ -18,7 +18,7 @@ struct ResultText {
 
 #define DAROKLEIM_NAMED(code) code, #code
 
-constexpr ResultText kResultTexts[] = {
+constexpr KnownResult kResults[] = {
     {DAROKLEIM_NAMED(ADB_RESULT_OK), "it worked.", ""},
     {DAROKLEIM_NAMED(ADB_RESULT_PROTOCOL_FAULT), "the connection to adb or to the device broke.",
      "Check the cable and try once more."},
@@ -85,7 +85,7 @@ constexpr ResultText kResultTexts[] = {
 #undef DAROKLEIM_NAMED
 
 // The command channel's own statuses.
-constexpr ResultText kChannelTexts[] = {
+constexpr KnownResult kChannelStatuses[] = {
     {3001, "channel not started", "the library was not started, or its start failed.", "Please report this."},
     {3002, "adb cannot be started", "the system could not start adb.",
      "Check that it is adb for this computer and processor."},
@@ -95,49 +95,54 @@ constexpr ResultText kChannelTexts[] = {
     {3005, "too much output", "adb printed more than the library can hold, 2 GiB.", "Request less at once."},
     {3006, "out of resources", "the system refused a pipe, a process or memory.",
      "Close other programs, or raise the limits of open files and processes (see `ulimit -a`)."},
+    {3007, "connection broken", "the connection to the device or to the adb server broke during an answer.",
+     "Try again."},
 };
 
 constexpr int kExitStatusBase = 1000;
 constexpr int kSignalBase = 2000;
 constexpr int kFirstOwnStatus = 3000;
 
-std::string Describe(const ResultText& text) {
-  std::string description = std::string(text.name) + " (" + std::to_string(text.code) + "): " + text.meaning;
-  if (*text.help != '\0') description.append(" ").append(text.help);
-  return description;
+template <typename Results>
+const KnownResult* Find(const Results& results, int code) {
+  const auto found = std::find_if(std::begin(results), std::end(results),
+                                  [code](const KnownResult& result) { return result.code == code; });
+  return found == std::end(results) ? nullptr : found;
 }
 
-template <typename Texts>
-const ResultText* Find(const Texts& texts, int code) {
-  const auto found = std::find_if(std::begin(texts), std::end(texts),
-                                  [code](const ResultText& text) { return text.code == code; });
-  return found == std::end(texts) ? nullptr : found;
+ResultText TextOf(const KnownResult& result) {
+  const std::string help = result.help;
+  return {result.name, help.empty() ? result.meaning : result.meaning + (" " + help)};
 }
 
-std::string DescribeExitStatus(int code) {
-  const auto status = std::to_string(code - kExitStatusBase);
-  return "adb exit status " + status + " (" + std::to_string(code) +
-         "): adb, or the command on the device, failed without a known message."
-         " What it printed is in the log, adb_sdk.log.";
+ResultText TextOfExitStatus(int code) {
+  return {"adb exit status " + std::to_string(code - kExitStatusBase),
+          "adb, or the command on the device, failed without a known message."
+          " What it printed is in the log, adb_sdk.log."};
 }
 
-std::string DescribeSignal(int code) {
+ResultText TextOfSignal(int code) {
   const int number = code - kSignalBase;
-  return "adb signal " + std::to_string(number) + " (" + std::to_string(code) +
-         "): adb was ended by signal " + std::to_string(number) + ", " + strsignal(number) +
-         ". Check that `adb version` works; reinstall adb if not.";
+  return {"adb signal " + std::to_string(number),
+          "adb was ended by signal " + std::to_string(number) + ", " + strsignal(number) +
+              ". Check that `adb version` works; reinstall adb if not."};
 }
 
 }  // namespace
 
+ResultText TextOfResult(int code) {
+  if (const auto* known = Find(kResults, code)) return TextOf(*known);
+  if (const auto* known = Find(kChannelStatuses, code)) return TextOf(*known);
+  if (IsExitStatus(code)) return TextOfExitStatus(code);
+  if (code >= kSignalBase && code < kFirstOwnStatus) return TextOfSignal(code);
+  return {"unknown result",
+          "a command channel other than this tool's own may return it."
+          " See the documentation of that channel."};
+}
+
 std::string DescribeResult(int code) {
-  if (const auto* text = Find(kResultTexts, code)) return Describe(*text);
-  if (const auto* text = Find(kChannelTexts, code)) return Describe(*text);
-  if (IsExitStatus(code)) return DescribeExitStatus(code);
-  if (code >= kSignalBase && code < kFirstOwnStatus) return DescribeSignal(code);
-  return "unknown result (" + std::to_string(code) +
-         "): a command channel other than this tool's own may return it."
-         " See the documentation of that channel.";
+  const auto text = TextOfResult(code);
+  return text.name + " (" + std::to_string(code) + "): " + text.meaning;
 }
 
 bool IsChannelStatus(int code) {

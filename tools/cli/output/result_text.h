@@ -6,6 +6,13 @@
 
 namespace darokleim::cli {
 
+struct ResultText {
+  std::string name;     // "ADB_RESULT_CANNOT_CONNECT_DAEMON", "adb exit status 1"
+  std::string meaning;  // and what helps: "adb could not reach its server. Start it with …"
+};
+
+ResultText TextOfResult(int code);
+
 // Name, number, meaning, and what helps:
 // "ADB_RESULT_CANNOT_CONNECT_DAEMON (27): adb could not reach its server. Start it with …"
 std::string DescribeResult(int code);

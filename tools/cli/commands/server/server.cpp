@@ -1,15 +1,13 @@
 // darokleim server
 #include <darokleim.h>
 
-#include <algorithm>
 #include <string>
-#include <string_view>
 
 #include "tools/cli/cancel_on_signal.h"
 #include "tools/cli/command_line/command.h"
 #include "tools/cli/commands/commands.h"
+#include "tools/cli/commands/sdk/adb_killing.h"
 #include "tools/cli/errors.h"
-#include "tools/cli/host/own_process.h"
 #include "tools/cli/tool.h"
 
 namespace darokleim::cli {
@@ -37,21 +35,6 @@ void DescribeForce(Command& command, KillOptions& options) {
   command.Flag("--force", options.force, kForceHelp);
 }
 
-bool IsPartOfWord(char c) {
-  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
-}
-
-// As `grep -w adb` finds it.
-bool HoldsTheWordAdb(std::string_view text) {
-  constexpr std::string_view kAdb = "adb";
-  for (auto at = text.find(kAdb); at != std::string_view::npos; at = text.find(kAdb, at + 1)) {
-    const bool begins = at == 0 || !IsPartOfWord(text[at - 1]);
-    const auto end = at + kAdb.size();
-    if (begins && (end == text.size() || !IsPartOfWord(text[end]))) return true;
-  }
-  return false;
-}
-
 // Throws unless the user has confirmed what is killed, and this process is not part of it.
 void CheckForce(const KillOptions& options, const std::string& action) {
   if (!options.force) {
@@ -60,12 +43,7 @@ void CheckForce(const KillOptions& options, const std::string& action) {
         "the adb server. To do so: darokleim server " +
         action + " --force");
   }
-  const auto words = OwnCommandLine();
-  const auto found = std::find_if(words.begin(), words.end(), HoldsTheWordAdb);
-  if (found != words.end()) {
-    throw ToolError("this command would kill itself: its own command line holds the word adb, in \"" +
-                    *found + "\". Let adb be found in PATH, and start the tool from another folder.");
-  }
+  CheckSurvivesKilling();
 }
 
 // The library also returns 1 when adb first prints that it starts the server.
