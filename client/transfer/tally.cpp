@@ -44,7 +44,9 @@ Status Tally::Failed(Error error) {
   return client::Stopped(what_);
 }
 
-Status Tally::Finish() const {
+Status Tally::Finish() {
+  Begin("", 0);
+  static_cast<void>(Ask());
   if (summary_.files_failed == 0) return {};
   return client::Failed(DK_PARTLY_DONE, what_,
                         std::to_string(summary_.files_failed) + " of the files failed");

@@ -37,8 +37,8 @@ class Tally {
   // A file's error: the caller is told, and whether the rest goes on is its choice. Errors that the rest would have, too
   // (the phone is gone, cancelled, out of time), end the transfer.
   Status Failed(Error error);
-  // After the last one.
-  Status Finish() const;
+  // After the last one. The caller sees the final numbers, also where every file was skipped; its answer changes nothing.
+  Status Finish();
 
  private:
   dk_transfer_options options_;

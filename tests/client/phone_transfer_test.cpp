@@ -81,6 +81,7 @@ TEST_P(Transfers, ATreeGoesThereAndBackWithItsNamesTimesAndEmptyFolders) {
   const dk_summary sent = phone().push({{source, "/sdcard/DCIM/tree"}}, Options(&calls)).value();
   EXPECT_EQ(sent.files_sent, 5U);
   EXPECT_EQ(calls.last.files_total, 5U);
+  EXPECT_EQ(calls.last.files_done, 5U);
   EXPECT_EQ(calls.last.bytes_done, calls.last.bytes_total);
   EXPECT_EQ(phone().stat("/sdcard/DCIM/tree/empty/in empty").value().type, DK_DIRECTORY);
   ExpectNoTemporaryFiles("/sdcard/DCIM");
