@@ -6,13 +6,13 @@
 #include <sys/un.h>
 
 #include <chrono>
-#include <filesystem>
 #include <thread>
 
 #include "adb/message.h"
 #include "tests/adb/connected_pair.h"
 #include "tests/adb/operations.h"
 #include "tests/adb/scripted_server.h"
+#include "tests/support/open_descriptors.h"
 #include "tests/support/temporary_directory.h"
 
 namespace darokleim::adb_test {
@@ -28,11 +28,6 @@ Limits Within(int time) {
 ErrorCode CodeOf(const Status& status) {
   EXPECT_FALSE(status.ok());
   return status.ok() ? ErrorCode::kMisuse : status.error().code;
-}
-
-int OpenDescriptors() {
-  const std::filesystem::directory_iterator all("/proc/self/fd");
-  return static_cast<int>(std::distance(begin(all), end(all)));
 }
 
 TEST(ConnectionTest, BuffersAndConsumes) {
@@ -272,9 +267,9 @@ TEST(ConnectionTest, NoDescriptorIsLost) {
     }
   };
   run();
-  const int before = OpenDescriptors();
+  const size_t before = test::OpenDescriptors();
   for (int i = 0; i < 3; ++i) run();
-  EXPECT_EQ(OpenDescriptors(), before);
+  EXPECT_EQ(test::OpenDescriptors(), before);
 }
 
 TEST(MessageTest, ARequestOfAllLengths) {

@@ -148,16 +148,16 @@ std::vector<Operation> DeviceOperations() {
            [](const auto& server, const auto& limits) -> Status {
              auto shell = ShellSession::Start(server, kPhone, {.command = "ls", .terminal = "xterm"}, limits);
              if (!shell.ok()) return shell.TakeError();
-             std::string seen;
+             std::string output, errors;
              auto end = shell->ReadAll(
                  [&](ShellStream stream, std::string_view data) {
-                   seen.append(stream == ShellStream::kOutput ? "" : "!").append(data);
+                   (stream == ShellStream::kOutput ? output : errors).append(data);
                    return true;
                  },
                  limits);
              if (!end.ok()) return end.TakeError();
-             if (end->exit_status != 5 || seen != "out!err")
-               return Error{ErrorCode::kMisuse, "another exit status"};
+             if (end->exit_status != 5 || output != "out" || errors != "err")
+               return Error{ErrorCode::kMisuse, "another output or exit status"};
              return {};
            }));
   return all;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tests/channel/channel_run.h"
+#include "tests/support/open_descriptors.h"
 
 #if defined(__linux__)
 #include <sys/syscall.h>
@@ -52,16 +53,6 @@ TEST_F(FaultOfHost, ItsClockJumps) {
     EXPECT_LT(Since(start), milliseconds(20000));
   }
 }
-
-size_t OpenDescriptors() {
-  size_t count = 0;
-  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) ++count;
-  return count;
-}
-#else
-size_t OpenDescriptors() {
-  return 0;
-}
 #endif
 
 // One command that is cancelled at a moment that nobody knows. Returns whether it ended as it may.
@@ -81,7 +72,7 @@ bool RunAndCancel(unsigned random) {
 
 TEST_F(FaultOfHost, ItsSixtyFourThreadsCancelAtRandomMoments) {
   RunAdb(" exit:0");
-  const size_t before = OpenDescriptors();
+  const size_t before = test::OpenDescriptors();
   std::vector<std::thread> threads;
   std::atomic<int> wrong = 0;
   for (unsigned t = 0; t < 64; ++t) {
@@ -92,7 +83,7 @@ TEST_F(FaultOfHost, ItsSixtyFourThreadsCancelAtRandomMoments) {
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(wrong, 0);
-  EXPECT_EQ(OpenDescriptors(), before);
+  EXPECT_EQ(test::OpenDescriptors(), before);
   EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a process is left";
 }
 

@@ -1,8 +1,8 @@
 // Many calls: one after the other, and at once.
-#include <filesystem>
 #include <vector>
 
 #include "tests/channel/channel_run.h"
+#include "tests/support/open_descriptors.h"
 
 namespace darokleim::channel {
 namespace {
@@ -10,15 +10,9 @@ namespace {
 class ManyTest : public ChannelTest {};
 
 #if defined(__linux__)
-size_t OpenDescriptors() {
-  size_t count = 0;
-  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) ++count;
-  return count;
-}
-
 TEST_F(ManyTest, LeaveNoZombieAndNoDescriptor) {
   RunAdb(" exit:0");
-  const size_t before = OpenDescriptors();
+  const size_t before = test::OpenDescriptors();
   std::vector<std::thread> threads;
   std::atomic<int> wrong = 0;
   for (int t = 0; t < 4; ++t) {
@@ -28,7 +22,7 @@ TEST_F(ManyTest, LeaveNoZombieAndNoDescriptor) {
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(wrong, 0);
-  EXPECT_EQ(OpenDescriptors(), before);
+  EXPECT_EQ(test::OpenDescriptors(), before);
   EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
   EXPECT_EQ(errno, ECHILD);
 }

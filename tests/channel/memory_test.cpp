@@ -1,19 +1,12 @@
 // Memory runs out at every moment at which the channel and the log allocate some.
-#include <future>
-#include <optional>
-#include <string_view>
-
 #include "src/platform/log_library.h"
-#include "tests/channel/channel_run.h"
-#include "tests/support/failing_allocation.h"
+#include "tests/channel/memory_trials.h"
 
 namespace darokleim::channel {
 namespace {
 
 using darokleim::test::FailingAllocation;
 using darokleim::test::WithEachAllocationFailing;
-
-constexpr int kNoMemory = 3006;
 
 class MemoryTest : public ChannelTest {
  protected:
@@ -29,20 +22,11 @@ void ExpectNoChildIsLeft() {
   EXPECT_EQ(errno, ECHILD);
 }
 
-// Whatever a command of the test prints. Kept outside of the call, whose allocations are counted.
-struct Outcome {
-  int status = -1;
-  char* out = nullptr;
-  int length = 0;
-};
-
 void ExpectOutcome(const Outcome& outcome, std::string_view output) {
   if (outcome.status == 0) {
-    EXPECT_EQ(std::string_view(outcome.out, static_cast<size_t>(outcome.length)), output);
+    EXPECT_EQ(outcome.output(), output);
   } else {
-    EXPECT_EQ(outcome.status, kNoMemory);
-    EXPECT_EQ(outcome.out, nullptr);
-    EXPECT_EQ(outcome.length, 0);
+    ExpectNoMemory(outcome);
   }
   ReleaseAdbOutBuffer(outcome.out);
 }
@@ -50,12 +34,7 @@ void ExpectOutcome(const Outcome& outcome, std::string_view output) {
 void ExpectCommand(const std::string& args, std::string_view output) {
   const long allocations = WithEachAllocationFailing([&](long number) {
     Outcome outcome;
-    bool failed;
-    {
-      const FailingAllocation failing(number);
-      outcome.status = ExecuteAdbCommandSynchronization(args.c_str(), nullptr, &outcome.out, &outcome.length);
-      failed = failing.HasFailed();
-    }
+    const bool failed = outcome.Run(args, number);
     SCOPED_TRACE(number);
     ExpectOutcome(outcome, output);
     EXPECT_TRUE(failed || outcome.status == 0);
@@ -79,47 +58,10 @@ TEST_F(MemoryTest, RunsOutWhileNoticesOfTheServerAreLeftOut) {
   ExpectCommand(" -s X get-state", "text");
 }
 
-// Collects nothing that would need memory.
-struct StreamEnd {
-  std::promise<int> status;
-  std::atomic<long long> bytes = 0;
-
-  static void Receive(void* context, const char* data, int length) {
-    auto* const self = static_cast<StreamEnd*>(context);
-    if (data == nullptr) {
-      self->status.set_value(length);
-    } else {
-      self->bytes += length;
-    }
-  }
-};
-
-// Nothing when the stream was not started.
-std::optional<int> StatusOfStream(const std::string& args, StreamEnd* end) {
-  const int started = ExecuteAdbCommandAnsynchronization(args.c_str(), nullptr, end,
-                                                         reinterpret_cast<void*>(&StreamEnd::Receive));
-  if (started == 0) return end->status.get_future().get();
-  EXPECT_EQ(started, kNoMemory);
-  return std::nullopt;
-}
-
 void ExpectStream(const std::string& args, long long bytes) {
   const long allocations = WithEachAllocationFailing([&](long number) {
     SCOPED_TRACE(number);
-    StreamEnd end;
-    std::optional<int> status;
-    bool failed;
-    {
-      const FailingAllocation failing(number);
-      status = StatusOfStream(args, &end);
-      failed = failing.HasFailed();
-    }
-    if (status == 0) {
-      EXPECT_EQ(end.bytes, bytes);
-    } else {
-      EXPECT_TRUE(failed && status.value_or(kNoMemory) == kNoMemory);
-    }
-    return failed;
+    return RunOutOnceInAStream(args, bytes, number);
   });
   EXPECT_GT(allocations, 5);
   // The last one is reaped before its end is reported.

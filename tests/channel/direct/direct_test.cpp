@@ -7,8 +7,8 @@
 #include <filesystem>
 #include <random>
 
-#include "tests/channel/channel_run.h"
-#include "tests/channel/direct/phone_server.h"
+#include "tests/channel/direct/direct_channel_test.h"
+#include "tests/channel/direct/phone_answers.h"
 #include "tests/support/eventually.h"
 #include "tests/support/file_content.h"
 
@@ -19,70 +19,10 @@ using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
 
-constexpr char kModern[] = "shell_v2,stat_v2,ls_v2";
 constexpr int kBroken = 3007;
 
-// --- What phones answer
-
-std::string Packet(char id, const std::string& data) {
-  return id + Number32(static_cast<uint32_t>(data.size())) + data;
-}
-std::string Status2(const std::string& id, uint32_t error, uint32_t mode, uint64_t size) {
-  return id + Number32(error) + Number64(1) + Number64(2) + Number32(mode) + Number32(1) + Number32(0) +
-         Number32(0) + Number64(size) + Number64(3) + Number64(1577934245) + Number64(4);
-}
-std::string Entry2(const std::string& name) {
-  return Status2("DNT2", 0, 0100644, 5) + Number32(static_cast<uint32_t>(name.size())) + name;
-}
-std::string Status1(const std::string& id, uint32_t mode, uint32_t size) {
-  return id + Number32(mode) + Number32(size) + Number32(1577934245);
-}
-std::string Entry1(const std::string& name) {
-  return Status1("DENT", 0100644, 5) + Number32(static_cast<uint32_t>(name.size())) + name;
-}
-const std::string kDone = "DONE";
-const std::string kList2 = Entry2("a") + Entry2("b") + kDone + std::string(72, '\0');
-const std::string kList1 = Entry1("a") + Entry1("b") + kDone + std::string(16, '\0');
-const std::string kShellAnswer = Packet(1, "line\n") + Packet(2, "error\n") + Packet(3, std::string(1, '\0'));
-
-// One request of the file service: its four letters and its path.
-std::string ReadSyncRequest(int connection) {
-  const std::string header = ReadBytes(connection, 8);
-  if (header.size() < 8) return "";
-  size_t length = 0;
-  for (size_t i = 8; i-- > 4;) length = length * 256 + static_cast<unsigned char>(header[i]);
-  return header.substr(0, 4) + (header.substr(0, 4) == "DONE" ? "" : ReadBytes(connection, length));
-}
-
-// Answers each request of the file service with the next text, and one more with the end of the connection.
-PhoneServer::Serve Files(std::vector<std::string> answers) {
-  return [answers](const std::string&, int connection) {
-    WriteBytes(connection, "OKAY");
-    for (const std::string& answer : answers) {
-      const std::string request = ReadSyncRequest(connection);
-      if (request.empty() || request == "QUIT") return;
-      if (request.rfind("SEND", 0) == 0) {
-        while (ReadSyncRequest(connection).rfind("DATA", 0) == 0) {
-        }
-      }
-      if (!WriteBytes(connection, answer)) return;
-    }
-  };
-}
-
-class DirectTest : public ChannelTest {
+class DirectTest : public DirectChannelTest {
  protected:
-  DirectTest() {
-    setenv("DAROKLEIM_CHANNEL", "direct", 1);
-    UseAdb(File("no-adb"));  // a command that is left to adb has the status 3002
-  }
-  ~DirectTest() override {
-    unsetenv("DAROKLEIM_CHANNEL");
-    unsetenv("DAROKLEIM_CHANNEL_TIMEOUT");
-    unsetenv("ANDROID_ADB_SERVER_PORT");
-    UseAdb(DAROKLEIM_MISBEHAVING_ADB);
-  }
-
   static void ExpectBroken(const Result& result) {
     EXPECT_EQ(result.status, kBroken);
     EXPECT_FALSE(result.handed_out);
@@ -175,7 +115,7 @@ TEST_F(DirectTest, ACutAnswerOfTheShellIsBroken) {
     return [answer](const std::string&, int connection) { WriteBytes(connection, answer); };
   };
   for (const char* command : {"ls -l \"\"/a\"\"", "getprop", "rm \"/a\""}) {
-    CutEverywhere(kModern, std::string(" -s X shell ") + command, "OKAY" + kShellAnswer, serve);
+    CutEverywhere(kModern, std::string(" -s X shell ") + command, "OKAY" + ShellAnswer(), serve);
   }
 }
 
@@ -186,15 +126,14 @@ TEST_F(DirectTest, TheOldShellCannotSayWhereItEnds) {
 }
 
 TEST_F(DirectTest, ACutListIsBroken) {
-  for (const auto& [features, answer] : {std::pair{kModern, kList2}, std::pair{"", kList1}}) {
+  for (const auto& [features, answer] : {std::pair{kModern, List2()}, std::pair{"", List1()}}) {
     CutEverywhere(features, " -s X ls \"/a\"", answer, [](const std::string& cut) { return Files({cut}); });
   }
 }
 
 TEST_F(DirectTest, ACutPullIsBrokenAndLeavesNothing) {
   const std::string stat = Status2("STA2", 0, 0100644, 6);
-  const std::string content =
-      "DATA" + Number32(3) + "abc" + "DATA" + Number32(3) + "def" + kDone + Number32(0);
+  const std::string content = Content();
   const std::string args = " -s X pull -a \"/a\" \"" + File("pulled") + "\"";
   for (size_t cut = 0; cut < content.size(); ++cut) {
     const PhoneServer server(kModern, Files({stat, content.substr(0, cut)}));
@@ -344,7 +283,7 @@ TEST_F(DirectWaits, EndAtTheTimeLimit) {
 class DirectKeptConnections : public DirectTest {};
 
 TEST_F(DirectKeptConnections, AreUsedAgain) {
-  const PhoneServer server(kModern, Files(std::vector<std::string>(50, kList2)));
+  const PhoneServer server(kModern, Files(std::vector<std::string>(50, List2())));
   for (int i = 0; i < 20; ++i) EXPECT_EQ(RunAdb(" -s X ls \"/a\"").status, 0);
   EXPECT_THAT(server.services(), ElementsAre("sync:"));
   EXPECT_EQ(server.open_connections(), 1);
@@ -353,7 +292,7 @@ TEST_F(DirectKeptConnections, AreUsedAgain) {
 }
 
 TEST_F(DirectKeptConnections, AreClosedInTimeWithoutAnotherCall) {
-  const PhoneServer server(kModern, Files(std::vector<std::string>(50, kList2)));
+  const PhoneServer server(kModern, Files(std::vector<std::string>(50, List2())));
   EXPECT_EQ(RunAdb(" -s X ls \"/a\"").status, 0);
   EXPECT_EQ(server.open_connections(), 1);
   std::this_thread::sleep_for(milliseconds(1000));
@@ -362,13 +301,13 @@ TEST_F(DirectKeptConnections, AreClosedInTimeWithoutAnotherCall) {
 }
 
 TEST_F(DirectKeptConnections, AreFew) {
-  const PhoneServer server(kModern, Files(std::vector<std::string>(50, kList2)));
+  const PhoneServer server(kModern, Files(std::vector<std::string>(50, List2())));
   for (int i = 0; i < 30; ++i) EXPECT_EQ(RunAdb(" -s X" + std::to_string(i) + " ls \"/a\"").status, 0);
   EXPECT_TRUE(test::Eventually([&] { return server.open_connections() <= 8; })) << server.open_connections();
 }
 
 TEST_F(DirectKeptConnections, AreReplacedWhenTheyHaveEnded) {
-  PhoneServer server(kModern, Files(std::vector<std::string>(50, kList2)));
+  PhoneServer server(kModern, Files(std::vector<std::string>(50, List2())));
   EXPECT_EQ(RunAdb(" -s X ls \"/a\"").status, 0);
   server.Disconnect();
   EXPECT_EQ(RunAdb(" -s X ls \"/a\"").status, 0);
@@ -379,8 +318,8 @@ TEST_F(DirectKeptConnections, AreReplacedWhenTheyHaveEnded) {
 TEST_F(DirectKeptConnections, AreReplacedOnceForARequestThatReads) {
   std::atomic<int> services = 0;
   const PhoneServer server(kModern, [&](const std::string& service, int connection) {
-    Files(services++ == 0 ? std::vector<std::string>{kList2, ""} : std::vector<std::string>{""})(service,
-                                                                                                 connection);
+    Files(services++ == 0 ? std::vector<std::string>{List2(), ""} : std::vector<std::string>{""})(service,
+                                                                                                  connection);
   });
   EXPECT_EQ(RunAdb(" -s X ls \"/a\"").status, 0);
   ExpectBroken(RunAdb(" -s X ls \"/a\""));
@@ -399,14 +338,14 @@ TEST_F(DirectKeptConnections, AreNotReplacedForWhatChangesSomething) {
 
 TEST_F(DirectKeptConnections, AreNotKeptAfterARefusal) {
   const PhoneServer server(kModern,
-                           Files({Status2("STA2", 0, 0100644, 6), "FAIL" + Number32(4) + "nope", kList2}));
+                           Files({Status2("STA2", 0, 0100644, 6), "FAIL" + Number32(4) + "nope", List2()}));
   EXPECT_THAT(RunAdb(" -s X pull \"/a\" \"" + File("pulled") + "\"").output, EndsWith(": remote nope\n"));
   EXPECT_EQ(RunAdb(" -s X ls \"/a\"").status, kBroken) << "the new connection answers with a status";
   EXPECT_THAT(server.services(), ElementsAre("sync:", "sync:"));
 }
 
 TEST_F(DirectKeptConnections, AreNotThoseOfAFork) {
-  const PhoneServer server(kModern, Files(std::vector<std::string>(50, kList2)));
+  const PhoneServer server(kModern, Files(std::vector<std::string>(50, List2())));
   EXPECT_EQ(RunAdb(" -s X ls \"/a\"").status, 0);
   test::InProcessOfItsOwn([] { EXPECT_EQ(RunAdb(" -s X ls \"/a\"").status, 0); });
   EXPECT_EQ(server.services().size(), 2u);
