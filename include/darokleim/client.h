@@ -239,6 +239,9 @@ DK_API dk_code dk_context_new(const dk_context_options* options, dk_context** co
 DK_API void dk_context_free(dk_context* context);
 /// The version of the server's protocol, 41 for adb 29 to 36. Starts a server where the context may.
 DK_API dk_code dk_server_version(dk_context* context, int* version, const dk_call* call);
+/// Ends the server, for every program of the user: port mappings, streams and running commands end. Starts none:
+/// ::DK_NO_SERVER where none runs.
+DK_API dk_code dk_server_stop(dk_context* context, const dk_call* call);
 
 /// @}
 /// @defgroup devices Devices
@@ -565,6 +568,24 @@ DK_API dk_code dk_app_stop(dk_device* device, const char* package, const dk_call
 DK_API dk_code dk_app_clear(dk_device* device, const char* package, const dk_call* call);
 
 /// @}
+/// @defgroup backups Backups
+/// By Android's backup service: without the APK, in Android's own format (`adb backup`). The phone asks its user, who has to
+/// unlock it and confirm; set no short limit in time. A call that ends before the answer closes the question. Applications
+/// may forbid backups, and most of those made for Android 12 and later do.
+/// @{
+
+/// Saves the data of an application; on_bytes gets the backup in pieces. Keep the pieces only when the call has succeeded.
+/// ::DK_NO_PACKAGE when it is not installed; ::DK_COMMAND_FAILED when the phone saved nothing, because it was refused on its screen
+/// or the application forbids it.
+DK_API dk_code dk_backup(dk_device* device, const char* package, dk_on_bytes on_bytes, void* user,
+                         const dk_call* call);
+/// Sends a backup to the phone. ::DK_INVALID_ARGUMENT, and nothing is sent, when it does not begin as one. The phone does not say
+/// whether its user agreed, nor whether it could read the backup: ::DK_OK means that it has received all of it.
+DK_API dk_code dk_restore(dk_device* device, dk_source source, void* user, const dk_call* call);
+/// Closes the question of a backup or a restore on the phone's screen, also of another program; it then ends.
+DK_API dk_code dk_backup_dismiss(dk_device* device, const dk_call* call);
+
+/// @}
 /// @defgroup facts What a phone is
 /// @{
 
@@ -634,9 +655,10 @@ typedef struct dk_log_options {
   const char* buffers;  ///< `main,system,crash`; null: the phone's choice
   bool only_new;        ///< not what is in the buffer already
   bool stop_at_end;     ///< what is in the buffer, then the end
+  size_t most_old;      ///< of what is in the buffer already, the last records alone; 0: all
 } dk_log_options;
 #define DK_LOG_OPTIONS_INIT \
-  { sizeof(dk_log_options), NULL, 0, NULL, false, false }
+  { sizeof(dk_log_options), NULL, 0, NULL, false, false, 0 }
 
 typedef struct dk_log dk_log;
 typedef void (*dk_on_record)(void* user, const dk_log_record* record);

@@ -351,6 +351,7 @@ struct LogOptions {
   std::string buffers = {};  ///< `main,system,crash`; empty: the phone's choice
   bool only_new = false;     ///< not what is in the buffer already
   bool stop_at_end = false;  ///< what is in the buffer, then the end
+  std::size_t most_old = 0;  ///< of what is in the buffer already, the last records alone; 0: all
 };
 
 /// @cond
@@ -752,14 +753,9 @@ class Device {
   Result<void> write_from(const std::string& path, Source&& source, std::uint32_t mode = 0644,
                           bool replace = false, std::int64_t mtime = 0, const Limits& limits = {}) const {
     auto guarded = detail::Guard(std::forward<Source>(source));
-    const auto pass = [](void* user, char* buffer, std::size_t capacity) -> std::int64_t {
-      auto& from = *static_cast<decltype(guarded)*>(user);
-      std::int64_t count = 0;
-      const bool given = from.catcher.Run([&] { count = from.function(buffer, capacity); });
-      return given ? count : -1;
-    };
     const detail::Call call(limits);
-    const dk_code code = dk_write(get(), path.c_str(), mode, mtime, replace, pass, &guarded, call.get());
+    const dk_code code =
+        dk_write(get(), path.c_str(), mode, mtime, replace, &Fill<decltype(guarded)>, &guarded, call.get());
     guarded.Rethrow();
     return call.Done(code);
   }
@@ -964,6 +960,47 @@ class Device {
   }
 
   /// @}
+  /// @name Backups
+  /// @{
+
+  /// Saves the data of an application: dk_backup().
+  /// @param[in] package,limits As there.
+  /// @param[in] on_bytes Called as bool(std::string_view) with each piece; false ends the call.
+  /// @return Nothing, or the error.
+  template <typename OnBytes>
+  Result<void> backup(const std::string& package, OnBytes&& on_bytes, const Limits& limits = {}) const {
+    auto guarded = detail::Guard([&](const char* data, std::size_t size) {
+      return static_cast<bool>(on_bytes(std::string_view(data, size)));
+    });
+    const auto pass = [](void* user, const char* data, std::size_t size) {
+      return (*static_cast<decltype(guarded)*>(user))(data, size);
+    };
+    const detail::Call call(limits);
+    const dk_code code = dk_backup(get(), package.c_str(), pass, &guarded, call.get());
+    guarded.Rethrow();
+    return call.Done(code);
+  }
+  /// Sends a backup to the phone: dk_restore().
+  /// @param[in] source Called as std::int64_t(char* buffer, std::size_t capacity); returns how much it filled, 0 at the end.
+  /// @param[in] limits As everywhere.
+  /// @return Nothing, or the error.
+  template <typename Source>
+  Result<void> restore(Source&& source, const Limits& limits = {}) const {
+    auto guarded = detail::Guard(std::forward<Source>(source));
+    const detail::Call call(limits);
+    const dk_code code = dk_restore(get(), &Fill<decltype(guarded)>, &guarded, call.get());
+    guarded.Rethrow();
+    return call.Done(code);
+  }
+  /// Closes the phone's question about a backup or a restore: dk_backup_dismiss().
+  /// @param[in] limits As everywhere.
+  /// @return Nothing, or the error.
+  Result<void> dismiss_backup(const Limits& limits = {}) const {
+    const detail::Call call(limits);
+    return call.Done(dk_backup_dismiss(get(), call.get()));
+  }
+
+  /// @}
   /// @name Facts
   /// @{
 
@@ -1075,6 +1112,7 @@ class Device {
     plain.buffers = detail::TextOrNull(options.buffers);
     plain.only_new = options.only_new;
     plain.stop_at_end = options.stop_at_end;
+    plain.most_old = options.most_old;
     return log(plain, std::move(on_record), std::move(on_end), limits);
   }
   /// Follows the phone's log, with the options of the C interface.
@@ -1172,6 +1210,14 @@ class Device {
   template <typename Guarded, typename Value>
   static bool Pass(void* user, const Value* value) {
     return (*static_cast<Guarded*>(user))(*value);
+  }
+  // The caller's source as a C callback.
+  template <typename Guarded>
+  static std::int64_t Fill(void* user, char* buffer, std::size_t capacity) {
+    auto& from = *static_cast<Guarded*>(user);
+    std::int64_t count = 0;
+    const bool given = from.catcher.Run([&] { count = from.function(buffer, capacity); });
+    return given ? count : -1;
   }
   template <typename Value>
   Result<Value> Fact(dk_code (*ask)(dk_device*, Value*, const dk_call*), const Limits& limits) const {
@@ -1313,6 +1359,13 @@ class Client {
     const detail::Call call(limits);
     const dk_code code = dk_server_version(get(), &version, call.get());
     return call.Give(code, std::move(version));
+  }
+  /// Ends the server, for every program of the user: dk_server_stop().
+  /// @param[in] limits As everywhere.
+  /// @return Nothing, or the error.
+  Result<void> stop_server(const Limits& limits = {}) const {
+    const detail::Call call(limits);
+    return call.Done(dk_server_stop(get(), call.get()));
   }
   /// Lists the devices: dk_devices().
   /// @param[in] limits As everywhere.

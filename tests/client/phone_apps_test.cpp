@@ -121,6 +121,32 @@ TEST_P(Apps, TheLogIsRead) {
   EXPECT_EQ(texts, std::vector<std::string>{"E Camera it fails"});
 }
 
+TEST_P(Apps, OfTheLogTheLastRecordsAreRead) {
+  Shell("for text in one two three; do log -t Count $text; done");
+  std::vector<std::string> texts;
+  std::mutex mutex;
+  std::condition_variable changed;
+  bool ended = false;
+  dk_log_options options = DK_LOG_OPTIONS_INIT;
+  const char* const filters[] = {"Count:V", "*:S"};
+  options.filters = filters;
+  options.filter_count = 2;
+  options.stop_at_end = true;
+  options.most_old = 2;
+  dk::Log log = phone()
+                    .log(
+                        options, [&](const dk_log_record& record) { texts.emplace_back(record.text); },
+                        [&](dk_code, const dk::Error*) {
+                          const std::lock_guard lock(mutex);
+                          ended = true;
+                          changed.notify_all();
+                        })
+                    .value();
+  std::unique_lock lock(mutex);
+  ASSERT_TRUE(changed.wait_for(lock, std::chrono::seconds(10), [&] { return ended; }));
+  EXPECT_EQ(texts, (std::vector<std::string>{"two", "three"}));
+}
+
 TEST_P(Apps, TheLogIsFollowedAndStopped) {
   std::mutex mutex;
   std::condition_variable changed;

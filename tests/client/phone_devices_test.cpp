@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "tests/client/client_on_phone.h"
+#include "tests/support/eventually.h"
 
 namespace darokleim::test {
 namespace {
@@ -171,6 +172,11 @@ TEST(Errors, HaveSentences) {
   EXPECT_STREQ(dk_code_name(static_cast<dk_code>(7)), "unknown");
   EXPECT_EQ(dk_error_code(nullptr), DK_OUT_OF_MEMORY);
   EXPECT_STREQ(dk_error_message(nullptr), "Out of memory.");
+}
+
+TEST_P(Devices, TheServerIsEnded) {
+  EXPECT_TRUE(client().stop_server());
+  EXPECT_TRUE(Eventually([this] { return client().stop_server().code() == DK_NO_SERVER; }));
 }
 
 }  // namespace
