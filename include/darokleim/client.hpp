@@ -198,13 +198,15 @@ struct Limits {
 
 /// A copy of ::dk_device_info.
 struct DeviceInfo {
-  std::string serial;                  ///< the name to open it by
-  dk_state state = DK_STATE_UNKNOWN;   ///< whether it is usable
-  std::string state_text;              ///< as the server words it
-  dk_link link = DK_LINK_UNKNOWN;      ///< how it is attached
-  std::string product, model, device;  ///< empty when not known
-  std::string usb_path;                ///< empty when not known
-  std::uint64_t transport_id = 0;      ///< new each time it is attached; 0 when not known
+  std::string serial;                 ///< the name to open it by
+  dk_state state = DK_STATE_UNKNOWN;  ///< whether it is usable
+  std::string state_text;             ///< as the server words it
+  dk_link link = DK_LINK_UNKNOWN;     ///< how it is attached
+  std::string product;                ///< empty when not known
+  std::string model;                  ///< empty when not known
+  std::string device;                 ///< empty when not known
+  std::string usb_path;               ///< empty when not known
+  std::uint64_t transport_id = 0;     ///< new each time it is attached; 0 when not known
 
   DeviceInfo() = default;
   /// @param[in] info Copied.
@@ -228,7 +230,8 @@ struct Entry {
   std::uint32_t mode = 0;                  ///< type and permissions as in Linux
   std::optional<std::uint64_t> size;       ///< bytes; none where the phone cannot say it
   std::int64_t mtime = 0;                  ///< seconds since 1970, UTC
-  std::optional<std::uint32_t> uid, gid;   ///< known since Android 8
+  std::optional<std::uint32_t> uid;        ///< the owner; none where the phone cannot say it
+  std::optional<std::uint32_t> gid;        ///< the group; none where the phone cannot say it
   std::optional<std::string> link_target;  ///< of a link, where it was asked for
 
   Entry() = default;
@@ -247,9 +250,10 @@ struct Entry {
 
 /// What a command printed.
 struct Output {
-  std::string out, err;  ///< empty when RunOptions::on_output took them
-  bool cut = false;      ///< more came than was kept
-  int exit_status = 0;   ///< 128 and more: ended by a signal
+  std::string out;      ///< empty when RunOptions::on_output took it
+  std::string err;      ///< empty when RunOptions::on_output took it
+  bool cut = false;     ///< more came than was kept
+  int exit_status = 0;  ///< 128 and more: ended by a signal
 };
 
 /// One file or folder to transfer.
@@ -282,9 +286,11 @@ struct App {
 
 /// A copy of ::dk_volume.
 struct Volume {
-  std::string path;                             ///< where it is mounted
-  bool internal = false;                        ///< not a card or a USB stick
-  std::uint64_t total = 0, used = 0, free = 0;  ///< bytes
+  std::string path;         ///< where it is mounted
+  bool internal = false;    ///< not a card or a USB stick
+  std::uint64_t total = 0;  ///< bytes
+  std::uint64_t used = 0;   ///< bytes
+  std::uint64_t free = 0;   ///< bytes that applications can still write
 };
 
 /// A copy of ::dk_mapping.
@@ -303,11 +309,12 @@ struct ClientOptions {
 
 /// What a walk reports. Filters add up.
 struct WalkOptions {
-  std::uint32_t max_depth = 0;               ///< 1: the folder alone; 0: no limit
-  std::uint32_t types = 0;                   ///< a set of (1u << dk_type); 0: all
-  std::vector<std::string> suffixes = {};    ///< without the dot; empty: all. Files only
-  std::uint64_t min_size = 0, max_size = 0;  ///< bytes, of files; max_size 0: no limit
-  std::int64_t newer_than = 0;               ///< mtime after this, seconds since 1970; 0: all
+  std::uint32_t max_depth = 0;             ///< 1: the folder alone; 0: no limit
+  std::uint32_t types = 0;                 ///< a set of (1u << dk_type); 0: all
+  std::vector<std::string> suffixes = {};  ///< without the dot; empty: all. Files only
+  std::uint64_t min_size = 0;              ///< bytes, of files
+  std::uint64_t max_size = 0;              ///< bytes, of files; 0: no limit
+  std::int64_t newer_than = 0;             ///< mtime after this, seconds since 1970; 0: all
   /// Called for each folder below that cannot be read; false ends the walk.
   std::function<bool(const Error& error)> on_error = {};
 };
