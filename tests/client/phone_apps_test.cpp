@@ -75,6 +75,9 @@ TEST_P(Apps, AreStartedAndStopped) {
   EXPECT_THAT(phones().Control({kSerial, "show", "activities"}).output,
               HasSubstr(std::string("start ") + kNotes));
   EXPECT_EQ(phone().start(kNotes, ".NoSuchActivity").code(), DK_COMMAND_FAILED);
+  // Only old phones need monkey.
+  ASSERT_EQ(phones().Control({kSerial, "fault", "no-monkey"}).status, 0);
+  EXPECT_EQ(phone().start(kNotes).ok(), !legacy());
   EXPECT_TRUE(phone().stop(kNotes));
   EXPECT_TRUE(phone().clear(kNotes));
   EXPECT_EQ(phone().stop("not a name; reboot").code(), DK_INVALID_ARGUMENT);

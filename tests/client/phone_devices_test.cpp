@@ -145,7 +145,10 @@ TEST_P(Devices, AreDescribed) {
     found = found || (name == "ro.build.version.release" && !value.empty());
   EXPECT_TRUE(found);
   EXPECT_EQ(phone().battery().value().level, 87);
-  EXPECT_GT(phone().screen().value().width, 0);
+  EXPECT_EQ(phone().screen().value().width, 1080);
+  Shell("wm size 720x1280; wm density 320");
+  EXPECT_EQ(phone().screen().value().height, 1280);
+  EXPECT_EQ(phone().screen().value().density, 320);
   EXPECT_GT(phone().memory().value().total, phone().memory().value().available);
   EXPECT_EQ(phone().screenshot().value().substr(1, 3), "PNG");
 }
