@@ -19,7 +19,7 @@ else()
   set(own_folder "$ORIGIN")
 endif()
 file(RELATIVE_PATH bin_to_lib "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
-# The build tree has the same paths: CMake would leave room in them to be replaced, which the loader takes for the
+# The build tree has the same paths: CMake would leave room in them to be replaced, which the loader reads as the
 # current folder.
 set_target_properties(darokleim _adb_communcation VexoLogSDK PROPERTIES
                       INSTALL_RPATH "${own_folder}" BUILD_WITH_INSTALL_RPATH ON)

@@ -13,6 +13,9 @@
 
 namespace darokleim::cli {
 
+// The application of the tests.
+inline constexpr char kNotes[] = "com.example.notes";
+
 // The only JSON document that a command printed; a failure of the test, and null, when it printed anything else.
 Json::Value ParseJson(const std::string& text);
 

@@ -12,6 +12,9 @@
 
 namespace darokleim::test {
 
+// The application of the tests.
+inline constexpr char kNotes[] = "com.example.notes";
+
 // "modern" or "legacy".
 class ClientOnPhone : public ::testing::TestWithParam<std::string> {
  protected:

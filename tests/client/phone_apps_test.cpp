@@ -11,8 +11,6 @@ namespace {
 
 using ::testing::HasSubstr;
 
-constexpr char kNotes[] = "com.example.notes";
-
 std::string Apk(const std::string& name) {
   return std::string(DAROKLEIM_PHONE_TEST_DATA) + "/" + name;
 }

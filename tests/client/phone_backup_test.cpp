@@ -14,7 +14,6 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-constexpr char kNotes[] = "com.example.notes";
 constexpr char kNote[] = "/data/data/com.example.notes/files/note";
 
 class Backups : public ClientOnPhone {

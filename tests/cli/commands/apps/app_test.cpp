@@ -13,8 +13,6 @@ using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::Not;
 
-constexpr char kNotes[] = "com.example.notes";
-
 std::string Apk(const std::string& name) {
   return DAROKLEIM_PHONE_TEST_DATA "/" + name;
 }
