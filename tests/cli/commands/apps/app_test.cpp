@@ -141,6 +141,24 @@ TEST_P(PhoneAppTest, ShowsTheVersion) {
   EXPECT_THAT(Fail({"app", "version", "com.example.none"}), HasSubstr("com.example.none is not installed."));
 }
 
+// The version is any text that the author of the application chose.
+TEST_P(PhoneAppTest, AVersionLongerThanAnyBufferIsShownOrRefused) {
+  InstallNotes();
+  const std::string record = PhoneFiles() + "/../state/packages/" + kNotes;
+  std::string facts = test::ReadFile(record);
+  const size_t version = facts.find("1.2.0-beta");
+  ASSERT_NE(version, std::string::npos) << record;
+  test::WriteFile(record, facts.replace(version, 10, std::string(20000, '1')));
+  const auto outcome = Run({"app", "version", kNotes});
+  if (outcome.status == 0) {
+    EXPECT_EQ(outcome.output, std::string(20000, '1') + "\n");
+  } else {
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_THAT(outcome.errors, HasSubstr("cannot read the version of com.example.notes"));
+  }
+}
+
 TEST_P(PhoneAppTest, ShowsWhereTheFilesAre) {
   phones().Adb({"install-multiple", Apk("notes-1.apk"), Apk("notes-1-split.apk")});
   const std::string text = Succeed({"app", "path", kNotes});
