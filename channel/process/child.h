@@ -47,12 +47,8 @@ class Child {
   Event Poll(int read_fd, int timeout_ms);
 
   const pid_t pid_;
-  base::UniqueFd watch_;  // a pidfd on Linux, a kqueue on macOS; invalid where the system refuses one
-#if defined(__APPLE__)
-  bool WatchForInput(int read_fd);
-
-  int read_fd_watched_ = -1;
-#endif
+  base::UniqueFd watch_;      // a pidfd on Linux, a kqueue on macOS; invalid where the system refuses one
+  int read_fd_watched_ = -1;  // of a kqueue, which remembers it
   const bool reaped_at_start_ = false;  // by the host, before it could be watched
 };
 
