@@ -19,7 +19,7 @@ else()
   set(own_folder "$ORIGIN")
 endif()
 file(RELATIVE_PATH bin_to_lib "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
-# The build tree has the same paths: CMake would leave room in them to be replaced, which the loader reads as the
+# The build tree has the same paths: CMake would leave room in them to be replaced, which the loader takes for the
 # current folder.
 set_target_properties(darokleim _adb_communcation VexoLogSDK PROPERTIES
                       INSTALL_RPATH "${own_folder}" BUILD_WITH_INSTALL_RPATH ON)
@@ -95,4 +95,4 @@ darokleim_install_pkg_config(client darokleim-client)
 install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md" DESTINATION "${CMAKE_INSTALL_DOCDIR}"
         COMPONENT documentation)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation
-        PATTERN __pycache__ EXCLUDE)
+        PATTERN __pycache__ EXCLUDE PATTERN swift/photos EXCLUDE) # which needs the package beside it

@@ -1,0 +1,2 @@
+// Where pkg-config says that the installed header is.
+#include <darokleim/client.h>
