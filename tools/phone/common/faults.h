@@ -1,6 +1,7 @@
 #ifndef DAROKLEIM_TOOLS_PHONE_COMMON_FAULTS_H
 #define DAROKLEIM_TOOLS_PHONE_COMMON_FAULTS_H
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
