@@ -1,6 +1,5 @@
 // The adb library on a simulated phone, against adb, and against reading the same bytes from a bare socket.
 #include <fcntl.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
 
 #include <deque>
@@ -14,6 +13,7 @@
 #include "adb/shell.h"
 #include "adb/sync_connection.h"
 #include "base/unique_fd.h"
+#include "bench/bare_sync.h"
 #include "bench/report.h"
 #include "tests/support/process.h"
 #include "tests/support/simulated_phones.h"
@@ -28,15 +28,6 @@ const adb::DeviceSelector kPhone = adb::DeviceSelector::Serial("R58BENCH01");
 constexpr int kFolders = 1000;
 constexpr int kSmallFiles = 2000;
 constexpr std::size_t kLargeFile = 256 * 1024 * 1024;
-
-template <typename Value>
-Value Require(adb::Result<Value> result) {
-  if (!result.ok()) throw std::runtime_error(result.error().message);
-  return *std::move(result);
-}
-void Require(adb::Status status) {
-  if (!status.ok()) throw std::runtime_error(status.error().message);
-}
 
 class Phone {
  public:
@@ -112,48 +103,9 @@ std::size_t ListAhead(Phone* phone, const std::vector<std::string>& folders) {
   return bytes;
 }
 
-// The floor: the same requests, 32 ahead, and as many bytes as come for them, which are not looked at.
-class BareSync {
- public:
-  explicit BareSync(const Phone& phone)
-      : connection_(Require(adb::OpenService(phone.server(), kPhone, "sync:", {}))),
-        socket_(connection_.descriptor()) {
-    fcntl(socket_, F_SETFL, 0);
-  }
-
-  void List(const std::vector<std::string>& folders, std::size_t bytes) {
-    constexpr std::size_t kBatch = 32;
-    std::size_t received = 0;
-    for (std::size_t at = 0; at < folders.size(); at += kBatch) {
-      std::string requests;
-      for (std::size_t i = at; i < std::min(at + kBatch, folders.size()); ++i) {
-        requests += adb::SyncRequest(adb::sync_id::kList2, folders[i]);
-      }
-      if (send(socket_, requests.data(), requests.size(), 0) < 0) throw std::runtime_error("send fails");
-      const std::size_t due = bytes * std::min(at + kBatch, folders.size()) / folders.size();
-      while (received + kSlack < due) received += Receive();
-    }
-    while (received < bytes) received += Receive();
-  }
-
- private:
-  // Folders' lists differ by a few bytes.
-  static constexpr std::size_t kSlack = 2048;
-
-  std::size_t Receive() {
-    const ssize_t count = recv(socket_, buffer_.data(), buffer_.size(), 0);
-    if (count <= 0) throw std::runtime_error("the phone ends");
-    return static_cast<std::size_t>(count);
-  }
-
-  adb::Connection connection_;
-  int socket_;
-  std::vector<char> buffer_ = std::vector<char>(128 * 1024);
-};
-
 Row CompareTree(Phone* phone, const std::vector<std::string>& folders) {
   const std::size_t bytes = ListAhead(phone, folders);
-  BareSync bare(*phone);
+  BareSync bare(phone->server(), kPhone);
   return Compare(
       {"1,000 folders over one connection", "the same bytes from a bare socket", 1.25, 15},
       [&] { ListAhead(phone, folders); }, [&] { bare.List(folders, bytes); });
@@ -164,7 +116,7 @@ Row CompareFolder(Phone* phone) {
       "mkdir /sdcard/many; cd /sdcard/many; i=0; while [ $i -lt 10000 ]; do : >IMG_$i.jpg; i=$((i+1)); done");
   const std::vector<std::string> folder = {"/sdcard/many"};
   const std::size_t bytes = ListAhead(phone, folder);
-  BareSync bare(*phone);
+  BareSync bare(phone->server(), kPhone);
   return Compare(
       {"a folder of 10,000 files", "the same bytes from a bare socket", 1.25, 15},
       [&] { ListAhead(phone, folder); }, [&] { bare.List(folder, bytes); });

@@ -27,6 +27,7 @@ PROGRAMS = {
     "bench_regex": "listings, compared with regular expressions",
     "bench_phone": "on a simulated phone",
     "bench_adb_protocol": "the adb server's protocol without adb",
+    "bench_client": "the client",
 }
 MIB = 1024 * 1024
 

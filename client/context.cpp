@@ -66,3 +66,13 @@ dk_code dk_server_version(dk_context* context, int* version, const dk_call* call
     return {};
   });
 }
+
+dk_code dk_server_stop(dk_context* context, const dk_call* call) {
+  return client::Answer(call, [&](const adb::Limits& limits) -> client::Status {
+    if (context == nullptr) return client::InvalidArgument("no context");
+    const adb::Status ended = adb::KillServer(context->server, limits);
+    client::Log(*context, "end the adb server", ended.ok() ? "ended" : ended.error().message);
+    if (!ended.ok()) return client::FromAdb(ended.error(), "end the adb server", "");
+    return {};
+  });
+}

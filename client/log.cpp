@@ -15,6 +15,9 @@ namespace {
 std::string LogScript(const dk_log_options& options) {
   std::string script = "date +%s; exec logcat -B";
   if (options.stop_at_end) script += " -d";
+  // With -T the phone goes on after them, with -t it ends.
+  if (options.most_old > 0)
+    script += (options.stop_at_end ? " -t " : " -T ") + std::to_string(options.most_old);
   if (options.buffers != nullptr) script += " -b " + base::QuoteForShell(options.buffers);
   for (std::size_t i = 0; i < options.filter_count; ++i)
     script += " " + base::QuoteForShell(options.filters[i]);

@@ -4,7 +4,7 @@ add_library(darokleim_options INTERFACE)
 target_compile_features(darokleim_options INTERFACE cxx_std_20 c_std_11)
 target_compile_options(darokleim_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow
                        $<$<BOOL:${DAROKLEIM_WERROR}>:-Werror>)
-# GCC 12 takes a std::string after a literal for overlapping memory when it optimises for speed (its bug 105651).
+# GCC 12 mistakes a std::string after a literal for overlapping memory when it optimises for speed (its bug 105651).
 target_compile_options(darokleim_options INTERFACE
                        $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>)
 # Every include of ours begins at the root of the tree, but for the public headers.

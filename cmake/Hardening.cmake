@@ -7,7 +7,7 @@ include(CheckPIESupported)
 # A program's code lies at another address each time.
 check_pie_supported(LANGUAGES C CXX)
 
-# darokleim_known_flags(VARIABLE COMPILER|LINKER flag…): sets VARIABLE to those flags that it takes.
+# darokleim_known_flags(VARIABLE COMPILER|LINKER flag…): sets VARIABLE to those flags that it accepts.
 function(darokleim_known_flags variable kind)
   set(known)
   foreach(flag IN LISTS ARGN)

@@ -10,8 +10,8 @@ list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES DAROKLEIM_ZIG DAROKLEIM_MACOS_T
 set(CMAKE_SYSTEM_NAME Darwin)
 string(REGEX REPLACE "-.*" "" CMAKE_SYSTEM_PROCESSOR "${DAROKLEIM_MACOS_TARGET}")
 
-# CMake wants one program each; Zig is all of them, by its first word. Two flags that CMake gives are beyond this
-# Zig, and needless: code for macOS is always position-independent, and the linker need not say its version.
+# CMake needs a program for each tool; Zig is all of them, chosen by its first word. This Zig does not know two of CMake's
+# flags, which are not needed: code for macOS is always position-independent, and the linker need not print its version.
 set(wrappers "${CMAKE_BINARY_DIR}/zig")
 function(write_wrapper tool arguments)
   file(WRITE "${wrappers}/${tool}" "#!/bin/sh
@@ -39,7 +39,7 @@ set(CMAKE_RANLIB "${wrappers}/ranlib")
 # the libraries are linked as they are installed, from the start.
 set(CMAKE_INSTALL_NAME_TOOL "/bin/true")
 set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
-# CMake would ask macOS for its version to know whether there are such paths, and without an answer takes it for old.
+# CMake would ask macOS for its version to find out whether it has such paths, and assumes an old one without an answer.
 set(CMAKE_USER_MAKE_RULES_OVERRIDE "${CMAKE_BINARY_DIR}/zig/rpath.cmake")
 file(WRITE "${CMAKE_USER_MAKE_RULES_OVERRIDE}"
      "set(CMAKE_SHARED_LIBRARY_RUNTIME_C_FLAG -Wl,-rpath,)\nset(CMAKE_SHARED_LIBRARY_RUNTIME_CXX_FLAG -Wl,-rpath,)\n")

@@ -57,7 +57,10 @@ configure_tree() {
   show cmake --preset "$preset" --log-level=NOTICE ${launcher[@]+"${launcher[@]}"} "$@"
 }
 
-# run_tests PRESET [CTest argument]…: runs the tests of a tree; having none to run is a failure.
+# run_tests PRESET [CTest argument]…: runs the tests of a tree; having none to run is a failure. Tests mostly wait, for
+# adb and for phones: several for each processor keep it busy.
 run_tests() {
-  show ctest --preset "$1" --parallel "$(processors)" "${@:2}"
+  local for_each_processor=4
+  [ "$1" = developer ] || for_each_processor=2 # sanitizers need more of it
+  show ctest --preset "$1" --parallel "$(($(processors) * for_each_processor))" "${@:2}"
 }

@@ -22,6 +22,14 @@ Error NotInstalled(const std::string& what, const Collected& collected) {
   return error;
 }
 
+// The activity that a launcher shows. Before Android 7 only monkey finds it, which is made for tests: it unlocks the rotation
+// of the screen, and takes a second.
+std::string LaunchScript(const std::string& name) {
+  return "a=$(cmd package resolve-activity --brief " + name + " 2>/dev/null | tail -n 1); case \"$a\" in " +
+         name + "/*) am start -n \"$a\";; *) monkey -p " + name +
+         " -c android.intent.category.LAUNCHER 1;; esac";
+}
+
 // `am` and `monkey` print their failures, and end with 0 on old phones.
 bool HasLine(std::string_view text, std::string_view begin) {
   bool has = false;
@@ -63,7 +71,7 @@ dk_code dk_app_start(dk_device* device, const char* package, const char* activit
     const std::string name = package == nullptr ? "" : package;
     const std::string what = "start " + name;
     const std::string script = activity == nullptr
-                                   ? "monkey -p " + name + " -c android.intent.category.LAUNCHER 1"
+                                   ? client::LaunchScript(name)
                                    : "am start -n " + base::QuoteForShell(name + "/" + activity);
     auto ran = client::RunOn(device, package, script, what, limits);
     if (!ran.ok()) return ran.TakeError();

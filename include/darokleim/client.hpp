@@ -198,13 +198,15 @@ struct Limits {
 
 /// A copy of ::dk_device_info.
 struct DeviceInfo {
-  std::string serial;                  ///< the name to open it by
-  dk_state state = DK_STATE_UNKNOWN;   ///< whether it is usable
-  std::string state_text;              ///< as the server words it
-  dk_link link = DK_LINK_UNKNOWN;      ///< how it is attached
-  std::string product, model, device;  ///< empty when not known
-  std::string usb_path;                ///< empty when not known
-  std::uint64_t transport_id = 0;      ///< new each time it is attached; 0 when not known
+  std::string serial;                 ///< the name to open it by
+  dk_state state = DK_STATE_UNKNOWN;  ///< whether it is usable
+  std::string state_text;             ///< as the server words it
+  dk_link link = DK_LINK_UNKNOWN;     ///< how it is attached
+  std::string product;                ///< empty when not known
+  std::string model;                  ///< empty when not known
+  std::string device;                 ///< empty when not known
+  std::string usb_path;               ///< empty when not known
+  std::uint64_t transport_id = 0;     ///< new each time it is attached; 0 when not known
 
   DeviceInfo() = default;
   /// @param[in] info Copied.
@@ -228,7 +230,8 @@ struct Entry {
   std::uint32_t mode = 0;                  ///< type and permissions as in Linux
   std::optional<std::uint64_t> size;       ///< bytes; none where the phone cannot say it
   std::int64_t mtime = 0;                  ///< seconds since 1970, UTC
-  std::optional<std::uint32_t> uid, gid;   ///< known since Android 8
+  std::optional<std::uint32_t> uid;        ///< the owner; none where the phone cannot say it
+  std::optional<std::uint32_t> gid;        ///< the group; none where the phone cannot say it
   std::optional<std::string> link_target;  ///< of a link, where it was asked for
 
   Entry() = default;
@@ -247,9 +250,10 @@ struct Entry {
 
 /// What a command printed.
 struct Output {
-  std::string out, err;  ///< empty when RunOptions::on_output took them
-  bool cut = false;      ///< more came than was kept
-  int exit_status = 0;   ///< 128 and more: ended by a signal
+  std::string out;      ///< empty when RunOptions::on_output took it
+  std::string err;      ///< empty when RunOptions::on_output took it
+  bool cut = false;     ///< more came than was kept
+  int exit_status = 0;  ///< 128 and more: ended by a signal
 };
 
 /// One file or folder to transfer.
@@ -282,9 +286,11 @@ struct App {
 
 /// A copy of ::dk_volume.
 struct Volume {
-  std::string path;                             ///< where it is mounted
-  bool internal = false;                        ///< not a card or a USB stick
-  std::uint64_t total = 0, used = 0, free = 0;  ///< bytes
+  std::string path;         ///< where it is mounted
+  bool internal = false;    ///< not a card or a USB stick
+  std::uint64_t total = 0;  ///< bytes
+  std::uint64_t used = 0;   ///< bytes
+  std::uint64_t free = 0;   ///< bytes that applications can still write
 };
 
 /// A copy of ::dk_mapping.
@@ -303,11 +309,12 @@ struct ClientOptions {
 
 /// What a walk reports. Filters add up.
 struct WalkOptions {
-  std::uint32_t max_depth = 0;               ///< 1: the folder alone; 0: no limit
-  std::uint32_t types = 0;                   ///< a set of (1u << dk_type); 0: all
-  std::vector<std::string> suffixes = {};    ///< without the dot; empty: all. Files only
-  std::uint64_t min_size = 0, max_size = 0;  ///< bytes, of files; max_size 0: no limit
-  std::int64_t newer_than = 0;               ///< mtime after this, seconds since 1970; 0: all
+  std::uint32_t max_depth = 0;             ///< 1: the folder alone; 0: no limit
+  std::uint32_t types = 0;                 ///< a set of (1u << dk_type); 0: all
+  std::vector<std::string> suffixes = {};  ///< without the dot; empty: all. Files only
+  std::uint64_t min_size = 0;              ///< bytes, of files
+  std::uint64_t max_size = 0;              ///< bytes, of files; 0: no limit
+  std::int64_t newer_than = 0;             ///< mtime after this, seconds since 1970; 0: all
   /// Called for each folder below that cannot be read; false ends the walk.
   std::function<bool(const Error& error)> on_error = {};
 };
@@ -351,6 +358,7 @@ struct LogOptions {
   std::string buffers = {};  ///< `main,system,crash`; empty: the phone's choice
   bool only_new = false;     ///< not what is in the buffer already
   bool stop_at_end = false;  ///< what is in the buffer, then the end
+  std::size_t most_old = 0;  ///< of what is in the buffer already, the last records alone; 0: all
 };
 
 /// @cond
@@ -752,14 +760,9 @@ class Device {
   Result<void> write_from(const std::string& path, Source&& source, std::uint32_t mode = 0644,
                           bool replace = false, std::int64_t mtime = 0, const Limits& limits = {}) const {
     auto guarded = detail::Guard(std::forward<Source>(source));
-    const auto pass = [](void* user, char* buffer, std::size_t capacity) -> std::int64_t {
-      auto& from = *static_cast<decltype(guarded)*>(user);
-      std::int64_t count = 0;
-      const bool given = from.catcher.Run([&] { count = from.function(buffer, capacity); });
-      return given ? count : -1;
-    };
     const detail::Call call(limits);
-    const dk_code code = dk_write(get(), path.c_str(), mode, mtime, replace, pass, &guarded, call.get());
+    const dk_code code =
+        dk_write(get(), path.c_str(), mode, mtime, replace, &Fill<decltype(guarded)>, &guarded, call.get());
     guarded.Rethrow();
     return call.Done(code);
   }
@@ -964,6 +967,47 @@ class Device {
   }
 
   /// @}
+  /// @name Backups
+  /// @{
+
+  /// Saves the data of an application: dk_backup().
+  /// @param[in] package,limits As there.
+  /// @param[in] on_bytes Called as bool(std::string_view) with each piece; false ends the call.
+  /// @return Nothing, or the error.
+  template <typename OnBytes>
+  Result<void> backup(const std::string& package, OnBytes&& on_bytes, const Limits& limits = {}) const {
+    auto guarded = detail::Guard([&](const char* data, std::size_t size) {
+      return static_cast<bool>(on_bytes(std::string_view(data, size)));
+    });
+    const auto pass = [](void* user, const char* data, std::size_t size) {
+      return (*static_cast<decltype(guarded)*>(user))(data, size);
+    };
+    const detail::Call call(limits);
+    const dk_code code = dk_backup(get(), package.c_str(), pass, &guarded, call.get());
+    guarded.Rethrow();
+    return call.Done(code);
+  }
+  /// Sends a backup to the phone: dk_restore().
+  /// @param[in] source Called as std::int64_t(char* buffer, std::size_t capacity); returns how much it filled, 0 at the end.
+  /// @param[in] limits As everywhere.
+  /// @return Nothing, or the error.
+  template <typename Source>
+  Result<void> restore(Source&& source, const Limits& limits = {}) const {
+    auto guarded = detail::Guard(std::forward<Source>(source));
+    const detail::Call call(limits);
+    const dk_code code = dk_restore(get(), &Fill<decltype(guarded)>, &guarded, call.get());
+    guarded.Rethrow();
+    return call.Done(code);
+  }
+  /// Closes the phone's question about a backup or a restore: dk_backup_dismiss().
+  /// @param[in] limits As everywhere.
+  /// @return Nothing, or the error.
+  Result<void> dismiss_backup(const Limits& limits = {}) const {
+    const detail::Call call(limits);
+    return call.Done(dk_backup_dismiss(get(), call.get()));
+  }
+
+  /// @}
   /// @name Facts
   /// @{
 
@@ -1075,6 +1119,7 @@ class Device {
     plain.buffers = detail::TextOrNull(options.buffers);
     plain.only_new = options.only_new;
     plain.stop_at_end = options.stop_at_end;
+    plain.most_old = options.most_old;
     return log(plain, std::move(on_record), std::move(on_end), limits);
   }
   /// Follows the phone's log, with the options of the C interface.
@@ -1172,6 +1217,14 @@ class Device {
   template <typename Guarded, typename Value>
   static bool Pass(void* user, const Value* value) {
     return (*static_cast<Guarded*>(user))(*value);
+  }
+  // The caller's source as a C callback.
+  template <typename Guarded>
+  static std::int64_t Fill(void* user, char* buffer, std::size_t capacity) {
+    auto& from = *static_cast<Guarded*>(user);
+    std::int64_t count = 0;
+    const bool given = from.catcher.Run([&] { count = from.function(buffer, capacity); });
+    return given ? count : -1;
   }
   template <typename Value>
   Result<Value> Fact(dk_code (*ask)(dk_device*, Value*, const dk_call*), const Limits& limits) const {
@@ -1313,6 +1366,13 @@ class Client {
     const detail::Call call(limits);
     const dk_code code = dk_server_version(get(), &version, call.get());
     return call.Give(code, std::move(version));
+  }
+  /// Ends the server, for every program of the user: dk_server_stop().
+  /// @param[in] limits As everywhere.
+  /// @return Nothing, or the error.
+  Result<void> stop_server(const Limits& limits = {}) const {
+    const detail::Call call(limits);
+    return call.Done(dk_server_stop(get(), call.get()));
   }
   /// Lists the devices: dk_devices().
   /// @param[in] limits As everywhere.

@@ -12,6 +12,7 @@
 #include "tests/adb/connected_pair.h"
 #include "tests/adb/operations.h"
 #include "tests/adb/scripted_server.h"
+#include "tests/adb/within.h"
 #include "tests/support/open_descriptors.h"
 #include "tests/support/temporary_directory.h"
 
@@ -19,11 +20,6 @@ namespace darokleim::adb_test {
 namespace {
 
 using namespace adb;
-using std::chrono::milliseconds;
-
-Limits Within(int time) {
-  return {Clock::now() + milliseconds(time), nullptr};
-}
 
 ErrorCode CodeOf(const Status& status) {
   EXPECT_FALSE(status.ok());

@@ -9,7 +9,7 @@ namespace {
 
 using namespace adb;
 
-std::string Shown(std::string_view text) {
+std::string ShownDevices(std::string_view text) {
   std::string shown;
   for (const AttachedDevice& device : ParseDeviceList(text)) {
     shown += device.serial + "|" + device.state + "|" + device.plug + "|" + device.product + "|" +
@@ -19,36 +19,38 @@ std::string Shown(std::string_view text) {
 }
 
 TEST(DeviceListTest, ShortForm) {
-  EXPECT_EQ(Shown("X1\tdevice\n192.168.1.2:5555\toffline\n"),
+  EXPECT_EQ(ShownDevices("X1\tdevice\n192.168.1.2:5555\toffline\n"),
             "X1|device|||||0\n192.168.1.2:5555|offline|||||0\n");
-  EXPECT_EQ(Shown("a b\tunauthorized\n"), "a b|unauthorized|||||0\n");
-  EXPECT_EQ(Shown("X1\tdevice"), "X1|device|||||0\n");
+  EXPECT_EQ(ShownDevices("a b\tunauthorized\n"), "a b|unauthorized|||||0\n");
+  EXPECT_EQ(ShownDevices("X1\tdevice"), "X1|device|||||0\n");
 }
 
 TEST(DeviceListTest, LongForm) {
-  EXPECT_EQ(Shown("X1                     device usb:1-4 product:p model:M_1 device:d transport_id:12\n"),
-            "X1|device|usb:1-4|p|M_1|d|12\n");
-  EXPECT_EQ(Shown("192.168.1.2:5555       device product:p model:M device:d transport_id:3\n"),
+  EXPECT_EQ(
+      ShownDevices("X1                     device usb:1-4 product:p model:M_1 device:d transport_id:12\n"),
+      "X1|device|usb:1-4|p|M_1|d|12\n");
+  EXPECT_EQ(ShownDevices("192.168.1.2:5555       device product:p model:M device:d transport_id:3\n"),
             "192.168.1.2:5555|device||p|M|d|3\n");
-  EXPECT_EQ(Shown("X1                     offline transport_id:1\n"), "X1|offline|||||1\n");
-  EXPECT_EQ(Shown("X1                     unauthorized usb:336592896X transport_id:1\n"),
+  EXPECT_EQ(ShownDevices("X1                     offline transport_id:1\n"), "X1|offline|||||1\n");
+  EXPECT_EQ(ShownDevices("X1                     unauthorized usb:336592896X transport_id:1\n"),
             "X1|unauthorized|usb:336592896X||||1\n");
 }
 
 TEST(DeviceListTest, AStateOfManyWords) {
   EXPECT_EQ(
-      Shown("X1                     no permissions (user in plugdev group; are your udev rules wrong?); see "
-            "[http://developer.android.com/tools/device.html] usb:1-4 transport_id:1\n"),
+      ShownDevices(
+          "X1                     no permissions (user in plugdev group; are your udev rules wrong?); see "
+          "[http://developer.android.com/tools/device.html] usb:1-4 transport_id:1\n"),
       "X1|no permissions (user in plugdev group; are your udev rules wrong?); see "
       "[http://developer.android.com/tools/device.html]|usb:1-4||||1\n");
-  EXPECT_EQ(Shown("(no serial number)     no permissions usb:1-4\n"),
+  EXPECT_EQ(ShownDevices("(no serial number)     no permissions usb:1-4\n"),
             "(no serial number)|no permissions|usb:1-4||||0\n");
 }
 
 TEST(DeviceListTest, WhatIsNoDevice) {
-  EXPECT_EQ(Shown(""), "");
-  EXPECT_EQ(Shown("\n\nX1\n\tdevice\nX1\t\n  \n"), "");
-  EXPECT_EQ(Shown("X1 transport_id:1\n"), "");
+  EXPECT_EQ(ShownDevices(""), "");
+  EXPECT_EQ(ShownDevices("\n\nX1\n\tdevice\nX1\t\n  \n"), "");
+  EXPECT_EQ(ShownDevices("X1 transport_id:1\n"), "");
 }
 
 TEST(FeatureSetTest, WholeNamesAlone) {

@@ -10,16 +10,13 @@
 
 #include "adb/cancel_token.h"
 #include "tests/adb/operations.h"
+#include "tests/adb/within.h"
 
 namespace darokleim::adb_test {
 namespace {
 
 using namespace adb;
 using std::chrono::milliseconds;
-
-Limits Within(milliseconds time) {
-  return {Clock::now() + time, nullptr};
-}
 
 std::string Shown(const Status& status) {
   if (status.ok()) return "ok";
@@ -33,21 +30,21 @@ INSTANTIATE_TEST_SUITE_P(Each, MisbehavingServerTest, testing::ValuesIn(Operatio
 
 TEST_P(MisbehavingServerTest, AWholeAnswerSucceeds) {
   const ScriptedServer server(GetParam().conversation);
-  const Status status = GetParam().call(server.address(), Within(milliseconds(5000)));
+  const Status status = GetParam().call(server.address(), Within(5000));
   EXPECT_TRUE(status.ok()) << Shown(status);
   EXPECT_EQ(server.surprises(), "");
 }
 
 TEST_P(MisbehavingServerTest, AnAnswerByteByByteSucceeds) {
   const ScriptedServer server(GetParam().conversation, {.byte_by_byte = true});
-  const Status status = GetParam().call(server.address(), Within(milliseconds(5000)));
+  const Status status = GetParam().call(server.address(), Within(5000));
   EXPECT_TRUE(status.ok()) << Shown(status);
 }
 
 TEST_P(MisbehavingServerTest, AnAnswerCutAnywhereIsABrokenConnection) {
   for (size_t cut = 0; cut < ReplyBytes(GetParam()); ++cut) {
     const ScriptedServer server(GetParam().conversation, {.cut_after = cut});
-    const Status status = GetParam().call(server.address(), Within(milliseconds(5000)));
+    const Status status = GetParam().call(server.address(), Within(5000));
     if (GetParam().is_whole_at(cut)) {
       EXPECT_TRUE(status.ok()) << cut << ": " << Shown(status);
       continue;
@@ -91,7 +88,7 @@ TEST_P(MisbehavingServerTest, SomethingElseIsAProtocolFault) {
     conversation.resize(which + 1);
     conversation.back().reply = "HTTP/1.1 400 Bad Request\r\n\r\n";
     const ScriptedServer server(conversation);
-    const Status status = GetParam().call(server.address(), Within(milliseconds(5000)));
+    const Status status = GetParam().call(server.address(), Within(5000));
     ASSERT_FALSE(status.ok()) << which;
     EXPECT_EQ(status.error().code, ErrorCode::kProtocolFault) << which << ": " << Shown(status);
     EXPECT_NE(status.error().message.find("received 48 54 54 50 2f"), std::string::npos) << Shown(status);
@@ -102,7 +99,7 @@ TEST_P(MisbehavingServerTest, ARefusalHasTheServersWords) {
   std::vector<Exchange> conversation = {GetParam().conversation.front()};
   conversation.front().reply = "FAIL" + Request("device 'X' not found");
   const ScriptedServer server(conversation);
-  const Status status = GetParam().call(server.address(), Within(milliseconds(5000)));
+  const Status status = GetParam().call(server.address(), Within(5000));
   ASSERT_FALSE(status.ok());
   EXPECT_EQ(status.error().code, ErrorCode::kRefused);
   EXPECT_EQ(status.error().message, "device 'X' not found");
@@ -120,7 +117,7 @@ TEST_P(MisbehavingServerTest, NoServerIsNotConnectedTo) {
   ServerAddress address;
   address.host = "127.0.0.1";
   address.port = ntohs(name.sin_port);
-  const Status status = GetParam().call(address, Within(milliseconds(5000)));
+  const Status status = GetParam().call(address, Within(5000));
   ASSERT_FALSE(status.ok());
   EXPECT_EQ(status.error().code, ErrorCode::kCannotConnect);
   EXPECT_EQ(status.error().system_error, ECONNREFUSED);

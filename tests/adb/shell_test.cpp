@@ -7,16 +7,12 @@
 #include "base/little_endian.h"
 #include "tests/adb/connected_pair.h"
 #include "tests/adb/scripted_server.h"
+#include "tests/adb/within.h"
 
 namespace darokleim::adb_test {
 namespace {
 
 using namespace adb;
-using std::chrono::milliseconds;
-
-Limits Within(int time) {
-  return {Clock::now() + milliseconds(time), nullptr};
-}
 
 std::string Packet(int id, std::string_view data) {
   std::string packet(1, static_cast<char>(id));

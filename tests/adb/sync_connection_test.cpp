@@ -7,6 +7,7 @@
 #include "base/little_endian.h"
 #include "tests/adb/connected_pair.h"
 #include "tests/adb/scripted_server.h"
+#include "tests/adb/within.h"
 
 namespace darokleim::adb_test {
 namespace {
@@ -14,10 +15,6 @@ namespace {
 using namespace adb;
 using std::chrono::milliseconds;
 using Links = SyncConnection::Links;
-
-Limits Within(int time) {
-  return {Clock::now() + milliseconds(time), nullptr};
-}
 
 std::string Message(const char (&id)[5], std::string_view bytes) {
   return SyncRequest(SyncId(id), bytes);

@@ -52,6 +52,10 @@ void PhoneToolTest::PutOnPhone(const std::string& path, const std::string& conte
   ASSERT_EQ(outcome.status, 0) << outcome.output << outcome.errors;
 }
 
+std::string PhoneToolTest::PhoneFiles() const {
+  return phones_.FilesOf(kSerial);
+}
+
 std::string PhoneToolTest::ReadFromPhone(const std::string& path) const {
   const auto outcome = phones_.Adb({"pull", path, File("from-phone")});
   EXPECT_EQ(outcome.status, 0) << outcome.output << outcome.errors;

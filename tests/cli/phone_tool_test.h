@@ -13,6 +13,9 @@
 
 namespace darokleim::cli {
 
+// The application of the tests.
+inline constexpr char kNotes[] = "com.example.notes";
+
 // The only JSON document that a command printed; a failure of the test, and null, when it printed anything else.
 Json::Value ParseJson(const std::string& text);
 
@@ -32,6 +35,8 @@ class PhoneToolTest : public ToolTest, public testing::WithParamInterface<std::s
   void PutOnPhone(const std::string& path, const std::string& content) const;
   std::string ReadFromPhone(const std::string& path) const;
   void SwitchOn(const std::string& fault) const;
+  // Where this computer sees the files of the phone.
+  std::string PhoneFiles() const;
 
   // The tool must succeed and say nothing on standard error; its output.
   std::string Succeed(const Words& arguments) const;

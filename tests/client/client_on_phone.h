@@ -12,6 +12,9 @@
 
 namespace darokleim::test {
 
+// The application of the tests.
+inline constexpr char kNotes[] = "com.example.notes";
+
 // "modern" or "legacy".
 class ClientOnPhone : public ::testing::TestWithParam<std::string> {
  protected:
@@ -19,10 +22,11 @@ class ClientOnPhone : public ::testing::TestWithParam<std::string> {
 
   void SetUp() override { Start({std::string(kSerial) + ",android=" + GetParam()}); }
 
-  void Start(const Words& phones) {
+  // `switches`: further words of the phones' command line.
+  void Start(const Words& phones, const Words& switches = {}) {
     phone_.reset();
     client_.reset();
-    phones_ = std::make_unique<SimulatedPhones>(phones);
+    phones_ = std::make_unique<SimulatedPhones>(phones, switches);
     server_ = "tcp:" + phones_->port();
     dk_context_options options = DK_CONTEXT_OPTIONS_INIT;
     options.server = server_.c_str();
@@ -32,6 +36,7 @@ class ClientOnPhone : public ::testing::TestWithParam<std::string> {
 
   bool legacy() const { return GetParam() == "legacy"; }
   SimulatedPhones& phones() { return *phones_; }
+  const SimulatedPhones& phones() const { return *phones_; }
   const dk::Client& client() const { return *client_; }
   const dk::Device& phone() const { return *phone_; }
 

@@ -11,8 +11,6 @@ namespace {
 
 using ::testing::HasSubstr;
 
-constexpr char kNotes[] = "com.example.notes";
-
 std::string Apk(const std::string& name) {
   return std::string(DAROKLEIM_PHONE_TEST_DATA) + "/" + name;
 }
@@ -75,6 +73,9 @@ TEST_P(Apps, AreStartedAndStopped) {
   EXPECT_THAT(phones().Control({kSerial, "show", "activities"}).output,
               HasSubstr(std::string("start ") + kNotes));
   EXPECT_EQ(phone().start(kNotes, ".NoSuchActivity").code(), DK_COMMAND_FAILED);
+  // Only old phones need monkey.
+  ASSERT_EQ(phones().Control({kSerial, "fault", "no-monkey"}).status, 0);
+  EXPECT_EQ(phone().start(kNotes).ok(), !legacy());
   EXPECT_TRUE(phone().stop(kNotes));
   EXPECT_TRUE(phone().clear(kNotes));
   EXPECT_EQ(phone().stop("not a name; reboot").code(), DK_INVALID_ARGUMENT);
@@ -119,6 +120,32 @@ TEST_P(Apps, TheLogIsRead) {
   ASSERT_TRUE(changed.wait_for(lock, std::chrono::seconds(10), [&] { return ended; }));
   EXPECT_EQ(end_code, DK_OK);
   EXPECT_EQ(texts, std::vector<std::string>{"E Camera it fails"});
+}
+
+TEST_P(Apps, OfTheLogTheLastRecordsAreRead) {
+  Shell("for text in one two three; do log -t Count $text; done");
+  std::vector<std::string> texts;
+  std::mutex mutex;
+  std::condition_variable changed;
+  bool ended = false;
+  dk_log_options options = DK_LOG_OPTIONS_INIT;
+  const char* const filters[] = {"Count:V", "*:S"};
+  options.filters = filters;
+  options.filter_count = 2;
+  options.stop_at_end = true;
+  options.most_old = 2;
+  dk::Log log = phone()
+                    .log(
+                        options, [&](const dk_log_record& record) { texts.emplace_back(record.text); },
+                        [&](dk_code, const dk::Error*) {
+                          const std::lock_guard lock(mutex);
+                          ended = true;
+                          changed.notify_all();
+                        })
+                    .value();
+  std::unique_lock lock(mutex);
+  ASSERT_TRUE(changed.wait_for(lock, std::chrono::seconds(10), [&] { return ended; }));
+  EXPECT_EQ(texts, (std::vector<std::string>{"two", "three"}));
 }
 
 TEST_P(Apps, TheLogIsFollowedAndStopped) {

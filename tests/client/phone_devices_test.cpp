@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "tests/client/client_on_phone.h"
+#include "tests/support/eventually.h"
 
 namespace darokleim::test {
 namespace {
@@ -144,7 +145,10 @@ TEST_P(Devices, AreDescribed) {
     found = found || (name == "ro.build.version.release" && !value.empty());
   EXPECT_TRUE(found);
   EXPECT_EQ(phone().battery().value().level, 87);
-  EXPECT_GT(phone().screen().value().width, 0);
+  EXPECT_EQ(phone().screen().value().width, 1080);
+  Shell("wm size 720x1280; wm density 320");
+  EXPECT_EQ(phone().screen().value().height, 1280);
+  EXPECT_EQ(phone().screen().value().density, 320);
   EXPECT_GT(phone().memory().value().total, phone().memory().value().available);
   EXPECT_EQ(phone().screenshot().value().substr(1, 3), "PNG");
 }
@@ -171,6 +175,11 @@ TEST(Errors, HaveSentences) {
   EXPECT_STREQ(dk_code_name(static_cast<dk_code>(7)), "unknown");
   EXPECT_EQ(dk_error_code(nullptr), DK_OUT_OF_MEMORY);
   EXPECT_STREQ(dk_error_message(nullptr), "Out of memory.");
+}
+
+TEST_P(Devices, TheServerIsEnded) {
+  EXPECT_TRUE(client().stop_server());
+  EXPECT_TRUE(Eventually([this] { return client().stop_server().code() == DK_NO_SERVER; }));
 }
 
 }  // namespace

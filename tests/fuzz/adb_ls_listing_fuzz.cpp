@@ -4,7 +4,7 @@
 #include "src/filesystem/adb_ls_listing.h"
 #include "tests/fuzz/fuzz.h"
 #include "tests/fuzz/spliced_listing.h"
-#include "tests/unit/filesystem/plain_listing.h"
+#include "tests/support/plain_listing.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace darokleim::sdk;

@@ -1,7 +1,7 @@
 // DecodeFindOut gives what its plain form gives.
 #include "src/filesystem/find_listing.h"
 #include "tests/fuzz/fuzz.h"
-#include "tests/unit/filesystem/plain_listing.h"
+#include "tests/support/plain_listing.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace darokleim::sdk;

@@ -2,7 +2,7 @@
 #include "src/filesystem/ls_line.h"
 #include "tests/fuzz/fuzz.h"
 #include "tests/fuzz/spliced_listing.h"
-#include "tests/unit/filesystem/plain_listing.h"
+#include "tests/support/plain_listing.h"
 
 namespace darokleim::sdk {
 namespace {

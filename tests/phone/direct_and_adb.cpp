@@ -70,11 +70,7 @@ void DirectAndAdb::SetUp() {
             "LOCKED,state=unauthorized" + android, "ASKING,state=authorizing" + android});
   setenv("ANDROID_ADB_SERVER_PORT", phones_->port().c_str(), 1);
   adb_ = PathOfAdb();
-  const std::string list = phones_->Control({"list"}).output;
-  const size_t line = list.find(serial());
-  const std::string mark = "\tfiles=";
-  const size_t at = list.find(mark, line) + mark.size();
-  phone_files_ = list.substr(at, list.find_first_of("\t\n", at) - at);
+  phone_files_ = phones_->FilesOf(serial());
   Reset();
 }
 

@@ -41,10 +41,7 @@ void EachPhone::SetUp() {
   std::string folder = (fs::temp_directory_path() / "darokleim-each-phone-XXXXXX").string();
   ASSERT_NE(mkdtemp(folder.data()), nullptr);
   host_folder_ = folder;
-  const std::string list = phones_.Control({"list"}).output;
-  const std::string mark = "\tfiles=";
-  const size_t at = list.find(mark) + mark.size();
-  phone_files_ = list.substr(at, list.find_first_of("\t\n", at) - at);
+  phone_files_ = phones_.FilesOf(serial());
   setenv("ANDROID_ADB_SERVER_PORT", phones_.port().c_str(), 1);
   setenv("DAROKLEIM_CHANNEL", GetParam().mode.c_str(), 1);
   static const Resources resources;

@@ -151,6 +151,48 @@ TEST_P(Packages, StartTheirActivities) {
       HasSubstr("Error: Activity class {com.example.notes/com.example.notes.Missing} does not exist."));
 }
 
+TEST_P(Packages, AreListedWithTheirVersionCodesOnNewPhones) {
+  Install({DataFile("notes-1.apk")});
+  if (is_legacy()) {
+    const Outcome refused = Shell("pm list packages --show-versioncode com.example");
+    EXPECT_THAT(refused.output + refused.errors, StartsWith("Error: Unknown option: --show-versioncode"));
+    return;
+  }
+  EXPECT_EQ(Text("pm list packages --show-versioncode com.example"),
+            "package:com.example.notes versionCode:1\n");
+  EXPECT_THAT(Text("pm list packages -3 -U --show-versioncode com.example"),
+              testing::MatchesRegex("package:com.example.notes versionCode:1 uid:[0-9]+\n"));
+}
+
+TEST_P(Packages, AreAskedForTheActivityOfTheLauncher) {
+  if (is_legacy()) return;
+  Install({DataFile("notes-1.apk")});
+  EXPECT_THAT(Text("cmd package resolve-activity --brief com.example.notes"),
+              testing::MatchesRegex(
+                  "priority=0 preferredOrder=0 match=0x[0-9a-f]+ specificIndex=-1 isDefault=(true|false)\n"
+                  "com.example.notes/.MainActivity\n"));
+  EXPECT_EQ(Text("cmd package resolve-activity --components com.example.notes"),
+            "com.example.notes/.MainActivity\n");
+  EXPECT_EQ(Text("cmd package resolve-activity --brief com.example.none"), "No activity found\n");
+}
+
+TEST_P(Packages, AreNotStartedWithoutAClass) {
+  Install({DataFile("notes-1.apk")});
+  const Outcome named = Shell("am start -n com.example.notes");
+  EXPECT_THAT(named.output + named.errors, HasSubstr("Bad component name: com.example.notes"));
+  EXPECT_THAT(named.output, Not(HasSubstr("Starting")));
+  // Launchers' activities are not in the category that implicit intents need.
+  const Outcome bare = Shell("am start com.example.notes");
+  EXPECT_THAT(
+      bare.output + bare.errors,
+      HasSubstr("Error: Activity not started, unable to resolve Intent { act=android.intent.action.MAIN "
+                "cat=[android.intent.category.LAUNCHER]"));
+  if (!is_legacy()) {
+    EXPECT_EQ(named.status, 255);
+    EXPECT_EQ(bare.status, 1);
+  }
+}
+
 TEST_P(Packages, OutliveAReboot) {
   REQUIRE_SIMULATED_PHONE("takes minutes to reboot");
   Install({DataFile("notes-1.apk")});

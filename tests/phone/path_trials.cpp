@@ -33,7 +33,7 @@ void SetTime(const fs::path& file) {
 }
 
 // The document that the library handed out, given back.
-Json::Value Taken(char* text, int length) {
+Json::Value TakenText(char* text, int length) {
   const Json::Value value = text != nullptr ? ParseJson({text, static_cast<size_t>(length)}) : Json::Value();
   AdbFreeResource(&text);
   return value;
@@ -127,7 +127,7 @@ Json::Value List(const TrialPlace& place, Lister lister, const std::string& fold
   char* json = nullptr;
   int length = 0;
   *code = lister(place.serial(), place.OnPhone(folder).c_str(), &json, &length, 1, 1, nullptr);
-  return Taken(json, length);
+  return TakenText(json, length);
 }
 
 bool IsOnlyFile(const Json::Value& files, const char* key, const std::string& path) {
@@ -160,7 +160,7 @@ TrialResult FindBySuffix(const TrialPlace& place, const std::string& folder, con
   int length = 0;
   const int code =
       AdbGetFilesBySuffix(place.serial(), place.OnPhone(folder).c_str(), "jpg", &json, &length, nullptr);
-  return {code, ListsOnly(Taken(json, length), place.OnPhone(folder + "/" + file))};
+  return {code, ListsOnly(TakenText(json, length), place.OnPhone(folder + "/" + file))};
 }
 
 TrialResult DirSize(const TrialPlace& place) {

@@ -20,7 +20,7 @@ using testing::UnorderedElementsAre;
 using testing::UnorderedElementsAreArray;
 
 constexpr char kTree[] = "/data/local/tmp/tree";
-constexpr time_t kTime = 1577934245;  // 2020-01-02 03:04:05 UTC
+constexpr time_t kTouched = 1577934245;  // 2020-01-02 03:04:05 UTC
 using Lister = int (*)(const char*, const char*, char**, int*, int, int, const bool*);
 
 // A document that the library handed out, given back.
@@ -52,7 +52,7 @@ class Files : public EachPhone {
     fs::create_directories(file.parent_path());
     WriteFile(file.string(), content);
     fs::last_write_time(file, fs::file_time_type::clock::now());
-    const std::string touched = "@" + std::to_string(kTime);
+    const std::string touched = "@" + std::to_string(kTouched);
     RunProgram({"touch", "-d", touched, file.string()}, {});
   }
 
@@ -122,7 +122,7 @@ TEST_P(Files, OfATreeAsAdbListsThem) {
     if (file["file"].asString() == OnPhone("link")) continue;
     EXPECT_EQ(file["size"].asUInt64(), file["file"].asString().size() - sizeof kTree)
         << file.toStyledString();
-    EXPECT_EQ(file["utc_timestamp"].asInt64(), kTime);
+    EXPECT_EQ(file["utc_timestamp"].asInt64(), kTouched);
   }
 }
 
@@ -196,12 +196,12 @@ TEST_P(Files, OfATime) {
   Put("file", "");
   unsigned long long time = 0;
   EXPECT_EQ(AdbGetFileCreateTime(serial(), OnPhone("file").c_str(), &time, nullptr), 0);
-  EXPECT_EQ(time, static_cast<unsigned long long>(kTime));
+  EXPECT_EQ(time, static_cast<unsigned long long>(kTouched));
   Control({"fault", "no-stat"});
   time = 0;
   EXPECT_EQ(AdbGetFileCreateTime(serial(), OnPhone("file").c_str(), &time, nullptr), 0)
       << "from adb's listing";
-  EXPECT_EQ(time, static_cast<unsigned long long>(kTime));
+  EXPECT_EQ(time, static_cast<unsigned long long>(kTouched));
 }
 
 TEST_P(Files, LookedUpInAdbsListing) {
@@ -216,7 +216,7 @@ TEST_P(Files, LookedUpInAdbsListing) {
   EXPECT_EQ(AdbCheckFileExistedUsingFolderContent(serial(), "/data", &there, nullptr), 0);
   unsigned long long time = 0;
   EXPECT_EQ(AdbGetFileCreateTimeFromLs(serial(), OnPhone("file").c_str(), &time, nullptr), 0);
-  EXPECT_EQ(time, static_cast<unsigned long long>(kTime));
+  EXPECT_EQ(time, static_cast<unsigned long long>(kTouched));
   time = 7;
   EXPECT_EQ(AdbGetFileCreateTimeFromLs(serial(), OnPhone("none").c_str(), &time, nullptr), 0);
   EXPECT_EQ(time, 7u);

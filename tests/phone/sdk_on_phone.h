@@ -12,16 +12,19 @@ namespace darokleim::test {
 
 inline constexpr int kOk = ADB_RESULT_OK;
 
-// How the channel runs commands in this test program: plain, assist or direct.
-inline constexpr std::string_view kMode = DAROKLEIM_TEST_MODE;
-inline constexpr bool kAssisted = kMode != "plain";
-inline constexpr bool kDirect = kMode == "direct";
+// The application of the tests, and a file of its data.
+inline constexpr char kNotes[] = "com.example.notes";
+inline constexpr char kNote[] = "/data/data/com.example.notes/files/note";
+
+// How the channel runs commands in this test program: plain, assist or direct. Defined in sdk_mode.cpp.
+extern const std::string_view kMode;
+extern const bool kAssisted;
+extern const bool kDirect;
 
 // When the connection to the phone breaks before it has answered.
-inline constexpr int kBrokenOff =
-    kDirect ? int{ADB_CHANNEL_CONNECTION_BROKEN} : int{ADB_RESULT_PROTOCOL_FAULT};
+extern const int kBrokenOff;
 // And in the middle of a file.
-inline constexpr int kCutTransfer = kDirect ? int{ADB_CHANNEL_CONNECTION_BROKEN} : 1001;
+extern const int kCutTransfer;
 
 // The whole way: the library, our channel, the real adb client, a phone.
 class SdkOnPhone : public PhoneUnderTest {

@@ -14,9 +14,6 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 
-constexpr char kNotes[] = "com.example.notes";
-constexpr char kNote[] = "/data/data/com.example.notes/files/note";
-
 // The channel's status when adb cannot be started.
 constexpr int kNotStarted = 3002;
 

@@ -12,9 +12,6 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-constexpr char kNotes[] = "com.example.notes";
-constexpr char kNote[] = "/data/data/com.example.notes/files/note";
-
 class SdkServices : public SdkOnPhone {
  protected:
   void InstallNotes() {

@@ -106,6 +106,27 @@ TEST_P(Services, RecordsWhatIsTyped) {
   EXPECT_EQ(Control({"show", "input"}).output, "text hello world\nkeyevent 66\n");
 }
 
+TEST_P(Services, SaysWhatTheBatteryHas) {
+  const std::string battery = Text("dumpsys battery");
+  EXPECT_THAT(battery, StartsWith("Current Battery Service state:\n  AC powered: "));
+  for (const char* line :
+       {"\n  USB powered: ", "\n  Wireless powered: ", "\n  status: ", "\n  health: ", "\n  present: ",
+        "\n  level: ", "\n  scale: ", "\n  voltage: ", "\n  temperature: ", "\n  technology: "}) {
+    EXPECT_THAT(battery, HasSubstr(line));
+  }
+}
+
+TEST_P(Services, SaysTheScreensSizeAndWhatWasSetInstead) {
+  REQUIRE_SIMULATED_PHONE("keeps its size");
+  EXPECT_EQ(Text("wm size"), "Physical size: 1080x2340\n");
+  EXPECT_EQ(Text("wm density"), "Physical density: 420\n");
+  Shell("wm size 720x1280; wm density 320");
+  EXPECT_EQ(Text("wm size"), "Physical size: 1080x2340\nOverride size: 720x1280\n");
+  EXPECT_EQ(Text("wm density"), "Physical density: 420\nOverride density: 320\n");
+  Shell("wm size reset; wm density reset");
+  EXPECT_EQ(Text("wm size; wm density"), "Physical size: 1080x2340\nPhysical density: 420\n");
+}
+
 TEST_P(Services, TakesARealPicture) {
   Shell("screencap -p " + phone_folder() + "/screen.png");
   Adb({"pull", phone_folder() + "/screen.png", host_folder() + "/screen.png"});

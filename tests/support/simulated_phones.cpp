@@ -48,6 +48,15 @@ Outcome SimulatedPhones::Control(const Words& words) const {
   return RunProgram(Joined({DAROKLEIM_PHONE_PROGRAM, "ctl", "--port", port_}, words), {});
 }
 
+std::string SimulatedPhones::FilesOf(const std::string& serial) const {
+  constexpr std::string_view kMark = "\tfiles=";
+  const std::string list = Control({"list"}).output;
+  const size_t at = list.find(kMark, list.find(serial + '\t'));
+  if (at == std::string::npos) throw std::runtime_error("no phone " + serial + " in " + list);
+  const size_t begin = at + kMark.size();
+  return list.substr(begin, list.find_first_of("\t\n", begin) - begin);
+}
+
 Environment AdbEnvironment(const std::string& port) {
   return {{"ANDROID_ADB_SERVER_PORT", port}, {"ANDROID_SERIAL", ""}, {"LC_ALL", "C.UTF-8"}};
 }

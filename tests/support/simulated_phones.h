@@ -25,6 +25,8 @@ class SimulatedPhones {
   std::unique_ptr<HostProcess> StartAdb(const Words& words) const;
   // darokleim-phone ctl with these words.
   Outcome Control(const Words& words) const;
+  // Where this computer sees the files of a phone. Beside that folder is `state`, what the phone keeps.
+  std::string FilesOf(const std::string& serial) const;
 
  private:
   std::unique_ptr<HostProcess> process_;

@@ -3,6 +3,7 @@
 #include <exception>
 #include <string>
 
+#include "darokleim.h"
 #include "tools/cli/cancel_on_signal.h"
 #include "tools/cli/command_line/parse.h"
 #include "tools/cli/commands/commands.h"

@@ -8,7 +8,8 @@
 namespace darokleim::channel {
 namespace {
 
-constexpr char kStarted[] = "* daemon not running; starting now at tcp:5037\n* daemon started successfully\n";
+constexpr char kStartNotices[] =
+    "* daemon not running; starting now at tcp:5037\n* daemon started successfully\n";
 
 std::string Streamed(const Command& command, std::string_view text, size_t piece) {
   StreamFilter filter(command);
@@ -23,12 +24,12 @@ TEST(StreamFilter, GivesTheSameTextInPiecesOfAnySize) {
     std::string arguments, text, expected;
   };
   const Case cases[] = {
-      {"logcat", kStarted + std::string("a\r\nb\n"), "a\r\nb\n"},
+      {"logcat", kStartNotices + std::string("a\r\nb\n"), "a\r\nb\n"},
       {"logcat", "* daemon", "* daemon"},
       {"logcat", "* daemon started successfully", ""},
       {"logcat", "* failed to start daemon\nx", "* failed to start daemon\nx"},
-      {"start-server", kStarted, kStarted},
-      {"shell ls -l /x", kStarted + std::string("a\nb\r\n\r\r\nc\r"), "a\r\nb\r\n\r\nc\r"},
+      {"start-server", kStartNotices, kStartNotices},
+      {"shell ls -l /x", kStartNotices + std::string("a\nb\r\n\r\r\nc\r"), "a\r\nb\r\n\r\nc\r"},
       {"shell rm /x", "a\r\n\r\rb\r\r\n\r", "a\n\r\rb\n\r"},
   };
   for (const Case& c : cases) {

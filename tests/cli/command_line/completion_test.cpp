@@ -181,5 +181,40 @@ TEST_F(ZshCompletionTest, DescribesWhatTheToolOffers) {
   EXPECT_EQ(zsh("app install ''"), "files\n");
 }
 
+// In the line editor of a real zsh, on a terminal of its own.
+class ZshLineTest : public ZshCompletionTest {
+ protected:
+  // The line as it is after TAB; then it is entered. The tool of this zsh offers `name` and does nothing else.
+  std::string CompletedAndEntered(const std::string& line, const std::string& name) const {
+    MakeExecutable(File("bin/darokleim"), "#!/bin/sh\n[ \"$1\" != complete ] || cat offered\n");
+    test::WriteFile(File("offered"), name + "\n");
+    test::WriteFile(File("start"), "fpath=('" DAROKLEIM_COMPLETIONS
+                                   "' $fpath)\nautoload -Uz compinit\ncompinit -u -D\n"
+                                   "keep-line() { print -r -- \"$BUFFER\" >line }\nzle -N keep-line\n"
+                                   "bindkey '^X' keep-line\n");
+    test::WriteFile(File("play"),
+                    "zmodload zsh/zpty\nzpty shell zsh -f -i\nzpty -w shell 'source ./start'\n"
+                    "zpty -w -n shell '" +
+                        line + "'$'\\t\\x18'\n" + WaitFor("line") +
+                        "zpty -w -n shell $'\\n'\nzpty -w shell 'print >ended'\n" + WaitFor("ended") +
+                        "zpty -d shell\n");
+    const auto outcome = RunShell("cd '" + File("") + "' && TERM=dumb zsh -f play");
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_NE(test::ReadFile(File("ended")), "");
+    return test::ReadFile(File("line"));
+  }
+
+ private:
+  static std::string WaitFor(const std::string& file) {
+    return "for i in {1..400}; do [[ -s " + file + " ]] && break; sleep 0.05; done\n";
+  }
+};
+
+TEST_F(ZshLineTest, QuotesEveryName) {
+  EXPECT_EQ(CompletedAndEntered("darokleim app uninstall com.", "com.evil;touch${IFS}ran;$(touch ran)"),
+            "darokleim app uninstall com.evil\\;touch\\$\\{IFS\\}ran\\;\\$\\(touch\\ ran\\) \n");
+  EXPECT_NE(RunShell("test -e '" + File("ran") + "'").status, 0);
+}
+
 }  // namespace
 }  // namespace darokleim::cli

@@ -74,6 +74,17 @@ TEST_F(HostDirectoriesTest, FollowTheXdgVariables) {
   EXPECT_TRUE(std::filesystem::is_empty(File("home")));
 }
 
+// Otherwise a folder that the tool is started in would choose the adb that runs.
+TEST_F(HostDirectoriesTest, IgnoreXdgVariablesThatAreRelative) {
+  std::filesystem::create_directory(File("work"));
+  StartIn(File("work"));
+  Set("XDG_CACHE_HOME", "cache");
+  Set("XDG_STATE_HOME", "state");
+  ASSERT_EQ(Run({"devices"}).status, 0);
+  EXPECT_TRUE(std::filesystem::is_empty(File("work")));
+  EXPECT_TRUE(std::filesystem::exists(File(kCache)));
+}
+
 TEST_F(HostDirectoriesTest, NeedNoHomeVariable) {
   Set("HOME", "");
   Set("XDG_CACHE_HOME", File("cache"));
@@ -123,6 +134,13 @@ TEST_F(HostDirectoriesTest, LogDirIsCreated) {
   ASSERT_EQ(Run({"devices", "--log-dir", File("new/logs")}).status, 0);
   EXPECT_TRUE(std::filesystem::exists(File("new/logs/adb_sdk.log")));
   EXPECT_FALSE(std::filesystem::exists(File(kLogs)));
+}
+
+TEST_F(HostDirectoriesTest, LogDirMayBeRelativeToTheCurrentDirectory) {
+  std::filesystem::create_directory(File("work"));
+  StartIn(File("work"));
+  ASSERT_EQ(Run({"devices", "--log-dir", "logs"}).status, 0);
+  EXPECT_TRUE(std::filesystem::exists(File("work/logs/adb_channel.log")));
 }
 
 TEST_F(HostDirectoriesTest, LogDirThatCannotBeCreatedIsToldAndTheCommandGoesOn) {

@@ -5,20 +5,20 @@
 namespace darokleim::test {
 namespace {
 
-constexpr char kCommand[] = " -s S1 'shell date +\"%Y-%m-%d %H:%M:%S\"'";
+constexpr char kDateCommand[] = " -s S1 'shell date +\"%Y-%m-%d %H:%M:%S\"'";
 
 class ClockTest : public SdkTest {};
 
 TEST_F(ClockTest, ReadsTheTime) {
   for (const char* text : {"2026-11-21 08:25:00\n", "2026-11-21 08:25:00\r\n"}) {
     char buffer[32] = "before";
-    channel.Expect(kCommand).Prints(text);
+    channel.Expect(kDateCommand).Prints(text);
     EXPECT_EQ(AdbGetDeviceCurrentTime("S1", buffer, sizeof buffer, &cancel), ADB_RESULT_OK);
     EXPECT_STREQ(buffer, "2026-11-21 08:25:00");
   }
   EXPECT_EQ(journal().size(), 8U);
   EXPECT_EQ(journal()[4], Info("AdbGetDeviceCurrentTime Enter."));
-  EXPECT_EQ(journal()[5], Ran(kCommand));
+  EXPECT_EQ(journal()[5], Ran(kDateCommand));
   EXPECT_EQ(journal()[6], GaveBack());
   EXPECT_EQ(journal()[7], Info("AdbGetDeviceCurrentTime Leave, return 0."));
 }
@@ -36,17 +36,17 @@ TEST_F(ClockTest, ANullTextIsRefused) {
 
 TEST_F(ClockTest, TheBufferIsEmptiedBeforeTheCommandRuns) {
   char buffer[] = "before";
-  channel.Expect(kCommand).Returns(3003).Meanwhile([&] { EXPECT_STREQ(buffer, ""); });
+  channel.Expect(kDateCommand).Returns(3003).Meanwhile([&] { EXPECT_STREQ(buffer, ""); });
   EXPECT_EQ(AdbGetDeviceCurrentTime("S1", buffer, sizeof buffer, &cancel), 3003);
   EXPECT_EQ(std::string(buffer, sizeof buffer), std::string("\0efore\0", 7)) << "its first byte alone";
 }
 
 TEST_F(ClockTest, AMessageDecidesAlsoWhenTheChannelIsContent) {
   char buffer[] = "before";
-  channel.Expect(kCommand).Prints("device unauthorized\n");
+  channel.Expect(kDateCommand).Prints("device unauthorized\n");
   EXPECT_EQ(AdbGetDeviceCurrentTime("S1", buffer, sizeof buffer, &cancel), ADB_RESULT_DEVICE_UNAUTHORIZED);
   EXPECT_STREQ(buffer, "");
-  channel.Expect(kCommand).Prints("2026-11-21 08:25:00\n").Returns(1001);
+  channel.Expect(kDateCommand).Prints("2026-11-21 08:25:00\n").Returns(1001);
   EXPECT_EQ(AdbGetDeviceCurrentTime("S1", buffer, sizeof buffer, &cancel), 1001);
   EXPECT_STREQ(buffer, "");
 }
@@ -63,7 +63,7 @@ TEST_F(ClockTest, AroundTheSizeOfTheBuffer) {
                {1, ADB_RESULT_BUFFER_TOO_SMALL, ""}};
   for (const auto& c : cases) {
     std::string buffer(30, '#');
-    channel.Expect(kCommand).Prints("2026-11-21 08:25:00\n");
+    channel.Expect(kDateCommand).Prints("2026-11-21 08:25:00\n");
     EXPECT_EQ(AdbGetDeviceCurrentTime("S1", buffer.data(), c.size, &cancel), c.code) << c.size;
     EXPECT_STREQ(buffer.c_str(), c.text) << c.size;
     EXPECT_EQ(buffer.find_first_not_of('#', static_cast<std::size_t>(c.size)), std::string::npos);
@@ -73,7 +73,7 @@ TEST_F(ClockTest, AroundTheSizeOfTheBuffer) {
 TEST_F(ClockTest, ABufferWithoutRoomIsLeftAlone) {
   for (const int size : {0, -5}) {
     char buffer[] = "before";
-    channel.Expect(kCommand).Prints("2026-11-21 08:25:00\n");
+    channel.Expect(kDateCommand).Prints("2026-11-21 08:25:00\n");
     EXPECT_EQ(AdbGetDeviceCurrentTime("S1", buffer, size, &cancel), ADB_RESULT_BUFFER_TOO_SMALL);
     EXPECT_STREQ(buffer, "before");
   }

@@ -122,7 +122,7 @@ TEST(FindAddressTest, OddTexts) {
             "1.2.3.4/5");
 }
 
-constexpr char kCommand[] = " -s S1 shell ip address | grep wlan | grep inet";
+constexpr char kAddressCommand[] = " -s S1 shell ip address | grep wlan | grep inet";
 
 class IpAddressTest : public SdkTest {
  protected:
@@ -140,15 +140,15 @@ class IpAddressTest : public SdkTest {
 };
 
 TEST_F(IpAddressTest, HandsOutAddressAndPrefixLength) {
-  channel.Expect(kCommand).Prints("    inet 10.0.0.7/8 brd 10.255.255.255 scope global wlan0\n");
+  channel.Expect(kAddressCommand).Prints("    inet 10.0.0.7/8 brd 10.255.255.255 scope global wlan0\n");
   EXPECT_EQ(Address(ADB_RESULT_OK), "10.0.0.7/8");
-  EXPECT_THAT(journal(), ElementsAre(Info("AdbGetIPAddress Enter."), Ran(kCommand), GaveBack(),
+  EXPECT_THAT(journal(), ElementsAre(Info("AdbGetIPAddress Enter."), Ran(kAddressCommand), GaveBack(),
                                      Info("AdbGetIPAddress Leave, return 0.")));
 }
 
 TEST_F(IpAddressTest, NoAddress) {
   for (const char* text : {"", "\n", "wlan0", "inet 10.0.0.7 brd 10.255.255.255\n", "inet 10.0.0.7/8\n"}) {
-    channel.Expect(kCommand).Prints(text);
+    channel.Expect(kAddressCommand).Prints(text);
     EXPECT_EQ(Address(ADB_RESULT_NO_IP_ADDRESS), "untouched") << text;
   }
   EXPECT_EQ(journal().back(), Info("AdbGetIPAddress Leave, return 30."));
@@ -162,15 +162,15 @@ TEST_F(IpAddressTest, OnlyTheSerialIsChecked) {
 
 TEST_F(IpAddressTest, WithoutOutputTheChannelsValueIsTheCode) {
   for (const int value : {0, 30, 3003}) {
-    channel.Expect(kCommand).Returns(value);
+    channel.Expect(kAddressCommand).Returns(value);
     EXPECT_EQ(Address(value), "untouched");
   }
 }
 
 TEST_F(IpAddressTest, AnErrorIsTheCodeAlsoBesideAnAddress) {
-  channel.Expect(kCommand).Prints("inet 10.0.0.7/8 brd x device unauthorized").Returns(0);
+  channel.Expect(kAddressCommand).Prints("inet 10.0.0.7/8 brd x device unauthorized").Returns(0);
   EXPECT_EQ(Address(ADB_RESULT_DEVICE_UNAUTHORIZED), "untouched");
-  channel.Expect(kCommand).Prints("inet 10.0.0.7/8 brd x").Returns(1001);
+  channel.Expect(kAddressCommand).Prints("inet 10.0.0.7/8 brd x").Returns(1001);
   EXPECT_EQ(Address(1001), "untouched");
 }
 
@@ -178,7 +178,7 @@ TEST_F(IpAddressTest, ALineThatIsCutInTheMiddle) {
   const std::string line = "    inet 10.0.0.7/24 brd 10.0.0.255 scope global wlan0\n";
   const std::size_t slash = line.find('/');
   for (std::size_t length = 0; length < line.size(); ++length) {
-    channel.Expect(kCommand).Prints(line.substr(0, length));
+    channel.Expect(kAddressCommand).Prints(line.substr(0, length));
     if (length <= slash + 1) {
       EXPECT_EQ(Address(ADB_RESULT_NO_IP_ADDRESS), "untouched") << length;
     } else {
@@ -189,7 +189,7 @@ TEST_F(IpAddressTest, ALineThatIsCutInTheMiddle) {
 
 TEST_F(IpAddressTest, NumbersOfFortyDigits) {
   const std::string address = std::string(40, '9') + ".0.0.7/" + std::string(40, '8');
-  channel.Expect(kCommand).Prints("inet " + address + " brd\n");
+  channel.Expect(kAddressCommand).Prints("inet " + address + " brd\n");
   EXPECT_EQ(Address(ADB_RESULT_OK), address);
 }
 
@@ -204,7 +204,7 @@ TEST_F(IpAddressTest, TheCommandIsCutAt255Characters) {
 
 TEST_F(IpAddressTest, AnAddressOfAMillionDigits) {
   const std::string address = std::string(1'000'000, '1') + ".2.3.4/5";
-  channel.Expect(kCommand).Prints("inet " + address + " brd").Unterminated();
+  channel.Expect(kAddressCommand).Prints("inet " + address + " brd").Unterminated();
   EXPECT_EQ(Address(ADB_RESULT_OK), address);
 }
 
@@ -217,16 +217,16 @@ TEST_F(IpAddressTest, RealOutputs) {
   };
   EXPECT_EQ(DeviceOutputsIn("ip-addr").size(), cases.size());
   for (const auto& [sample, expected] : cases) {
-    channel.Expect(kCommand).Prints(DeviceOutput(sample));
+    channel.Expect(kAddressCommand).Prints(DeviceOutput(sample));
     EXPECT_EQ(Address(expected.second), expected.first) << sample;
   }
   std::string line = DeviceOutput("ip-addr/xiaomi-inet-show.txt");
   line.erase(0, line.find('\n') + 1);
   line.erase(line.find('\n') + 1);
   ASSERT_EQ(line, "    inet 192.168.2.21/24 brd 192.168.2.255 scope global wlan0\n");
-  channel.Expect(kCommand).Prints(line);
+  channel.Expect(kAddressCommand).Prints(line);
   EXPECT_EQ(Address(ADB_RESULT_OK), "192.168.2.21/24");
-  channel.Expect(kCommand).Prints(DeviceOutput("misc-shell/grep-not-found.txt"));
+  channel.Expect(kAddressCommand).Prints(DeviceOutput("misc-shell/grep-not-found.txt"));
   EXPECT_EQ(Address(ADB_RESULT_SHELL_NOT_FOUND), "untouched");
 }
 

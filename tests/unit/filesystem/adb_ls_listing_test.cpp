@@ -6,19 +6,19 @@
 #include <stdexcept>
 
 #include "src/filesystem/file_info.h"
+#include "tests/support/plain_listing.h"
 #include "tests/unit/filesystem/local_zone.h"
-#include "tests/unit/filesystem/plain_listing.h"
 
 namespace darokleim::test {
 namespace {
 
 using namespace std::string_literals;
 
-using Files = std::vector<FileInfo>;
+using Records = std::vector<FileInfo>;
 
 class AdbLsListingTest : public ::testing::Test {
  protected:
-  static Files Decode(const std::string& text) {
+  static Records Decode(const std::string& text) {
     return DecodeADBLSOut("/sdcard", text.data(), static_cast<int>(text.size()));
   }
 
@@ -31,8 +31,8 @@ class AdbLsListingTest : public ::testing::Test {
 
 TEST_F(AdbLsListingTest, FilesAndDirectories) {
   EXPECT_EQ(Decode("000041f9 00001000 5e0b7a11 DCIM\n000081b0 0000000a 5e0b7a10 a.txt\n"),
-            (Files{{0x1000, 0x41F9, "/sdcard/DCIM", "2019-12-31 16:40:49", 0x5E0B7A11},
-                   {10, 0x81B0, "/sdcard/a.txt", "2019-12-31 16:40:48", 0x5E0B7A10}}));
+            (Records{{0x1000, 0x41F9, "/sdcard/DCIM", "2019-12-31 16:40:49", 0x5E0B7A11},
+                     {10, 0x81B0, "/sdcard/a.txt", "2019-12-31 16:40:48", 0x5E0B7A10}}));
 }
 
 TEST_F(AdbLsListingTest, TimesAreThoseOfTheHost) {
@@ -42,7 +42,7 @@ TEST_F(AdbLsListingTest, TimesAreThoseOfTheHost) {
 
 TEST_F(AdbLsListingTest, DotAndDotDotGiveNoRecord) {
   const std::string columns = "000041f9 00001000 5e0b7a10 ";
-  EXPECT_EQ(Decode(columns + ".\n" + columns + "..\n"), Files());
+  EXPECT_EQ(Decode(columns + ".\n" + columns + "..\n"), Records());
   EXPECT_EQ(Decode(columns + "ab\n").size(), 1U);
   EXPECT_EQ(Decode(columns + ".a\n" + columns + "a.\n").size(), 0U) << "taken for ..";
   EXPECT_EQ(Decode(columns + "a\n").size(), 1U);
@@ -53,7 +53,7 @@ TEST_F(AdbLsListingTest, DotAndDotDotGiveNoRecord) {
 
 TEST_F(AdbLsListingTest, CarriageReturnsStay) {
   const std::string columns = "000041f9 00001000 5e0b7a10 ";
-  EXPECT_EQ(Decode(columns + ".\r\n"), Files()) << "29 characters with a dot";
+  EXPECT_EQ(Decode(columns + ".\r\n"), Records()) << "29 characters with a dot";
   EXPECT_EQ(Decode(columns + "..\r\n").at(0).file, "/sdcard/..\r");
   EXPECT_EQ(Decode(columns + "a\r\n").at(0).file, "/sdcard/a\r");
 }
@@ -61,11 +61,11 @@ TEST_F(AdbLsListingTest, CarriageReturnsStay) {
 TEST_F(AdbLsListingTest, ShortLinesGiveNoRecord) {
   const std::string line = "000041f9 00001000 5e0b7a10 a";
   for (std::size_t length = 0; length < line.size(); ++length) {
-    EXPECT_EQ(Decode(line.substr(0, length) + "\n"), Files()) << length;
+    EXPECT_EQ(Decode(line.substr(0, length) + "\n"), Records()) << length;
   }
-  EXPECT_EQ(Decode(""), Files());
-  EXPECT_EQ(Decode("\n\n"), Files());
-  EXPECT_EQ(Decode("adb: error: no such file"), Files());
+  EXPECT_EQ(Decode(""), Records());
+  EXPECT_EQ(Decode("\n\n"), Records());
+  EXPECT_EQ(Decode("adb: error: no such file"), Records());
 }
 
 TEST_F(AdbLsListingTest, TheDirectoryIsTakenAsItIs) {
@@ -83,15 +83,15 @@ TEST_F(AdbLsListingTest, NumbersAsStrtoulReadsThem) {
   // number it is the second before 1970.
   const std::string digits(40, 'f');
   EXPECT_EQ(Decode(digits + " " + digits + " " + digits + " a"),
-            (Files{{~0ULL, ~0U, "/sdcard/a", "1969-12-31 23:59:59", ~0ULL}}));
+            (Records{{~0ULL, ~0U, "/sdcard/a", "1969-12-31 23:59:59", ~0ULL}}));
   EXPECT_EQ(Decode("  0x1F  -1 \t+0X10                a"),
-            (Files{{~0ULL, 0x1F, "/sdcard/" + std::string(15, ' ') + "a", "1970-01-01 00:00:16", 0x10}}));
+            (Records{{~0ULL, 0x1F, "/sdcard/" + std::string(15, ' ') + "a", "1970-01-01 00:00:16", 0x10}}));
   EXPECT_EQ(Decode("123456781 000000002 000000003 a"),
-            (Files{{2, 0x23456781, "/sdcard/a", "1970-01-01 00:00:03", 3}}));
+            (Records{{2, 0x23456781, "/sdcard/a", "1970-01-01 00:00:03", 3}}));
   EXPECT_EQ(Decode("0000000100000002 00000003 00000004 a"),
-            (Files{{3, 2, "/sdcard/a", "1970-01-01 00:00:04", 4}}));
+            (Records{{3, 2, "/sdcard/a", "1970-01-01 00:00:04", 4}}));
   EXPECT_EQ(Decode("nothing here is a hexadecimal number"),
-            (Files{{0, 0, "/sdcard/othing here is a hexadecimal number", "1970-01-01 00:00:00", 0}}))
+            (Records{{0, 0, "/sdcard/othing here is a hexadecimal number", "1970-01-01 00:00:00", 0}}))
       << "without a digit each starts where the line does";
 }
 
@@ -114,7 +114,7 @@ TEST_F(AdbLsListingTest, ZeroBytesEndANumberAndStayInNames) {
   EXPECT_EQ(Decode("000081b0 0000000a 00000001 a\0b"s).at(0).file, "/sdcard/a\0b"s);
   EXPECT_EQ(Decode("000081b0 0000000a 00000001\0ab"s).at(0).file, "/sdcard/ab"s);
   EXPECT_EQ(Decode("00\0"s + std::string(27, '1')),
-            (Files{{0, 0, "/sdcard/" + std::string(27, '1'), "1970-01-01 00:00:00", 0}}));
+            (Records{{0, 0, "/sdcard/" + std::string(27, '1'), "1970-01-01 00:00:00", 0}}));
 }
 
 TEST_F(AdbLsListingTest, TimesPastEveryCalendarHaveNoText) {
@@ -126,7 +126,7 @@ TEST_F(AdbLsListingTest, TimesPastEveryCalendarHaveNoText) {
 TEST_F(AdbLsListingTest, ReadsNoFurtherThanItsLength) {
   const char text[] = "000081b0 0000000a 00000001 abc";
   EXPECT_EQ(DecodeADBLSOut("/d", text, 28).at(0).file, "/d/a");
-  EXPECT_EQ(DecodeADBLSOut("/d", text, 0), Files());
+  EXPECT_EQ(DecodeADBLSOut("/d", text, 0), Records());
   EXPECT_THROW(DecodeADBLSOut("/d", text, -1), std::length_error);
 }
 

@@ -5,7 +5,7 @@
 #include <random>
 #include <stdexcept>
 
-#include "tests/unit/filesystem/plain_listing.h"
+#include "tests/support/plain_listing.h"
 #include "tests/unit/support/device_output.h"
 
 namespace darokleim::test {
@@ -13,14 +13,14 @@ namespace {
 
 using namespace std::string_literals;
 
-bool Decode(const std::string& text, std::list<FileInfo>* files) {
+bool DecodeFind(const std::string& text, std::list<FileInfo>* files) {
   return DecodeFindOut(text.data(), static_cast<int>(text.size()), files);
 }
 
 // The paths found, each followed by "|"; "none" when the text has no line.
 std::string Found(const std::string& text) {
   std::list<FileInfo> files;
-  if (!Decode(text, &files)) return files.empty() ? "none" : "none, but with records";
+  if (!DecodeFind(text, &files)) return files.empty() ? "none" : "none, but with records";
   std::string paths;
   for (const FileInfo& file : files) {
     EXPECT_EQ(file, (FileInfo{0, 0, file.file, "", 0}));
@@ -72,7 +72,7 @@ TEST(FindListingTest, ReadsNoFurtherThanItsLength) {
 
 TEST(FindListingTest, AppendsToWhatIsThere) {
   std::list<FileInfo> files{{1, 2, "there", "t", 3}};
-  EXPECT_TRUE(Decode("/a", &files));
+  EXPECT_TRUE(DecodeFind("/a", &files));
   EXPECT_EQ(files, (std::list<FileInfo>{{1, 2, "there", "t", 3}, {0, 0, "/a", "", 0}}));
 }
 
@@ -99,7 +99,7 @@ TEST(FindListingTest, SameAsThePlainForm) {
     std::string text;
     for (auto left = random() % 14; left > 0; --left) text += pieces[random() % std::size(pieces)];
     std::list<FileInfo> files, plain;
-    ASSERT_EQ(Decode(text, &files), PlainDecodeFindOut(text, &plain)) << ::testing::PrintToString(text);
+    ASSERT_EQ(DecodeFind(text, &files), PlainDecodeFindOut(text, &plain)) << ::testing::PrintToString(text);
     ASSERT_EQ(files, plain) << ::testing::PrintToString(text);
     records += static_cast<int>(files.size());
   }

@@ -10,8 +10,8 @@
 #include <thread>
 #include <vector>
 
+#include "tests/support/plain_listing.h"
 #include "tests/unit/filesystem/local_zone.h"
-#include "tests/unit/filesystem/plain_listing.h"
 
 namespace darokleim::test {
 namespace {

@@ -5,7 +5,7 @@
 #include <random>
 #include <string>
 
-#include "tests/unit/filesystem/plain_listing.h"
+#include "tests/support/plain_listing.h"
 
 namespace darokleim::test {
 namespace {

@@ -8,7 +8,7 @@
 
 #include "src/core/string_converter.h"
 #include "src/core/string_helper.h"
-#include "tests/unit/filesystem/plain_listing.h"
+#include "tests/support/plain_listing.h"
 #include "tests/unit/support/device_output.h"
 
 namespace darokleim::test {
@@ -17,13 +17,13 @@ namespace {
 using namespace std::string_literals;
 using Files = std::list<FileInfo>;
 
-bool Decode(const std::string& text, Files* files) {
+bool DecodeLs(const std::string& text, Files* files) {
   return DecodeLSOut(text.data(), static_cast<int>(text.size()), files);
 }
 
 Files Decoded(const std::string& text) {
   Files files;
-  EXPECT_TRUE(Decode(text, &files));
+  EXPECT_TRUE(DecodeLs(text, &files));
   return files;
 }
 
@@ -72,7 +72,7 @@ TEST(LsListingTest, OnlyRegularFilesGiveARecord) {
 
 TEST(LsListingTest, LinesEndInCrLfOnly) {
   Files files;
-  EXPECT_FALSE(Decode("total 4\n" + kLine + "a\n" + kLine + "b\n", &files));
+  EXPECT_FALSE(DecodeLs("total 4\n" + kLine + "a\n" + kLine + "b\n", &files));
   EXPECT_EQ(files, Files());
   EXPECT_EQ(Decoded("total 4\r\n" + kLine + "a\n\r\n"), (Files{File(1234, "2020-01-02 03:04", "/a")}));
   EXPECT_EQ(Decoded("total 4\r\r\n" + kLine + "a\r\r\n"), (Files{File(1234, "2020-01-02 03:04", "/a")}));
@@ -83,7 +83,7 @@ TEST(LsListingTest, FewerThanTwoLinesAreNotAListing) {
   for (const std::string& text : {""s, "\r\n"s, "\r\n\r\n"s, "total 4"s, "total 4\r\n"s,
                                   "\r\n" + kLine + "a\r\n", kLine + "a", "- not read"s, "\n\n\n"s}) {
     Files files;
-    EXPECT_FALSE(Decode(text, &files)) << text;
+    EXPECT_FALSE(DecodeLs(text, &files)) << text;
     EXPECT_EQ(files, Files()) << text;
   }
   EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
@@ -96,7 +96,7 @@ TEST(LsListingTest, TwoLinesWithoutARecordAreAListing) {
 TEST(LsListingTest, UnreadableFilesGoToStandardOutput) {
   Files files;
   ::testing::internal::CaptureStdout();
-  EXPECT_TRUE(Decode("- one\r\n" + kLine + "a\r\ntotal\r\n-two\0\xff\n\r\r\n-"s, &files));
+  EXPECT_TRUE(DecodeLs("- one\r\n" + kLine + "a\r\ntotal\r\n-two\0\xff\n\r\r\n-"s, &files));
   EXPECT_EQ(::testing::internal::GetCapturedStdout(), "- one\n-two\0\xff\n\r\n-\n"s);
   EXPECT_EQ(files, (Files{File(1234, "2020-01-02 03:04", "/a")}));
 }
@@ -143,7 +143,7 @@ TEST(LsListingTest, ReadsNoFurtherThanItsLength) {
 
 TEST(LsListingTest, AppendsToWhatIsThere) {
   Files files{File(1, "t", "there")};
-  EXPECT_TRUE(Decode("total\r\n" + kLine + "a", &files));
+  EXPECT_TRUE(DecodeLs("total\r\n" + kLine + "a", &files));
   EXPECT_EQ(files, (Files{File(1, "t", "there"), File(1234, "2020-01-02 03:04", "/a")}));
 }
 
@@ -215,7 +215,7 @@ TEST(LsListingTest, WhatDevicesPrinted) {
       found += expected != listed.end();
       Files files;
       ::testing::internal::CaptureStdout();
-      Decode(AsOldPhone(DeviceOutput(sample)), &files);
+      DecodeLs(AsOldPhone(DeviceOutput(sample)), &files);
       ::testing::internal::GetCapturedStdout();
       EXPECT_EQ(files, expected != listed.end() ? expected->second : Files()) << sample;
     }
@@ -229,14 +229,14 @@ TEST(LsListingTest, WhatDevicesPrintedInLfIsNotAListing) {
     const std::string text = DeviceOutput(sample);
     if (text.find('\r') != std::string::npos) continue;
     Files files;
-    EXPECT_FALSE(Decode(text, &files)) << sample;
+    EXPECT_FALSE(DecodeLs(text, &files)) << sample;
     EXPECT_EQ(files, Files()) << sample;
   }
 }
 
 TEST(LsListingTest, SingleLinesOfDevicesAreNotAListing) {
   Files files;
-  EXPECT_FALSE(Decode(AsOldPhone(DeviceOutput("ls-l/cjk-dir-listing.txt")), &files));
+  EXPECT_FALSE(DecodeLs(AsOldPhone(DeviceOutput("ls-l/cjk-dir-listing.txt")), &files));
   EXPECT_EQ(files, Files());
   EXPECT_EQ(
       Decoded("/mnt/shell/emulated/0/bestpay/html/\xe6\xb7\xbb\xe7\x9b\x8a\xe5\xae\x9d/css:\r\n" +
@@ -250,7 +250,7 @@ TEST(LsListingTest, UnreadableFilesOfDevices) {
   const auto trace = [](const std::string& sample) {
     Files files;
     ::testing::internal::CaptureStdout();
-    EXPECT_TRUE(Decode(AsOldPhone(DeviceOutput(sample)), &files));
+    EXPECT_TRUE(DecodeLs(AsOldPhone(DeviceOutput(sample)), &files));
     EXPECT_EQ(files, Files());
     return ::testing::internal::GetCapturedStdout();
   };
@@ -294,7 +294,8 @@ TEST(LsListingTest, SameAsThePlainForm) {
     for (auto left = random() % 16; left > 0; --left) text += pieces[random() % std::size(pieces)];
     Files files, plain;
     std::string trace;
-    ASSERT_EQ(Decode(text, &files), PlainDecodeLSOut(text, &plain, &trace)) << ::testing::PrintToString(text);
+    ASSERT_EQ(DecodeLs(text, &files), PlainDecodeLSOut(text, &plain, &trace))
+        << ::testing::PrintToString(text);
     ASSERT_EQ(files, plain) << ::testing::PrintToString(text);
     records += static_cast<int>(files.size());
     traces += !trace.empty();

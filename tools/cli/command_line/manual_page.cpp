@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "darokleim.h"
 #include "tools/cli/command_line/roff_text.h"
 #include "tools/cli/commands/commands.h"
 #include "tools/cli/tool.h"

@@ -8,8 +8,8 @@
 namespace darokleim::phone {
 
 Screen CurrentScreen() {
-  Screen screen = {1080, 2340};
-  if (const auto size = ParseNumbers<uint32_t>(Property("persist.sys.screen.size"), "x")) {
+  Screen screen = kPhysicalScreen;
+  if (const auto size = ParseNumbers<uint32_t>(Property(kScreenSizeProperty), "x")) {
     constexpr uint32_t kLargest = 10000;
     const auto [width, height] = *size;
     if (width > 0 && height > 0 && width <= kLargest && height <= kLargest) screen = {width, height};

@@ -12,6 +12,9 @@ struct Screen {
   uint32_t height;
 };
 
+inline constexpr Screen kPhysicalScreen = {1080, 2340};
+inline constexpr char kScreenSizeProperty[] = "persist.sys.screen.size";
+
 // As `wm size` set it.
 Screen CurrentScreen();
 

@@ -13,8 +13,6 @@ using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::Not;
 
-constexpr char kNotes[] = "com.example.notes";
-
 std::string Apk(const std::string& name) {
   return DAROKLEIM_PHONE_TEST_DATA "/" + name;
 }
@@ -141,6 +139,24 @@ TEST_P(PhoneAppTest, ShowsTheVersion) {
   EXPECT_EQ(Succeed({"app", "version", kNotes}), "1.2.0\n");
   EXPECT_EQ(ParseJson(Succeed({"app", "version", kNotes, "--json"}))["version"], "1.2.0");
   EXPECT_THAT(Fail({"app", "version", "com.example.none"}), HasSubstr("com.example.none is not installed."));
+}
+
+// The version is any text that the author of the application chose.
+TEST_P(PhoneAppTest, AVersionLongerThanAnyBufferIsShownOrRefused) {
+  InstallNotes();
+  const std::string record = PhoneFiles() + "/../state/packages/" + kNotes;
+  std::string facts = test::ReadFile(record);
+  const size_t version = facts.find("1.2.0-beta");
+  ASSERT_NE(version, std::string::npos) << record;
+  test::WriteFile(record, facts.replace(version, 10, std::string(20000, '1')));
+  const auto outcome = Run({"app", "version", kNotes});
+  if (outcome.status == 0) {
+    EXPECT_EQ(outcome.output, std::string(20000, '1') + "\n");
+  } else {
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_THAT(outcome.errors, HasSubstr("cannot read the version of com.example.notes"));
+  }
 }
 
 TEST_P(PhoneAppTest, ShowsWhereTheFilesAre) {

@@ -15,7 +15,6 @@ using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::StartsWith;
 
-constexpr char kNotes[] = "com.example.notes";
 constexpr char kNote[] = "/data/data/com.example.notes/files/note";
 
 class PhoneBackupTest : public PhoneToolTest {

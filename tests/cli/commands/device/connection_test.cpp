@@ -5,7 +5,7 @@
 #include <thread>
 
 #include "tests/cli/phone_tool_test.h"
-#include "tests/phone/phone_under_test.h"
+#include "tests/support/eventually.h"
 #include "tests/support/file_content.h"
 
 namespace darokleim::cli {

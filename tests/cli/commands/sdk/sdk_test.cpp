@@ -8,7 +8,7 @@
 #include <regex>
 
 #include "tests/cli/phone_tool_test.h"
-#include "tests/phone/phone_under_test.h"
+#include "tests/support/eventually.h"
 #include "tests/support/file_content.h"
 
 namespace darokleim::cli {
@@ -20,8 +20,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::Not;
-
-constexpr char kNotes[] = "com.example.notes";
 
 std::string Apk(const std::string& name) {
   return DAROKLEIM_PHONE_TEST_DATA "/" + name;

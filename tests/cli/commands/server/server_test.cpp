@@ -5,7 +5,7 @@
 #include <filesystem>
 
 #include "tests/cli/tool_run.h"
-#include "tests/phone/phone_under_test.h"
+#include "tests/support/eventually.h"
 #include "tests/support/file_content.h"
 #include "tests/support/simulated_phones.h"
 

@@ -84,8 +84,18 @@ int DumpUsers() {
 
 int DumpBattery() {
   std::printf(
-      "Current Battery Service state:\n  AC powered: false\n  USB powered: true\n  level: 87\n  scale: 100\n"
-      "  voltage: 4120\n  temperature: 281\n  technology: Li-ion\n");
+      "Current Battery Service state:\n  AC powered: false\n  USB powered: true\n  Wireless powered: "
+      "false\n");
+  if (IsLegacyPhone()) {
+    std::printf("  Max charging current: 0\n");
+  } else {
+    std::printf(
+        "  Dock powered: false\n  Max charging current: 500000\n  Max charging voltage: 5000000\n"
+        "  Charge counter: 2610000\n");
+  }
+  std::printf(
+      "  status: 2\n  health: 2\n  present: true\n  level: 87\n  scale: 100\n  voltage: 4120\n"
+      "  temperature: 281\n  technology: Li-ion\n");
   return 0;
 }
 

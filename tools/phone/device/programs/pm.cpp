@@ -5,6 +5,7 @@
 
 #include "tools/phone/device/packages/installer.h"
 #include "tools/phone/device/packages/package_store.h"
+#include "tools/phone/device/programs/intent.h"
 #include "tools/phone/device/programs/pm_sessions.h"
 #include "tools/phone/device/programs/programs.h"
 #include "tools/phone/device/properties.h"
@@ -18,6 +19,7 @@ namespace {
 struct PmWords {
   std::string user = "0";
   std::string options;  // the letters of -f, -3 …
+  Words long_options;   // --show-versioncode …
   Words names;
 
   bool Has(char letter) const { return options.find(letter) != std::string::npos; }
@@ -28,6 +30,8 @@ PmWords Sort(const Words& words) {
   for (size_t i = 1; i < words.size(); ++i) {
     if (words[i] == "--user") {
       if (i + 1 < words.size()) sorted.user = words[++i];
+    } else if (words[i].rfind("--", 0) == 0) {
+      sorted.long_options.push_back(words[i]);
     } else if (!words[i].empty() && words[i][0] == '-') {
       sorted.options += words[i].substr(1);
     } else {
@@ -38,6 +42,13 @@ PmWords Sort(const Words& words) {
 }
 
 int ListPackages(const PmWords& words) {
+  bool with_version = false;
+  for (const std::string& option : words.long_options) {
+    with_version = option == "--show-versioncode" && !IsLegacyPhone();  // since Android 8
+    if (with_version) continue;
+    std::fprintf(stderr, "Error: Unknown option: %s\n", option.c_str());
+    return IsLegacyPhone() ? 1 : 255;
+  }
   if (!MayActFor(words.user)) return 255;
   const std::string filter = words.names.size() > 1 ? words.names[1] : "";
   for (const Package& package : PackageStore().Installed()) {
@@ -46,6 +57,7 @@ int ListPackages(const PmWords& words) {
     std::string line = "package:";
     if (words.Has('f')) line += package.apk_paths.front() + "=";
     line += package.name;
+    if (with_version) line += " versionCode:" + std::to_string(package.version_code);
     if (words.Has('U')) line += " uid:" + std::to_string(package.user_id);
     std::printf("%s\n", line.c_str());
   }
@@ -79,6 +91,31 @@ int Path(const PmWords& words) {
   return 0;
 }
 
+int ResolveActivity(const Words& words) {
+  Words rest;
+  bool brief = false, component_alone = false;
+  for (const std::string& word : words) {
+    brief = brief || word == "--brief";
+    component_alone = component_alone || word == "--components";
+    if (word != "--brief" && word != "--components") rest.push_back(word);
+  }
+  const std::string component = ResolveForQuery(ParseIntent(rest));
+  if (component.empty()) {
+    std::printf("No activity found\n");
+    return 0;
+  }
+  if (!component_alone)
+    std::printf("priority=0 preferredOrder=0 match=0x108000 specificIndex=-1 isDefault=false\n");
+  if (brief || component_alone) {
+    std::printf("%s\n", ShortComponent(component).c_str());
+    return 0;
+  }
+  std::printf(
+      "ActivityInfo:\n  name=%s\n  packageName=%s\n  enabled=true exported=true directBootAware=false\n",
+      ClassOf(component).c_str(), PackageOf(component).c_str());
+  return 0;
+}
+
 int Remove(const PmWords& words) {
   if (words.names.empty()) {
     std::fprintf(stderr, "Error: package name not specified\n");
@@ -108,6 +145,7 @@ int Clear(const PmWords& words) {
 int RunPm(const Words& words) {
   const std::string command = words.empty() ? "" : words[0];
   if (const auto status = RunPmInstall(words)) return *status;
+  if (command == "resolve-activity" && !IsLegacyPhone()) return ResolveActivity(words);
   const PmWords sorted = Sort(words);
   if (command == "list") return List(sorted);
   if (command == "path") return Path(sorted);

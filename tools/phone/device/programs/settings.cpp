@@ -5,7 +5,6 @@
 #include "tools/phone/device/layout.h"
 #include "tools/phone/device/programs/programs.h"
 #include "tools/phone/device/properties.h"
-#include "tools/phone/device/screen.h"
 
 namespace darokleim::phone {
 
@@ -47,23 +46,6 @@ int RunSettings(const Words& words) {
     return Usage();
   }
   return WriteKeyValues(path, all) ? 0 : 1;
-}
-
-// wm size [WIDTHxHEIGHT|reset] | density
-int RunWm(const Words& words) {
-  if (!words.empty() && words[0] == "density") {
-    std::printf("Physical density: 420\n");
-    return 0;
-  }
-  if (words.empty() || words[0] != "size") {
-    std::fprintf(stderr, "usage: wm size [WIDTHxHEIGHT|reset] | density\n");
-    return 1;
-  }
-  if (words.size() > 1)
-    return SetProperty("persist.sys.screen.size", words[1] == "reset" ? "" : words[1]) ? 0 : 1;
-  const Screen screen = CurrentScreen();
-  std::printf("Physical size: %ux%u\n", screen.width, screen.height);
-  return 0;
 }
 
 }  // namespace darokleim::phone

@@ -1,35 +1,25 @@
-// Reference implementations of the listing parsers, with the standard library's regular expressions, strtoul,
-// localtime and the string helpers. They are slow; the real parsers must give the same records.
-#ifndef DAROKLEIM_TESTS_UNIT_FILESYSTEM_PLAIN_LISTING_H
-#define DAROKLEIM_TESTS_UNIT_FILESYSTEM_PLAIN_LISTING_H
+#include "tests/support/plain_listing.h"
 
 #include <time.h>
 
 #include <cstdlib>
-#include <list>
-#include <ostream>
-#include <regex>
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include "src/core/string_helper.h"
-#include "src/filesystem/file_info.h"
 
-inline bool operator==(const FileInfo& a, const FileInfo& b) {
+bool operator==(const FileInfo& a, const FileInfo& b) {
   return std::tie(a.size, a.mode, a.file, a.time, a.utc_timestamp) ==
          std::tie(b.size, b.mode, b.file, b.time, b.utc_timestamp);
 }
 
-inline std::ostream& operator<<(std::ostream& out, const FileInfo& info) {
+std::ostream& operator<<(std::ostream& out, const FileInfo& info) {
   return out << "\n  {" << info.size << ", 0x" << std::hex << info.mode << ", \"" << info.file << "\", \""
              << info.time << "\", 0x" << info.utc_timestamp << std::dec << "}";
 }
 
 namespace darokleim::test {
 
-// Needs stack in proportion to the length of a line.
-inline bool PlainMatchLsLine(const std::string& line, std::smatch& match) {
+bool PlainMatchLsLine(const std::string& line, std::smatch& match) {
   static const std::regex with_links(
       R"(^-[rwx-]{9}\s+\d+\s+\S+\s+\S+\s+(\d+)\s(\d{4}-\d{2}-\d{2}\s\d{1,2}:\d{1,2})\s+(.*)\s*$)");
   static const std::regex without_links(
@@ -37,8 +27,7 @@ inline bool PlainMatchLsLine(const std::string& line, std::smatch& match) {
   return std::regex_match(line, match, with_links) || std::regex_match(line, match, without_links);
 }
 
-// Lines that the parser prints are appended to trace.
-inline bool PlainDecodeLSOut(const std::string& text, std::list<FileInfo>* files, std::string* trace) {
+bool PlainDecodeLSOut(const std::string& text, std::list<FileInfo>* files, std::string* trace) {
   std::vector<std::string> lines;
   if (StringHelper::StringSplit(lines, text, "\r\n") < 2) return false;
   std::string directory;
@@ -61,7 +50,7 @@ inline bool PlainDecodeLSOut(const std::string& text, std::list<FileInfo>* files
   return true;
 }
 
-inline std::string PlainLocalTime(std::uint64_t timestamp) {
+std::string PlainLocalTime(std::uint64_t timestamp) {
   const auto time = static_cast<time_t>(timestamp);
   const tm* const local = localtime(&time);
   char text[24] = "";
@@ -69,7 +58,7 @@ inline std::string PlainLocalTime(std::uint64_t timestamp) {
   return text;
 }
 
-inline std::vector<FileInfo> PlainDecodeADBLSOut(const std::string& dir, const std::string& text) {
+std::vector<FileInfo> PlainDecodeADBLSOut(const std::string& dir, const std::string& text) {
   std::vector<std::string> lines;
   StringHelper::StringSplit(lines, text, "\n");
   std::vector<FileInfo> files;
@@ -90,7 +79,7 @@ inline std::vector<FileInfo> PlainDecodeADBLSOut(const std::string& dir, const s
   return files;
 }
 
-inline bool PlainDecodeFindOut(std::string text, std::list<FileInfo>* files) {
+bool PlainDecodeFindOut(std::string text, std::list<FileInfo>* files) {
   StringHelper::StringReplace(text, "\r\r\n", "\n");
   StringHelper::StringReplace(text, "\r\n", "\n");
   StringHelper::StringTrimLeft(text, '\n');
@@ -106,5 +95,3 @@ inline bool PlainDecodeFindOut(std::string text, std::list<FileInfo>* files) {
 }
 
 }  // namespace darokleim::test
-
-#endif  // DAROKLEIM_TESTS_UNIT_FILESYSTEM_PLAIN_LISTING_H
