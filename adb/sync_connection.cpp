@@ -20,11 +20,6 @@ Error Misuse(std::string_view what) {
   return {ErrorCode::kMisuse, std::string(what)};
 }
 
-bool IsName(std::string_view name) {
-  return !name.empty() && name.find('/') == std::string_view::npos &&
-         name.find('\0') == std::string_view::npos;
-}
-
 }  // namespace
 
 SyncConnection::SyncConnection(Connection connection, const FeatureSet& features)
@@ -178,7 +173,6 @@ Result<std::optional<DirectoryEntry>> SyncConnection::ReadEntry(const Limits& li
   }
   const std::string_view message = connection_.buffered().substr(0, size + length);
   DirectoryEntry entry = {message.substr(size), ParseStat(second_form, message.data())};
-  if (!IsName(entry.name)) return Failed(Unexpected("a name without '/' and zero bytes", entry.name));
   consumed_entry_ = size + length;
   return std::optional(entry);
 }

@@ -17,8 +17,9 @@
 namespace darokleim::adb {
 
 struct DirectoryEntry {
-  std::string_view
-      name;  // not empty, without '/' and zero bytes; "." and ".." are entries too. Valid during the call
+  // At most kLongestSyncName bytes, as the phone sent them: look at IsEntryName() before it becomes part of a path. "." and ".."
+  // are entries too. Valid during the call.
+  std::string_view name;
   FileStatus status;  // of a link itself
 };
 

@@ -7,6 +7,11 @@ namespace darokleim::adb {
 using base::GetLe32;
 using base::GetLe64;
 
+bool IsEntryName(std::string_view name) {
+  return !name.empty() && name.find('/') == std::string_view::npos &&
+         name.find('\0') == std::string_view::npos;
+}
+
 FileStatus ParseStat(bool second_form, const char* message) {
   FileStatus status;
   status.second_form = second_form;

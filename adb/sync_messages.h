@@ -45,6 +45,9 @@ inline constexpr std::size_t kLongestSyncPath = 1024;
 // Of one name in a list. File systems have at most 255 characters in one.
 inline constexpr std::size_t kLongestSyncName = 1024;
 
+// Whether a folder can have an entry of this name: it is not empty and has no slash and no zero byte. "." and ".." are such names.
+bool IsEntryName(std::string_view name);
+
 // What the phone says of a file.
 struct FileStatus {
   // Whether it came in the second form of the message. The first has 32 bits for size and time (larger ones lose their

@@ -136,9 +136,14 @@ Status List(dk_device* device, const std::string& folder, dk_on_entry on_entry, 
     large = *std::move(asked);
   }
   bool any = false;
+  std::optional<Error> unsafe;
   const auto receive = [&](const adb::DirectoryEntry& found) {
     any = true;
     if (found.name == "." || found.name == "..") return true;
+    if (!IsSafeName(found.name)) {
+      if (!unsafe) unsafe = UnsafeEntry(folder, found.name);
+      return true;
+    }
     const std::string name(found.name);
     const std::string path = Joined(folder, name);
     dk_entry entry = EntryOf(found.status, path, name.c_str());
@@ -148,6 +153,7 @@ Status List(dk_device* device, const std::string& folder, dk_on_entry on_entry, 
   if (auto listed = sync->connection.List(folder, receive, limits); !listed.ok()) {
     return SyncError(device, listed.error(), what, folder);
   }
+  if (unsafe) return *std::move(unsafe);
   return any ? Status() : WhyEmpty(device, &*sync, folder, what, limits);
 }
 

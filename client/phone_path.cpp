@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "adb/sync_messages.h"
 #include "client/temporary_name.h"
 
 namespace darokleim::client {
@@ -45,6 +46,18 @@ std::string Joined(const std::string& folder, std::string_view name) {
   std::string path = folder;
   if (path.empty() || path.back() != '/') path += '/';
   return path.append(name);
+}
+
+bool IsSafeName(std::string_view name) {
+  return adb::IsEntryName(name) && name != "." && name != "..";
+}
+
+Error UnsafeEntry(const std::string& folder, std::string_view name) {
+  const std::string path = Joined(folder, name);
+  Error error =
+      Failed(DK_UNSAFE_NAME, "use " + Shown(path), "the phone lists it by a name that no folder can hold");
+  error.path = path;
+  return error;
 }
 
 std::string TemporaryBeside(const std::string& path) {

@@ -23,6 +23,11 @@ std::string ParentOf(const std::string& path);
 std::string_view NameOf(std::string_view path);
 std::string Joined(const std::string& folder, std::string_view name);
 
+// A name from the phone that leads nowhere else: not empty, not "." or "..", without a slash and a zero byte.
+bool IsSafeName(std::string_view name);
+// DK_UNSAFE_NAME for an entry that the phone lists in `folder` under another name.
+Error UnsafeEntry(const std::string& folder, std::string_view name);
+
 // A temporary name in the same folder.
 std::string TemporaryBeside(const std::string& path);
 

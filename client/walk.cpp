@@ -98,6 +98,7 @@ class Walk {
   }
 
   Status Visit(const Folder& folder, const adb::DirectoryEntry& found) {
+    if (!IsSafeName(found.name)) return visitor_.fail(UnsafeEntry(folder.path, found.name));
     const std::string name(found.name);
     std::string path = Joined(folder.path, name);
     dk_entry entry = EntryOf(found.status, path, name.c_str());
@@ -152,7 +153,7 @@ Status WalkForCaller(dk_device* device, const std::string& root, const dk_walk_o
     return Stopped(what);
   };
   if (Status status = WalkPhone(device, root, visitor, limits); !status.ok()) return status;
-  if (failed) return Failed(DK_PARTLY_DONE, what, "some folders cannot be read");
+  if (failed) return Failed(DK_PARTLY_DONE, what, "a part of it cannot be listed");
   return {};
 }
 

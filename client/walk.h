@@ -12,7 +12,7 @@ namespace darokleim::client {
 struct WalkVisitor {
   // Each entry; `descend` is whether a folder is entered and may be changed. A status that is not OK ends the walk.
   std::function<Status(const dk_entry& entry, std::uint32_t depth, bool* descend)> visit;
-  // A folder below the first that cannot be read.
+  // A folder below the first that cannot be read, or an entry that is left out for its name.
   std::function<Status(Error error)> fail;
 };
 

@@ -17,13 +17,15 @@ bool PrintEntry(const Call& call, const adb::DirectoryEntry& entry) {
 
 SyncAttempt List(const Call& call, adb::SyncConnection* sync) {
   const std::string& path = call.form.operands[0];
-  bool any = false;
+  bool any = false, all_are_names = true;
   const auto print = [&](const adb::DirectoryEntry& entry) {
     any = true;
-    return PrintEntry(call, entry);
+    all_are_names = adb::IsEntryName(entry.name);
+    return all_are_names && PrintEntry(call, entry);
   };
   const adb::Status listed = sync->List(path, print, call.limits);
   if (listed.ok()) return Ending{Ending::kExited, 0};
+  if (!all_are_names) return Ending{Ending::kBroken};
   switch (listed.error().code) {
     case adb::ErrorCode::kTooLong:
       return call.Finish(PathTooLong(path.size()), 1);

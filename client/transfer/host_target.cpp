@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <vector>
 
+#include "client/phone_path.h"
 #include "client/temporary_name.h"
 #include "client/transfer/host_names.h"
 
@@ -64,11 +65,6 @@ Existing HostFolder::Look(const std::string& name) const {
   const bool is_file = S_ISREG(status.st_mode);
   return {true, S_ISDIR(status.st_mode), is_file ? static_cast<std::uint64_t>(status.st_size) : 0,
           status.st_mtime};
-}
-
-bool IsSafeName(std::string_view name) {
-  return !name.empty() && name != "." && name != ".." && name.find('/') == std::string_view::npos &&
-         name.find('\0') == std::string_view::npos;
 }
 
 Error UnsafeName(std::string_view what, const std::string& path) {

@@ -37,8 +37,6 @@ class HostFolder {
   std::string path_;  // for messages
 };
 
-// A name from the phone that may be used here: not empty, not "." or "..", without a slash.
-bool IsSafeName(std::string_view name);
 Error UnsafeName(std::string_view what, const std::string& path);
 
 // A file that is being written under a temporary name, which goes when it is not committed.

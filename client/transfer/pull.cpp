@@ -61,10 +61,6 @@ class FolderPull {
  private:
   Status Take(const dk_entry& entry, bool* descend) {
     const std::string path = entry.path;
-    if (!IsSafeName(entry.name)) {
-      *descend = false;
-      return tally_->Failed(UnsafeName(WhatFor(path), path));
-    }
     if (entry.type == DK_DIRECTORY) {
       auto made = FolderFor(path);
       *descend = made.ok();

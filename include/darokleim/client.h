@@ -631,6 +631,8 @@ DK_API void dk_entry_free(dk_entry* entry);
 /// @retval DK_NOT_FOUND        There is no such folder.
 /// @retval DK_NOT_A_DIRECTORY  It is a file.
 /// @retval DK_ACCESS_DENIED    The phone's shell may not read it.
+/// @retval DK_UNSAFE_NAME      The phone named an entry in a way that no folder can, with a slash for example: it is left out,
+///                             all others were reported.
 /// @retval DK_STOPPED          @p on_entry returned false.
 /// @return Otherwise a code of every call. Entries that came before a failure were reported.
 DK_API dk_code dk_list(dk_device* device, const char* folder, dk_on_entry on_entry, void* user,
@@ -647,8 +649,9 @@ typedef struct dk_walk_options {
   uint64_t min_size;            ///< bytes
   uint64_t max_size;            ///< bytes; 0: no limit
   int64_t newer_than;           ///< mtime after this, seconds since 1970; 0: all
-  /// Called with the user of the walk for each folder below that cannot be read, after which the walk goes on and ends with
-  /// ::DK_PARTLY_DONE. Null: the same, without a word. Returning false ends the walk.
+  /// Called with the user of the walk for each folder below that cannot be read, and each entry whose name leads elsewhere
+  /// (::DK_UNSAFE_NAME), after which the walk goes on and ends with ::DK_PARTLY_DONE. Null: the same, without a word. Returning
+  /// false ends the walk.
   bool (*on_error)(void* user, const dk_error* error);
 } dk_walk_options;
 /// Everything.

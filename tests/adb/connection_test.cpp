@@ -11,15 +11,16 @@
 #include "adb/message.h"
 #include "tests/adb/connected_pair.h"
 #include "tests/adb/operations.h"
-#include "tests/adb/scripted_server.h"
 #include "tests/adb/within.h"
 #include "tests/support/open_descriptors.h"
+#include "tests/support/scripted_server.h"
 #include "tests/support/temporary_directory.h"
 
 namespace darokleim::adb_test {
 namespace {
 
 using namespace adb;
+using namespace test;
 
 ErrorCode CodeOf(const Status& status) {
   EXPECT_FALSE(status.ok());

@@ -29,7 +29,7 @@ INSTANTIATE_TEST_SUITE_P(Each, MemoryTest, testing::ValuesIn(Operations()),
 // Either the call throws std::bad_alloc, or it succeeds; no block and no descriptor is left.
 TEST_P(MemoryTest, RunsOut) {
   const test::ForkedServer server([](const test::ForkedServer::Report& report) {
-    const ScriptedServer playing(GetParam().conversation);
+    const test::ScriptedServer playing(GetParam().conversation);
     report(playing.address().port);
   });
   ServerAddress address;

@@ -16,6 +16,7 @@ namespace darokleim::adb_test {
 namespace {
 
 using namespace adb;
+using namespace test;
 using std::chrono::milliseconds;
 
 std::string Shown(const Status& status) {

@@ -13,6 +13,7 @@
 namespace darokleim::adb_test {
 
 using namespace adb;
+using namespace test;
 
 namespace {
 

@@ -8,13 +8,13 @@
 #include <vector>
 
 #include "adb/limits.h"
-#include "tests/adb/scripted_server.h"
+#include "tests/support/scripted_server.h"
 
 namespace darokleim::adb_test {
 
 struct Operation {
   std::string name;
-  std::vector<Exchange> conversation;
+  std::vector<test::Exchange> conversation;
   // Fails too when the result is not what the conversation says.
   std::function<adb::Status(const adb::ServerAddress& server, const adb::Limits& limits)> call;
   // Whether an answer that is cut off at this number of bytes is complete all the same.

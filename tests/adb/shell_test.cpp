@@ -6,13 +6,14 @@
 
 #include "base/little_endian.h"
 #include "tests/adb/connected_pair.h"
-#include "tests/adb/scripted_server.h"
 #include "tests/adb/within.h"
+#include "tests/support/scripted_server.h"
 
 namespace darokleim::adb_test {
 namespace {
 
 using namespace adb;
+using namespace test;
 
 std::string Packet(int id, std::string_view data) {
   std::string packet(1, static_cast<char>(id));

@@ -6,13 +6,14 @@
 
 #include "base/little_endian.h"
 #include "tests/adb/connected_pair.h"
-#include "tests/adb/scripted_server.h"
 #include "tests/adb/within.h"
+#include "tests/support/scripted_server.h"
 
 namespace darokleim::adb_test {
 namespace {
 
 using namespace adb;
+using namespace test;
 using std::chrono::milliseconds;
 using Links = SyncConnection::Links;
 
@@ -117,17 +118,28 @@ TEST_F(SyncConnectionTest, ATimeOutLosesNothing) {
   EXPECT_TRUE(sync_->IsIdle());
 }
 
-TEST_F(SyncConnectionTest, NamesThatAreNone) {
-  for (const std::string& name : {std::string(), std::string("a/b"), std::string("/"), std::string("a\0b", 3),
-                                  std::string(kLongestSyncName + 1, 'x')}) {
-    ConnectedPair pair;
-    WriteBytes(pair.far.get(), "OKAY" + Entry(name) + kEndOfList);
-    auto sync = SyncConnection::Start(pair.Take(), FeatureSet(), Within(5000));
-    ASSERT_TRUE(sync.ok());
-    const Status status = sync->List("/", AnyEntry, Within(5000));
-    EXPECT_EQ(CodeOf(status), ErrorCode::kProtocolFault) << name.size();
-    EXPECT_FALSE(sync->IsIdle());
+// Whoever uses them decides about each of them; the rest of the list follows.
+TEST_F(SyncConnectionTest, NamesThatAreNoneAreGivenAsTheyAre) {
+  const std::vector<std::string> names = {"", "a/b", "/", "../x", std::string("a\0b", 3), "plain"};
+  std::string answer;
+  for (const std::string& name : names) {
+    EXPECT_EQ(IsEntryName(name), name == "plain") << name;
+    answer += Entry(name);
   }
+  Answer(answer + kEndOfList);
+  std::vector<std::string> seen;
+  const auto receive = [&](const DirectoryEntry& entry) {
+    seen.emplace_back(entry.name);
+    return true;
+  };
+  EXPECT_TRUE(sync_->List("/", receive, Within(5000)).ok());
+  EXPECT_EQ(seen, names);
+}
+
+TEST_F(SyncConnectionTest, ANameLongerThanAny) {
+  Answer(Entry(std::string(kLongestSyncName + 1, 'x')) + kEndOfList);
+  EXPECT_EQ(CodeOf(sync_->List("/", AnyEntry, Within(5000))), ErrorCode::kProtocolFault);
+  EXPECT_FALSE(sync_->IsIdle());
 }
 
 TEST_F(SyncConnectionTest, TheLongestName) {

@@ -131,6 +131,13 @@ TEST_F(DirectTest, ACutListIsBroken) {
   }
 }
 
+TEST_F(DirectTest, AListWithANameThatIsNoneIsBroken) {
+  for (const std::string& name : {std::string(), std::string("a/b"), std::string("a\0b", 3)}) {
+    const PhoneServer server(kModern, Files({Entry2("a") + Entry2(name) + "DONE" + std::string(72, '\0')}));
+    ExpectBroken(RunAdb(" -s X ls \"/a\""));
+  }
+}
+
 TEST_F(DirectTest, ACutPullIsBrokenAndLeavesNothing) {
   const std::string stat = Status2("STA2", 0, 0100644, 6);
   const std::string content = Content();
