@@ -14,7 +14,9 @@ inline constexpr size_t kLongestServiceText = 1024 * 1024;
 Result<std::string> RunService(const ServerAddress& server, const DeviceSelector& device,
                                std::string_view service, const Limits& limits);
 
-// `target`: empty for the system, or "bootloader", "recovery", "sideload" … Gives what the phone says to it.
+// `target`: empty for the system, or "bootloader", "recovery", "sideload" … Gives what the phone says to it. On a connection from
+// SelectDevice, kConnectionBroken may also mean that the phone has gone before it answered.
+Result<std::string> Reboot(Connection connection, std::string_view target, const Limits& limits);
 Result<std::string> Reboot(const ServerAddress& server, const DeviceSelector& device, std::string_view target,
                            const Limits& limits);
 

@@ -1,5 +1,8 @@
 #include "client/context.h"
 
+#include <algorithm>
+#include <chrono>
+
 #include "adb/host_services.h"
 #include "client/server_start.h"
 
@@ -11,7 +14,17 @@ void Log(const dk_context& context, std::string_view what, std::string_view outc
 }
 
 Status StartServer(dk_context* context, const Limits& limits) {
-  const std::lock_guard lock(context->starting);
+  // Another thread may be starting one, with a later deadline than this call's.
+  std::unique_lock lock(context->starting, std::try_to_lock);
+  while (!lock.owns_lock()) {
+    constexpr std::chrono::milliseconds kLook{10};
+    Limits look = limits;
+    look.deadline = std::min(limits.deadline, adb::Clock::now() + kLook);
+    static_cast<void>(adb::WaitFor(-1, 0, look));
+    if (adb::Status status = adb::Check(limits); !status.ok())
+      return FromAdb(status.error(), "start an adb server", "");
+    static_cast<void>(lock.try_lock());
+  }
   if (adb::QueryVersion(context->server, limits).ok()) return {};  // another thread has started it
   Status started = RunStartServer(context->adb_path, context->server_text, limits);
   Log(*context, context->adb_path + " start-server", started.ok() ? "started" : started.error().message);

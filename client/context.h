@@ -39,7 +39,10 @@ auto AskServer(dk_context* context, const Limits& limits, Ask ask) -> decltype(a
   auto answer = ask();
   if (answer.ok() || answer.error().code != adb::ErrorCode::kCannotConnect || context->adb_path.empty())
     return answer;
-  if (!StartServer(context, limits).ok()) return answer;
+  if (!StartServer(context, limits).ok()) {
+    if (auto status = adb::Check(limits); !status.ok()) return status.TakeError();
+    return answer;
+  }
   return ask();
 }
 

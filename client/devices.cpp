@@ -181,7 +181,8 @@ dk_code dk_device_state(dk_device* device, dk_state* state, const dk_call* call)
       return adb::QueryState(server, selector, limits);
     });
     if (!word.ok())
-      return client::DeviceError(device, word.error(), "ask for the state of " + device->serial);
+      return client::DeviceError(device, word.error(),
+                                 "ask for the state of " + client::Shown(device->serial));
     *state = client::StateOf(*word);
     return {};
   });
@@ -204,12 +205,15 @@ dk_code dk_device_reboot(dk_device* device, const char* mode, const dk_call* cal
     if (std::find(kModes.begin(), kModes.end(), target) == kModes.end()) {
       return client::InvalidArgument("not a mode to reboot into: " + client::Shown(target));
     }
-    auto said = client::AskDevice(device, limits, [&](const auto& server, const auto& selector) {
-      return adb::Reboot(server, selector, target, limits);
+    const std::string what = "reboot " + client::Shown(device->serial);
+    auto selected = client::AskDevice(device, limits, [&](const auto& server, const auto& selector) {
+      return adb::SelectDevice(server, selector, limits);
     });
+    if (!selected.ok()) return client::DeviceError(device, selected.error(), what);
+    const auto said = adb::Reboot(std::move(selected->connection), target, limits);
     // The phone may go before it has answered.
     if (said.ok() || said.error().code == adb::ErrorCode::kConnectionBroken) return {};
-    return client::DeviceError(device, said.error(), "reboot " + device->serial);
+    return client::DeviceError(device, said.error(), what);
   });
 }
 
@@ -220,7 +224,7 @@ dk_code dk_device_reconnect(dk_device* device, const dk_call* call) {
       return adb::ReconnectFromServer(server, selector, limits);
     });
     if (said.ok()) return {};
-    return client::DeviceError(device, said.error(), "reconnect " + device->serial);
+    return client::DeviceError(device, said.error(), "reconnect " + client::Shown(device->serial));
   });
 }
 

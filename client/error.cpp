@@ -142,7 +142,16 @@ dk_code CodeOfErrno(int error) {
   for (const ErrnoCode& known : kErrnoCodes) {
     if (known.host_number == error) return known.code;
   }
-  return error == ENOMEM ? DK_OUT_OF_MEMORY : DK_FILE_ERROR;
+  switch (error) {
+    case ENOMEM:
+      return DK_OUT_OF_MEMORY;
+    case EMFILE:
+    case ENFILE:
+    case EAGAIN:  // no process or thread may be started
+      return DK_SYSTEM_REFUSED;
+    default:
+      return DK_FILE_ERROR;
+  }
 }
 
 Error FromHostErrno(int error, std::string_view what, std::string_view path) {

@@ -40,11 +40,18 @@ struct dk_log : darokleim::client::Worker {
 
  private:
   void Work() override {
-    darokleim::client::Status end = Follow();
-    if (on_end_ == nullptr) return;
-    if (stopping() || end.ok()) return on_end_(user_, DK_OK, nullptr);
-    const dk_error error{end.TakeError()};
-    on_end_(user_, error.error.code, &error);
+    try {
+      const darokleim::client::Status end = Follow();
+      if (stopping() || end.ok()) return End(DK_OK, nullptr);
+      const dk_error error{end.error()};
+      End(error.error.code, &error);
+    } catch (const std::bad_alloc&) {
+      End(stopping() ? DK_OK : DK_OUT_OF_MEMORY, nullptr);
+    }
+  }
+
+  void End(dk_code code, const dk_error* error) {
+    if (on_end_ != nullptr && !stopped_by_callback()) on_end_(user_, code, error);
   }
 
   darokleim::client::Status Follow() {
@@ -109,10 +116,8 @@ dk_code dk_log_start(dk_device* device, const dk_log_options* given, dk_on_recor
     const auto options = client::ReadOptions<dk_log_options>(given, DK_LOG_OPTIONS_INIT);
     auto shell = client::OpenShell(device, client::LogScript(options), kWhat, limits);
     if (!shell.ok()) return shell.TakeError();
-    *log = new dk_log(*std::move(shell), options, on_record, on_end, user);
-    client::Status started = (*log)->Start(kWhat);
-    if (!started.ok()) delete std::exchange(*log, nullptr);
-    return started;
+    return client::StartFor(std::make_unique<dk_log>(*std::move(shell), options, on_record, on_end, user),
+                            kWhat, log);
   });
 }
 

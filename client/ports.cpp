@@ -54,7 +54,10 @@ int PortOf(std::string_view answer, std::string_view address) {
 Status FromAdded(const dk_device* device, adb::Result<std::string> answer, const std::string& what,
                  std::string_view from, int* port) {
   if (answer.ok()) {
-    if (port != nullptr) *port = PortOf(*answer, from);
+    const int listening = PortOf(*answer, from);
+    if (from == "tcp:0" && listening == kAnyPort)
+      return Failed(DK_CONNECTION_LOST, what, "the connection ended before the port was named");
+    if (port != nullptr) *port = listening;
     return {};
   }
   Error error = DeviceError(device, answer.error(), what);

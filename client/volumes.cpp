@@ -1,4 +1,7 @@
 // dk_volumes: the phone's storage.
+#include "client/volumes.h"
+
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -29,12 +32,6 @@ std::vector<std::string> Words(std::string_view line) {
   return words;
 }
 
-struct Volume {
-  std::string path;
-  std::uint64_t total = 0, used = 0, free = 0;
-  bool known = false;
-};
-
 // "S 4096 1000 400 300": the size of a block, and how many there are, are free, are free for the user.
 void ReadStat(const std::vector<std::string>& words, Volume* volume) {
   std::uint64_t numbers[4] = {};
@@ -53,6 +50,8 @@ void ReadDf(const std::vector<std::string>& words, Volume* volume) {
              free = ReadRoundedSize(words[3]);
   if (total && used && free) *volume = {volume->path, *total, *used, *free, true};
 }
+
+}  // namespace
 
 std::vector<Volume> ReadVolumes(std::string_view text) {
   std::vector<Volume> volumes;
@@ -75,6 +74,8 @@ std::vector<Volume> ReadVolumes(std::string_view text) {
   });
   return volumes;
 }
+
+namespace {
 
 bool IsInternal(const std::string& path) {
   return path == "/storage/emulated/0" || path == "/storage/sdcard0";

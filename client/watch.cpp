@@ -44,7 +44,10 @@ struct dk_watch : darokleim::client::Worker {
 
   void Work() override {
     while (!stopping()) {
-      FollowOneServer();
+      try {
+        FollowOneServer();
+      } catch (const std::bad_alloc&) {  // the list is asked for again
+      }
       if (!stopping()) Sleep();
     }
   }
@@ -54,25 +57,29 @@ struct dk_watch : darokleim::client::Worker {
     auto tracker = client::AskServer(context_, limits(), [&] {
       return adb::DeviceTracker::Open(context_->server, adb::ListForm::kLong, limits());
     });
-    if (!tracker.ok()) return;
-    Report(DK_SERVER_FOUND, nullptr);
+    if (!tracker.ok()) return LoseServer();
+    if (!std::exchange(has_server_, true)) Report(DK_SERVER_FOUND, nullptr);
     while (!stopping()) {
       const auto text = tracker->Next(limits());
       if (!text.ok()) break;
       Update(adb::ParseDeviceList(*text));
     }
-    if (stopping()) return;
+    LoseServer();
+  }
+
+  void LoseServer() {
+    if (!std::exchange(has_server_, false)) return;
     Update({});
     Report(DK_SERVER_LOST, nullptr);
   }
 
   void Update(Devices now) {
     using namespace darokleim;
-    const Devices before = std::exchange(known_, now);
+    const Devices before = std::exchange(known_, std::move(now));
     for (const auto& device : before) {
-      if (client::Find(now, device) == nullptr) Report(DK_DEVICE_REMOVED, &device);
+      if (client::Find(known_, device) == nullptr) Report(DK_DEVICE_REMOVED, &device);
     }
-    for (const auto& device : now) {
+    for (const auto& device : known_) {
       const adb::AttachedDevice* const old = client::Find(before, device);
       if (old == nullptr) {
         Report(DK_DEVICE_ADDED, &device);
@@ -99,6 +106,7 @@ struct dk_watch : darokleim::client::Worker {
   const dk_on_change on_change_;
   void* const user_;
   Devices known_;
+  bool has_server_ = false;
 };
 
 using namespace darokleim;
@@ -109,10 +117,7 @@ dk_code dk_watch_start(dk_context* context, dk_on_change on_change, void* user, 
     if (watch == nullptr) return client::InvalidArgument("no place for the watch");
     *watch = nullptr;
     if (context == nullptr || on_change == nullptr) return client::InvalidArgument("a null pointer");
-    *watch = new dk_watch(context, on_change, user);
-    client::Status started = (*watch)->Start("watch the devices");
-    if (!started.ok()) delete std::exchange(*watch, nullptr);
-    return started;
+    return client::StartFor(std::make_unique<dk_watch>(context, on_change, user), "watch the devices", watch);
   });
 }
 

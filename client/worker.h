@@ -2,7 +2,9 @@
 #ifndef DAROKLEIM_CLIENT_WORKER_H
 #define DAROKLEIM_CLIENT_WORKER_H
 
+#include <future>
 #include <memory>
+#include <new>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -24,12 +26,18 @@ class Worker {
     auto token = adb::CancelToken::Create();
     if (!token.ok()) return FromAdb(token.error(), what, "");
     stop_ = std::move(*token);
+    // The first callback may stop the worker: it must find thread_ in place, and nothing of the worker is touched after it.
+    std::promise<void> ready;
     try {
       const base::SignalsBlocked blocked;
-      thread_ = std::thread([this] { Run(); });
+      thread_ = std::thread([this, started = ready.get_future()] {
+        started.wait();
+        Run();
+      });
     } catch (const std::system_error& refused) {
       return FromHostErrno(refused.code().value(), what, "");
     }
+    ready.set_value();
     return {};
   }
 
@@ -49,10 +57,12 @@ class Worker {
   Worker() = default;
   virtual ~Worker() = default;
 
-  // Nothing may leave it but a lack of memory, after which the thread ends.
+  // Nothing may leave it.
   virtual void Work() = 0;
 
   bool stopping() const { return stop_->IsSet(); }
+  // Whether a callback of the worker has stopped it, so that there may be no other. To be asked on the thread itself.
+  bool stopped_by_callback() const { return frees_itself_; }
   adb::Limits limits() const {
     adb::Limits limits;
     limits.interrupt = stop_.get();
@@ -61,10 +71,7 @@ class Worker {
 
  private:
   void Run() {
-    try {
-      Work();
-    } catch (const std::bad_alloc&) {
-    }
+    Work();
     if (frees_itself_) delete this;
   }
 
@@ -72,6 +79,26 @@ class Worker {
   std::thread thread_;
   bool frees_itself_ = false;  // written and read on the thread itself
 };
+
+// Starts a worker for the caller, who ends it by Stop(). `handle` holds it before its first callback, and null where it does not
+// start.
+template <typename T>
+Status StartFor(std::unique_ptr<T> worker, std::string_view what, T** handle) {
+  *handle = worker.get();
+  Status started;
+  try {
+    started = worker->Start(what);
+  } catch (const std::bad_alloc&) {
+    *handle = nullptr;
+    throw;
+  }
+  if (started.ok()) {
+    static_cast<void>(worker.release());
+  } else {
+    *handle = nullptr;
+  }
+  return started;
+}
 
 }  // namespace darokleim::client
 

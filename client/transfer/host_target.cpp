@@ -74,15 +74,11 @@ Error UnsafeName(std::string_view what, const std::string& path) {
   return error;
 }
 
-ReceivedFile::ReceivedFile(std::shared_ptr<HostFolder> folder, std::string name, std::string temporary,
-                           base::UniqueFd descriptor)
-    : folder_(std::move(folder)),
-      name_(std::move(name)),
-      temporary_(std::move(temporary)),
-      descriptor_(std::move(descriptor)) {}
+ReceivedFile::ReceivedFile(std::shared_ptr<HostFolder> folder, std::string name, std::string temporary)
+    : folder_(std::move(folder)), name_(std::move(name)), temporary_(std::move(temporary)) {}
 
 ReceivedFile::~ReceivedFile() {
-  if (!committed_) unlinkat(folder_->descriptor(), temporary_.c_str(), 0);
+  if (is_temporary_) unlinkat(folder_->descriptor(), temporary_.c_str(), 0);
 }
 
 Error ReceivedFile::FromErrno(int error) const {
@@ -95,12 +91,13 @@ Result<std::unique_ptr<ReceivedFile>> ReceivedFile::Create(std::shared_ptr<HostF
   const std::string path = In(folder->path(), name);
   if (!IsSafeName(name)) return UnsafeName(WhatFor(path), path);
   if (IsNameOfAnother(folder->descriptor(), name)) return UnsafeName(WhatFor(path), path);
-  std::string temporary = NewTemporaryName();
-  base::UniqueFd opened(openat(folder->descriptor(), temporary.c_str(),
-                               O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
-  if (!opened.valid()) return FromHostErrno(errno, WhatFor(path), path);
-  return std::unique_ptr<ReceivedFile>(
-      new ReceivedFile(std::move(folder), std::move(name), std::move(temporary), std::move(opened)));
+  std::unique_ptr<ReceivedFile> file(
+      new ReceivedFile(std::move(folder), std::move(name), NewTemporaryName()));
+  file->descriptor_.Reset(openat(file->folder_->descriptor(), file->temporary_.c_str(),
+                                 O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
+  if (!file->descriptor_.valid()) return FromHostErrno(errno, WhatFor(path), path);
+  file->is_temporary_ = true;
+  return file;
 }
 
 Status ReceivedFile::Write(std::string_view data) {
@@ -128,13 +125,15 @@ Status ReceivedFile::Commit(std::int64_t modified, std::uint32_t permissions, bo
   if (renameat(folder_->descriptor(), temporary_.c_str(), folder_->descriptor(), name_.c_str()) != 0) {
     return FromErrno(errno);
   }
-  committed_ = true;
+  is_temporary_ = false;
   return {};
 }
 
 void RemoveLeftOvers(const HostFolder& folder) {
-  DIR* const opened = fdopendir(openat(folder.descriptor(), ".", kFolderFlags));
+  base::UniqueFd descriptor(openat(folder.descriptor(), ".", kFolderFlags));
+  DIR* const opened = fdopendir(descriptor.get());
   if (opened == nullptr) return;
+  static_cast<void>(descriptor.Release());
   std::vector<std::string> names;
   while (const dirent* const entry = readdir(opened)) {
     if (IsLeftOver(entry->d_name)) names.emplace_back(entry->d_name);

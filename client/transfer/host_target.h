@@ -53,14 +53,13 @@ class ReceivedFile {
   Status Commit(std::int64_t modified, std::uint32_t permissions, bool replaces);
 
  private:
-  ReceivedFile(std::shared_ptr<HostFolder> folder, std::string name, std::string temporary,
-               base::UniqueFd descriptor);
+  ReceivedFile(std::shared_ptr<HostFolder> folder, std::string name, std::string temporary);
   Error FromErrno(int error) const;
 
   std::shared_ptr<HostFolder> folder_;
   std::string name_, temporary_;
   base::UniqueFd descriptor_;
-  bool committed_ = false;
+  bool is_temporary_ = false;  // there is a file under the temporary name
 };
 
 // Removes temporary files in the folder that a process of this computer left when it was killed.

@@ -19,14 +19,14 @@ constexpr std::chrono::seconds kTimeToCleanUp{5};
 }  // namespace
 
 Staging::~Staging() {
-  std::string script;
-  for (const auto& [folder, state] : folders_) {
-    const std::string remove = CommandLine({"rm", "-rf", state.temporary}) + "; ";
-    if (script.size() + remove.size() > kLongestScript) break;
-    script += remove;
-  }
-  if (script.empty()) return;
   try {
+    std::string script;
+    for (const auto& [folder, state] : folders_) {
+      const std::string remove = CommandLine({"rm", "-rf", state.temporary}) + "; ";
+      if (script.size() + remove.size() > kLongestScript) break;
+      script += remove;
+    }
+    if (script.empty()) return;
     adb::Limits limits;
     limits.deadline = adb::Clock::now() + kTimeToCleanUp;
     static_cast<void>(CollectScript(device_, script, "remove temporary files", limits));

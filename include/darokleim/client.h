@@ -1367,7 +1367,8 @@ typedef struct dk_log_options {
 typedef struct dk_log dk_log;
 /// On the log's thread.
 typedef void (*dk_on_record)(void* user, const dk_log_record* record);
-/// On the log's thread. Once, last: why the log ended. ::DK_OK: as asked (dk_log_stop(), stop_at_end); error is null then.
+/// On the log's thread. Once, last: why the log ended. ::DK_OK: as asked (dk_log_stop(), stop_at_end); error is null then,
+/// and where memory ran out.
 typedef void (*dk_on_log_end)(void* user, dk_code code, const dk_error* error);
 /// Returns once the phone has taken the order; records come on a thread of the log.
 /// @param[in]  device    The device, which must outlive the log.
@@ -1383,7 +1384,8 @@ typedef void (*dk_on_log_end)(void* user, dk_code code, const dk_error* error);
 /// @return Otherwise a code of every call.
 DK_API dk_code dk_log_start(dk_device* device, const dk_log_options* options, dk_on_record on_record,
                             dk_on_log_end on_end, void* user, dk_log** log, const dk_call* call);
-/// Stops and frees. No callback runs after it has returned, or, when called from within one, after that has.
+/// Stops and frees. The end is reported before it returns, and no callback runs after it. When it is called from within a
+/// callback of the log, none runs after that one: the end is then not reported.
 /// @param[in] log The log, which must not be used any more; null is ignored.
 DK_API void dk_log_stop(dk_log* log);
 /// Empties the phone's log.
