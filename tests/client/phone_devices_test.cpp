@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "tests/client/client_on_phone.h"
+#include "tests/client/recorder.h"
 #include "tests/support/eventually.h"
 
 namespace darokleim::test {
@@ -18,33 +19,6 @@ using ::testing::HasSubstr;
 
 class Devices : public ClientOnPhone {};
 DAROKLEIM_ON_BOTH_GENERATIONS(Devices);
-
-// What a watch reports, as text.
-class Recorder {
- public:
-  void operator()(dk_change change, const dk::DeviceInfo* info) {
-    const std::lock_guard lock(mutex_);
-    static const char* const kNames[] = {"?", "added", "changed", "removed", "server lost", "server found"};
-    events_.push_back(info == nullptr ? kNames[change]
-                                      : kNames[change] + (" " + info->serial + " " + info->state_text));
-    changed_.notify_all();
-  }
-  bool Await(const std::string& event) {
-    std::unique_lock lock(mutex_);
-    return changed_.wait_for(lock, std::chrono::seconds(10), [&] {
-      return std::find(events_.begin(), events_.end(), event) != events_.end();
-    });
-  }
-  std::vector<std::string> events() {
-    const std::lock_guard lock(mutex_);
-    return events_;
-  }
-
- private:
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  std::vector<std::string> events_;
-};
 
 TEST_P(Devices, AreListedInEveryState) {
   Start({std::string(kSerial) + ",android=" + GetParam(), "LOCKED42,state=unauthorized", "192.168.1.5:5555"});

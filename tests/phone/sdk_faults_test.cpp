@@ -14,10 +14,7 @@
 #include "tests/support/own_process.h"
 
 #if defined(__linux__)
-#include <sched.h>
-#include <sys/mount.h>
-
-#include <fstream>
+#include "tests/support/host_disk.h"
 #endif
 
 namespace darokleim::test {
@@ -166,21 +163,6 @@ TEST_P(SdkFaults, TheHostsFolderIsMissing) {
 }
 
 #if defined(__linux__)
-// A disk of the test's own over a folder of the host, for the running process and what it starts. Also for an
-// ordinary user, who may where the simulated phones run: both need namespaces.
-bool MountDisk(const std::string& folder, unsigned long flags) {
-  const std::string uid = std::to_string(geteuid()), gid = std::to_string(getegid());
-  const bool superuser = geteuid() == 0;
-  if (unshare(CLONE_NEWNS | (superuser ? 0 : CLONE_NEWUSER)) != 0) return false;
-  if (!superuser) {
-    std::ofstream("/proc/self/setgroups") << "deny";
-    std::ofstream("/proc/self/uid_map") << "0 " + uid + " 1";
-    std::ofstream("/proc/self/gid_map") << "0 " + gid + " 1";
-  }
-  return mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-         mount("tmpfs", folder.c_str(), "tmpfs", flags, "size=1m") == 0;
-}
-
 TEST_P(SdkFaults, TheHostsDiskIsFull) {
   const std::string file = LargeFile("4M");
   const std::string disk = OnHost("disk");

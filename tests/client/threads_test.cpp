@@ -1,0 +1,196 @@
+// One context in many threads; a watch and a log that are stopped at any moment.
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <chrono>
+#include <memory>
+#include <random>
+#include <thread>
+
+#include "tests/client/calls.h"
+#include "tests/client/spoilt_phone.h"
+#include "tests/support/eventually.h"
+#include "tests/support/temporary_directory.h"
+
+namespace darokleim::client_test {
+namespace {
+
+using std::chrono::milliseconds;
+using test::Number32;
+using test::Request;
+
+TEST(ClientThreads, EachOfSixtyFourGetsItsOwnAnswers) {
+  constexpr int kThreads = 64, kCalls = 12;
+  const SpoiltPhone phone(true);
+  const Client client(phone.address());
+  const test::TemporaryDirectory directory;
+  std::vector<std::thread> threads;
+  for (int number = 0; number < kThreads; ++number) {
+    threads.emplace_back([&, number] {
+      std::minstd_rand random(static_cast<unsigned>(number) + 1);
+      const std::string folder = directory.File(std::to_string(number));
+      for (int i = 0; i < kCalls; ++i) {
+        const ClientCall& call = ClientCalls()[random() % ClientCalls().size()];
+        PreparePlace(folder);
+        std::string result;
+        EXPECT_EQ(call.run({client.context(), client.device(), folder}, nullptr, &result), DK_OK)
+            << call.name;
+        EXPECT_EQ(result, call.expected) << call.name;
+        EXPECT_EQ(HarmAt(folder), "") << call.name;
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(phone.harm(), "");
+  EXPECT_TRUE(test::Eventually([&] { return phone.open_connections() == 0; }));
+}
+
+// A server with a phone that comes and goes as fast as the server can say it, and whose log has no end.
+class RestlessServer {
+ public:
+  RestlessServer() : server_([](int connection) { Serve(connection); }) {}
+  std::string address() const { return "tcp:" + std::to_string(server_.port()); }
+  int open_connections() const { return server_.open_connections(); }
+
+ private:
+  static void Serve(int connection) {
+    for (;;) {
+      const std::string request = test::ReadRequest(connection);
+      if (request.empty()) return;
+      if (request == "host:track-devices-l") {
+        test::WriteBytes(connection, "OKAY");
+        const std::string lists = Request("X device transport_id:1\n") + Request("");
+        while (test::WriteBytes(connection, lists)) {
+        }
+        return;
+      }
+      if (request.rfind("shell,v2", 0) == 0) {
+        const std::string output = "100\n" + LogRecord("Tag", "one"), more = LogRecord("Tag", "more");
+        test::WriteBytes(connection, "OKAY\1" + Number32(static_cast<std::uint32_t>(output.size())) + output);
+        const std::string packet = '\1' + Number32(static_cast<std::uint32_t>(more.size())) + more;
+        while (test::WriteBytes(connection, packet)) {
+        }
+        return;
+      }
+      const bool is_transport = request.rfind("host:tport", 0) == 0;
+      test::WriteBytes(connection, "OKAY" + (is_transport ? test::Number64(1) : Request("shell_v2,cmd")));
+    }
+  }
+  const test::ScriptedServer server_;
+};
+
+// What callbacks write to: freed as soon as no callback may come, so that a late one is found by a sanitizer, or here.
+struct Listener {
+  void Call() {
+    EXPECT_FALSE(stopped) << "a callback after the stop";
+    ++calls;
+  }
+  std::atomic<bool> stopped{false};
+  std::atomic<int> calls{0};
+  std::atomic<int> ends{0};
+  dk_watch* watch = nullptr;
+  dk_log* log = nullptr;
+};
+
+void OnChange(void* user, dk_change, const dk_device_info*) {
+  static_cast<Listener*>(user)->Call();
+}
+void OnRecord(void* user, const dk_log_record*) {
+  static_cast<Listener*>(user)->Call();
+}
+void OnEnd(void* user, dk_code code, const dk_error*) {
+  auto* const listener = static_cast<Listener*>(user);
+  EXPECT_FALSE(listener->stopped);
+  EXPECT_EQ(code, DK_OK);
+  ++listener->ends;
+}
+
+class ClientStops : public testing::Test {
+ protected:
+  ~ClientStops() override {
+    EXPECT_TRUE(test::Eventually([this] { return server_.open_connections() == 0; }))
+        << "connections are left";
+  }
+  static void SleepForAMoment(int number) {
+    std::this_thread::sleep_for(std::chrono::microseconds(number * 37 % 3000));
+  }
+
+  const RestlessServer server_;
+  const Client client_{server_.address()};
+};
+
+TEST_F(ClientStops, OfAWatchAreFollowedByNoCallback) {
+  int all = 0;
+  for (int i = 0; i < 200; ++i) {
+    auto listener = std::make_unique<Listener>();
+    ASSERT_EQ(dk_watch_start(client_.context(), OnChange, listener.get(), &listener->watch, nullptr), DK_OK);
+    SleepForAMoment(i);
+    dk_watch_stop(listener->watch);
+    listener->stopped = true;
+    all += listener->calls;
+  }
+  EXPECT_GT(all, 200);
+}
+
+TEST_F(ClientStops, OfALogAreFollowedByNoCallback) {
+  int all = 0;
+  for (int i = 0; i < 200; ++i) {
+    auto listener = std::make_unique<Listener>();
+    ASSERT_EQ(
+        dk_log_start(client_.device(), nullptr, OnRecord, OnEnd, listener.get(), &listener->log, nullptr),
+        DK_OK);
+    SleepForAMoment(i);
+    dk_log_stop(listener->log);
+    listener->stopped = true;
+    all += listener->calls;
+    EXPECT_EQ(listener->ends, 1) << "the end is said before the stop returns";
+  }
+  EXPECT_GT(all, 200);
+}
+
+// Of the watch or the log itself: the first callback may come before its start has returned.
+TEST_F(ClientStops, FromWithinTheirCallbackAreFollowedByNone) {
+  std::vector<std::unique_ptr<Listener>> listeners;
+  for (int i = 0; i < 100; ++i) {
+    Listener* const watched = listeners.emplace_back(std::make_unique<Listener>()).get();
+    const auto stop_watch = [](void* user, dk_change, const dk_device_info*) {
+      auto* const listener = static_cast<Listener*>(user);
+      listener->Call();
+      dk_watch_stop(listener->watch);
+      listener->stopped = true;
+    };
+    ASSERT_EQ(dk_watch_start(client_.context(), stop_watch, watched, &watched->watch, nullptr), DK_OK);
+    Listener* const logged = listeners.emplace_back(std::make_unique<Listener>()).get();
+    const auto stop_log = [](void* user, const dk_log_record*) {
+      auto* const listener = static_cast<Listener*>(user);
+      listener->Call();
+      dk_log_stop(listener->log);
+      listener->stopped = true;
+    };
+    ASSERT_EQ(dk_log_start(client_.device(), nullptr, stop_log, OnEnd, logged, &logged->log, nullptr), DK_OK);
+  }
+  for (const auto& listener : listeners) {
+    EXPECT_TRUE(test::Eventually([&] { return listener->stopped.load(); }));
+    EXPECT_EQ(listener->calls, 1);
+    EXPECT_EQ(listener->ends, 0) << "also the end is not said";
+  }
+  EXPECT_TRUE(test::Eventually([this] { return server_.open_connections() == 0; }));
+}
+
+TEST_F(ClientStops, OfAWatchWithoutAServerAreQuick) {
+  std::string address;
+  { address = SpoiltPhone(true).address(); }
+  const Client client(address);
+  for (int i = 0; i < 20; ++i) {
+    Listener listener;
+    ASSERT_EQ(dk_watch_start(client.context(), OnChange, &listener, &listener.watch, nullptr), DK_OK);
+    SleepForAMoment(i);
+    const auto began = std::chrono::steady_clock::now();
+    dk_watch_stop(listener.watch);
+    EXPECT_LT(std::chrono::steady_clock::now() - began, milliseconds(2000));
+    EXPECT_EQ(listener.calls, 0);
+  }
+}
+
+}  // namespace
+}  // namespace darokleim::client_test
