@@ -131,14 +131,13 @@ Status ReceivedFile::Commit(std::int64_t modified, std::uint32_t permissions, bo
 
 void RemoveLeftOvers(const HostFolder& folder) {
   base::UniqueFd descriptor(openat(folder.descriptor(), ".", kFolderFlags));
-  DIR* const opened = fdopendir(descriptor.get());
+  const std::unique_ptr<DIR, int (*)(DIR*)> opened(fdopendir(descriptor.get()), closedir);
   if (opened == nullptr) return;
   static_cast<void>(descriptor.Release());
   std::vector<std::string> names;
-  while (const dirent* const entry = readdir(opened)) {
+  while (const dirent* const entry = readdir(opened.get())) {
     if (IsLeftOver(entry->d_name)) names.emplace_back(entry->d_name);
   }
-  closedir(opened);
   for (const std::string& name : names) unlinkat(folder.descriptor(), name.c_str(), 0);
 }
 

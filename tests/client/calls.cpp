@@ -93,6 +93,10 @@ std::vector<ClientCall> ServerCalls() {
   all.push_back(OfServer("Pair", "", [](const Place& place, const dk_call* call, std::string*) {
     return dk_pair(place.context, "10.0.0.1:4000", "123456", call);
   }));
+  all.push_back(OfServer("StopServer", "", [](const Place& place, const dk_call* call, std::string*) {
+    return dk_server_stop(place.context, call);
+  }));
+  all.back().ends_server = true;
   all.push_back(OfServer("ForwardList", "tcp:1>tcp:2;",
                          [](const Place& place, const dk_call* call, std::string* result) {
                            return dk_forward_list(place.device, AppendMapping, result, call);

@@ -40,6 +40,7 @@ struct ClientCall {
   std::function<dk_code(const Place& place, const dk_call* call, std::string* result)> run;
   bool modern_only = false;  // old phones cannot do it
   bool of_server = false;    // the phone is not asked
+  bool ends_server = false;  // whose end is a success before its answer
   bool cleans_up = false;    // a failure is followed by a clean-up with a time limit of its own, 5 seconds
 };
 std::ostream& operator<<(std::ostream& out, const ClientCall& call);

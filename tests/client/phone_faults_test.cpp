@@ -205,8 +205,7 @@ TEST_P(ClientFaults, ThePhoneLacksACommand) {
   for (const char* fault : {"no-find", "no-stat"}) phones().Control({kSerial, "fault", fault});
   Shell("mkdir -p /sdcard/tree/sub; echo x > /sdcard/tree/sub/file");
   int found = 0;
-  EXPECT_TRUE(
-      phone().walk("/sdcard/tree", DK_WALK_OPTIONS_INIT, [&](const dk_entry&) { return ++found > 0; }));
+  EXPECT_TRUE(phone().walk("/sdcard/tree", {}, [&](const dk_entry&) { return ++found > 0; }));
   EXPECT_EQ(found, 2);
   ASSERT_FALSE(phone().volumes().value().empty());
   EXPECT_GT(phone().volumes().value().front().total, 0U);

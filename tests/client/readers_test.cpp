@@ -1,6 +1,9 @@
 // The client's readers of what phones print, on any bytes: without a phone.
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <cstdio>
 
 #include "client/apps/package_dump.h"
 #include "client/exit_mark.h"
@@ -9,7 +12,11 @@
 #include "client/phone_errors.h"
 #include "client/phone_path.h"
 #include "client/temporary_name.h"
+#include "client/transfer/host_names.h"
 #include "client/transfer/host_target.h"
+#include "client/volumes.h"
+#include "tests/support/file_content.h"
+#include "tests/support/temporary_directory.h"
 
 namespace darokleim::client {
 namespace {
@@ -152,6 +159,22 @@ TEST(SafeName, LeadsNowhere) {
     EXPECT_FALSE(IsSafeName(name)) << name;
 }
 
+// On file systems that ignore case, a file opened by another spelling is known by the one that it is stored under, as one that
+// was renamed after it was opened.
+TEST(HostNames, AreThoseThatFilesAreStoredUnder) {
+  const test::TemporaryDirectory directory;
+  test::WriteFile(directory.File("name"), "");
+  const base::UniqueFd folder(open(directory.path().c_str(), O_RDONLY | O_DIRECTORY));
+  const base::UniqueFd file(open(directory.File("name").c_str(), O_RDONLY));
+  EXPECT_TRUE(HasExactName(file.get(), "name"));
+  EXPECT_FALSE(HasExactName(file.get(), "Name"));
+  EXPECT_FALSE(IsNameOfAnother(folder.get(), "name"));
+  EXPECT_FALSE(IsNameOfAnother(folder.get(), "none"));
+  ASSERT_EQ(rename(directory.File("name").c_str(), directory.File("NAME").c_str()), 0);
+  EXPECT_TRUE(HasExactName(file.get(), "NAME"));
+  EXPECT_FALSE(HasExactName(file.get(), "name"));
+}
+
 TEST(TemporaryName, IsLeftOverOnlyOfAnEndedProcess) {
   const std::string own = NewTemporaryName();
   EXPECT_FALSE(IsLeftOver(own));
@@ -171,6 +194,19 @@ TEST(Facts, AreReadFromWhatPhonesPrint) {
   EXPECT_EQ(ReadRoundedSize("1.5K"), 1536U);
   EXPECT_EQ(ReadRoundedSize("12Q"), std::nullopt);
   EXPECT_EQ(ReadRoundedSize("99999999999999999999T"), std::nullopt);
+}
+
+TEST(Volumes, HaveSizesInBlocksOrRounded) {
+  const auto volumes = ReadVolumes(
+      "V /storage/emulated/0\nS 4096 1000 400 300\nV /storage/A B\nFilesystem Size Used Free Blksize\n"
+      "/storage/A 1.5K 512 1K 4096\nV /storage/none\ndf: no\n");
+  ASSERT_EQ(volumes.size(), 3U);
+  EXPECT_EQ(volumes[0].total, 4096000U);
+  EXPECT_EQ(volumes[0].used, 600U * 4096);
+  EXPECT_EQ(volumes[0].free, 300U * 4096);
+  EXPECT_EQ(volumes[1].path, "/storage/A B");
+  EXPECT_EQ(volumes[1].total, 1536U);
+  EXPECT_FALSE(volumes[2].known);
 }
 
 TEST(Properties, MayHaveSeveralLines) {
