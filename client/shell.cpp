@@ -4,6 +4,7 @@
 #include <atomic>
 #include <charconv>
 #include <cstdlib>
+#include <functional>
 
 #include "adb/features.h"
 #include "base/shell_quoting.h"
@@ -64,17 +65,14 @@ Result<int> RunModern(dk_device* device, std::string_view script, std::string_vi
   return end->exit_status.value_or(-1);
 }
 
-Result<int> RunOld(dk_device* device, std::string_view script, std::string_view what, const Receive& receive,
-                   const Limits& limits) {
-  const ExitMark mark;
-  auto started = StartOld(device, mark.Wrap(script), what, limits);
-  if (!started.ok()) return started.TakeError();
-  ExitMarkReader reader(mark, started->form == ShellForm::kOld);
+Result<int> FollowOld(adb::ShellSession* session, ShellForm form, const ExitMark& mark, std::string_view what,
+                      const Receive& receive, const dk_device* device, const Limits& limits) {
+  ExitMarkReader reader(mark, form == ShellForm::kOld);
   const auto pass = [&](adb::ShellStream, std::string_view data) {
     const std::string passed = reader.Pass(data);
     return passed.empty() || receive(adb::ShellStream::kOutput, passed);
   };
-  auto end = started->session.ReadAll(pass, limits);
+  auto end = session->ReadAll(pass, limits);
   if (!end.ok()) return DeviceError(device, end.error(), what);
   const std::optional<int> status = reader.Finish();
   if (!status) return Failed(DK_CONNECTION_LOST, what, "the end of the phone's answer is missing");
@@ -82,6 +80,39 @@ Result<int> RunOld(dk_device* device, std::string_view script, std::string_view 
   if (!rest.empty() && !receive(adb::ShellStream::kOutput, rest)) return Stopped(what);
   return *status;
 }
+
+Result<int> RunOld(dk_device* device, std::string_view script, std::string_view what, const Receive& receive,
+                   const Limits& limits) {
+  const ExitMark mark;
+  auto started = StartOld(device, mark.Wrap(script), what, limits);
+  if (!started.ok()) return started.TakeError();
+  return FollowOld(&started->session, started->form, mark, what, receive, device, limits);
+}
+
+void LogEnd(const dk_device* device, std::string_view what, const Result<int>& status) {
+  Log(*device->context, what,
+      status.ok() ? "exit status " + std::to_string(*status) : status.error().message);
+}
+
+// Takes what a script prints, as far as it is not too much.
+struct Collector {
+  bool operator()(adb::ShellStream stream, std::string_view data) {
+    std::string& text = stream == adb::ShellStream::kErrors ? collected.err : collected.out;
+    too_much = text.size() + data.size() > most;
+    if (!too_much) text.append(data);
+    return !too_much;
+  }
+  Result<Collected> Finish(Result<int> status, std::string_view what) {
+    if (too_much) return Failed(DK_ANSWER_UNREADABLE, what, "the phone's answer does not end");
+    if (!status.ok()) return status.TakeError();
+    collected.exit_status = *status;
+    return std::move(collected);
+  }
+
+  std::size_t most;
+  Collected collected = {};
+  bool too_much = false;
+};
 
 }  // namespace
 
@@ -102,8 +133,7 @@ Result<int> RunScript(dk_device* device, std::string_view script, std::string_vi
       *form == ShellForm::kV2 ? RunModern(device, script, what, receive, limits, input)
       : input ? Failed(DK_UNSUPPORTED, what, "phones before Android 7 take no input for a command")
               : RunOld(device, script, what, receive, limits);
-  Log(*device->context, std::string(what),
-      status.ok() ? "exit status " + std::to_string(*status) : status.error().message);
+  LogEnd(device, what, status);
   return status;
 }
 
@@ -131,19 +161,37 @@ Result<int> FollowShell(OpenedShell* shell, std::string_view what,
 
 Result<Collected> CollectScript(dk_device* device, std::string_view script, std::string_view what,
                                 const Limits& limits, std::size_t most) {
-  Collected collected;
-  bool too_much = false;
-  const auto keep = [&](adb::ShellStream stream, std::string_view data) {
-    std::string& text = stream == adb::ShellStream::kErrors ? collected.err : collected.out;
-    too_much = text.size() + data.size() > most;
-    if (!too_much) text.append(data);
-    return !too_much;
+  Collector collector{most};
+  auto status = RunScript(device, script, what, std::ref(collector), limits);
+  return collector.Finish(std::move(status), what);
+}
+
+Result<RunningScript> RunningScript::Start(dk_device* device, std::string_view script, std::string_view what,
+                                           const Limits& limits) {
+  auto form = FormOf(device, what, limits);
+  if (!form.ok()) return form.TakeError();
+  if (*form == ShellForm::kV2) {
+    auto session = client::Start(device, *form, std::string(script), false, what, limits);
+    if (!session.ok()) return session.TakeError();
+    return RunningScript(device, what, *std::move(session), *form, std::nullopt);
+  }
+  ExitMark mark;
+  auto started = StartOld(device, mark.Wrap(script), what, limits);
+  if (!started.ok()) return started.TakeError();
+  return RunningScript(device, what, std::move(started->session), started->form, std::move(mark));
+}
+
+Result<Collected> RunningScript::Finish(const Limits& limits) {
+  Collector collector{kMostCollected};
+  const auto follow = [&]() -> Result<int> {
+    if (mark_) return FollowOld(&session_, form_, *mark_, what_, std::ref(collector), device_, limits);
+    auto end = session_.ReadAll(std::ref(collector), limits);
+    if (!end.ok()) return DeviceError(device_, end.error(), what_);
+    return end->exit_status.value_or(-1);
   };
-  auto status = RunScript(device, script, what, keep, limits);
-  if (too_much) return Failed(DK_ANSWER_UNREADABLE, what, "the phone's answer does not end");
-  if (!status.ok()) return status.TakeError();
-  collected.exit_status = *status;
-  return collected;
+  Result<int> status = follow();
+  LogEnd(device_, what_, status);
+  return collector.Finish(std::move(status), what_);
 }
 
 Error CommandFailed(std::string_view what, const Collected& collected) {

@@ -4,11 +4,13 @@
 
 #include <functional>
 #include <initializer_list>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "adb/shell.h"
 #include "client/context.h"
+#include "client/exit_mark.h"
 
 namespace darokleim::client {
 
@@ -49,6 +51,26 @@ struct Collected {
 inline constexpr std::size_t kMostCollected = std::size_t{64} * 1024 * 1024;
 Result<Collected> CollectScript(dk_device* device, std::string_view script, std::string_view what,
                                 const Limits& limits, std::size_t most = kMostCollected);
+
+// A script that runs while the caller does something else. Of little output: the phone waits where nobody reads it.
+class RunningScript {
+ public:
+  static Result<RunningScript> Start(dk_device* device, std::string_view script, std::string_view what,
+                                     const Limits& limits);
+  // As CollectScript: waits for its end.
+  Result<Collected> Finish(const Limits& limits);
+
+ private:
+  RunningScript(dk_device* device, std::string_view what, adb::ShellSession session, adb::ShellForm form,
+                std::optional<ExitMark> mark)
+      : device_(device), what_(what), session_(std::move(session)), form_(form), mark_(std::move(mark)) {}
+
+  dk_device* device_;
+  std::string what_;
+  adb::ShellSession session_;
+  adb::ShellForm form_;
+  std::optional<ExitMark> mark_;  // of phones that do not say the exit status
+};
 
 // DK_COMMAND_FAILED, with the first line of what the command said.
 Error CommandFailed(std::string_view what, const Collected& collected);

@@ -2,17 +2,14 @@
 #include <string>
 #include <vector>
 
-#include "base/shell_quoting.h"
 #include "client/phone_errors.h"
 #include "client/phone_path.h"
-#include "client/shell.h"
 #include "client/transfer/sender.h"
 #include "client/transfer/target_check.h"
 
 namespace darokleim::client {
 namespace {
 
-constexpr std::size_t kLongestScript = 24 * 1024;
 // Targets that are looked at together.
 constexpr std::size_t kCheckedTogether = 128;
 
@@ -22,6 +19,7 @@ class Push {
       : device_(device),
         limits_(limits),
         tally_(options, "send files"),
+        left_overs_(device),
         check_(device, limits),
         sender_(device, &tally_, limits) {}
 
@@ -36,15 +34,14 @@ class Push {
       folders.push_back(ParentOf(*target));
       targets.push_back(*std::move(target));
     }
+    left_overs_.Look(folders, limits_);
     for (std::size_t i = 0; i < count; ++i) {
       if (Status counted = Count(items[i].source); !counted.ok()) return counted;
     }
-    Staging::RemoveLeftOvers(device_, folders, limits_);
     for (std::size_t i = 0; i < count; ++i) {
       if (Status sent = SendItem(items[i].source, targets[i]); !sent.ok()) return sent;
     }
     if (Status checked = CheckPending(); !checked.ok()) return checked;
-    if (Status made = MakeFolders(); !made.ok()) return made;
     if (Status finished = sender_.Finish(); !finished.ok()) return finished;
     return tally_.Finish();
   }
@@ -66,25 +63,11 @@ class Push {
 
   Status SendItem(const std::string& source, const std::string& target) {
     const auto use = [&](const HostFile& file) -> Status {
-      if (file.is_folder) return AddFolder(target + file.below);
+      if (file.is_folder) return sender_.MakeFolder(target + file.below);
       pending_.push_back({file, target + file.below});
       return pending_.size() < kCheckedTogether ? Status() : CheckPending();
     };
     return WalkHost(source, use, [this](Error error) { return tally_.Failed(std::move(error)); });
-  }
-
-  // Folders that get files are made with them; empty ones need it.
-  Status AddFolder(const std::string& path) {
-    folders_ += " " + base::QuoteForShell(path);
-    return folders_.size() < kLongestScript ? Status() : MakeFolders();
-  }
-
-  Status MakeFolders() {
-    if (folders_.empty()) return {};
-    auto made = CollectScript(device_, "mkdir -p" + std::exchange(folders_, {}), "make folders", limits_);
-    if (!made.ok()) return made.TakeError();
-    if (made->exit_status == 0) return {};
-    return tally_.Failed(FromProgram(*made, "make a folder", ""));
   }
 
   Status CheckPending() {
@@ -94,6 +77,7 @@ class Push {
     for (const Pending& file : files) targets.push_back(file.target);
     auto found = check_.Look(targets);
     if (!found.ok()) return found.TakeError();
+    left_overs_.Remove(limits_);
     for (std::size_t i = 0; i < files.size(); ++i) {
       if (Status sent = SendUnlessThere(std::move(files[i]), (*found)[i]); !sent.ok()) return sent;
     }
@@ -120,10 +104,10 @@ class Push {
   dk_device* const device_;
   const Limits& limits_;
   Tally tally_;
+  LeftOvers left_overs_;
   TargetCheck check_;
   Sender sender_;
   std::vector<Pending> pending_;
-  std::string folders_;  // words of a command line
 };
 
 }  // namespace

@@ -16,9 +16,11 @@ namespace darokleim::client {
 namespace {
 
 constexpr std::size_t kMostUnanswered = 64;
-// Files get their names after so many of them, or so many bytes.
-constexpr std::size_t kMostStaged = 256;
+// Files get their names after so many of them, or so many bytes; the first ones of a transfer that takes its time when half of it
+// is sent.
+constexpr std::size_t kMostStaged = 1024;
 constexpr std::uint64_t kMostBytesStaged = std::uint64_t{16} * 1024 * 1024;
+constexpr std::uint64_t kShortTransfer = std::uint64_t{4} * 1024 * 1024;
 
 constexpr std::size_t kBlock = 64 * 1024;
 constexpr std::uint32_t kRegularFile = 0100000;
@@ -54,24 +56,36 @@ Error ChangedWhileRead(const HostFile& file) {
 }  // namespace
 
 Status Sender::Send(HostFile file, std::string folder, std::string name) {
+  staging_.Expect(folder);
   under_way_.push_back({std::move(file), std::move(folder), std::move(name), false});
   if (Status sent = SendUnderWay(); !sent.ok()) return sent;
-  if (staging_.waiting() < kMostStaged && bytes_staged_ < kMostBytesStaged) return {};
-  return Commit();
+  return CommitIfMuch();
+}
+
+Status Sender::MakeFolder(std::string path) {
+  staging_.Make(std::move(path));
+  return CommitIfMuch();
+}
+
+Status Sender::CommitIfMuch() {
+  const std::uint64_t total = tally_->expected_bytes();
+  const bool is_half = !has_committed_ && total > kShortTransfer && bytes_staged_ >= total / 2;
+  if (staging_.waiting() < kMostStaged && bytes_staged_ < kMostBytesStaged && !is_half) return {};
+  bytes_staged_ = 0;
+  has_committed_ = true;
+  return staging_.Commit(limits_, ReportFailure());
 }
 
 Status Sender::Finish() {
-  if (Status sent = SendUnderWay(); !sent.ok()) return sent;
-  return Commit();
-}
-
-Status Sender::Commit() {
-  while (!under_way_.empty()) {
+  do {
     if (Status sent = SendUnderWay(); !sent.ok()) return sent;
     if (Status status = Await(0); !status.ok()) return status;
-  }
-  bytes_staged_ = 0;
-  return staging_.Commit(limits_, [this](Error error) { return tally_->Failed(std::move(error)); });
+  } while (!under_way_.empty());
+  return staging_.Finish(limits_, ReportFailure());
+}
+
+Staging::Fail Sender::ReportFailure() {
+  return [this](Error error) { return tally_->Failed(std::move(error)); };
 }
 
 Status Sender::SendUnderWay() {
@@ -121,6 +135,7 @@ Status Sender::SendNext() {
 }
 
 Status Sender::FailAt(std::size_t index, Error error) {
+  staging_.Drop(under_way_[index].folder);
   under_way_.erase(under_way_.begin() + static_cast<std::ptrdiff_t>(index));
   return tally_->Failed(std::move(error));
 }
@@ -188,8 +203,7 @@ Status Sender::Refused(const adb::Error& error) {
   const File& first = under_way_.front();
   if (error.code == adb::ErrorCode::kRefused || error.code == adb::ErrorCode::kTooLong) {
     Error refused = SyncError(device_, error, WhatFor(first.host), Joined(first.folder, first.name));
-    under_way_.pop_front();
-    return tally_->Failed(std::move(refused));
+    return FailAt(0, std::move(refused));
   }
   const bool may_be_a_refusal = error.code == adb::ErrorCode::kConnectionBroken && unanswered > 1;
   if (may_be_a_refusal) {

@@ -21,6 +21,8 @@ class Sender {
 
   // Sends one file as `name` in `folder` of the phone. It has its name after Finish(), often earlier.
   Status Send(HostFile file, std::string folder, std::string name);
+  // A folder that is there after Finish(), also without files.
+  Status MakeFolder(std::string path);
   // Waits for what is under way and gives it its names.
   Status Finish();
 
@@ -43,7 +45,8 @@ class Sender {
   // Takes those off that are whole.
   void TakeWhole();
   void Disconnect();
-  Status Commit();
+  Status CommitIfMuch();
+  Staging::Fail ReportFailure();
 
   dk_device* const device_;
   Tally* const tally_;
@@ -54,6 +57,7 @@ class Sender {
   std::size_t sent_ = 0;        // of them, on this connection
   std::size_t one_by_one_ = 0;  // of them, to be awaited each: a connection broke and did not say by which
   std::uint64_t bytes_staged_ = 0;
+  bool has_committed_ = false;
   std::vector<char> block_;
 };
 

@@ -3,33 +3,56 @@
 #include "base/shell_quoting.h"
 #include "client/phone_errors.h"
 #include "client/phone_path.h"
-#include "client/shell.h"
 #include "client/temporary_name.h"
 
 namespace darokleim::client {
 namespace {
 
-// A script goes to the phone in one request of at most 65,535 bytes.
-constexpr std::size_t kLongestScript = 48 * 1024;
+// A script goes to the phone in one request of at most 65,535 bytes; for old phones it is quoted once more.
+constexpr std::size_t kLongestScript = 40 * 1024;
 
 constexpr char kWhat[] = "give sent files their names";
 
 constexpr std::chrono::seconds kTimeToCleanUp{5};
 
+// What a word takes of a script at most: quoted, and each quote of that quoted again.
+std::size_t CostOf(std::string_view word) {
+  return base::QuoteForShell(base::QuoteForShell(word)).size() + 1;
+}
+
+std::string Inside(const std::string& folder) {
+  return base::QuoteForShell(folder == "/" ? folder : folder + "/");
+}
+
+std::string MoveScript(const std::string& folder, const std::string& temporary,
+                       const std::vector<std::string>& names) {
+  std::string script = "cd " + base::QuoteForShell(temporary) + " && mv -f";
+  for (const std::string& name : names) script += " ./" + base::QuoteForShell(name);
+  return script + " " + Inside(folder);
+}
+
+void AppendWords(std::string* script, const std::vector<std::string>& words) {
+  for (const std::string& word : words) *script += " " + base::QuoteForShell(word);
+}
+
 }  // namespace
 
 Staging::~Staging() {
   try {
-    std::string script;
-    for (const auto& [folder, state] : folders_) {
-      const std::string remove = CommandLine({"rm", "-rf", state.temporary}) + "; ";
-      if (script.size() + remove.size() > kLongestScript) break;
-      script += remove;
+    std::vector<std::string> temporary;
+    for (const auto& [folder, state] : folders_) temporary.push_back(state.temporary);
+    for (const Part& part : moving_.parts) temporary.push_back(part.temporary);
+    std::string words;
+    for (const std::string& folder : temporary) {
+      if (folder.empty()) continue;
+      if (words.size() + CostOf(folder) > kLongestScript) break;
+      words += " " + base::QuoteForShell(folder);
     }
-    if (script.empty()) return;
+    if (words.empty()) return;
     adb::Limits limits;
     limits.deadline = adb::Clock::now() + kTimeToCleanUp;
-    static_cast<void>(CollectScript(device_, script, "remove temporary files", limits));
+    script_.reset();
+    static_cast<void>(CollectScript(device_, "rm -rf" + words, "remove temporary files", limits));
   } catch (const std::bad_alloc&) {  // a later transfer removes them
   }
 }
@@ -41,81 +64,169 @@ std::string Staging::PathFor(const std::string& folder, const std::string& name)
 }
 
 void Staging::Whole(const std::string& folder, const std::string& name) {
-  folders_[folder].whole.push_back(name);
+  Folder& state = folders_[folder];
+  --state.under_way;
+  state.whole.push_back(name);
   ++waiting_;
 }
 
-// The temporary folders are removed with the last of their files.
-Status Staging::Commit(const Limits& limits, const Fail& failed) {
-  while (!folders_.empty()) {
-    const auto first = folders_.begin();
-    Folder rest = std::move(first->second);
-    Folder some{rest.temporary, {}};
-    std::size_t length = 0;
-    while (!rest.whole.empty() && length < kLongestScript / 2) {
-      length += rest.whole.back().size() + rest.temporary.size() + 16;
-      some.whole.push_back(std::move(rest.whole.back()));
-      rest.whole.pop_back();
+void Staging::Make(std::string folder) {
+  folders_to_make_.push_back(std::move(folder));
+}
+
+Staging::Batch Staging::TakeBatch() {
+  Batch batch;
+  std::size_t cost = 0;
+  while (!folders_to_make_.empty() && cost < kLongestScript / 2) {
+    cost += CostOf(folders_to_make_.back());
+    batch.folders_to_make.push_back(std::move(folders_to_make_.back()));
+    folders_to_make_.pop_back();
+  }
+  for (auto at = folders_.begin(); at != folders_.end() && cost < kLongestScript;) {
+    Folder& state = at->second;
+    Part part{at->first, state.temporary, {}, false};
+    // The words around the names; the temporary folder is removed by its name once more.
+    std::size_t part_cost = CostOf(part.folder) + 2 * CostOf(part.temporary) + 32;
+    const bool is_first = batch.parts.empty();  // gets at least one, however long its words are
+    while (!state.whole.empty() && (cost + part_cost < kLongestScript || (is_first && part.names.empty()))) {
+      part_cost += CostOf(state.whole.back()) + 2;
+      part.names.push_back(std::move(state.whole.back()));
+      state.whole.pop_back();
     }
-    first->second = std::move(rest);
-    if (Status committed = CommitSome(first->first, some, limits, failed); !committed.ok()) return committed;
-    waiting_ -= some.whole.size();
-    if (first->second.whole.empty()) folders_.erase(first);
+    waiting_ -= part.names.size();
+    part.is_last = state.whole.empty() && state.under_way == 0;
+    at = part.is_last ? folders_.erase(at) : std::next(at);
+    const bool is_used = !part.temporary.empty() && (part.is_last || !part.names.empty());
+    if (!is_used) continue;
+    cost += part_cost;
+    batch.parts.push_back(std::move(part));
+  }
+  return batch;
+}
+
+std::string Staging::ScriptOf(const Batch& batch) {
+  std::string script = "e=; ";
+  if (!batch.folders_to_make.empty()) {
+    script += "mkdir -p";
+    AppendWords(&script, batch.folders_to_make);
+    script += " || e=1; ";
+  }
+  std::string last;
+  for (const Part& part : batch.parts) {
+    if (!part.names.empty()) script += MoveScript(part.folder, part.temporary, part.names) + " || e=1; ";
+    if (part.is_last) last += " " + base::QuoteForShell(part.temporary);
+  }
+  script += "[ -z \"$e\" ]";
+  return last.empty() ? script : script + " && { rm -rf" + last + "; true; }";
+}
+
+Status Staging::Commit(const Limits& limits, const Fail& failed) {
+  do {
+    if (Status settled = Settle(limits, failed); !settled.ok()) return settled;
+    moving_ = TakeBatch();
+    if (moving_.parts.empty() && moving_.folders_to_make.empty()) return {};
+    auto script = RunningScript::Start(device_, ScriptOf(moving_), kWhat, limits);
+    if (!script.ok()) return script.TakeError();
+    script_.emplace(*std::move(script));
+  } while (waiting_ > 0 || !folders_to_make_.empty());
+  return {};
+}
+
+Status Staging::Finish(const Limits& limits, const Fail& failed) {
+  while (!folders_.empty() || !folders_to_make_.empty()) {
+    if (Status committed = Commit(limits, failed); !committed.ok()) return committed;
+  }
+  return Settle(limits, failed);
+}
+
+Status Staging::Settle(const Limits& limits, const Fail& failed) {
+  if (!script_) return {};
+  auto moved = script_->Finish(limits);
+  script_.reset();
+  if (!moved.ok()) return moved.TakeError();
+  if (moved->exit_status != 0) {
+    if (Status explained = Explain(moving_, limits, failed); !explained.ok()) return explained;
+  }
+  moving_ = {};
+  return {};
+}
+
+Status Staging::Explain(const Batch& batch, const Limits& limits, const Fail& failed) {
+  if (!batch.folders_to_make.empty()) {
+    std::string script = "mkdir -p";
+    AppendWords(&script, batch.folders_to_make);
+    auto made = CollectScript(device_, script, "make folders", limits);
+    if (!made.ok()) return made.TakeError();
+    if (made->exit_status != 0) {
+      if (Status status = failed(FromProgram(*made, "make a folder", "")); !status.ok()) return status;
+    }
+  }
+  for (const Part& part : batch.parts) {
+    if (Status status = ExplainPart(part, limits, failed); !status.ok()) return status;
   }
   return {};
 }
 
-Status Staging::CommitSome(const std::string& folder, const Folder& some, const Limits& limits,
-                           const Fail& failed) {
-  std::string script;
-  if (!some.whole.empty()) {
-    script = "mv -f";
-    for (const std::string& name : some.whole)
-      script += " " + base::QuoteForShell(Joined(some.temporary, name));
-    script += " " + base::QuoteForShell(folder == "/" ? folder : folder + "/") + " && ";
-  }
-  // Of a folder whose files are moved in several steps it fails until the last one.
-  script += "{ rmdir " + base::QuoteForShell(some.temporary) + " 2>/dev/null; true; }";
-  auto moved = CollectScript(device_, script, kWhat, limits);
-  if (!moved.ok()) return moved.TakeError();
-  if (moved->exit_status == 0) return {};
-  return ReportLeft(folder, some, moved->err.empty() ? moved->out : moved->err, limits, failed);
-}
-
-Status Staging::ReportLeft(const std::string& folder, const Folder& some, const std::string& words,
-                           const Limits& limits, const Fail& failed) {
-  std::string script;
-  for (const std::string& name : some.whole) {
-    script += "[ -e " + base::QuoteForShell(Joined(some.temporary, name)) + " ] && echo 1 || echo 0; ";
-  }
-  script += CommandLine({"rm", "-rf", some.temporary});
-  auto left = CollectScript(device_, script, kWhat, limits);
-  if (!left.ok()) return left.TakeError();
-  Collected said;
-  said.err = words;
-  said.exit_status = 1;
-  std::size_t at = 0;
+// Once more, for the words about this folder alone.
+Status Staging::ExplainPart(const Part& part, const Limits& limits, const Fail& failed) {
+  Part left = part;
+  auto names = LeftOf(left, limits);
+  if (!names.ok()) return names.TakeError();
+  left.names = *std::move(names);
   Status status;
-  ForEachLine(left->out, [&](std::string_view line) {
-    if (at >= some.whole.size()) return false;
-    const std::string path = Joined(folder, some.whole[at++]);
-    if (line == "1") status = failed(FromProgram(said, "send " + Shown(path), path));
-    return status.ok();
-  });
-  return status;
+  if (!left.names.empty()) {
+    auto moved = CollectScript(device_, MoveScript(left.folder, left.temporary, left.names), kWhat, limits);
+    if (!moved.ok()) return moved.TakeError();
+    names = LeftOf(left, limits);
+    if (!names.ok()) return names.TakeError();
+    for (const std::string& name : *names) {
+      const std::string path = Joined(part.folder, name);
+      if (status.ok()) status = failed(FromProgram(*moved, "send " + Shown(path), path));
+    }
+    left.names = *std::move(names);
+  }
+  if (left.names.empty() && !part.is_last) return status;
+  std::string script = "cd " + base::QuoteForShell(part.temporary) + " && rm -f";
+  for (const std::string& name : left.names) script += " ./" + base::QuoteForShell(name);
+  if (part.is_last) script = "rm -rf " + base::QuoteForShell(part.temporary);
+  auto removed = CollectScript(device_, script, kWhat, limits);
+  return removed.ok() ? status : removed.TakeError();
 }
 
-void Staging::RemoveLeftOvers(dk_device* device, const std::vector<std::string>& folders,
-                              const Limits& limits) {
+Result<std::vector<std::string>> Staging::LeftOf(const Part& part, const Limits& limits) {
+  std::vector<std::string> left;
+  if (part.names.empty()) return left;
+  std::string script = "cd " + base::QuoteForShell(part.temporary) + " || exit 1; for n in";
+  AppendWords(&script, part.names);
+  script += "; do [ -e \"./$n\" ] && echo 1 || echo 0; done";
+  auto answers = CollectScript(device_, script, kWhat, limits);
+  if (!answers.ok()) return answers.TakeError();
+  std::size_t at = 0;
+  ForEachLine(answers->out, [&](std::string_view line) {
+    if (at < part.names.size() && line == "1") left.push_back(part.names[at]);
+    return ++at < part.names.size();
+  });
+  return left;
+}
+
+void LeftOvers::Look(const std::vector<std::string>& folders, const Limits& limits) {
   std::string script;
+  const std::string* before = nullptr;
   for (const std::string& folder : folders) {
-    const std::string list =
-        "ls -d " + base::QuoteForShell(folder) + "/" + std::string(kTemporaryPrefix) + "*; ";
-    if (script.size() + list.size() > kLongestScript) break;
-    script += list;
+    if (before != nullptr && *before == folder) continue;
+    before = &folder;
+    if (script.size() + CostOf(folder) > kLongestScript) break;
+    script += "ls -d " + base::QuoteForShell(folder) + "/" + std::string(kTemporaryPrefix) + "*; ";
   }
-  auto listed =
-      CollectScript(device, "{ " + script + "true; } 2>/dev/null", "look for left-over files", limits);
+  auto started = RunningScript::Start(device_, "{ " + script + "true; } 2>/dev/null",
+                                      "look for left-over files", limits);
+  if (started.ok()) script_.emplace(*std::move(started));
+}
+
+void LeftOvers::Remove(const Limits& limits) {
+  if (!script_) return;
+  auto listed = script_->Finish(limits);
+  script_.reset();
   if (!listed.ok()) return;
   std::string removal;
   ForEachLine(listed->out, [&](std::string_view line) {
@@ -124,7 +235,7 @@ void Staging::RemoveLeftOvers(dk_device* device, const std::vector<std::string>&
     }
     return removal.size() < kLongestScript;
   });
-  if (!removal.empty()) static_cast<void>(CollectScript(device, removal, "remove left-over files", limits));
+  if (!removal.empty()) static_cast<void>(CollectScript(device_, removal, "remove left-over files", limits));
 }
 
 }  // namespace darokleim::client

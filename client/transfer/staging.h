@@ -1,14 +1,17 @@
 // Files on the phone that get their names when they are whole: they are sent into a temporary folder inside the folder that
-// they are for, and moved out of it a batch at a time, so that no break harms an older file.
+// they are for, and moved out of it a batch at a time, so that no break harms an older file. A batch is moved while the next
+// files are sent.
 #ifndef DAROKLEIM_CLIENT_TRANSFER_STAGING_H
 #define DAROKLEIM_CLIENT_TRANSFER_STAGING_H
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "client/context.h"
+#include "client/shell.h"
 
 namespace darokleim::client {
 
@@ -20,35 +23,75 @@ class Staging {
   Staging(const Staging&) = delete;
   Staging& operator=(const Staging&) = delete;
 
+  // A file of this folder is going to be sent. Whole() or Drop() follows.
+  void Expect(const std::string& folder) { ++folders_[folder].under_way; }
   // Where the file `name` of `folder` is to be sent; the daemon makes the folders.
   std::string PathFor(const std::string& folder, const std::string& name);
-
   // The file at PathFor() is whole.
   void Whole(const std::string& folder, const std::string& name);
-  std::size_t waiting() const { return waiting_; }
+  // It will not be sent.
+  void Drop(const std::string& folder) { --folders_[folder].under_way; }
+  // A folder that is made with the next batch.
+  void Make(std::string folder);
 
-  // Moves every whole file to its name. `failed` gets the path of each that could not be, and the phone's words; not OK from it
-  // ends the rest.
+  // Whole files that are not being moved yet, and folders that are to be made.
+  std::size_t waiting() const { return waiting_ + folders_to_make_.size(); }
+
+  // Begins to move every whole file to its name, after the batch before. `failed` gets the path of each that could not be moved,
+  // and the phone's words; not OK from it ends the rest.
   using Fail = std::function<Status(Error)>;
   Status Commit(const Limits& limits, const Fail& failed);
-
-  // Removes temporary folders in `folders` that a process of this computer left when it was killed.
-  static void RemoveLeftOvers(dk_device* device, const std::vector<std::string>& folders,
-                              const Limits& limits);
+  // The same, to the end; the temporary folders are then gone.
+  Status Finish(const Limits& limits, const Fail& failed);
 
  private:
   struct Folder {
     std::string temporary;
     std::vector<std::string> whole;
+    std::size_t under_way = 0;
+  };
+  // Files of one folder, all that are left of it where it is the last.
+  struct Part {
+    std::string folder, temporary;
+    std::vector<std::string> names;
+    bool is_last = false;
+  };
+  struct Batch {
+    std::vector<std::string> folders_to_make;
+    std::vector<Part> parts;
   };
 
-  Status CommitSome(const std::string& folder, const Folder& some, const Limits& limits, const Fail& failed);
-  Status ReportLeft(const std::string& folder, const Folder& some, const std::string& words,
-                    const Limits& limits, const Fail& failed);
+  Batch TakeBatch();
+  static std::string ScriptOf(const Batch& batch);
+  // Waits for the batch that is being moved.
+  Status Settle(const Limits& limits, const Fail& failed);
+  // What of the batch failed, and why.
+  Status Explain(const Batch& batch, const Limits& limits, const Fail& failed);
+  Status ExplainPart(const Part& part, const Limits& limits, const Fail& failed);
+  // Those of the names that are still in the temporary folder.
+  Result<std::vector<std::string>> LeftOf(const Part& part, const Limits& limits);
 
   dk_device* const device_;
   std::map<std::string, Folder> folders_;
+  std::vector<std::string> folders_to_make_;
   std::size_t waiting_ = 0;
+  Batch moving_;  // by the script
+  std::optional<RunningScript> script_;
+};
+
+// Temporary folders in the target folders of a transfer that a process of this computer left when it was killed. They are looked
+// for while the transfer begins.
+class LeftOvers {
+ public:
+  explicit LeftOvers(dk_device* device) : device_(device) {}
+
+  void Look(const std::vector<std::string>& folders, const Limits& limits);
+  // Waits for what was found and removes it.
+  void Remove(const Limits& limits);
+
+ private:
+  dk_device* const device_;
+  std::optional<RunningScript> script_;
 };
 
 }  // namespace darokleim::client

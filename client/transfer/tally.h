@@ -24,6 +24,8 @@ class Tally {
     ++progress_.files_total;
   }
 
+  std::uint64_t expected_bytes() const { return progress_.bytes_total; }
+
   // A file is begun; its path must live until the next one.
   void Begin(const char* path, std::uint64_t size);
   // The caller is asked before each block; DK_STOPPED when it does not want to go on.

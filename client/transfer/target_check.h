@@ -3,6 +3,7 @@
 #define DAROKLEIM_CLIENT_TRANSFER_TARGET_CHECK_H
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -28,13 +29,18 @@ class TargetCheck {
  public:
   TargetCheck(dk_device* device, const Limits& limits) : device_(device), limits_(limits) {}
 
-  // In the order of the paths. What cannot be looked at counts as not there: writing it will say why.
+  // In the order of the paths. In folders that are missing nothing is looked for. What cannot be looked at counts as not there: writing it will say why.
   Result<std::vector<Existing>> Look(const std::vector<std::string>& paths);
 
  private:
+  Result<std::vector<adb::FileStatus>> StatusOf(const std::vector<std::string>& paths);
+  // Learns whether the folders of the paths are there.
+  Status LookAtFolders(const std::vector<std::string>& paths);
+
   dk_device* const device_;
   const Limits& limits_;
   std::optional<Sync> sync_;
+  std::map<std::string, bool> folders_;  // those looked at last, and whether they are there
 };
 
 }  // namespace darokleim::client

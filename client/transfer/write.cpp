@@ -32,6 +32,7 @@ Status WriteFrom(dk_device* device, const std::string& path, std::uint32_t mode,
   auto sync = OpenSync(device, what, limits);
   if (!sync.ok()) return sync.TakeError();
   adb::SyncConnection& connection = sync->connection;
+  staging.Expect(folder);
   adb::Status sent =
       connection.BeginSend(staging.PathFor(folder, name), kRegularFile | (mode & 0777), limits);
   std::vector<char> block(kBlock);
@@ -48,7 +49,7 @@ Status WriteFrom(dk_device* device, const std::string& path, std::uint32_t mode,
   if (sent.ok()) sent = connection.AwaitSends(0, limits);
   if (!sent.ok()) return SyncError(device, sent.error(), what, path);
   staging.Whole(folder, name);
-  return staging.Commit(limits, [](Error error) -> Status { return error; });
+  return staging.Finish(limits, [](Error error) -> Status { return error; });
 }
 
 }  // namespace

@@ -155,6 +155,32 @@ TEST_P(Transfers, OneBadFileKeepsNoOtherUp) {
   ExpectNoTemporaryFiles("/sdcard/many");
 }
 
+TEST_P(Transfers, AFileThatCannotGetItsNameKeepsNoOtherFromIts) {
+  fs::create_directories(Host("tree/sub"));
+  for (const char* name : {"a", "it's", "-rf", "sub/a"}) WriteFile(Host("tree/") + name, "new");
+  Calls calls;
+  auto options = Options(&calls, DK_REPLACE);
+  struct Both {
+    Calls* calls;
+    const dk::Device* phone;
+  } both = {&calls, &phone()};
+  options.user = &both;
+  // In its place is a folder since the targets were looked at.
+  options.on_progress = [](void* user, const dk_progress*) {
+    static_cast<Both*>(user)->phone->run_script("mkdir -p \"/sdcard/tree/it's/x\"").value();
+    return true;
+  };
+  options.on_error = [](void* user, const dk_error* error) {
+    static_cast<Both*>(user)->calls->paths.emplace_back(dk_error_path(error));
+    return true;
+  };
+  EXPECT_EQ(phone().push({{Host("tree"), "/sdcard/tree"}}, options).code(), DK_PARTLY_DONE);
+  EXPECT_EQ(calls.paths, std::vector<std::string>{"/sdcard/tree/it's"});
+  EXPECT_EQ(Shell("cat /sdcard/tree/a /sdcard/tree/-rf /sdcard/tree/sub/a"), "newnewnew");
+  EXPECT_EQ(Shell("ls \"/sdcard/tree/it's\""), "x\n");
+  ExpectNoTemporaryFiles("/sdcard/tree");
+}
+
 TEST_P(Transfers, ACancelInTheMiddleHarmsNoOlderFile) {
   WriteFile(Host("large"), std::string(20 << 20, 'x'));
   Shell("mkdir -p /sdcard/t; echo old > /sdcard/t/large");
