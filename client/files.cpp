@@ -2,6 +2,7 @@
 #include "client/files.h"
 
 #include <algorithm>
+#include <charconv>
 #include <memory>
 #include <optional>
 #include <string>
@@ -82,6 +83,20 @@ Result<std::optional<std::string>> RealPath(dk_device* device, const std::string
 
 namespace {
 
+// The whole size of a file whose size came in 32 bits, as the phone's own program says it. Nothing on phones without the program.
+Result<std::optional<std::uint64_t>> SizeByShell(dk_device* device, const std::string& path,
+                                                 std::string_view what, const Limits& limits) {
+  auto printed = CollectScript(device, CommandLine({"stat", "-L", "-c", "%s", path}), what, limits);
+  if (!printed.ok()) return printed.TakeError();
+  std::uint64_t size = 0;
+  const char* const begin = printed->out.data();
+  const char* const end = begin + printed->out.size();
+  const auto [parsed, error] = std::from_chars(begin, end, size);
+  const bool is_number = printed->exit_status == 0 && error == std::errc() && parsed != end &&
+                         (*parsed == '\r' || *parsed == '\n');
+  return is_number ? std::optional(size) : std::nullopt;
+}
+
 Status Stat(dk_device* device, const std::string& path, dk_follow follow, dk_entry** made,
             const Limits& limits) {
   const std::string what = "look at " + Shown(path);
@@ -94,9 +109,15 @@ Status Stat(dk_device* device, const std::string& path, dk_follow follow, dk_ent
   owned->name = std::string(NameOf(path));
   owned->entry = EntryOf(*status, owned->path, owned->name.c_str());
   if (owned->entry.type == DK_FILE && !status->second_form) {
-    auto large = LargeFiles::Query(device, ParentOf(path), false, what, limits);
-    if (!large.ok()) return large.TakeError();
-    owned->entry.size_known = !large->Has(owned->name);
+    auto size = SizeByShell(device, path, what, limits);
+    if (!size.ok()) return size.TakeError();
+    if (*size) {
+      owned->entry.size = **size;
+    } else {
+      auto large = LargeFiles::Query(device, ParentOf(path), false, what, limits);
+      if (!large.ok()) return large.TakeError();
+      owned->entry.size_known = !large->Has(owned->name);
+    }
   }
   if (owned->entry.type == DK_LINK) {
     auto target = ReadLink(device, path, "", what, limits);
