@@ -646,7 +646,7 @@ class Device {
   /// @param[in] folder,limits As there.
   /// @param[in] on_entry bool(const dk_entry&), as entries arrive; false ends the listing with ::DK_STOPPED.
   /// @return Nothing, or the error.
-  template <typename OnEntry>
+  template <typename OnEntry, typename = std::enable_if_t<std::is_invocable_v<OnEntry&, const dk_entry&>>>
   Result<void> list(const std::string& folder, OnEntry&& on_entry, const Limits& limits = {}) const {
     auto guarded = detail::Guard(std::forward<OnEntry>(on_entry));
     const detail::Call call(limits);

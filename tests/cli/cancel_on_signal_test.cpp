@@ -35,7 +35,7 @@ class CancelTest : public ToolTest {
 
   void ExpectCancelledBy(int signal) const {
     MakeHangingAdb();
-    const auto tool = Start({"devices"});
+    const auto tool = Start({"-s", "A", "info", "model"});
     const pid_t adb = WaitForAdb();
     ASSERT_GT(adb, 0);
     const auto start = steady_clock::now();
@@ -60,8 +60,8 @@ TEST_F(CancelTest, TheEndOfTheTerminalDoesTheSame) {
 }
 
 TEST_F(CancelTest, ASignalThatIsIgnoredStaysIgnored) {
-  MakeAdb("kill -INT $PPID; kill -HUP $PPID\n" + std::string(kTwoDevices));
-  const auto outcome = RunShell("trap '' INT HUP; exec \"$TOOL\" devices");
+  MakeAdb("kill -INT $PPID; kill -HUP $PPID\n" + std::string(kModel));
+  const auto outcome = RunShell("trap '' INT HUP; exec \"$TOOL\" -s A info model");
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.errors, "");
 }
@@ -122,11 +122,12 @@ TEST_F(CancelTest, CtrlCEndsACompletion) {
 
 TEST_F(CancelTest, ATimeLimitEndsAdbAndTheTool) {
   MakeHangingAdb();
-  const auto tool = Start({"--timeout", "1", "devices"});
+  const auto tool = Start({"--timeout", "1", "-s", "A", "info", "model"});
   const pid_t adb = WaitForAdb();
   const auto outcome = tool->Finish();
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(outcome.errors, "darokleim: cannot list devices: not done within 1 s, the limit of --timeout.\n");
+  EXPECT_EQ(outcome.errors,
+            "darokleim: cannot read \"Model\": not done within 1 s, the limit of --timeout.\n");
   EXPECT_TRUE(IsGone(adb));
 }
 

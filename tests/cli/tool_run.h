@@ -57,6 +57,9 @@ inline constexpr char kTwoDevices[] = R"(
 printf 'List of devices attached\n0123456789ABCDEF\tdevice\nFEDCBA98\tunauthorized\n\n'
 )";
 
+// An adb whose device answers every question.
+inline constexpr char kModel[] = "echo Pixel\n";
+
 }  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TESTS_CLI_TOOL_RUN_H

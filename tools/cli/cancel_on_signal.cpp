@@ -3,6 +3,7 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <poll.h>
+#include <pthread.h>
 #include <signal.h>
 #include <unistd.h>
 
@@ -25,6 +26,8 @@ constexpr Milliseconds kBetweenKills = 20;
 constexpr Milliseconds kUntilSigkill = 1000;  // adb ends at SIGTERM
 constexpr Milliseconds kLongestCleanUp = 5000;
 constexpr Milliseconds kUntilTheEnd = 500;  // after the second signal
+constexpr Milliseconds kLongestEnd = 950;   // after the first one, where EndWithinASecond was called
+constexpr int kInterruption = SIGURG;       // by default it is ignored, so it harms nobody
 
 // Read by the library through pointers to plain bool, so written with atomic built-ins.
 bool cancel_flag = false;
@@ -34,6 +37,10 @@ std::atomic<int> signals{0};
 std::atomic<int> last_signal{0};
 std::atomic<bool> timed_out{false};
 std::atomic<int> calls_without_flag{0};
+std::atomic<bool> ends_within_a_second{false};
+// Never freed: a signal may come at any time.
+const dk::Cancel* token = nullptr;
+pthread_t main_thread;
 std::atomic<Milliseconds> time_limit{kNever};
 std::atomic<Milliseconds> clean_up_limit{kNever};
 int wake_up[2] = {-1, -1};  // a pipe that ends the watcher's waiting
@@ -57,10 +64,13 @@ void WakeWatcher() {
 
 extern "C" void OnSignal(int number) {
   Set(&cancel_flag);
+  token->set();
   last_signal = number;
   ++signals;
   WakeWatcher();
 }
+
+extern "C" void OnInterruption(int) {}
 
 // Waits on a thread of its own for what has to be done outside a signal handler.
 class Watcher {
@@ -69,6 +79,9 @@ class Watcher {
     for (;;) {
       Wait();
       CheckLimits();
+      // A system call that began just after the signal would wait for ever.
+      if (IsCancelled()) pthread_kill(main_thread, kInterruption);
+      if (signals > 0 && ends_within_a_second) EndSoon();
       if (signals > 1) EndAll();
       if (IsCancelled() && calls_without_flag > 0) EndAdb();
     }
@@ -76,9 +89,8 @@ class Watcher {
 
  private:
   void Wait() const {
-    const bool ticks = IsCancelled() && (calls_without_flag > 0 || signals > 1);
-    const Milliseconds next =
-        std::min(ticks ? Now() + kBetweenKills : kNever, std::min<Milliseconds>(time_limit, clean_up_limit));
+    const Milliseconds next = std::min(IsCancelled() ? Now() + kBetweenKills : kNever,
+                                       std::min<Milliseconds>(time_limit, clean_up_limit));
     const Milliseconds wait = next == kNever ? -1 : std::clamp<Milliseconds>(next - Now(), 0, 1 << 30);
     pollfd input{wake_up[0], POLLIN, 0};
     if (poll(&input, 1, static_cast<int>(wait)) <= 0) return;
@@ -104,6 +116,13 @@ class Watcher {
     SignalChildren(Now() - first_kill_ < kUntilSigkill ? SIGTERM : SIGKILL);
   }
 
+  void EndSoon() {
+    if (first_signal_ == kNever) first_signal_ = Now();
+    if (Now() - first_signal_ < kLongestEnd) return;
+    SignalChildren(SIGKILL);
+    _exit(kExitCancelled);
+  }
+
   // The tool ends by itself unless a clean-up ignores its flag.
   void EndAll() {
     Set(&clean_up_flag);
@@ -114,6 +133,7 @@ class Watcher {
     kill(getpid(), last_signal);
   }
 
+  Milliseconds first_signal_ = kNever;
   Milliseconds first_kill_ = kNever;
   Milliseconds end_ = kNever;
 };
@@ -130,6 +150,11 @@ void StartWatcher() {
 }  // namespace
 
 void CancelOnSignals() {
+  token = new dk::Cancel;
+  main_thread = pthread_self();
+  struct sigaction interruption {};
+  interruption.sa_handler = OnInterruption;
+  sigaction(kInterruption, &interruption, nullptr);
   StartWatcher();
   for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
     struct sigaction action {};
@@ -141,8 +166,29 @@ void CancelOnSignals() {
   }
 }
 
-void CancelAfter(int seconds) {
-  time_limit = Now() + Milliseconds{1000} * seconds;
+const dk::Cancel& CancelToken() {
+  return *token;
+}
+
+void EndWithinASecond() {
+  ends_within_a_second = true;
+  WakeWatcher();
+}
+
+void CheckCancelled() {
+  if (HasTimedOut()) throw ToolError("not done within the limit of --timeout.");
+  if (IsCancelled()) throw Cancelled();
+}
+
+void WaitUntilCancelled() {
+  for (;;) {
+    CheckCancelled();
+    poll(nullptr, 0, -1);
+  }
+}
+
+void CancelAfter(std::chrono::milliseconds time) {
+  time_limit = Now() + time.count();
   WakeWatcher();
 }
 

@@ -3,6 +3,9 @@
 #ifndef DAROKLEIM_TOOLS_CLI_CANCEL_ON_SIGNAL_H
 #define DAROKLEIM_TOOLS_CLI_CANCEL_ON_SIGNAL_H
 
+#include <chrono>
+#include <darokleim/client.hpp>
+
 namespace darokleim::cli {
 
 // From now on Ctrl-C, a terminate signal and the end of the terminal set the cancel flag. The second one ends the
@@ -10,8 +13,20 @@ namespace darokleim::cli {
 // by nohup, stays ignored.
 void CancelOnSignals();
 
-// Sets the cancel flag after so many seconds.
-void CancelAfter(int seconds);
+// The token for the client's calls. A signal sets it; their limit in time is a parameter of their own.
+const dk::Cancel& CancelToken();
+
+// From now on the process ends within a second of the first signal: what is not cleaned up by then, the next run of the
+// tool removes.
+void EndWithinASecond();
+
+// Waits until a signal comes or the time is over, and then throws.
+[[noreturn]] void WaitUntilCancelled();
+// Throws Cancelled after a signal, and ToolError when the time is over.
+void CheckCancelled();
+
+// Sets the cancel flag after this time.
+void CancelAfter(std::chrono::milliseconds time);
 
 // The flag for the library's calls.
 const bool* CancelFlag();

@@ -8,7 +8,13 @@
 
 namespace darokleim::cli {
 
-enum ExitStatus : int { kExitOk = 0, kExitFailed = 1, kExitUsage = 2, kExitCancelled = 130 };
+enum ExitStatus : int {
+  kExitOk = 0,
+  kExitFailed = 1,
+  kExitUsage = 2,
+  kExitNoDevice = 3,
+  kExitCancelled = 130
+};
 
 // The message is for people: what could not be done, why, and what helps.
 class ToolError : public std::runtime_error {
@@ -18,6 +24,12 @@ class ToolError : public std::runtime_error {
 
 // The command line is wrong; the message says where.
 class UsageError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// No device can be used: none is attached, or none of them is ready. The message says why.
+class NoDeviceError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };

@@ -52,7 +52,7 @@ TEST_F(CompletionTest, OffersOptionsOfTheCommandAndOfTheTool) {
               IsSupersetOf({"--json", "--help", "--serial", "--adb", "--quiet"}));
   EXPECT_THAT(Complete({"devices", "--js"}), ElementsAre("--json"));
   EXPECT_THAT(Complete({"--ver"}), ElementsAre("--version"));
-  EXPECT_THAT(Complete({"app", "list", "--p"}), ElementsAre("--paths"));
+  EXPECT_THAT(Complete({"app", "list", "--pa"}), ElementsAre("--paths"));
 }
 
 TEST_F(CompletionTest, OffersFilesOfThisComputerForHostPaths) {

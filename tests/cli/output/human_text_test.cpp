@@ -35,10 +35,12 @@ TEST(TimeTexts, AreInTheComputersZoneAndInUtc) {
   tzset();
   EXPECT_EQ(LocalTimeText(1577810448), "2019-12-31 18:40:48");
   EXPECT_EQ(UtcTimeText(1577810448), "2019-12-31T16:40:48Z");
+  EXPECT_EQ(TimeText(-1, true), "1969-12-31T23:59:59Z");
+  EXPECT_EQ(TimeText(1577810448, false), "2019-12-31 18:40:48");
 }
 
 TEST(TimeTexts, OfNoTimeAreTheNumber) {
-  EXPECT_EQ(UtcTimeText(UINT64_MAX), "18446744073709551615");
+  EXPECT_EQ(UtcTimeText(INT64_MAX), "9223372036854775807");
 }
 
 }  // namespace

@@ -38,7 +38,7 @@ TEST_P(TerminalTest, FoldersAreColoured) {
   EXPECT_THAT(OnTerminal({"ls", "/sdcard/test"}).output, EndsWith("folder/\r\n"));
   EXPECT_THAT(OnTerminal({"ls", "/sdcard/test"}).output, Not(HasSubstr("\x1b[1;34m")));
   Set("NO_COLOR", "");
-  EXPECT_EQ(Succeed({"ls", "/sdcard/test"}), "folder/\n");
+  EXPECT_EQ(Succeed({"ls", "/sdcard/test"}), "folder\n");
 }
 
 TEST_P(TerminalTest, ALongPushShowsHowFarItIs) {

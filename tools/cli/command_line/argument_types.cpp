@@ -76,6 +76,21 @@ Serial Serial::Parse(const std::string& word) {
   return {word};
 }
 
+Seconds Seconds::Parse(const std::string& word) {
+  constexpr int kMost = 86400;  // a day
+  constexpr std::size_t kDecimals = 3;
+  const auto point = word.find('.');
+  const std::string whole = word.substr(0, point);
+  std::string decimals = point == std::string::npos ? "" : word.substr(point + 1);
+  const bool is_number = IsNumber(whole) && (point == std::string::npos || IsNumber(decimals));
+  decimals.resize(kDecimals, '0');
+  if (is_number) {
+    const std::chrono::milliseconds value(std::stoll(whole) * 1000 + std::stoll(decimals));
+    if (value.count() > 0 && value <= std::chrono::seconds(kMost)) return {value};
+  }
+  throw UsageError(InQuotes(word) + " is not a number of seconds, 0.001 to 86400.");
+}
+
 Port Port::Parse(const std::string& word) {
   constexpr int kLast = 65535;
   const bool is_port = IsNumber(word) && std::stoi(word) >= 1 && std::stoi(word) <= kLast;

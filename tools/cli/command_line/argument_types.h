@@ -3,6 +3,7 @@
 #ifndef DAROKLEIM_TOOLS_CLI_COMMAND_LINE_ARGUMENT_TYPES_H
 #define DAROKLEIM_TOOLS_CLI_COMMAND_LINE_ARGUMENT_TYPES_H
 
+#include <chrono>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -59,6 +60,13 @@ struct Serial {
   static constexpr ValueKind kKind = ValueKind::kSerial;
   static Serial Parse(const std::string& word);
   std::string text;
+};
+
+// A duration; decimals are allowed: "0.5".
+struct Seconds {
+  static constexpr ValueKind kKind = ValueKind::kNumber;
+  static Seconds Parse(const std::string& word);
+  std::chrono::milliseconds value{0};
 };
 
 // A TCP port, 1 to 65535, in digits.

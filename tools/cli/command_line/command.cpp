@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "tools/cli/command_line/suggestion.h"
 #include "tools/cli/errors.h"
 
 namespace darokleim::cli {
@@ -58,6 +59,11 @@ Argument& Argument::SeveralWords() {
   return *this;
 }
 
+Argument& Argument::TakesTheRest() {
+  takes_the_rest_ = true;
+  return *this;
+}
+
 Argument& Argument::Excludes(const Argument& other) {
   excluded_.push_back(&other);
   return *this;
@@ -77,7 +83,7 @@ void Argument::CheckAllowed(const std::string& word) const {
   if (!values_.empty() && std::find(values_.begin(), values_.end(), word) == values_.end()) {
     std::string list;
     for (const auto& value : values_) list += (list.empty() ? "" : ", ") + value;
-    throw UsageError("\"" + word + "\" is not one of: " + list + ".");
+    throw UsageError("\"" + word + "\" is not one of: " + list + "." + Suggestion(word, values_));
   }
   if (range_.second == 0) return;
   const int number = ParsedAs<int>::Parse(word);
@@ -107,6 +113,10 @@ Argument& Command::JsonFlag(bool& json, const std::string& what) {
   return Flag("--json", json, "Print " + what);
 }
 
+Argument& Command::UtcFlag(bool& utc) {
+  return Flag("--utc", utc, "Show times in UTC instead of this computer's time zone");
+}
+
 Argument& Command::VersionFlag() {
   return Add(Argument::Form::kVersion, "--version", {}, "Print the version and exit");
 }
@@ -132,6 +142,14 @@ Command& Command::Hide() {
   return *this;
 }
 
+std::vector<std::string> Command::Subcommands() const {
+  std::vector<std::string> names;
+  for (const auto& subcommand : subcommands_) {
+    if (!subcommand->is_hidden()) names.push_back(subcommand->name());
+  }
+  return names;
+}
+
 std::vector<const Argument*> Command::Positionals() const {
   std::vector<const Argument*> positionals;
   for (const auto& argument : arguments_) {
@@ -146,6 +164,17 @@ std::vector<const Argument*> Command::Options() const {
     if (!argument->is_positional()) options.push_back(argument.get());
   }
   return options;
+}
+
+std::string Command::FullName() const {
+  return parent_ == nullptr ? name_ : parent_->FullName() + " " + name_;
+}
+
+const Command* Command::Find(const std::string& word) const {
+  for (const auto& subcommand : subcommands_) {
+    if (subcommand->IsCalled(word)) return subcommand.get();
+  }
+  return nullptr;
 }
 
 bool Command::IsCalled(const std::string& word) const {

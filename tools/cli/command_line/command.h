@@ -35,6 +35,8 @@ class Argument {
   Argument& Default(std::string text);
   // One occurrence of the option takes every word up to the next option.
   Argument& SeveralWords();
+  // From its first word on, every word is one of its words, whatever it looks like.
+  Argument& TakesTheRest();
   Argument& Excludes(const Argument& other);
   Argument& Needs(const Argument& other);
 
@@ -57,6 +59,7 @@ class Argument {
   bool is_repeatable() const { return binding_.takes_several; }
   bool takes_several_words() const { return is_positional() ? is_repeatable() : several_words_; }
   int least_words() const { return least_words_; }
+  bool takes_the_rest() const { return takes_the_rest_; }
   const std::vector<const Argument*>& excluded() const { return excluded_; }
   const std::vector<const Argument*>& needed() const { return needed_; }
 
@@ -75,6 +78,7 @@ class Argument {
   std::pair<int, int> range_{0, 0};  // both 0: any number
   int least_words_ = 0;
   bool several_words_ = false;
+  bool takes_the_rest_ = false;
   std::vector<const Argument*> excluded_, needed_;
 };
 
@@ -108,6 +112,8 @@ class Command {
   Argument& Flag(const char* names, bool& value, std::string help);
   // --json; `what` describes the document.
   Argument& JsonFlag(bool& json, const std::string& what);
+  // --utc
+  Argument& UtcFlag(bool& utc);
   // --version, which prints what ParseCommandLine was given for it.
   Argument& VersionFlag();
   // PACKAGE, required.
@@ -121,6 +127,8 @@ class Command {
   void OnRun(std::function<void(Tool&)> action) { action_ = std::move(action); }
 
   const std::string& name() const { return name_; }
+  // With the names of the commands around it: "darokleim app list".
+  std::string FullName() const;
   const std::string& description() const { return description_; }
   const std::string& footer() const { return footer_; }
   const std::vector<std::string>& aliases() const { return aliases_; }
@@ -128,11 +136,15 @@ class Command {
   const Command* parent() const { return parent_; }
   const std::vector<std::unique_ptr<Command>>& subcommands() const { return subcommands_; }
   const std::vector<std::unique_ptr<Argument>>& arguments() const { return arguments_; }
+  // The names of the subcommands that help lists.
+  std::vector<std::string> Subcommands() const;
   std::vector<const Argument*> Positionals() const;
   std::vector<const Argument*> Options() const;  // flags included
   // Whether the word names this command.
   bool IsCalled(const std::string& word) const;
   bool has_action() const { return action_ != nullptr; }
+  // The subcommand of that name; null when there is none.
+  const Command* Find(const std::string& word) const;
   void Run(Tool& tool) const { action_(tool); }
 
  private:

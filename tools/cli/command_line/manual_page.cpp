@@ -84,11 +84,6 @@ std::string Entries(const Command& command) {
   return text;
 }
 
-// With the names of the commands around it.
-std::string FullName(const Command& command) {
-  return command.parent() == nullptr ? command.name() : FullName(*command.parent()) + " " + command.name();
-}
-
 std::string Usage(const Command& command) {
   std::string arguments;
   if (!command.Options().empty()) arguments += " [option ...]";
@@ -98,7 +93,7 @@ std::string Usage(const Command& command) {
   }
   if (!command.subcommands().empty()) arguments += " COMMAND";
   if (!arguments.empty()) arguments.erase(0, 1);
-  return ".B " + RoffLine(FullName(command)) + "\n" + RoffLine(arguments) + "\n";
+  return ".B " + RoffLine(command.FullName()) + "\n" + RoffLine(arguments) + "\n";
 }
 
 std::string Aliases(const Command& command) {
@@ -108,7 +103,7 @@ std::string Aliases(const Command& command) {
 }
 
 std::string Section(const Command& command) {
-  const std::string full_name = FullName(command);
+  const std::string full_name = command.FullName();
   std::string text = ".SS " + RoffLine(full_name.substr(full_name.find(' ') + 1)) + "\n" + Usage(command) +
                      ".PP\n" + RoffLine(command.description() + "." + Aliases(command)) + "\n" +
                      Entries(command);

@@ -1,192 +1,203 @@
-// The only file that knows CLI11: its headers cost seconds of compile time.
 #include "tools/cli/command_line/parse.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
-#include <utility>
+#include <map>
+#include <string_view>
 #include <vector>
 
+#include "tools/cli/command_line/help.h"
+#include "tools/cli/command_line/suggestion.h"
 #include "tools/cli/errors.h"
 
 namespace darokleim::cli {
 namespace {
 
-using Options = std::vector<std::pair<const Argument*, CLI::Option*>>;
+using Words = std::vector<std::string>;
 
-// Positional arguments are shown as the model has them: CLI11 does not know of those after one that takes any number.
-class HelpFormatter : public CLI::Formatter {
- public:
-  explicit HelpFormatter(const Options& options) : options_(options) {}
+bool IsAnOption(const std::string& word) {
+  return word.size() > 1 && word.front() == '-';
+}
 
-  std::string make_option_usage(const CLI::Option* option) const override {
-    for (const auto& [argument, candidate] : options_) {
-      if (candidate == option) return Usage(*argument);
+const Argument* FindNamed(const Command* command, const std::string& name, bool is_long) {
+  for (; command != nullptr; command = command->parent()) {
+    for (const auto* option : command->Options()) {
+      const auto& names = is_long ? option->long_names() : option->short_names();
+      if (std::find(names.begin(), names.end(), name) != names.end()) return option;
     }
-    return Formatter::make_option_usage(option);
   }
+  return nullptr;
+}
 
-  std::string make_option_opts(const CLI::Option* option) const override {
-    if (!option->get_positional()) return Formatter::make_option_opts(option);
-    return option->get_expected_max() > 1 ? " ..." : "";
+// The long options that may be given with the command.
+Words LongOptions(const Command* command) {
+  Words names = {"--help"};
+  for (; command != nullptr; command = command->parent()) {
+    for (const auto* option : command->Options()) {
+      for (const auto& name : option->long_names()) names.push_back("--" + name);
+    }
   }
-
- private:
-  static std::string Usage(const Argument& argument) {
-    const std::string name = argument.DisplayName() + (argument.takes_several_words() ? "..." : "");
-    return argument.is_required() ? name : "[" + name + "]";
-  }
-
-  const Options& options_;
-};
+  return names;
+}
 
 class Parser {
  public:
-  Parser(const Command& root, const std::string& version)
-      : version_(version), app_(root.description(), root.name()) {
-    app_.formatter(std::make_shared<HelpFormatter>(options_));
-    app_.fallthrough();  // to the options of the commands around it
-    Add(root, app_);
-  }
+  Parser(const Command& root, const std::string& version) : version_(version), command_(&root) {}
 
-  ParsedLine Parse(int argc, const char* const* argv) try {
-    app_.parse(argc, argv);
-    const Command& command = Chosen();
-    for (const Command* bound = &command; bound != nullptr; bound = bound->parent()) Bind(*bound);
-    return {"", &command};
-  } catch (const CLI::CallForHelp&) {
-    return {app_.help(), nullptr};
-  } catch (const CLI::CallForVersion& version) {
-    return {std::string(version.what()) + "\n", nullptr};
-  } catch (const CLI::ParseError& error) {
-    throw UsageError(error.what());
+  ParsedLine Parse(Words words) try {
+    for (next_ = words.begin(), end_ = words.end(); next_ != end_ && text_.empty();) Take(*next_++);
+    if (!text_.empty()) return {text_, nullptr};
+    if (!command_->subcommands().empty() && !command_->has_action()) return WithoutCommand();
+    Check();
+    for (const auto& [argument, values] : values_) Give(*argument, values);
+    GivePositionals();
+    return {"", command_};
+  } catch (const UsageError& error) {
+    throw UsageError(std::string(error.what()) + "\n" + HelpHint(*command_));
   }
 
  private:
-  void Add(const Command& command, CLI::App& app) {
-    apps_.emplace_back(&command, &app);
-    app.footer(command.footer());
-    for (const auto& name : command.aliases()) app.alias(name);
-    if (command.is_hidden()) app.group("");
-    for (const auto& argument : command.arguments()) Add(*argument, app);
-    JoinPositionals(command.Positionals());
-    for (const auto& argument : command.arguments()) Relate(*argument);
-    // None is reported by Chosen, after what is not known.
-    if (!command.subcommands().empty()) app.require_subcommand(0, 1);
-    for (const auto& subcommand : command.subcommands()) {
-      Add(*subcommand, *app.add_subcommand(subcommand->name(), subcommand->description()));
+  void Take(const std::string& word) {
+    if (only_words_ || !IsAnOption(word)) {
+      TakeWord(word);
+    } else if (word == "--") {
+      only_words_ = true;
+    } else if (word == "--help" || word == "-h") {
+      text_ = HelpText(*command_);
+    } else if (word.substr(0, 2) == "--") {
+      TakeLong(word);
+    } else {
+      TakeShort(word);
     }
   }
 
-  static std::string Names(const Argument& argument) {
-    if (argument.is_positional()) return argument.long_names().front();
+  void TakeWord(const std::string& word) {
+    if (command_->subcommands().empty()) {
+      positionals_.push_back(word);
+      const auto positionals = command_->Positionals();
+      only_words_ = only_words_ || (!positionals.empty() && positionals.front()->takes_the_rest());
+      return;
+    }
+    const Command* const subcommand = command_->Find(word);
+    if (subcommand == nullptr) {
+      throw UsageError("\"" + word + "\" is not a command." + Suggestion(word, command_->Subcommands()));
+    }
+    command_ = subcommand;
+  }
+
+  void TakeLong(const std::string& word) {
+    const std::size_t equals = word.find('=');
+    const std::string name = word.substr(0, equals);
+    const Argument* const option = FindNamed(command_, name.substr(2), true);
+    if (option == nullptr) {
+      throw UsageError(name + " is not an option." + Suggestion(name, LongOptions(command_)));
+    }
+    if (equals == std::string::npos) return TakeOption(*option, name);
+    if (!option->takes_value()) throw UsageError(name + " takes no value.");
+    values_[option].push_back(word.substr(equals + 1));
+  }
+
+  // Several flags may share a hyphen; the value of an option may follow its letter.
+  void TakeShort(const std::string& word) {
+    for (std::size_t i = 1; i < word.size(); ++i) {
+      const Argument* const option = FindNamed(command_, word.substr(i, 1), false);
+      if (option == nullptr) {
+        const bool may_be_long = word.size() > 2;
+        throw UsageError("-" + word.substr(i, 1) + " is not an option." +
+                         (may_be_long ? Suggestion("-" + word, LongOptions(command_)) : ""));
+      }
+      if (option->takes_value() && i + 1 < word.size()) {
+        values_[option].push_back(word.substr(i + 1));
+        return;
+      }
+      TakeOption(*option, "-" + word.substr(i, 1));
+    }
+  }
+
+  void TakeOption(const Argument& option, const std::string& name) {
+    if (option.is_version()) {
+      text_ = version_ + "\n";
+      return;
+    }
+    Words& values = values_[&option];
+    if (!option.takes_value()) return;
+    if (next_ == end_) throw UsageError(name + " needs a value, " + option.value_name() + ".");
+    values.push_back(*next_++);
+    while (option.takes_several_words() && next_ != end_ && !IsAnOption(*next_)) values.push_back(*next_++);
+  }
+
+  ParsedLine WithoutCommand() const {
+    if (command_->parent() == nullptr) return {HelpText(*command_), nullptr};
     std::string names;
-    for (const auto& name : argument.short_names()) names += (names.empty() ? "-" : ",-") + name;
-    for (const auto& name : argument.long_names()) names += (names.empty() ? "--" : ",--") + name;
-    return names;
+    for (const auto& name : command_->Subcommands()) names += (names.empty() ? "" : ", ") + name;
+    throw UsageError(command_->FullName() + " needs a command: " + names + ".");
   }
 
-  // The values are bound at the end, when the whole line is known to be right.
-  void Add(const Argument& argument, CLI::App& app) {
-    if (argument.is_version()) {
-      app.set_version_flag(Names(argument), version_, argument.help());
-      return;
+  void Check() const {
+    for (const auto& [argument, values] : values_) {
+      for (const auto* other : argument->excluded()) {
+        if (values_.count(other) != 0) {
+          throw UsageError(argument->DisplayName() + " and " + other->DisplayName() + " exclude each other.");
+        }
+      }
+      for (const auto* other : argument->needed()) {
+        if (values_.count(other) == 0) {
+          throw UsageError(argument->DisplayName() + " needs " + other->DisplayName() + ".");
+        }
+      }
     }
-    if (!argument.takes_value()) {
-      options_.emplace_back(&argument, app.add_flag(Names(argument), argument.help()));
-      return;
+    for (const auto* option : command_->Options()) {
+      if (option->is_required() && values_.count(option) == 0) {
+        throw UsageError(option->DisplayName() + " is missing.");
+      }
     }
-    const auto accept = [](const CLI::results_t&) { return true; };
-    auto* option = app.add_option(Names(argument), accept, argument.help());
-    option->type_name(argument.value_name());
-    option->type_size(1);
-    const int most = argument.is_repeatable() ? CLI::detail::expected_max_vector_size : 1;
-    option->expected(std::max(1, argument.least_words()), most);
-    option->allow_extra_args(argument.takes_several_words());
-    option->required(argument.is_required());
-    if (!argument.default_text().empty()) option->default_str(argument.default_text());
-    options_.emplace_back(&argument, option);
   }
 
-  // CLI11 gives every word to the first positional argument that takes any number.
-  void JoinPositionals(const std::vector<const Argument*>& positionals) const {
-    const auto takes_several = [](const Argument* positional) { return positional->takes_several_words(); };
-    const auto several = std::find_if(positionals.begin(), positionals.end(), takes_several);
-    if (several == positionals.end()) return;
-    int least = (*several)->least_words();
-    for (auto later = several + 1; later != positionals.end(); ++later) {
-      least += (*later)->least_words();
-      Find(**later)->required(false);
-    }
-    Find(**several)->expected(std::max(1, least), CLI::detail::expected_max_vector_size);
+  static void Give(const Argument& argument, const Words& values) {
+    if (!argument.takes_value()) argument.SetFlag();
+    for (const auto& value : values) argument.Take(value);
   }
 
-  void Relate(const Argument& argument) {
-    for (const auto* other : argument.excluded()) Find(argument)->excludes(Find(*other));
-    for (const auto* other : argument.needed()) Find(argument)->needs(Find(*other));
-  }
-
-  CLI::Option* Find(const Argument& argument) const {
-    for (const auto& [candidate, option] : options_) {
-      if (candidate == &argument) return option;
-    }
-    throw std::logic_error("an option excludes or needs one of another command");
-  }
-
-  const Command& Chosen() const {
-    const CLI::App* app = &app_;
-    while (!app->get_subcommands().empty()) app = app->get_subcommands().front();
-    for (const auto& [command, candidate] : apps_) {
-      if (candidate != app) continue;
-      if (!command->has_action()) throw UsageError("A command is required");
-      return *command;
-    }
-    throw std::logic_error("a command that nobody added");
-  }
-
-  void Bind(const Command& command) const {
-    for (const auto* option : command.Options()) {
-      if (option->is_version()) continue;
-      if (!option->takes_value() && Find(*option)->count() > 0) option->SetFlag();
-      for (const auto& word : option->takes_value() ? Find(*option)->results() : CLI::results_t())
-        option->Take(word);
-    }
-    BindPositionals(command.Positionals());
-  }
-
-  // One that takes any number of words leaves one to each of those after it, as long as it keeps as many as it needs.
-  void BindPositionals(const std::vector<const Argument*>& positionals) const {
-    std::vector<std::string> words;
-    for (const auto* positional : positionals) {
-      const auto& results = Find(*positional)->results();
-      words.insert(words.end(), results.begin(), results.end());
-    }
+  // One that takes any number of words leaves as many to those after it as they need, and one to each that takes one, as
+  // long as it keeps as many as it needs itself.
+  void GivePositionals() const {
+    const auto positionals = command_->Positionals();
     std::size_t next = 0;
     for (std::size_t i = 0; i < positionals.size(); ++i) {
-      const auto later = positionals.size() - i - 1;
-      const auto left = words.size() - next;
+      const auto& positional = *positionals[i];
+      const auto least = static_cast<std::size_t>(positional.least_words());
+      const std::size_t left = positionals_.size() - next;
+      const std::size_t later = positionals.size() - i - 1;
       std::size_t count = std::min<std::size_t>(left, 1);
-      if (positionals[i]->takes_several_words()) {
-        count = std::max(left - std::min(left, later), std::min(left, LeastWords(*positionals[i])));
-      }
-      for (; count > 0; --count) positionals[i]->Take(words[next++]);
+      if (positional.takes_several_words())
+        count = std::max(left - std::min(left, later), std::min(left, least));
+      if (count < least) throw UsageError(Missing(positional, count));
+      for (; count > 0; --count) positional.Take(positionals_[next++]);
+    }
+    if (next < positionals_.size()) {
+      throw UsageError("\"" + positionals_[next] + "\" is one argument too many.");
     }
   }
 
-  static std::size_t LeastWords(const Argument& argument) {
-    return static_cast<std::size_t>(argument.least_words());
+  static std::string Missing(const Argument& positional, std::size_t count) {
+    if (count == 0) return positional.DisplayName() + " is missing.";
+    return positional.DisplayName() + " needs " + std::to_string(positional.least_words()) +
+           " words at least.";
   }
 
   std::string version_;
-  CLI::App app_;
-  std::vector<std::pair<const Command*, const CLI::App*>> apps_;
-  Options options_;
+  const Command* command_;
+  Words::const_iterator next_, end_;
+  std::string text_;
+  bool only_words_ = false;
+  std::map<const Argument*, Words> values_;  // an entry without words for a flag
+  Words positionals_;
 };
 
 }  // namespace
 
 ParsedLine ParseCommandLine(const Command& root, const std::string& version, int argc,
                             const char* const* argv) {
-  return Parser(root, version).Parse(argc, argv);
+  return Parser(root, version).Parse({argv + std::min(argc, 1), argv + argc});
 }
 
 }  // namespace darokleim::cli

@@ -14,7 +14,7 @@ struct ParsedLine {
 };
 
 // Gives the words to the variables of the arguments. Options of a command may also follow the names of its
-// subcommands. `version` is what --version prints. Throws UsageError.
+// subcommands. `version` is what --version prints. Throws UsageError, which points to the help of the command.
 ParsedLine ParseCommandLine(const Command& root, const std::string& version, int argc,
                             const char* const* argv);
 

@@ -7,13 +7,6 @@ namespace {
 
 using ValueFunction = std::function<void(const Argument&, const std::string&)>;
 
-const Command* FindSubcommand(const Command& command, const std::string& word) {
-  for (const auto& subcommand : command.subcommands()) {
-    if (subcommand->IsCalled(word)) return subcommand.get();
-  }
-  return nullptr;
-}
-
 bool IsNamed(const Argument& option, const std::string& word) {
   const bool is_long = word.substr(0, 2) == "--";
   const auto& names = is_long ? option.long_names() : option.short_names();
@@ -72,7 +65,7 @@ class Walk {
   }
 
   void TakeName(const std::string& word) {
-    const auto* subcommand = place_.only_positionals ? nullptr : FindSubcommand(*place_.command, word);
+    const auto* subcommand = place_.only_positionals ? nullptr : place_.command->Find(word);
     if (subcommand != nullptr) {
       place_.command = subcommand;
       positionals_ = 0;

@@ -8,6 +8,8 @@ class Command;
 
 // command_line/
 void AddCompleteCommand(Command& root);
+void AddHelpCommand(Command& root);
+void AddVersionCommand(Command& root);
 void AddManualCommand(Command& root);
 
 // commands/apps/
@@ -71,6 +73,8 @@ inline constexpr void (*kCommands[])(Command&) = {
     AddBusyboxCommand,
     AddSdkCommand,
     AddCompleteCommand,
+    AddHelpCommand,
+    AddVersionCommand,
     AddManualCommand,
     AddLsCommand,
     AddTreeCommand,

@@ -7,6 +7,7 @@
 
 #include "base/ascii.h"
 #include "tools/cli/cancel_on_signal.h"
+#include "tools/cli/connection/device_table.h"
 #include "tools/cli/device/device_list.h"
 #include "tools/cli/errors.h"
 #include "tools/cli/output/result_text.h"
@@ -25,7 +26,7 @@ bool IsListed(const std::string& serial) {
 std::string TheOnlyUsable(const Session& session) {
   const auto devices = ListDevices(session);
   if (devices.empty()) {
-    throw ToolError(std::string(kNoDeviceAdvice) + kUnlisted + " " + kHowToName);
+    throw ToolError(std::string(kNoDeviceAdvice) + "\n" + kUnlisted + " " + kHowToName);
   }
   const auto usable = std::count_if(devices.begin(), devices.end(), IsUsable);
   if (usable == 1) return std::find_if(devices.begin(), devices.end(), IsUsable)->serial;

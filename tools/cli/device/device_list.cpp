@@ -11,12 +11,6 @@
 
 namespace darokleim::cli {
 
-const char kNoDeviceAdvice[] = R"(No device is attached. Check that
-  - the phone is connected with a cable that carries data, not only power,
-  - it is unlocked, and USB debugging is on in its developer options,
-  - you allowed USB debugging for this computer when the phone asked.
-)";
-
 std::vector<AttachedDevice> ParseDeviceList(std::string_view list) {
   std::vector<AttachedDevice> devices;
   while (!list.empty()) {

@@ -29,9 +29,6 @@ const char* AdviceForState(std::string_view state);
 // A line for each, serial and state in columns. Not for an empty list.
 std::string DeviceTable(const std::vector<AttachedDevice>& devices);
 
-// What to check when there is none; a few lines.
-extern const char kNoDeviceAdvice[];
-
 }  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_DEVICE_DEVICE_LIST_H

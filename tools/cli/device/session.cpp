@@ -53,7 +53,7 @@ std::string PrepareLogDirectory(const std::string& named) {
 Session::Session(const SessionOptions& options)
     : programs_(FindHostPrograms(options.adb.text, options.busybox.text)),
       log_directory_(PrepareLogDirectory(options.log_directory.text)),
-      timeout_(options.timeout) {
+      timeout_(static_cast<int>((options.timeout.value.count() + 999) / 1000)) {
   // Also for what takes no cancel flag and runs no adb.
   if (timeout_ > 0) setenv("DAROKLEIM_CHANNEL_TIMEOUT", std::to_string(timeout_).c_str(), 1);
   const auto resources = MakeResourceDirectory(programs_);

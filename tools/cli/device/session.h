@@ -5,17 +5,15 @@
 #include <string>
 
 #include "tools/cli/command_line/argument_types.h"
+#include "tools/cli/connection/connection.h"
 #include "tools/cli/host/adb_location.h"
 
 namespace darokleim::cli {
 
 // As given on the command line; empty where not.
-struct SessionOptions {
-  Serial serial;
-  HostPath adb;
+struct SessionOptions : ConnectionOptions {
   HostPath busybox;
   HostDirectory log_directory;
-  int timeout = 0;  // seconds; 0 is none
 };
 
 class Session {

@@ -4,19 +4,15 @@
 
 #include <array>
 #include <cstdio>
-#include <limits>
 
 namespace darokleim::cli {
 namespace {
 
 constexpr std::array<const char*, 7> kUnits = {"B", "KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};
 
-std::string TimeText(std::uint64_t seconds, tm* (*convert)(const time_t*, tm*), const char* format) {
+std::string FormattedTime(std::int64_t seconds, tm* (*convert)(const time_t*, tm*), const char* format) {
   tm parts{};
   char text[64];
-  if (seconds > static_cast<std::uint64_t>(std::numeric_limits<time_t>::max())) {
-    return std::to_string(seconds);
-  }
   const time_t time = static_cast<time_t>(seconds);
   if (convert(&time, &parts) == nullptr || strftime(text, sizeof text, format, &parts) == 0) {
     return std::to_string(seconds);
@@ -43,12 +39,16 @@ std::string CountText(std::uint64_t count, const std::string& noun) {
   return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
-std::string LocalTimeText(std::uint64_t seconds) {
-  return TimeText(seconds, localtime_r, "%Y-%m-%d %H:%M:%S");
+std::string LocalTimeText(std::int64_t seconds) {
+  return FormattedTime(seconds, localtime_r, "%Y-%m-%d %H:%M:%S");
 }
 
-std::string UtcTimeText(std::uint64_t seconds) {
-  return TimeText(seconds, gmtime_r, "%Y-%m-%dT%H:%M:%SZ");
+std::string UtcTimeText(std::int64_t seconds) {
+  return FormattedTime(seconds, gmtime_r, "%Y-%m-%dT%H:%M:%SZ");
+}
+
+std::string TimeText(std::int64_t seconds, bool utc) {
+  return utc ? UtcTimeText(seconds) : LocalTimeText(seconds);
 }
 
 }  // namespace darokleim::cli

@@ -15,10 +15,13 @@ std::string CountText(std::uint64_t count, const std::string& noun);
 
 // Seconds since 1970-01-01 00:00 UTC as "2020-01-02 03:04:05" in this computer's time zone; the number itself
 // when the system cannot write it as a time.
-std::string LocalTimeText(std::uint64_t seconds);
+std::string LocalTimeText(std::int64_t seconds);
 
-// The same as "2020-01-02T03:04:05Z", for JSON.
-std::string UtcTimeText(std::uint64_t seconds);
+// The same as "2020-01-02T03:04:05Z".
+std::string UtcTimeText(std::int64_t seconds);
+
+// One of the two.
+std::string TimeText(std::int64_t seconds, bool utc);
 
 }  // namespace darokleim::cli
 

@@ -5,6 +5,8 @@
 #include <stdlib.h>
 #include <unistd.h>
 
+#include <utility>
+
 #include "base/terminal_text.h"
 #include "tools/cli/cancel_on_signal.h"
 #include "tools/cli/errors.h"
@@ -53,6 +55,22 @@ std::string Output::Painted(Colour colour, std::string_view text) const {
 }
 
 void Output::Write(std::string_view text) {
+  Append(text);
+  Flush();
+}
+
+void Output::Append(std::string_view text) {
+  constexpr std::size_t kMany = 64 * 1024;
+  collected_.append(text);
+  if (is_terminal_ || collected_.size() >= kMany) Flush();
+}
+
+void Output::Flush() {
+  // What cannot be written is not tried again.
+  HandOver(std::exchange(collected_, {}));
+}
+
+void Output::HandOver(std::string_view text) {
   while (!text.empty()) {
     const ssize_t written = write(descriptor_, text.data(), text.size());
     if (written >= 0) {
@@ -61,6 +79,8 @@ void Output::Write(std::string_view text) {
       throw OutputClosed();
     } else if (errno != EINTR) {
       throw ToolError("cannot write to standard output: " + SystemErrorText(errno));
+    } else if (HasTimedOut()) {
+      throw ToolError("cannot write to standard output within the limit of --timeout.");
     } else if (IsCancelled()) {
       throw Cancelled();
     }

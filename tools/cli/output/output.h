@@ -18,6 +18,9 @@ class Output {
 
   // Hands the bytes to the system before it returns. Throws when they cannot be written.
   void Write(std::string_view text);
+  // The same for a piece of something long: not on a terminal, pieces are collected until there are many, or Flush.
+  void Append(std::string_view text);
+  void Flush();
 
   // The document, indented, with a line break at its end.
   void WriteJson(const Json::Value& document);
@@ -31,7 +34,10 @@ class Output {
   std::string Painted(Colour colour, std::string_view text) const;
 
  private:
+  void HandOver(std::string_view text);
+
   int descriptor_;
+  std::string collected_;
   bool is_terminal_;
   bool has_colours_;
 };

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <utility>
 
 #include "base/terminal_text.h"
@@ -20,6 +21,7 @@ using Seconds = std::chrono::duration<double>;
 
 constexpr Seconds kBeforeTheFirst{0.4};
 constexpr Seconds kBetween{0.2};
+constexpr Seconds kBetweenLines{1};
 constexpr double kPausePerWork = 20;  // a line that takes a second to make is made every twenty seconds
 constexpr std::size_t kUsualWidth = 80;
 constexpr char kClearLine[] = "\r\x1b[K";
@@ -37,8 +39,10 @@ void WriteToTerminal(const std::string& text) {
 
 }  // namespace
 
-Progress::Progress(bool wanted, Line line) : line_(std::move(line)) {
-  if (wanted && isatty(STDERR_FILENO) == 1) thread_ = StartWithoutSignals([this] { Show(); });
+Progress::Progress(ProgressMode mode, Line line) : line_(std::move(line)) {
+  const bool on_terminal = isatty(STDERR_FILENO) == 1;
+  if (mode == ProgressMode::kNever || (mode == ProgressMode::kOnTerminal && !on_terminal)) return;
+  thread_ = StartWithoutSignals([this, on_terminal] { on_terminal ? ShowOnTerminal() : ShowInLines(); });
 }
 
 Progress::~Progress() {
@@ -51,22 +55,32 @@ Progress::~Progress() {
   thread_.join();
 }
 
-void Progress::Show() {
+bool Progress::Wait(Seconds time) {
+  std::unique_lock lock(mutex_);
+  return !stopped_.wait_for(lock, time, [this] { return stop_; });
+}
+
+void Progress::ShowOnTerminal() {
   const auto start = Clock::now();
   bool shown = false;
   Seconds pause = kBeforeTheFirst;
-  std::unique_lock lock(mutex_);
-  while (!stopped_.wait_for(lock, pause, [this] { return stop_; })) {
-    lock.unlock();
+  while (Wait(pause)) {
     const auto begin = Clock::now();
     const auto text = base::EscapeControls(line_(Seconds(begin - start).count(), &stop_));
     pause = std::max(kBetween, Seconds(Clock::now() - begin) * kPausePerWork);
-    lock.lock();
+    const std::lock_guard lock(mutex_);
     if (stop_) break;
     WriteToTerminal(kClearLine + CutToPlaces(text, TerminalWidth() - 1));
     shown = true;
   }
   if (shown) WriteToTerminal(kClearLine);
+}
+
+void Progress::ShowInLines() {
+  const auto start = Clock::now();
+  while (Wait(kBetweenLines)) {
+    WriteToTerminal(base::EscapeControls(line_(Seconds(Clock::now() - start).count(), &stop_)) + "\n");
+  }
 }
 
 Progress::Line WaitingLine(std::string label) {
@@ -94,6 +108,51 @@ std::string TransferText(const std::string& label, std::uint64_t done, std::uint
     text += "  " + SizeText(static_cast<std::uint64_t>(static_cast<double>(done) / seconds)) + "/s";
   }
   return text;
+}
+
+void TransferMeter::Set(Done done) {
+  const std::lock_guard lock(mutex_);
+  done_ = std::move(done);
+}
+
+std::string TransferMeter::Line(double seconds) {
+  constexpr double kMemory = 3;  // seconds after which an older rate counts for a third
+  const std::lock_guard lock(mutex_);
+  if (const double passed = seconds - last_seconds_; passed > 0) {
+    const std::uint64_t more = done_.bytes > last_bytes_ ? done_.bytes - last_bytes_ : 0;
+    const double weight = last_seconds_ == 0 ? 1 : 1 - std::exp(-passed / kMemory);
+    rate_ += weight * (static_cast<double>(more) / passed - rate_);
+    last_seconds_ = seconds;
+    last_bytes_ = done_.bytes;
+  }
+  std::string text = done_.name;
+  if (done_.files_total > 1) {
+    text += "  " + std::to_string(done_.files) + "/" + std::to_string(done_.files_total) + " files";
+  }
+  const auto all = static_cast<double>(done_.bytes_total);
+  if (done_.bytes_total == 0) {
+    text += "  " + SizeText(done_.bytes);
+  } else {
+    const double share = std::min(1.0, static_cast<double>(done_.bytes) / all);
+    text += "  " + std::to_string(static_cast<int>(share * 100)) + "%  " + SizeText(done_.bytes) + " of " +
+            SizeText(done_.bytes_total);
+  }
+  text += "  " + SizeText(static_cast<std::uint64_t>(rate_)) + "/s";
+  const bool can_tell = done_.bytes_total > done_.bytes && rate_ >= 1;
+  if (can_tell) text += "  " + DurationText((all - static_cast<double>(done_.bytes)) / rate_) + " left";
+  return text;
+}
+
+Progress::Line MeterLine(TransferMeter& meter) {
+  return [&meter](double seconds, const bool*) { return meter.Line(seconds); };
+}
+
+std::string DurationText(double seconds) {
+  constexpr double kLongest = 1e6;
+  const auto whole = static_cast<long>(std::min(std::ceil(seconds), kLongest));
+  if (whole < 60) return std::to_string(whole) + " s";
+  if (whole < 3600) return std::to_string(whole / 60) + " min " + std::to_string(whole % 60) + " s";
+  return std::to_string(whole / 3600) + " h " + std::to_string(whole % 3600 / 60) + " min";
 }
 
 std::string CutToPlaces(const std::string& text, std::size_t places) {

@@ -1,12 +1,13 @@
-// darokleim devices, with an adb of the test's own and on simulated phones.
+// darokleim devices, on simulated phones.
 #include <gmock/gmock.h>
-#include <json/reader.h>
-#include <stdlib.h>
 
+#include <chrono>
 #include <memory>
+#include <thread>
 #include <vector>
 
-#include "tests/cli/tool_run.h"
+#include "tests/cli/documented_json.h"
+#include "tests/cli/phone_tool_test.h"
 #include "tests/support/file_content.h"
 #include "tests/support/simulated_phones.h"
 
@@ -16,127 +17,176 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 
-class DevicesTest : public ToolTest {};
+class DevicesTest : public ToolTest {
+ protected:
+  void Attach(const Words& phones) {
+    phones_ = std::make_unique<test::SimulatedPhones>(phones);
+    for (const auto& [variable, value] : test::AdbEnvironment(phones_->port())) Set(variable, value);
+  }
+  const test::SimulatedPhones& phones() const { return *phones_; }
 
-TEST_F(DevicesTest, AreListedForPeople) {
-  MakeAdb(kTwoDevices);
+ private:
+  std::unique_ptr<test::SimulatedPhones> phones_;
+};
+
+TEST_F(DevicesTest, AreShownInEveryState) {
+  Attach({"AAA111", "BBB222,state=offline", "CCC333,state=unauthorized", "emulator-5554,state=offline"});
   const auto outcome = Run({"devices"});
   EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(
-      outcome.output,
-      "SERIAL            STATE\n"
-      "0123456789ABCDEF  device\n"
-      "FEDCBA98          unauthorized  Unlock the phone and allow USB debugging for this computer on its "
-      "screen.\n");
   EXPECT_EQ(outcome.errors, "");
+  EXPECT_EQ(outcome.output,
+            "SERIAL         STATE\n"
+            "AAA111         device\n"
+            "BBB222         offline       Does not respond: unplug it and plug it in again, or restart it.\n"
+            "CCC333         unauthorized  Unlock the phone and allow USB debugging for this computer on its "
+            "screen.\n"
+            "emulator-5554  offline       Does not respond: restart the emulator.\n");
 }
 
-TEST_F(DevicesTest, AnOfflineOneComesWithAdvice) {
-  MakeAdb(R"(printf 'List of devices attached\nABC\toffline\n\n')");
-  EXPECT_THAT(Run({"devices"}).output, HasSubstr("\nABC     offline  Does not respond: "));
+TEST_F(DevicesTest, AreShownWithWhatTheyAre) {
+  Attach({"AAA111"});
+  EXPECT_THAT(Run({"devices", "-l"}).output,
+              testing::ContainsRegex("AAA111  device  usb   Pixel_7  panther  panther  usb:[^ ]+ +[0-9]+\n"));
 }
 
-TEST_F(DevicesTest, AreListedAsJson) {
-  MakeAdb(kTwoDevices);
-  const auto outcome = Run({"devices", "--json"});
-  EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(outcome.errors, "");
-  Json::Value list;
-  const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-  ASSERT_TRUE(
-      reader->parse(outcome.output.data(), outcome.output.data() + outcome.output.size(), &list, nullptr));
-  ASSERT_TRUE(list.isArray());
-  ASSERT_EQ(list.size(), 2u);
-  EXPECT_EQ(list[0]["serial"].asString(), "0123456789ABCDEF");
-  EXPECT_EQ(list[0]["state"].asString(), "device");
-  EXPECT_EQ(list[1]["serial"].asString(), "FEDCBA98");
-  EXPECT_EQ(list[1]["state"].asString(), "unauthorized");
-  EXPECT_EQ(list[1].size(), 2u);
+TEST_F(DevicesTest, AreOneDocument) {
+  Attach({"AAA111", "BBB222,state=offline"});
+  const auto document = ParseJson(Run({"devices", "--json"}).output);
+  ExpectDocumented("devices", document);
+  ASSERT_EQ(document["devices"].size(), 2u);
+  EXPECT_EQ(document["devices"][0]["serial"], "AAA111");
+  EXPECT_EQ(document["devices"][0]["state"], "device");
+  EXPECT_EQ(document["devices"][1]["state"], "offline");
 }
 
 TEST_F(DevicesTest, NoneSaysWhatToCheck) {
-  MakeAdb(R"(printf 'List of devices attached\n\n')");
+  Attach({});
   const auto text = Run({"devices"});
   EXPECT_EQ(text.status, 0);
   EXPECT_THAT(text.output, StartsWith("No device is attached. Check that\n"));
-  const auto json = Run({"devices", "--json"});
-  EXPECT_EQ(json.status, 0);
-  EXPECT_EQ(json.output, "[]\n");
+  EXPECT_EQ(Run({"devices", "--json"}).output, "{\"devices\": [],\n\"errors\": []}\n");
 }
 
-TEST_F(DevicesTest, AFailureNamesTheResultAndWhatHelps) {
-  MakeAdb(R"(echo '* daemon not running; starting now at tcp:5037'
-echo 'error: cannot connect to daemon' >&2
-exit 1)");
+TEST_F(DevicesTest, OfNoServerAreNone) {
+  Set("ANDROID_ADB_SERVER_PORT", "1");
+  MakeAdb("echo \"$*\" >>" + File("started"));
   const auto outcome = Run({"devices", "--json"});
-  EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(outcome.output, "");
-  EXPECT_THAT(
-      outcome.errors,
-      StartsWith("darokleim: cannot list devices: ADB_RESULT_CANNOT_CONNECT_DAEMON (27): adb could not reach "
-                 "its server. Start it with "));
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_THAT(outcome.errors, StartsWith("darokleim: cannot list the devices: no adb server answers"));
+  EXPECT_EQ(test::ReadFile(File("started")), "start-server\n");
+  const auto document = ParseJson(outcome.output);
+  ExpectDocumented("errors", document);
+  EXPECT_EQ(document["errors"][0]["code"], "NO_SERVER");
 }
 
-TEST_F(DevicesTest, AFailureWithoutAKnownMessageNamesTheExitStatusAdbAndTheLog) {
-  MakeAdb("echo 'something new' >&2; exit 3");
-  const auto outcome = Run({"devices"});
-  EXPECT_EQ(outcome.status, 1);
-  EXPECT_THAT(outcome.errors, StartsWith("darokleim: cannot list devices: adb exit status 3 (1003): "));
-  EXPECT_THAT(outcome.errors, HasSubstr("(adb: " + File("bin/adb") + ", log: "));
-#if defined(__linux__)
-  EXPECT_THAT(test::ReadFile(File("home/.local/state/darokleim/adb_sdk.log")), HasSubstr("something new"));
-#endif
+TEST_F(DevicesTest, StartNoAdbWhereAServerRuns) {
+  Attach({"AAA111"});
+  MakeAdb("echo \"$*\" >>" + File("started"));
+  EXPECT_EQ(Run({"devices"}).status, 0);
+  EXPECT_EQ(Run({"ls", "/sdcard"}).status, 0);
+  EXPECT_EQ(test::ReadFile(File("started")), "");
 }
 
-TEST_F(DevicesTest, TheChannelIsAskedForItsAssistanceUnlessTheUserDecidedOtherwise) {
-  MakeAdb("echo \"$DAROKLEIM_CHANNEL_ASSIST\" >" + File("assist"));
-  Run({"devices"});
-  EXPECT_EQ(test::ReadFile(File("assist")), "1\n");
-  Set("DAROKLEIM_CHANNEL_ASSIST", "0");
-  Run({"devices"});
-  EXPECT_EQ(test::ReadFile(File("assist")), "0\n");
+TEST_F(DevicesTest, AreWatched) {
+  Attach({"AAA111"});
+  const std::string line = "\"$TOOL\" devices --watch >" + File("text") +
+                           " & exec \"$TOOL\" devices --watch --json >" + File("json");
+  const HostProcess watching({"/bin/sh", "-c", line},
+                             {{"TOOL", DAROKLEIM_TOOL}, {"ANDROID_ADB_SERVER_PORT", phones().port()}});
+  const auto wait_for = [this](const char* file, std::size_t lines) {
+    for (int i = 0; i < 500 && test::ReadLines(File(file)).size() < lines; ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return test::ReadLines(File(file));
+  };
+  wait_for("text", 1);
+  wait_for("json", 2);
+  phones().Control({"AAA111", "unplug"});
+  EXPECT_THAT(wait_for("text", 2),
+              testing::ElementsAre("added  AAA111  device  Pixel_7", StartsWith("removed  AAA111  ")));
+  const auto lines = wait_for("json", 3);
+  ASSERT_EQ(lines.size(), 3u);
+  for (const auto& text : lines) ExpectDocumented("devices --watch", ParseJson(text));
+  EXPECT_EQ(ParseJson(lines[2])["change"], "removed");
+  phones().Control({"AAA111", "plug"});
 }
 
-TEST_F(DevicesTest, ManyToolsMayRunAtOnce) {
-  MakeAdb(kTwoDevices);
+TEST_F(DevicesTest, AreWatchedUntilCtrlC) {
+  Attach({"AAA111"});
+  const auto tool = Start({"devices", "--watch"});
+  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  const auto start = std::chrono::steady_clock::now();
+  tool->Signal(SIGINT);
+  const auto outcome = tool->Finish();
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+  EXPECT_EQ(outcome.status, 130);
+  EXPECT_EQ(outcome.errors, "darokleim: cancelled\n");
+}
+
+TEST_F(DevicesTest, MayBeAskedForByManyAtOnce) {
+  Attach({"AAA111"});
   std::vector<std::unique_ptr<HostProcess>> tools;
-  for (int i = 0; i < 16; ++i) tools.push_back(Start({"devices", "--json"}));
-  for (auto& tool : tools) {
-    const auto outcome = tool->Finish();
-    EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.errors, "");
-  }
+  for (int i = 0; i < 16; ++i) tools.push_back(Start({"devices"}));
+  for (auto& tool : tools) EXPECT_EQ(tool->Finish().output, "SERIAL  STATE\nAAA111  device\n");
 }
 
-class PhoneDevicesTest : public ToolTest {
+// Which device a command works with.
+class PhoneChoiceTest : public DevicesTest {
  protected:
-  // The tool of a user whose adb talks to these phones.
-  Outcome RunOn(const test::SimulatedPhones& phones, const Words& arguments) {
-    for (const auto& [variable, value] : test::AdbEnvironment(phones.port())) Set(variable, value);
-    const char* path = getenv("PATH");
-    Set("PATH", path == nullptr ? "/usr/bin:/bin" : path);
-    return Run(arguments);
-  }
+  static constexpr char kHowToName[] =
+      "darokleim: several devices are attached. Name one with -s SERIAL or in ANDROID_SERIAL.\n";
 };
 
-TEST_F(PhoneDevicesTest, ShowThePhonesOfTheServer) {
-  const test::SimulatedPhones phones({"AAA111", "BBB222,state=offline", "CCC333,state=unauthorized"});
-  const auto text = RunOn(phones, {"devices"});
-  EXPECT_EQ(text.status, 0) << text.errors;
-  EXPECT_EQ(
-      text.output,
-      "SERIAL  STATE\n"
-      "AAA111  device\n"
-      "BBB222  offline       Does not respond: unplug it and plug it in again, or restart it.\n"
-      "CCC333  unauthorized  Unlock the phone and allow USB debugging for this computer on its screen.\n");
-  EXPECT_EQ(text.errors, "");
+TEST_F(PhoneChoiceTest, TakesTheOnlyOneThatIsReady) {
+  Attach({"AAA111", "BBB222,state=offline"});
+  EXPECT_EQ(Run({"ls", "/sdcard"}).status, 0);
 }
 
-TEST_F(PhoneDevicesTest, NoneIsAnEmptyArray) {
-  const test::SimulatedPhones phones({});
-  const auto json = RunOn(phones, {"devices", "--json"});
-  EXPECT_EQ(json.status, 0) << json.errors;
-  EXPECT_EQ(json.output, "[]\n");
+TEST_F(PhoneChoiceTest, OfSeveralNeedsAName) {
+  Attach({"AAA111", "BBB222"});
+  const auto outcome = Run({"ls", "/sdcard"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.errors,
+            std::string(kHowToName) +
+                "SERIAL  STATE\nAAA111  device\nBBB222  device\nSee `darokleim ls --help`.\n");
+  EXPECT_EQ(Run({"ls", "-s", "BBB222", "/sdcard"}).status, 0);
+  Set("ANDROID_SERIAL", "AAA111");
+  EXPECT_EQ(Run({"ls", "/sdcard"}).status, 0);
+  Set("ANDROID_SERIAL", "-x");
+  EXPECT_EQ(Run({"ls", "/sdcard"}).status, 2);
+}
+
+TEST_F(PhoneChoiceTest, OfNoneThatIsReadySaysWhy) {
+  Attach({"emulator-5554,state=offline"});
+  const auto outcome = Run({"ls"});
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_EQ(outcome.errors,
+            "darokleim: no device is ready:\nSERIAL         STATE\n"
+            "emulator-5554  offline  Does not respond: restart the emulator.\n");
+}
+
+TEST_F(PhoneChoiceTest, OfNoneAtAllSaysWhatToCheck) {
+  Attach({});
+  const auto outcome = Run({"ls", "--json"});
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_THAT(outcome.errors, StartsWith("darokleim: No device is attached. Check that\n"));
+  EXPECT_EQ(ParseJson(outcome.output)["errors"][0]["code"], "NO_DEVICE");
+}
+
+TEST_F(PhoneChoiceTest, OfOneThatIsNotUsableSaysWhy) {
+  Attach({"AAA111", "BBB222,state=unauthorized"});
+  const auto locked = Run({"-s", "BBB222", "ls", "/a", "/b"});
+  EXPECT_EQ(locked.status, 3);
+  EXPECT_EQ(locked.errors,
+            "darokleim: cannot list /a: USB debugging is not allowed for this computer; unlock BBB222 and "
+            "allow it on its "
+            "screen.\n");
+  const auto absent = Run({"-s", "ZZZ", "ls", "/a"});
+  EXPECT_EQ(absent.status, 3);
+  EXPECT_THAT(
+      absent.errors,
+      StartsWith(
+          "darokleim: cannot list /a: ZZZ is not attached. Attached are:\nSERIAL  STATE\nAAA111  device\n"));
 }
 
 }  // namespace

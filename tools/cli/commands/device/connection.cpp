@@ -11,6 +11,7 @@
 #include "tools/cli/cancel_on_signal.h"
 #include "tools/cli/command_line/command.h"
 #include "tools/cli/commands/commands.h"
+#include "tools/cli/connection/device_table.h"
 #include "tools/cli/device/device_list.h"
 #include "tools/cli/errors.h"
 #include "tools/cli/tool.h"

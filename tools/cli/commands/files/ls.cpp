@@ -1,7 +1,4 @@
 // darokleim ls
-#include <darokleim.h>
-#include <json/value.h>
-
 #include <algorithm>
 #include <map>
 #include <string>
@@ -9,166 +6,208 @@
 
 #include "tools/cli/command_line/command.h"
 #include "tools/cli/commands/commands.h"
-#include "tools/cli/device/argument_text.h"
-#include "tools/cli/device/device_entry.h"
-#include "tools/cli/device/file_listing.h"
-#include "tools/cli/errors.h"
+#include "tools/cli/commands/files/entries.h"
 #include "tools/cli/output/human_text.h"
-#include "tools/cli/output/progress.h"
 #include "tools/cli/output/table.h"
-#include "tools/cli/tool.h"
 
 namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(Examples:
-  darokleim ls /sdcard               files and folders
-  darokleim ls -l "/sdcard/my photos"  with sizes and times
-  darokleim ls -R -a /sdcard/DCIM    everything below, hidden files included
-  darokleim ls --files /sdcard       only files: fast where folders hold many files
-  darokleim ls --json --service /sdcard/DCIM
+  darokleim ls /sdcard                   the names in a folder
+  darokleim ls -l "/sdcard/my photos"    with permissions, sizes and times
+  darokleim ls -R -a /sdcard/DCIM        everything below, hidden files included
+  darokleim ls -lt /sdcard/Download      the latest first
+  darokleim ls -0 /sdcard/DCIM | xargs -0 -n 1 darokleim stat
 
-A folder is shown with the number of files below it, their total size and their latest time. The library lists files
-only, so a folder without any file below it is not shown, and neither are links.
-
-Times are those of the device's clock, to the minute. With --service adb's own listing is used, which does not need
-the device's ls: times to the second in this computer's time zone, but names of a dot and one character, such as ".a",
-are missing.
-
-Names are printed byte for byte, on a terminal without control characters. In a listing, bytes that are not UTF-8 are
-shown as U+FFFD, in text and in JSON.)";
+Names are printed byte for byte, on a terminal without control characters and with a slash after folders. With -0 whole
+paths are printed. A folder that cannot be read is reported, the rest is listed, and the exit status is 1.)";
 
 struct Options {
-  bool json = false;
   bool details = false;
   bool hidden = false;
   bool recursive = false;
-  bool files_only = false;
-  bool service = false;
-  DevicePath path{"/sdcard"};
+  bool themselves = false;
+  bool by_time = false;
+  bool by_size = false;
+  bool reverse = false;
+  bool zeros = false;
+  bool utc = false;
+  std::vector<PhonePath> paths;
 };
 
 void Describe(Command& command, Options& options) {
-  command.Positional("PATH", options.path, "Folder or file on the device; otherwise /sdcard");
-  command.Flag("-l,--long", options.details, "Show sizes and times");
+  command.Positional("PATH", options.paths, "Folders or files on the device; otherwise /sdcard");
+  command.Flag("-l,--long", options.details, "Show permissions, sizes, times and what links lead to");
   command.Flag("-a,--all", options.hidden, "Show names that begin with a dot");
-  auto& recursive =
-      command.Flag("-R,--recursive", options.recursive, "Show all files below, with their paths");
-  command.Flag("--files", options.files_only, "Show the folder's own files only").Excludes(recursive);
-  command.Flag("--service", options.service, "Use adb's own listing, not the device's ls");
-  command.JsonFlag(options.json, "an array of {name, path, type, size, time, files}");
+  auto& recursive = command.Flag("-R,--recursive", options.recursive, "List everything below");
+  command.Flag("-d,--directory", options.themselves, "Show folders themselves, not what is in them")
+      .Excludes(recursive);
+  auto& by_time = command.Flag("-t", options.by_time, "Sort by time, the latest first");
+  command.Flag("-S", options.by_size, "Sort by size, the largest first").Excludes(by_time);
+  command.Flag("-r,--reverse", options.reverse, "Sort the other way round");
+  command.Flag("-0,--null", options.zeros, "Print whole paths, each ended by a zero byte");
+  command.UtcFlag(options.utc);
 }
 
-struct Row {
-  std::string path;
-  std::uint64_t size = 0;
-  std::string time;
-  std::uint64_t seconds = 0;
-  std::uint64_t files_below = 0;  // 0 for a file
+// The entries of one folder; the first has those that were named themselves, and no folder.
+struct Group {
+  std::string folder;
+  Entries entries;
 };
 
-// A file, or the first folder on the way to it.
-void AddTo(std::map<std::string, Row>& rows, const ListedFile& file, std::size_t prefix) {
-  const auto slash = file.path.find('/', prefix + 1);
-  Row& row = rows[file.path.substr(0, slash)];
-  row.path = file.path.substr(0, slash);
-  row.size += file.size;
-  row.time = std::max(row.time, file.time);
-  row.seconds = std::max(row.seconds, file.seconds);
-  if (slash != std::string::npos) ++row.files_below;
-}
-
-std::vector<Row> Rows(const std::vector<ListedFile>& files, const DevicePath& folder, bool collapse) {
-  std::vector<Row> rows;
-  if (!collapse) {
-    for (const auto& file : files) rows.push_back({file.path, file.size, file.time, file.seconds});
-    return rows;
-  }
-  std::map<std::string, Row> by_path;
-  for (const auto& file : files) AddTo(by_path, file, folder.IsRoot() ? 0 : folder.text().size());
-  for (const auto& [path, row] : by_path) rows.push_back(row);
-  return rows;
-}
-
-// The listing of a folder that adb may not read is empty, like that of an empty folder; a search reports the refusal.
-void CheckReadable(const Device& device, const DevicePath& folder) {
-  const auto listing = [&](char** json, int* length) {
-    const std::string path = ForBarePlace(folder.text());
-    const int code = AdbGetFilesBySuffix(device.serial(), path.c_str(), "'*'", json, length, device.cancel());
-    return code == ADB_RESULT_PERMISSION_DENIED ? code : ADB_RESULT_OK;
+void Sort(const Options& options, Entries* entries) {
+  const auto less = [&options](const dk::Entry& a, const dk::Entry& b) {
+    if (options.by_time && a.mtime != b.mtime) return a.mtime > b.mtime;
+    if (options.by_size && a.size != b.size) return a.size > b.size;
+    return a.path < b.path;
   };
-  ReadListing(device, "list " + folder.text(), listing);
+  std::sort(entries->begin(), entries->end(), less);
+  if (options.reverse) std::reverse(entries->begin(), entries->end());
 }
 
-// Of a file that is listed alone.
-Row ReadRow(const Device& device, const DevicePath& path, const DeviceEntry& entry) {
-  unsigned long long seconds = 0;
-  device.Check(AdbGetFileCreateTime(device.serial(), path.c_str(), &seconds, device.cancel()),
-               "read the time of " + path.text());
-  return {path.text(), entry.size.value_or(0), seconds == 0 ? "" : LocalTimeText(seconds), seconds};
-}
+class Listing {
+ public:
+  Listing(Tool& tool, const Options& options) : tool_(tool), options_(options), groups_(1) {}
 
-std::vector<Row> ReadRows(const Tool& tool, const Device& device, const DevicePath& path,
-                          const Options& options) {
-  const Progress progress(!tool.is_quiet(), WaitingLine("listing " + path.text()));
-  const auto entry = RequireEntry(device, path, "list " + path.text());
-  if (!entry.is_folder) return {ReadRow(device, path, entry)};
-  const bool everything_below = !options.files_only;
-  auto files = options.service
-                   ? SelectFiles(ListFilesByService(device, path), path, {everything_below, options.hidden})
-                   : ListFiles(device, path, {everything_below, options.hidden});
-  if (files.empty() && !options.service) CheckReadable(device, path);
-  return Rows(files, path, !options.recursive);
-}
-
-std::string NameOf(const Row& row, const DevicePath& folder, const Options& options) {
-  if (row.path == folder.text()) return row.path;
-  if (!options.recursive) return row.path.substr(row.path.rfind('/') + 1);
-  return row.path.substr(folder.IsRoot() ? 1 : folder.text().size() + 1);
-}
-
-std::string ToText(const Output& output, const std::vector<Row>& rows, const DevicePath& folder,
-                   const Options& options) {
-  Table table;
-  for (const auto& row : rows) {
-    std::string name = output.Shown(NameOf(row, folder, options));
-    if (row.files_below > 0) name = output.Painted(Colour::kFolder, name) + "/";
-    if (!options.details) {
-      table.AddRow({name});
-      continue;
+  void Read(const PhonePath& path) {
+    const Progress progress(tool_.progress_mode(), WaitingLine("listing " + path.text));
+    if (options_.themselves) {
+      groups_.front().entries.push_back(tool_.phone().stat(path.text, DK_NO_FOLLOW, tool_.limits()).value());
+    } else if (options_.recursive) {
+      ReadBelow(path);
+    } else {
+      ReadFolder(path);
     }
-    table.AddRow(
-        {SizeText(row.size), row.time, name,
-         row.files_below > 0 ? output.Painted(Colour::kFaint, CountText(row.files_below, "file")) : ""});
+  }
+
+  std::vector<Group> TakeGroups() {
+    Sort(options_, &groups_.front().entries);
+    return std::move(groups_);
+  }
+
+ private:
+  void ReadFolder(const PhonePath& path) {
+    auto listed = tool_.phone().list(path.text, tool_.limits());
+    if (listed.code() == DK_NOT_A_DIRECTORY && !path.names_a_folder) return ReadFile(path);
+    Entries entries = std::move(listed).value();
+    RemoveHidden([](const dk::Entry& entry) { return IsHidden(entry); }, &entries);
+    AddGroup(path.text, std::move(entries));
+  }
+
+  void ReadFile(const PhonePath& path) {
+    auto entry = tool_.phone().stat(path.text, DK_NO_FOLLOW, tool_.limits()).value();
+    entry.name = path.text;  // as it was named
+    groups_.front().entries.push_back(std::move(entry));
+  }
+
+  void ReadBelow(const PhonePath& path) {
+    Entries all;
+    try {
+      all = Below(tool_, path);
+    } catch (const dk::Error& error) {
+      if (error.code() != DK_NOT_A_DIRECTORY || path.names_a_folder) throw;
+      return ReadFile(path);
+    }
+    RemoveHidden([&path](const dk::Entry& entry) { return IsBelowHidden(entry, path); }, &all);
+    std::map<std::string, Entries> by_folder;
+    by_folder[path.text];
+    for (auto& entry : all) {
+      if (IsFolder(entry)) by_folder[entry.path];
+      by_folder[FolderOf(entry, path)].push_back(std::move(entry));
+    }
+    AddInOrder(path.text, &by_folder);
+  }
+
+  static std::string FolderOf(const dk::Entry& entry, const PhonePath& root) {
+    const std::string folder = entry.path.substr(0, entry.path.rfind('/'));
+    return folder.empty() ? root.text : folder;
+  }
+
+  // A folder before the folders in it, which follow in the order of the listing.
+  void AddInOrder(const std::string& root, std::map<std::string, Entries>* by_folder) {
+    std::vector<std::string> waiting = {root};
+    while (!waiting.empty()) {
+      const std::string folder = std::move(waiting.back());
+      waiting.pop_back();
+      AddGroup(folder, std::move((*by_folder)[folder]));
+      const auto& entries = groups_.back().entries;
+      for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
+        if (IsFolder(*entry)) waiting.push_back(entry->path);
+      }
+    }
+  }
+
+  template <typename Predicate>
+  void RemoveHidden(const Predicate& is_hidden, Entries* entries) const {
+    if (!options_.hidden)
+      entries->erase(std::remove_if(entries->begin(), entries->end(), is_hidden), entries->end());
+  }
+
+  void AddGroup(const std::string& folder, Entries entries) {
+    if (NeedsSizes()) CompleteSizes(tool_, &entries);
+    if (options_.details || tool_.is_json()) CompleteLinks(tool_, &entries);
+    Sort(options_, &entries);
+    groups_.push_back({folder, std::move(entries)});
+  }
+
+  bool NeedsSizes() const { return options_.details || options_.by_size || tool_.is_json(); }
+
+  Tool& tool_;
+  const Options& options_;
+  std::vector<Group> groups_;
+};
+
+std::string NameOf(const Output& output, const dk::Entry& entry) {
+  const std::string name = output.Shown(entry.name);
+  if (!IsFolder(entry) || !output.is_terminal()) return name;
+  return output.Painted(Colour::kFolder, name) + "/";
+}
+
+std::string TextOf(const Output& output, const Entries& entries, const Options& options) {
+  if (!options.details) {
+    std::string text;
+    for (const auto& entry : entries) text += NameOf(output, entry) + "\n";
+    return text;
+  }
+  Table table;
+  for (const auto& entry : entries) {
+    std::string name = NameOf(output, entry);
+    if (entry.link_target) name += " -> " + output.Shown(*entry.link_target);
+    table.AddRow({ModeText(entry), EntrySizeText(entry), TimeText(entry.mtime, options.utc), name});
   }
   return table.Text();
 }
 
-Json::Value ToJson(const std::vector<Row>& rows, const DevicePath& folder, const Options& options) {
-  Json::Value list(Json::arrayValue);
-  for (const auto& row : rows) {
-    Json::Value& entry = list.append(Json::objectValue);
-    entry["name"] = NameOf(row, folder, options);
-    entry["path"] = row.path;
-    entry["type"] = row.files_below > 0 ? "folder" : "file";
-    entry["size"] = Json::UInt64(row.size);
-    entry["time"] = row.time;
-    if (row.seconds > 0) entry["utc"] = UtcTimeText(row.seconds);
-    if (row.files_below > 0) entry["files"] = Json::UInt64(row.files_below);
+void Print(Tool& tool, const std::vector<Group>& groups, const Options& options) {
+  Output& output = tool.output();
+  const bool has_headings = options.recursive || options.paths.size() > 1;
+  bool first = true;
+  for (const auto& group : groups) {
+    if (group.folder.empty() && group.entries.empty()) continue;
+    if (options.zeros) {
+      for (const auto& entry : group.entries) output.Append(entry.path + '\0');
+      continue;
+    }
+    if (has_headings && !group.folder.empty()) {
+      output.Append((first ? "" : "\n") + output.Shown(group.folder) + ":\n");
+    }
+    output.Append(TextOf(output, group.entries, options));
+    first = false;
   }
-  return list;
 }
 
 void Run(Tool& tool, const Options& options) {
-  const DevicePath& path = options.path;
-  const auto rows = ReadRows(tool, tool.device(), path, options);
-  if (options.json) {
-    tool.output().WriteJson(ToJson(rows, path, options));
-  } else {
-    tool.output().Write(ToText(tool.output(), rows, path, options));
+  const std::vector<PhonePath> usual = {PhonePath::Parse("/sdcard")};
+  if (tool.is_json()) tool.document().BeginList("entries");
+  Listing listing(tool, options);
+  tool.ForEach(options.paths.empty() ? usual : options.paths,
+               [&](const PhonePath& path) { listing.Read(path); });
+  const auto groups = listing.TakeGroups();
+  if (!tool.is_json()) return Print(tool, groups, options);
+  for (const auto& group : groups) {
+    for (const auto& entry : group.entries) tool.document().Add(EntryJson(entry));
   }
-  const auto is_lost = [](const Row& row) { return HasLostBytes(row.path); };
-  WarnOfLostNames(static_cast<std::size_t>(std::count_if(rows.begin(), rows.end(), is_lost)));
 }
 
 }  // namespace

@@ -58,7 +58,8 @@ std::string ToText(const Output& output, const Facts& facts) {
   if (facts.entry.size) {
     table.AddRow({"size", SizeText(*facts.entry.size) + " (" + CountText(*facts.entry.size, "byte") + ")"});
   }
-  table.AddRow({"modified", facts.modified == 0 ? "unknown" : LocalTimeText(facts.modified)});
+  table.AddRow({"modified",
+                facts.modified == 0 ? "unknown" : LocalTimeText(static_cast<std::int64_t>(facts.modified))});
   return table.Text();
 }
 
@@ -68,7 +69,7 @@ Json::Value ToJson(const Facts& facts) {
   json["type"] = facts.entry.is_folder ? "folder" : "file";
   if (facts.entry.size) json["size"] = Json::UInt64(*facts.entry.size);
   if (facts.modified != 0) {
-    json["modified"] = UtcTimeText(facts.modified);
+    json["modified"] = UtcTimeText(static_cast<std::int64_t>(facts.modified));
     json["modified_seconds"] = Json::UInt64(facts.modified);
   }
   return json;
