@@ -109,7 +109,7 @@ TEST_F(SettingsTest, ATimeoutEndsACommandOfAnyKind) {
 TEST_F(SettingsTest, ATimeoutLeavesShorterCommandsAlone) {
   UseTimeout("20");
   EXPECT_EQ(RunAdb(" print:a sleep:30 print:b close sleep:30 exit:3").status, 1003);
-  UseTimeout("0.2");
+  UseTimeout("5.5");
   EXPECT_EQ(RunAdb(" print:a exit:3").output, "a");
 }
 
