@@ -18,14 +18,7 @@
 
 #include "tests/channel/channel_run.h"
 #include "tests/support/file_content.h"
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define DAROKLEIM_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define DAROKLEIM_SANITIZED 1
-#endif
-#endif
+#include "tests/support/sanitizers.h"
 
 namespace darokleim::channel {
 namespace {

@@ -5,13 +5,7 @@
 
 #include <string>
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define DAROKLEIM_SANITIZED
-#endif
-#elif defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define DAROKLEIM_SANITIZED
-#endif
+#include "tests/support/sanitizers.h"
 
 namespace darokleim::sdk {
 namespace {
