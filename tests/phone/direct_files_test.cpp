@@ -65,7 +65,7 @@ TEST_P(DirectListings, ThatAreRefused) {
   fs::permissions(phone_folder_seen() / "locked", fs::perms::none);
   ExpectSameAnswer(OnPhone("ls \"" + phone_folder() + "/locked\""));
   fs::permissions(phone_folder_seen() / "locked", fs::perms::all);
-  for (const size_t length : {1000, 1024, 1025, 70000}) {
+  for (const size_t length : {1000u, 1024u, 1025u, 70000u}) {
     ExpectSameAnswer(OnPhone("ls \"/" + std::string(length - 1, 'p') + "\""));
   }
 }
@@ -147,7 +147,7 @@ TEST_P(DirectTransfers, PushesThatFail) {
         ExpectSameEffect(OnPhone("push " + options + OnHost("large") + " \"/system/new/newer\"")).status,
         1001);
     EXPECT_EQ(ExpectSameEffect(OnPhone("push " + options + OnHost("small") + " \"/proc/new\"")).status, 1001);
-    for (const size_t length : {255, 256, 900, 1017, 1018, 1024, 1025, 70000}) {
+    for (const size_t length : {255u, 256u, 900u, 1017u, 1018u, 1024u, 1025u, 70000u}) {
       ExpectSameEffect(
           OnPhone("push " + options + OnHost("small") + " \"/" + std::string(length - 1, 'p') + "\""));
     }
@@ -156,7 +156,8 @@ TEST_P(DirectTransfers, PushesThatFail) {
 
 TEST_P(DirectTransfers, PathsOfTheLongestLength) {
   // Not too long for the phone, which looks at one name after the other.
-  for (const size_t slashes : {900, 960, 980, 986, 987, 990, 992, 993, 994, 995, 996, 1000, 1024}) {
+  for (const size_t slashes :
+       {900u, 960u, 980u, 986u, 987u, 990u, 992u, 993u, 994u, 995u, 996u, 1000u, 1024u}) {
     const std::string path = phone_folder() + std::string(slashes, '/') + "small";
     ExpectSameEffect(OnPhone("pull -a \"" + path + "\" " + OnHost("new")));
     ExpectSameEffect(OnPhone("push " + OnHost("small") + " \"" + path + "\""));
@@ -175,7 +176,7 @@ TEST_P(DirectTransfers, Pulls) {
 
 TEST_P(DirectTransfers, PullsUnderEveryUmask) {
   const mode_t before = umask(0);
-  for (const mode_t mask : {0, 022, 077, 0777}) {
+  for (const mode_t mask : {0u, 022u, 077u, 0777u}) {
     umask(mask);
     const std::string options[] = {"", "-a "};
     for (const std::string& option : options) {
@@ -206,7 +207,7 @@ TEST_P(DirectTransfers, PullsThatFail) {
     EXPECT_EQ(ExpectSameEffect(Pull("small", "old/", options)).status, 1001);
     EXPECT_EQ(ExpectSameEffect(Pull("small", "old/inside", options)).status, 1001);
     EXPECT_EQ(ExpectSameEffect(OnPhone("pull " + options + There("small") + " \"/proc/none\"")).status, 1001);
-    for (const size_t length : {255, 256, 1024, 1025, 70000}) {
+    for (const size_t length : {255u, 256u, 1024u, 1025u, 70000u}) {
       ExpectSameEffect(
           OnPhone("pull " + options + "\"/" + std::string(length - 1, 'p') + "\" " + OnHost("new")));
       ExpectSameEffect(OnPhone("pull " + options + There("small") + " " + OnHost(std::string(length, 'h'))));
