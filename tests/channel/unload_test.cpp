@@ -151,7 +151,7 @@ TEST_F(UnloadTest, ClosesTheConnectionsThatAreKept) {
                   " -s X ls /a", nullptr, &out, &length),
               0);
     channel.Get<decltype(ReleaseAdbOutBuffer)>("ReleaseAdbOutBuffer")(out);
-    EXPECT_EQ(server.open_connections(), 1);
+    EXPECT_TRUE(test::Eventually([&] { return server.open_connections() == 1; }));
     const Clock::time_point start = Clock::now();
     channel.Unload();
     EXPECT_LT(Since(start), milliseconds(1500)) << "the thread that closes them ends at once";

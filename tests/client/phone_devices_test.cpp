@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <deque>
 #include <map>
 #include <mutex>
 #include <thread>
@@ -50,29 +51,29 @@ TEST_P(Devices, AreWatched) {
 }
 
 TEST_P(Devices, AWatchIsStoppedFromWithinItsCallback) {
-  std::atomic<int> calls{0};
-  dk_watch* watch = nullptr;
-  std::mutex started;
   struct State {
-    std::atomic<int>* calls;
-    dk_watch** watch;
-    std::mutex* started;
-  } state{&calls, &watch, &started};
+    std::atomic<int> calls{0};
+    dk_watch* watch = nullptr;
+    std::mutex started;
+  };
+  // The callback may still be returning when the test ends.
+  static std::deque<State> kept;
+  State& state = kept.emplace_back();
   {
-    const std::lock_guard lock(started);
+    const std::lock_guard lock(state.started);
     ASSERT_EQ(dk_watch_start(
                   client().get(),
                   [](void* user, dk_change, const dk_device_info*) {
                     auto& seen = *static_cast<State*>(user);
-                    const std::lock_guard after(*seen.started);
-                    ++*seen.calls;
-                    dk_watch_stop(*seen.watch);
+                    const std::lock_guard after(seen.started);
+                    ++seen.calls;
+                    dk_watch_stop(seen.watch);
                   },
-                  &state, &watch, nullptr),
+                  &state, &state.watch, nullptr),
               DK_OK);
   }
   std::this_thread::sleep_for(std::chrono::milliseconds(300));
-  EXPECT_EQ(calls, 1);
+  EXPECT_EQ(state.calls, 1);
 }
 
 TEST_P(Devices, AreWaitedFor) {

@@ -293,7 +293,7 @@ TEST_F(DirectKeptConnections, AreUsedAgain) {
   const PhoneServer server(kModern, Files(std::vector<std::string>(50, List2())));
   for (int i = 0; i < 20; ++i) EXPECT_EQ(RunAdb(" -s X ls \"/a\"").status, 0);
   EXPECT_THAT(server.services(), ElementsAre("sync:"));
-  EXPECT_EQ(server.open_connections(), 1);
+  EXPECT_TRUE(test::Eventually([&] { return server.open_connections() == 1; }));
   EXPECT_EQ(RunAdb(" -s Y ls \"/a\"").status, 0);
   EXPECT_THAT(server.services(), ElementsAre("sync:", "sync:")) << "a phone has its own";
 }
