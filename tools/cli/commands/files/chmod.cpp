@@ -1,58 +1,50 @@
 // darokleim chmod
-#include <darokleim.h>
-
+#include <cstdio>
 #include <string>
 #include <vector>
 
 #include "tools/cli/command_line/command.h"
 #include "tools/cli/commands/commands.h"
-#include "tools/cli/device/argument_text.h"
-#include "tools/cli/device/device_entry.h"
-#include "tools/cli/errors.h"
-#include "tools/cli/tool.h"
+#include "tools/cli/commands/files/entries.h"
+#include "tools/cli/commands/files/file_mode.h"
+#include "tools/cli/output/json_text.h"
 
 namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(Examples:
-  darokleim chmod 644 /sdcard/a.txt
+  darokleim chmod 644 /data/local/tmp/a.txt
   darokleim chmod a+x /data/local/tmp/busybox "/data/local/tmp/my script"
 
-On the shared storage (/sdcard) modes are fixed: the device accepts the change and does nothing. Phones before Android 7
-do not report that they refused one.)";
-
-// It goes into the device's command as it is.
-struct FileMode {
-  static constexpr ValueKind kKind = ValueKind::kText;
-  static FileMode Parse(const std::string& word) {
-    if (word.empty() || word.front() == '-' ||
-        word.find_first_not_of("01234567ugoarwxXst+-=,") != std::string::npos) {
-      throw UsageError("\"" + word + "\" is not a valid mode, for example 644, a+x or u=rw,go=r.");
-    }
-    return {word};
-  }
-  std::string text;
-};
+On the shared storage (/sdcard) modes are fixed: the device accepts the change and does nothing.)";
 
 struct Options {
   FileMode mode;
-  std::vector<DevicePath> paths;
+  std::vector<PhonePath> paths;
 };
 
 void Describe(Command& command, Options& options) {
-  command.Positional("MODE", options.mode, "As the device's chmod reads it: 644, a+x, u=rw,go=r").Required();
+  command.Positional("MODE", options.mode, "As chmod reads it: 644, a+x, u=rw,go=r").Required();
   command.Positional("PATH", options.paths, "Files or folders on the device").Required();
 }
 
 void Run(Tool& tool, const Options& options) {
-  const Device& device = tool.device();
-  for (const auto& path : options.paths) {
-    const std::string action = "change the mode of " + path.text();
-    RequireEntry(device, path, action);
-    device.Check(AdbChmodFile(device.serial(), ForBarePlace(path.text()).c_str(), options.mode.text.c_str(),
-                              device.cancel()),
-                 action);
-  }
+  if (tool.is_json()) tool.document().BeginList("changed");
+  tool.ForEach(options.paths, [&](const PhonePath& path) {
+    std::uint32_t before = 0;
+    bool is_folder = false;
+    if (!options.mode.IsAbsolute()) {
+      const auto entry = tool.phone().stat(path.text, DK_FOLLOW, tool.limits()).value();
+      before = entry.mode;
+      is_folder = IsFolder(entry);
+    }
+    const std::uint32_t mode = options.mode.AppliedTo(before, is_folder);
+    tool.phone().chmod(path.text, mode, tool.limits()).value();
+    if (!tool.is_json()) return;
+    char octal[16];
+    std::snprintf(octal, sizeof octal, "%04o", static_cast<unsigned>(mode));
+    tool.document().Add(JsonObject().Text("path", path.text).Text("mode", octal).text());
+  });
 }
 
 }  // namespace

@@ -1,67 +1,49 @@
 // darokleim cp
-#include <darokleim.h>
-
 #include <string>
 
 #include "tools/cli/command_line/command.h"
 #include "tools/cli/commands/commands.h"
-#include "tools/cli/device/device_entry.h"
-#include "tools/cli/device/file_changes.h"
-#include "tools/cli/errors.h"
-#include "tools/cli/tool.h"
+#include "tools/cli/commands/files/relocation.h"
 
 namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(Examples:
   darokleim cp /sdcard/a.txt /sdcard/b.txt
-  darokleim cp "/sdcard/my photo.jpg" /sdcard/DCIM   copies into the folder DCIM, if there is one
+  darokleim cp "/sdcard/my photo.jpg" /sdcard/b.jpg /sdcard/DCIM   into the folder DCIM
+  darokleim cp -r /sdcard/Music /sdcard/Backup
 
-Copies one file within the device, replacing an existing file at the new path once the copy is complete.)";
+Copies on the device. A copy gets its name when it is whole; it replaces a file of that name, not a folder.)";
 
 struct Options {
-  DevicePath source, destination;
+  bool recursive = false;
+  bool no_clobber = false;
+  Relocation relocation;
 };
 
 void Describe(Command& command, Options& options) {
-  command.Positional("SOURCE", options.source, "File on the device").Required();
-  command.Positional("DESTINATION", options.destination, "Path of the copy, or a folder for it").Required();
-}
-
-void Copy(const Device& device, const DevicePath& source, const DeviceEntry& entry,
-          const DevicePath& target) {
-  const std::string action = "copy " + source.text() + " to " + target.text();
-  UnfinishedFile copy(device, target);
-  device.Check(AdbCopyFile(device.serial(), source.c_str(), copy.path().c_str(), device.cancel()), action);
-  const auto copied = FindEntry(device, copy.path());
-  if (!copied || copied->size != entry.size) {
-    throw ToolError(
-        "cannot " + action +
-        ": the copy on the device is incomplete. The storage may be full, or adb may not be allowed to "
-        "read the file or to write there.");
-  }
-  copy.PutInPlace();
+  DescribeRelocation(command, options.relocation);
+  command.Flag("-r,-R,--recursive", options.recursive, "Copy folders with everything in them");
+  command.Flag("-n,--no-clobber", options.no_clobber, "Do not replace a file; that is an error");
 }
 
 void Run(Tool& tool, const Options& options) {
-  const Device& device = tool.device();
-  const DevicePath& source = options.source;
-  const std::string action = "copy " + source.text();
-  const auto entry = RequireEntry(device, source, action);
-  if (entry.is_folder) throw ToolError("cannot " + action + ": it is a folder; only files can be copied.");
-  const auto target = TargetFor(device, options.destination, source.Name());
-  if (target.text() == source.text()) throw ToolError("cannot " + action + ": that is the file itself.");
-  const auto replaced = FindEntry(device, target);
-  if (replaced && replaced->is_folder) {
-    throw ToolError("cannot " + action + ": " + target.text() + " is a folder.");
-  }
-  Copy(device, source, entry, target);
+  Relocate(tool, options.relocation, "copy", [&](const PhonePath& source, const std::string& target) {
+    if (!options.recursive) {
+      const auto entry = tool.phone().stat(source.text, DK_FOLLOW, tool.limits()).value();
+      if (entry.type == DK_DIRECTORY) {
+        throw ToolError("cannot copy " + source.text + ": it is a folder; -r copies folders.");
+      }
+    }
+    const Progress progress(tool.progress_mode(), WaitingLine("copying " + source.text));
+    tool.phone().copy(source.text, target, !options.no_clobber, tool.limits()).value();
+  });
 }
 
 }  // namespace
 
 void AddCpCommand(Command& root) {
-  AddCommand<Options>(root, {"cp", "Copy a file on the device", kFooter}, Describe, Run);
+  AddCommand<Options>(root, {"cp", "Copy files and folders on the device", kFooter}, Describe, Run);
 }
 
 }  // namespace darokleim::cli

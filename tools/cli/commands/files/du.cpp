@@ -1,84 +1,79 @@
 // darokleim du
-#include <darokleim.h>
-#include <json/value.h>
-
 #include <string>
 #include <vector>
 
 #include "tools/cli/command_line/command.h"
 #include "tools/cli/commands/commands.h"
-#include "tools/cli/device/device_entry.h"
-#include "tools/cli/device/file_listing.h"
-#include "tools/cli/errors.h"
+#include "tools/cli/commands/files/entries.h"
 #include "tools/cli/output/human_text.h"
-#include "tools/cli/output/progress.h"
+#include "tools/cli/output/json_text.h"
 #include "tools/cli/output/table.h"
-#include "tools/cli/tool.h"
 
 namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(Examples:
-  darokleim --busybox ~/busybox-arm64 du /sdcard/DCIM
+  darokleim du /sdcard/DCIM
   darokleim du --json /sdcard/DCIM "/sdcard/my photos"
 
-The library first copies a busybox to the device, as /data/local/tmp/busybox, unless one is there. Name one that runs on
-the device with --busybox. A folder that adb may not read completely cannot be measured.)";
-
-constexpr char kBusyboxOnDevice[] = "/data/local/tmp/busybox";
-constexpr std::uint64_t kUnit = 1024;  // bytes, of the device's du
+The sum of the sizes of all files below, hidden ones included; what they take on the storage may be more. Links are not
+followed. A folder that cannot be read is reported and counts as empty, and the exit status is 1.)";
 
 struct Options {
-  bool json = false;
-  std::vector<DevicePath> paths;
+  std::vector<PhonePath> paths;
 };
 
 void Describe(Command& command, Options& options) {
-  command.Positional("PATH", options.paths, "Folders on the device").Required();
-  command.JsonFlag(options.json, "an array of {path, size}, in bytes");
+  command.Positional("PATH", options.paths, "Folders or files on the device").Required();
 }
 
-void CheckBusybox(const Session& session, const Device& device) {
-  if (session.has_busybox() || EntryExists(device, DevicePath(kBusyboxOnDevice))) return;
-  throw ToolError(
-      "cannot measure folders: the library needs a busybox on the device for that, and none is available. "
-      "Name one "
-      "that runs on the device with --busybox PATH.");
-}
+struct Sum {
+  std::uint64_t size = 0, files = 0, folders = 0;
+};
 
-std::uint64_t Measure(const Device& device, const DevicePath& path) {
-  const std::string action = "measure " + path.text();
-  RequireEntry(device, path, action);
-  long long units = 0;
-  const int code = AdbGetDirSize(device.serial(), path.c_str(), &units, device.cancel());
-  const bool is_empty = code == ADB_RESULT_OK && units == 0 && ListFiles(device, path, {true, true}).empty();
-  if (code == ADB_RESULT_PROTOCOL_FAULT || (code == ADB_RESULT_OK && units <= 0 && !is_empty)) {
-    throw ToolError(
-        "cannot " + action +
-        ": the device did not report its size. adb may not be allowed to read parts of the folder.");
+Sum Measure(Tool& tool, const PhonePath& path) {
+  const Progress progress(tool.progress_mode(), WaitingLine("measuring " + path.text));
+  Sum sum;
+  Entries without_size;
+  dk::WalkOptions options;
+  options.on_error = [&tool](const dk::Error& error) {
+    tool.ReportFailure(error);
+    return true;
+  };
+  const auto add = [&](const dk_entry& entry) {
+    if (entry.type == DK_DIRECTORY) ++sum.folders;
+    if (entry.type != DK_FILE) return true;
+    ++sum.files;
+    if (entry.size_known) {
+      sum.size += entry.size;
+    } else {
+      without_size.emplace_back(entry);
+    }
+    return true;
+  };
+  const auto walked = tool.phone().walk(path.text, options, add, tool.limits());
+  if (walked.code() == DK_NOT_A_DIRECTORY && !path.names_a_folder) {
+    const auto file = tool.phone().stat(path.text, DK_FOLLOW, tool.limits()).value();
+    return {file.size.value_or(0), 1, 0};
   }
-  device.Check(code, action);
-  return static_cast<std::uint64_t>(units) * kUnit;
+  if (!walked && walked.code() != DK_PARTLY_DONE) throw walked.error();
+  CompleteSizes(tool, &without_size);
+  for (const auto& entry : without_size) sum.size += entry.size.value_or(0);
+  return sum;
 }
 
 void Run(Tool& tool, const Options& options) {
-  const Device& device = tool.device();
-  CheckBusybox(tool.session(), device);
+  if (tool.is_json()) tool.document().BeginList("sums");
   Table table;
-  Json::Value json(Json::arrayValue);
-  for (const auto& path : options.paths) {
-    const Progress progress(!tool.is_quiet(), WaitingLine("measuring " + path.text()));
-    const auto size = Measure(device, path);
-    table.AddRow({SizeText(size), tool.output().Shown(path.text())});
-    Json::Value& entry = json.append(Json::objectValue);
-    entry["path"] = path.text();
-    entry["size"] = Json::UInt64(size);
-  }
-  if (options.json) {
-    tool.output().WriteJson(json);
-  } else {
-    tool.output().Write(table.Text());
-  }
+  tool.ForEach(options.paths, [&](const PhonePath& path) {
+    const Sum sum = Measure(tool, path);
+    table.AddRow({SizeText(sum.size), CountText(sum.files, "file"), tool.output().Shown(path.text)});
+    if (!tool.is_json()) return;
+    JsonObject json;
+    json.Text("path", path.text).Unsigned("size", sum.size).Unsigned("files", sum.files);
+    tool.document().Add(json.Unsigned("folders", sum.folders).text());
+  });
+  if (!tool.is_json()) tool.output().Write(table.Text());
 }
 
 }  // namespace

@@ -1,45 +1,91 @@
 // darokleim find
-#include <darokleim.h>
-#include <json/value.h>
+#include <fnmatch.h>
+#include <time.h>
 
 #include <algorithm>
+#include <array>
+#include <limits>
 #include <string>
 #include <vector>
 
 #include "tools/cli/command_line/command.h"
 #include "tools/cli/commands/commands.h"
-#include "tools/cli/device/argument_text.h"
-#include "tools/cli/device/device_entry.h"
-#include "tools/cli/device/file_listing.h"
-#include "tools/cli/errors.h"
-#include "tools/cli/output/progress.h"
-#include "tools/cli/tool.h"
+#include "tools/cli/commands/files/entries.h"
 
 namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(Examples:
-  darokleim find /sdcard jpg png         files whose names end in .jpg or .png, in any case
-  darokleim find --json "/sdcard/my music" mp3
-  darokleim find -0 /sdcard mp3 | xargs -0 -n 1 darokleim stat
+  darokleim find /sdcard --suffix jpg --suffix png    in upper or lower case
+  darokleim find /sdcard/DCIM --name 'IMG_2024*'
+  darokleim find /sdcard --type f --larger 100M --newer 7d
+  darokleim find -0 /sdcard --suffix mp3 | xargs -0 -n 1 darokleim stat
 
-Folders that adb is not allowed to search are skipped; if nothing was found and some were refused, that is an error. In
-the results, bytes that are not UTF-8 are shown as U+FFFD.)";
+Links are found and not followed. A folder that cannot be read is reported, the rest is searched, and the exit status is
+1.)";
 
-// Of the library's command, and its words besides the serial number, folder and suffixes.
-constexpr std::size_t kLongestCommand = 1023;
-constexpr std::size_t kWords = sizeof " -s  shell find / -type f -and \\(  \\)";
-constexpr std::size_t kWordsForASuffix = sizeof " -or -iname *.";
-constexpr char kFind[] = "/system/bin/find";
+// "100", "20k", "1.5G": powers of 1024.
+struct Size {
+  static constexpr ValueKind kKind = ValueKind::kText;
+  static Size Parse(const std::string& word) {
+    constexpr std::string_view kUnits = "kmgt";
+    std::size_t end = 0;
+    double value = 0;
+    const bool begins_with_digit = !word.empty() && word.front() >= '0' && word.front() <= '9';
+    try {
+      if (begins_with_digit) value = std::stod(word, &end);
+    } catch (const std::exception&) {
+      end = 0;
+    }
+    const std::string unit = word.substr(end);
+    const auto power =
+        unit.size() == 1 ? kUnits.find(static_cast<char>(unit[0] | 0x20)) : std::string_view::npos;
+    constexpr double kMost = 1e18;
+    if (end == 0 || (!unit.empty() && power == std::string_view::npos) || !(value < kMost)) {
+      throw UsageError("\"" + word + "\" is not a size, for example 500, 20k, 100M or 1.5G.");
+    }
+    for (std::size_t i = 0; !unit.empty() && i <= power; ++i) value *= 1024;
+    if (!(value < kMost)) throw UsageError("\"" + word + "\" is too large a size.");
+    return {static_cast<std::uint64_t>(value)};
+  }
+  std::uint64_t bytes = 0;
+};
 
-// "*.jpg" and ".jpg" mean jpg. The library separates suffixes with semicolons.
+// "7d", "24h", "30m", or a date of this computer's time zone: "2024-01-31", "2024-01-31 18:30:00".
+struct PointInTime {
+  static constexpr ValueKind kKind = ValueKind::kText;
+  static PointInTime Parse(const std::string& word) {
+    for (const char* format : {"%Y-%m-%d %H:%M:%S", "%Y-%m-%d %H:%M", "%Y-%m-%d"}) {
+      tm parts{};
+      parts.tm_isdst = -1;
+      const char* const end = strptime(word.c_str(), format, &parts);
+      if (end != nullptr && *end == '\0') return {mktime(&parts)};
+    }
+    constexpr std::size_t kMostDigits = 6;
+    const std::string digits = word.substr(0, word.empty() ? 0 : word.size() - 1);
+    const bool is_number = !digits.empty() && digits.size() <= kMostDigits &&
+                           digits.find_first_not_of("0123456789") == std::string::npos;
+    const std::int64_t unit = word.ends_with('d')   ? 86400
+                              : word.ends_with('h') ? 3600
+                              : word.ends_with('m') ? 60
+                                                    : 0;
+    if (!is_number || unit == 0) {
+      throw UsageError("\"" + word +
+                       "\" is not a time, for example 7d, 24h, 30m, 2024-01-31 or \"2024-01-31 18:30\".");
+    }
+    return {time(nullptr) - std::stoll(digits) * unit};
+  }
+  std::int64_t seconds = std::numeric_limits<std::int64_t>::min();
+};
+
+// "*.jpg" and ".jpg" mean jpg.
 struct Suffix {
   static constexpr ValueKind kKind = ValueKind::kText;
   static Suffix Parse(std::string word) {
     word.erase(0, word.find_first_not_of("*."));
-    if (word.empty() || word.find_first_of(";/") != std::string::npos) {
+    if (word.empty() || word.find('/') != std::string::npos) {
       throw UsageError("\"" + word +
-                       "\" is not a valid suffix: it must not be empty and must not contain ; or /.");
+                       "\" is not a valid suffix: it must not be empty and must not contain /.");
     }
     return {word};
   }
@@ -47,91 +93,77 @@ struct Suffix {
 };
 
 struct Options {
-  bool json = false;
   bool zeros = false;
-  DevicePath folder;
+  std::string name, type;
   std::vector<Suffix> suffixes;
+  Size larger;
+  PointInTime newer;
+  std::vector<PhonePath> folders;
 };
 
 void Describe(Command& command, Options& options) {
-  command.Positional("FOLDER", options.folder, "Where to search on the device").Required();
-  command.Positional("SUFFIX", options.suffixes, "What names end in after a dot: jpg").Required();
+  command.Positional("FOLDER", options.folders, "Where to search on the device").Required();
+  command.Option("--name", options.name, "Names like this, with * ? and [...] as in a shell")
+      .Called("PATTERN");
+  command.Option("--suffix", options.suffixes, "Files whose names end in this after a dot; may be repeated")
+      .Called("SUFFIX");
+  command.Option("--type", options.type, "Only files, folders (d) or links")
+      .Called("TYPE")
+      .OneOf({"f", "d", "l"});
+  command.Option("--larger", options.larger, "Files of more than so many bytes: 500, 20k, 100M, 1.5G")
+      .Called("SIZE");
+  command
+      .Option("--newer", options.newer,
+              "Changed after this: 7d, 24h, 30m (ago), 2024-01-31, \"2024-01-31 18:30\"")
+      .Called("TIME");
   command.Flag("-0,--null", options.zeros, "End each path with a zero byte instead of a line break");
-  command.JsonFlag(options.json, "an array of paths");
 }
 
-std::string Suffixes(const Device& device, const Options& options, const std::string& folder) {
-  std::string list;
-  std::size_t length = kWords + std::string_view(device.serial()).size() + folder.size();
-  for (const auto& named : options.suffixes) {
-    const std::string suffix = ForBarePlace(named.text);
-    list += (list.empty() ? "" : ";") + suffix;
-    length += kWordsForASuffix + suffix.size();
+dk::WalkOptions Filters(Tool& tool, const Options& options) {
+  dk::WalkOptions walk;
+  if (!options.type.empty()) {
+    walk.types = 1u << (options.type == "f" ? DK_FILE : options.type == "d" ? DK_DIRECTORY : DK_LINK);
   }
-  if (length > kLongestCommand) {
-    throw ToolError("the folder and the suffixes are too long together: the library's command holds " +
-                    std::to_string(kLongestCommand) + " bytes. Search for fewer suffixes at once.");
-  }
-  return list;
+  for (const auto& suffix : options.suffixes) walk.suffixes.push_back(suffix.text);
+  walk.on_error = [&tool](const dk::Error& error) {
+    tool.ReportFailure(error);
+    return true;
+  };
+  return walk;
 }
 
-// Without find the library searches with a pattern that holds the texts as they are, including quotes.
-void CheckWithoutFind(const Device& device, const DevicePath& folder, const std::string& suffixes) {
-  const bool plain =
-      ForBarePlace(folder.text()) == folder.text() && suffixes.find_first_of("'\\") == std::string::npos;
-  if (plain || EntryExists(device, DevicePath(kFind))) return;
-  throw ToolError(
-      "cannot search " + folder.text() +
-      ": this device does not have find, and without it the library cannot search for a folder or suffix "
-      "with spaces or characters that are special to a shell. `darokleim ls -R` lists all files.");
-}
-
-std::vector<ListedFile> Search(const Tool& tool, const Device& device, const Options& options) {
-  const DevicePath& path = options.folder;
-  const std::string action = "search " + path.text();
-  if (!RequireEntry(device, path, action).is_folder) {
-    throw ToolError("cannot " + action + ": it is a file, not a folder.");
-  }
-  const std::string folder = ForBarePlace(path.text());
-  const std::string suffixes = Suffixes(device, options, folder);
-  CheckWithoutFind(device, path, suffixes);
-  const Progress progress(!tool.is_quiet(), WaitingLine("searching " + path.text()));
-  return FilesOf(ReadListing(device, action, [&](char** json, int* length) {
-    return AdbGetFilesBySuffix(device.serial(), folder.c_str(), suffixes.c_str(), json, length,
-                               device.cancel());
-  }));
-}
-
-std::string ToText(const Output& output, const std::vector<ListedFile>& files, bool zeros) {
-  std::string text;
-  for (const auto& file : files) {
-    text += zeros ? file.path : output.Shown(file.path);
-    text += zeros ? '\0' : '\n';
-  }
-  return text;
-}
-
-Json::Value ToJson(const std::vector<ListedFile>& files) {
-  Json::Value list(Json::arrayValue);
-  for (const auto& file : files) list.append(file.path);
-  return list;
+bool IsWanted(const dk_entry& entry, const Options& options) {
+  if (!options.name.empty() && fnmatch(options.name.c_str(), entry.name, 0) != 0) return false;
+  // A file whose size the phone does not say has 4 GiB or more.
+  constexpr std::uint64_t kUnknownSize = std::uint64_t{4} << 30;
+  const std::uint64_t size = entry.size_known ? entry.size : kUnknownSize;
+  if (options.larger.bytes > 0 && (entry.type != DK_FILE || size <= options.larger.bytes)) return false;
+  return entry.mtime > options.newer.seconds;
 }
 
 void Run(Tool& tool, const Options& options) {
-  const auto files = Search(tool, tool.device(), options);
-  if (options.json) {
-    tool.output().WriteJson(ToJson(files));
-  } else {
-    tool.output().Write(ToText(tool.output(), files, options.zeros));
-  }
-  const auto is_lost = [](const ListedFile& file) { return HasLostBytes(file.path); };
-  WarnOfLostNames(static_cast<std::size_t>(std::count_if(files.begin(), files.end(), is_lost)));
+  if (tool.is_json()) tool.document().BeginList("entries");
+  const auto filters = Filters(tool, options);
+  tool.ForEach(options.folders, [&](const PhonePath& folder) {
+    const auto show = [&](const dk_entry& entry) {
+      if (!IsWanted(entry, options)) return true;
+      if (tool.is_json()) {
+        tool.document().Add(EntryJson(dk::Entry(entry)));
+      } else {
+        tool.output().Append(options.zeros ? entry.path + std::string(1, '\0')
+                                           : tool.output().Shown(entry.path) + "\n");
+      }
+      return true;
+    };
+    const auto walked = tool.phone().walk(folder.text, filters, show, tool.limits());
+    if (!walked && walked.code() != DK_PARTLY_DONE) throw walked.error();
+  });
 }
 
 }  // namespace
 
 void AddFindCommand(Command& root) {
-  AddCommand<Options>(root, {"find", "Find files on the device by the ends of their names", kFooter},
+  AddCommand<Options>(root, {"find", "Find files on the device by name, type, size and time", kFooter},
                       Describe, Run);
 }
 

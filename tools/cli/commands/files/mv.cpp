@@ -3,47 +3,38 @@
 
 #include "tools/cli/command_line/command.h"
 #include "tools/cli/commands/commands.h"
-#include "tools/cli/device/device_entry.h"
-#include "tools/cli/device/file_changes.h"
-#include "tools/cli/errors.h"
-#include "tools/cli/tool.h"
+#include "tools/cli/commands/files/relocation.h"
 
 namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(Examples:
-  darokleim mv /sdcard/a.txt /sdcard/b.txt       renames
-  darokleim mv "/sdcard/my folder" /sdcard/Music   moves into the folder Music, if there is one
+  darokleim mv /sdcard/a.txt /sdcard/b.txt                    renames
+  darokleim mv "/sdcard/my folder" /sdcard/b.txt /sdcard/Music   into the folder Music
 
-An existing file at the new path is replaced.)";
+An existing file at the new path is replaced, not a folder.)";
 
 struct Options {
-  DevicePath source, destination;
+  bool no_clobber = false;
+  Relocation relocation;
 };
 
 void Describe(Command& command, Options& options) {
-  command.Positional("SOURCE", options.source, "File or folder on the device").Required();
-  command.Positional("DESTINATION", options.destination, "Its new path, or a folder to move it into")
-      .Required();
+  DescribeRelocation(command, options.relocation);
+  command.Flag("-n,--no-clobber", options.no_clobber, "Do not replace a file; that is an error");
 }
 
 void Run(Tool& tool, const Options& options) {
-  const DevicePath& source = options.source;
-  const std::string action = "move " + source.text();
-  RequireEntry(tool.device(), source, action);
-  const auto target = TargetFor(tool.device(), options.destination, source.Name());
-  if (target.text() == source.text()) throw ToolError("cannot " + action + ": it is there already.");
-  const auto replaced = FindEntry(tool.device(), target);
-  if (replaced && replaced->is_folder) {
-    throw ToolError("cannot " + action + ": " + target.text() + " is a folder.");
-  }
-  Rename(tool.device(), source, target);
+  Relocate(tool, options.relocation, "move", [&](const PhonePath& source, const std::string& target) {
+    const Progress progress(tool.progress_mode(), WaitingLine("moving " + source.text));
+    tool.phone().move(source.text, target, !options.no_clobber, tool.limits()).value();
+  });
 }
 
 }  // namespace
 
 void AddMvCommand(Command& root) {
-  AddCommand<Options>(root, {"mv", "Move or rename a file or folder on the device", kFooter}, Describe, Run);
+  AddCommand<Options>(root, {"mv", "Move or rename files and folders on the device", kFooter}, Describe, Run);
 }
 
 }  // namespace darokleim::cli

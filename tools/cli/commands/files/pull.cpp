@@ -1,9 +1,5 @@
 // darokleim pull
-#include <darokleim.h>
-#include <json/value.h>
-
 #include <filesystem>
-#include <memory>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -11,152 +7,67 @@
 #include "tools/cli/command_line/command.h"
 #include "tools/cli/commands/commands.h"
 #include "tools/cli/commands/files/transfer.h"
-#include "tools/cli/device/device_entry.h"
-#include "tools/cli/device/file_listing.h"
-#include "tools/cli/errors.h"
-#include "tools/cli/host/host_file.h"
-#include "tools/cli/output/human_text.h"
-#include "tools/cli/output/progress.h"
-#include "tools/cli/output/result_text.h"
-#include "tools/cli/tool.h"
+#include "tools/cli/phone_path.h"
 
 namespace darokleim::cli {
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr char kFooter[] = R"(Examples:
-  darokleim pull /sdcard/DCIM/a.jpg              into the current folder
-  darokleim pull /sdcard/DCIM/a.jpg b.jpg        under another name
-  darokleim pull "/sdcard/my photos" ~/Pictures    a folder with everything in it
-  darokleim pull /sdcard/a.txt /sdcard/b.txt .   several, into a folder
+  darokleim pull /sdcard/DCIM                    into the current folder
+  darokleim pull /sdcard/a.txt "/sdcard/b c" .   several files and folders
+  darokleim pull --update /sdcard/DCIM/. photos  what is in DCIM and is not the same here
+  darokleim pull /sdcard/notes.tar - | tar x
 
-A file appears under its name once it is complete; until then, and after a failure or Ctrl-C, an existing file is kept. A
-folder is merged into an existing one. Times and modes are those of the device.)";
+A file gets its name here when it is whole, so a failure harms no older file. Of several files, an error of one is
+reported, the rest goes on, and the exit status is 1. After a broken connection, the same command with --update goes on
+where it ended.)";
 
 struct Options {
-  bool json = false;
-  std::vector<DevicePath> sources;
-  HostPath target{"."};
+  TransferPolicy policy;
+  std::vector<PhonePath> sources;
+  HostPath target;
 };
 
 void Describe(Command& command, Options& options) {
-  command.Positional("SOURCE", options.sources, "Files or folders on the device").Required();
-  command.Positional(
-      "TARGET", options.target,
-      "Where to put them on this computer: a path or a folder. Needed for two or more sources; otherwise "
-      "the current folder");
-  command.JsonFlag(options.json, "an array of {source, target, files, bytes, seconds, skipped}");
+  command.Positional("SOURCE", options.sources, "Files and folders on the device").Required();
+  command.Positional("TARGET", options.target,
+                     "Path on this computer, or a folder to put them in; - is standard output. Otherwise the "
+                     "current folder");
+  DescribePolicy(command, options.policy);
 }
 
-fs::path TargetOnHost(const std::string& named, const DevicePath& source, bool must_be_folder) {
-  fs::path target = AbsolutePath(named);
+void PullToOutput(Tool& tool, const Options& options) {
+  if (tool.is_json()) throw UsageError("--json and - both write to standard output.");
+  tool.ForEach(options.sources, [&](const PhonePath& source) {
+    const auto write = [&tool](std::string_view data) {
+      tool.output().Append(data);
+      return true;
+    };
+    tool.phone().read(source.text, 0, 0, write, tool.limits()).value();
+  });
+}
+
+bool IsFolder(const std::string& path) {
   std::error_code error;
-  if (fs::is_directory(target, error)) return target / source.Name();
-  if (must_be_folder || named.ends_with('/')) {
-    throw ToolError("cannot pull into " + named + ": no such folder on this computer.");
-  }
-  if (!fs::is_directory(target.parent_path(), error)) {
-    throw ToolError("cannot pull to " + named +
-                    ": no such folder on this computer: " + target.parent_path().native());
-  }
-  return target;
-}
-
-void CheckKinds(const DeviceEntry& entry, const std::string& action, const fs::path& target) {
-  std::error_code error;
-  const auto there = fs::status(target, error);
-  if (!fs::exists(there)) return;
-  if (entry.is_folder && !fs::is_directory(there)) {
-    throw ToolError("cannot " + action + ": " + target.native() + " is a file.");
-  }
-  if (!entry.is_folder && fs::is_directory(there)) {
-    throw ToolError("cannot " + action + ": " + target.native() + " is a folder.");
-  }
-}
-
-// What should arrive of a source.
-struct Expected {
-  std::uint64_t bytes = 0;
-  std::vector<ListedFile> files;  // of a folder
-};
-
-Expected Look(const Tool& tool, const Device& device, const DevicePath& source, const DeviceEntry& entry) {
-  if (!entry.is_folder) return {entry.size.value_or(0), {}};
-  const Progress progress(!tool.is_quiet(), WaitingLine("listing " + source.text()));
-  Expected expected{0, ListFiles(device, source, {true, true})};
-  for (const auto& file : expected.files) expected.bytes += file.size;
-  return expected;
-}
-
-// The library does not report which files of a folder arrived. A listed file that did not arrive counts as missing if
-// the device still has it under this name: an older ls writes some names differently.
-void CheckFolder(const Device& device, const DevicePath& source, const std::string& action,
-                 const Expected& expected, const fs::path& folder) {
-  std::error_code error;
-  for (const auto& file : expected.files) {
-    const fs::path copy = folder.native() + file.path.substr(source.IsRoot() ? 0 : source.text().size());
-    if (fs::exists(fs::symlink_status(copy, error)) && fs::file_size(copy, error) >= file.size) continue;
-    if (HasLostBytes(file.path) || !EntryExists(device, DevicePath(file.path))) continue;
-    throw ToolError("cannot " + action + ": " + file.path + " is incomplete.");
-  }
-}
-
-void CheckArrived(const Device& device, const DevicePath& source, const std::string& action,
-                  const DeviceEntry& entry, const Expected& expected, const fs::path& copy) {
-  std::error_code error;
-  const bool whole = entry.is_folder ? fs::is_directory(copy, error)
-                                     : fs::exists(copy, error) && SizeOnHost(copy) >= expected.bytes;
-  if (!whole) throw ToolError("cannot " + action + ": it is incomplete.");
-  if (entry.is_folder) CheckFolder(device, source, action, expected, copy);
-}
-
-void Receive(const Tool& tool, const Device& device, const DevicePath& source, const DeviceEntry& entry,
-             const Expected& expected, const fs::path& copy) {
-  const std::string action = "pull " + source.text();
-  int code = ADB_RESULT_OK;
-  {
-    const Progress progress(
-        !tool.is_quiet(),
-        TransferLine(source.Name(), expected.bytes, [&copy](const bool*) { return SizeOnHost(copy); }));
-    code = AdbPullFile(device.serial(), source.c_str(), copy.c_str(), device.cancel());
-  }
-  // The library understands only the report on a single file; a failure of adb itself has another code. What arrived
-  // decides.
-  const bool may_be_well = MayComeFromAName(code) || (entry.is_folder && code == ADB_RESULT_PROTOCOL_FAULT);
-  device.Check(may_be_well ? ADB_RESULT_OK : code, action);
-  try {
-    CheckArrived(device, source, action, entry, expected, copy);
-  } catch (const ToolError&) {
-    if (MayComeFromAName(code)) device.Check(code, action);
-    throw;
-  }
-}
-
-Transfer Pull(const Tool& tool, const Device& device, const DevicePath& source, const fs::path& target) {
-  const std::string action = "pull " + source.text();
-  const auto entry = RequireEntry(device, source, action);
-  CheckKinds(entry, action, target);
-  const auto expected = Look(tool, device, source, entry);
-  UnfinishedOnHost copy(target);
-  const Stopwatch watch;
-  Receive(tool, device, source, entry, expected, copy.path());
-  Transfer transfer{source.text(), target.native(), 1, SizeOnHost(copy.path()), watch.Seconds()};
-  if (entry.is_folder) transfer.files = FilesBelow(copy.path()).size();
-  copy.PutInPlace();
-  return transfer;
+  return std::filesystem::is_directory(path, error);
 }
 
 void Run(Tool& tool, const Options& options) {
-  const bool must_be_folder = options.sources.size() > 1;
-  std::vector<Transfer> transfers;
-  for (const auto& source : options.sources) {
-    if (source.IsRoot()) throw ToolError("cannot pull /: name a folder in it.");
-    transfers.push_back(
-        Pull(tool, tool.device(), source, TargetOnHost(options.target.text, source, must_be_folder)));
-    if (!options.json) ReportTransfer(tool, transfers.back());
+  if (options.target.text == "-") return PullToOutput(tool, options);
+  const std::string target = options.target.text.empty() ? "." : options.target.text;
+  const bool into_folder = target.ends_with('/') || IsFolder(target);
+  if (!into_folder && options.sources.size() > 1) {
+    throw ToolError("cannot pull several files to " + target +
+                    ": no such folder on this computer. With a slash at its end it is made.");
   }
-  if (options.json) tool.output().WriteJson(TransfersJson(transfers));
+  std::vector<dk::Item> items;
+  for (const auto& source : options.sources) {
+    const SourceName name{source.Name(), source.names_its_content};
+    if (source.IsRoot() && !name.is_content)
+      throw UsageError("the root of the device has no name; pull /. instead.");
+    items.push_back({source.text, into_folder ? TargetIn(target, name) : target});
+  }
+  Transfer(tool, Direction::kPull, items, options.policy);
 }
 
 }  // namespace

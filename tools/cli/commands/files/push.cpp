@@ -1,120 +1,94 @@
 // darokleim push
-#include <darokleim.h>
-#include <json/value.h>
+#include <errno.h>
+#include <unistd.h>
 
+#include <chrono>
 #include <string>
 #include <vector>
 
 #include "tools/cli/command_line/command.h"
 #include "tools/cli/commands/commands.h"
-#include "tools/cli/commands/files/folder_push.h"
-#include "tools/cli/commands/files/push_source.h"
 #include "tools/cli/commands/files/transfer.h"
-#include "tools/cli/device/device_entry.h"
-#include "tools/cli/device/file_changes.h"
-#include "tools/cli/errors.h"
-#include "tools/cli/output/progress.h"
-#include "tools/cli/tool.h"
+#include "tools/cli/host/host_file.h"
+#include "tools/cli/phone_path.h"
 
 namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(Examples:
-  darokleim push a.jpg /sdcard/DCIM              into the folder DCIM, if there is one
-  darokleim push a.jpg "/sdcard/my photo.jpg"    under another name
-  darokleim push ~/Pictures /sdcard              a folder with everything in it
-  darokleim push --update *.mp3 /sdcard/Music    only those that are newer than the device's
+  darokleim push photo.jpg /sdcard/DCIM          into the folder DCIM, if there is one
+  darokleim push a.txt "my folder" /sdcard       several files and folders
+  darokleim push --update Music/. /sdcard/Music  what is in Music and is not the same there
+  tar c notes | darokleim push - /sdcard/notes.tar
 
-A file appears under its name once it is complete; until then, and after a failure or Ctrl-C, an existing file is kept. A
-folder is merged into an existing one, and files of the same size and time are skipped; after Ctrl-C, incomplete files
-are deleted.)";
+A file gets its name on the device when it is whole, so a failure harms no older file. Of several files, an error of one is
+reported, the rest goes on, and the exit status is 1. After a broken connection, the same command with --update goes on
+where it ended.)";
 
 struct Options {
-  bool json = false;
-  bool update = false;
+  TransferPolicy policy;
   std::vector<HostPath> sources;
-  DevicePath target;
+  PhonePath target;
 };
 
 void Describe(Command& command, Options& options) {
-  command.Positional("SOURCE", options.sources, "Files or folders on this computer").Required();
-  command.Positional("TARGET", options.target, "Where to put them on the device: a path or a folder")
+  command.Positional("SOURCE", options.sources, "Files and folders of this computer; - is standard input")
       .Required();
-  command.Flag("--update", options.update, "Skip files of which the device has one at least as new");
-  command.JsonFlag(options.json, "an array of {source, target, files, bytes, seconds, skipped}");
+  command.Positional("TARGET", options.target, "Path on the device, or a folder to put them in").Required();
+  DescribePolicy(command, options.policy);
 }
 
-std::uint64_t SizeOnDevice(const Device& device, const DevicePath& path, const bool* stop) {
-  unsigned long long size = 0;
-  AdbGetFileSize(device.serial(), path.c_str(), &size, stop);
-  return size;
+SourceName NameOf(const std::string& source) {
+  const bool is_content = source == "." || source.ends_with("/.");
+  return {AbsolutePath(source).filename().native(), is_content};
 }
 
-bool IsAsNew(const Device& device, const DevicePath& target, const PushSource& source) {
-  if (!EntryExists(device, target)) return false;
-  unsigned long long modified = 0;
-  device.Check(AdbGetFileCreateTime(device.serial(), target.c_str(), &modified, device.cancel()),
-               "read the time of " + target.text());
-  return modified >= source.modified;
+bool IsFolder(Tool& tool, const PhonePath& path) {
+  const auto found = tool.phone().stat(path.text, DK_FOLLOW, tool.limits());
+  if (found) return dk::Result<dk::Entry>(found).value().type == DK_DIRECTORY;
+  if (found.code() == DK_NOT_FOUND) return false;
+  throw found.error();
 }
 
-Transfer PushFile(const Tool& tool, const Device& device, const PushSource& source, const DevicePath& target,
-                  bool update) {
-  const std::string action = "push " + source.path.native();
-  Transfer transfer{source.path.native(), target.text(), 1, source.size};
-  if (update && IsAsNew(device, target, source)) {
-    transfer.skipped = true;
-    return transfer;
-  }
-  const Stopwatch watch;
-  UnfinishedFile copy(device, target);
-  {
-    const Progress progress(!tool.is_quiet(), TransferLine(source.path.filename().native(), source.size,
-                                                           [&device, &copy](const bool* stop) {
-                                                             return SizeOnDevice(device, copy.path(), stop);
-                                                           }));
-    device.Check(RunPush(device, source, copy.path()), action);
-  }
-  transfer.seconds = watch.Seconds();
-  const auto arrived = FindEntry(device, copy.path());
-  if (!arrived || (arrived->size && *arrived->size != source.size)) {
-    throw ToolError("cannot " + action + ": it is incomplete on the device. The storage may be full.");
-  }
-  copy.PutInPlace();
-  return transfer;
-}
-
-DevicePath TargetOnDevice(const Device& device, const DevicePath& path, const PushSource& source,
-                          bool must_be_folder) {
-  const auto entry = FindEntry(device, path);
-  if (entry && entry->is_folder) return path.Child(source.path.filename().native());
-  if (must_be_folder || path.names_a_folder()) {
-    throw ToolError("cannot push into " + path.text() +
-                    ": no such folder on the device. `darokleim mkdir` makes one.");
-  }
-  return path;
-}
-
-void CheckKinds(const Device& device, const PushSource& source, const DevicePath& target) {
-  const auto entry = FindEntry(device, target);
-  if (!entry || entry->is_folder == source.is_folder) return;
-  throw ToolError("cannot push " + source.path.native() + ": " + target.text() + " on the device is a " +
-                  (entry->is_folder ? "folder." : "file."));
+void PushInput(Tool& tool, const Options& options) {
+  if (options.sources.size() > 1) throw UsageError("- is the only source where it is one.");
+  if (options.target.names_a_folder) throw UsageError("TARGET must be a file for standard input.");
+  dk_summary summary = {};
+  const auto start = std::chrono::steady_clock::now();
+  const auto read_input = [&summary](char* buffer, std::size_t capacity) -> std::int64_t {
+    for (;;) {
+      CheckCancelled();
+      const ssize_t count = read(STDIN_FILENO, buffer, capacity);
+      if (count < 0 && errno == EINTR) continue;
+      if (count < 0) throw ToolError("cannot read standard input: " + SystemErrorText(errno) + ".");
+      summary.bytes_sent += static_cast<std::uint64_t>(count);
+      return count;
+    }
+  };
+  constexpr std::uint32_t kMode = 0644;
+  const bool replace = !options.policy.no_clobber;
+  tool.phone().write_from(options.target.text, read_input, kMode, replace, 0, tool.limits()).value();
+  summary.files_sent = 1;
+  const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  ReportCounts(tool, Direction::kPush, summary, seconds, false);
 }
 
 void Run(Tool& tool, const Options& options) {
-  std::vector<PushSource> sources;
-  for (const auto& named : options.sources) sources.push_back(FindPushSource(named.text));
-  std::vector<Transfer> transfers;
-  for (const auto& source : sources) {
-    const Device& device = tool.device();
-    const auto target = TargetOnDevice(device, options.target, source, sources.size() > 1);
-    CheckKinds(device, source, target);
-    transfers.push_back(source.is_folder ? PushFolder(tool, device, source, target)
-                                         : PushFile(tool, device, source, target, options.update));
-    if (!options.json) ReportTransfer(tool, transfers.back());
+  for (const auto& source : options.sources) {
+    if (source.text == "-") return PushInput(tool, options);
+    if (source.text.empty()) throw UsageError("SOURCE is empty.");
   }
-  if (options.json) tool.output().WriteJson(TransfersJson(transfers));
+  const bool into_folder = options.target.names_a_folder || IsFolder(tool, options.target);
+  if (!into_folder && options.sources.size() > 1) {
+    throw ToolError("cannot push several files to " + options.target.text +
+                    ": no such folder on the device. With a slash at its end it is made.");
+  }
+  std::vector<dk::Item> items;
+  for (const auto& source : options.sources) {
+    items.push_back({source.text,
+                     into_folder ? TargetIn(options.target.text, NameOf(source.text)) : options.target.text});
+  }
+  Transfer(tool, Direction::kPush, items, options.policy);
 }
 
 }  // namespace

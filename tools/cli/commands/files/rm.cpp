@@ -4,9 +4,8 @@
 
 #include "tools/cli/command_line/command.h"
 #include "tools/cli/commands/commands.h"
-#include "tools/cli/device/device_entry.h"
-#include "tools/cli/device/file_changes.h"
-#include "tools/cli/errors.h"
+#include "tools/cli/output/json_text.h"
+#include "tools/cli/phone_path.h"
 #include "tools/cli/tool.h"
 
 namespace darokleim::cli {
@@ -14,41 +13,43 @@ namespace {
 
 constexpr char kFooter[] = R"(Examples:
   darokleim rm /sdcard/a.txt "/sdcard/my photo.jpg"
+  darokleim rm -r /sdcard/old                 a folder with everything in it
   darokleim rm -f /sdcard/perhaps.txt
 
-Deletes files, not folders. Nothing is deleted if one of the paths is not a file.)";
+Without -r only files, links and empty folders are removed. A link is removed itself, not what it leads to.)";
 
 struct Options {
+  bool recursive = false;
   bool force = false;
-  std::vector<DevicePath> paths;
+  std::vector<PhonePath> paths;
 };
 
 void Describe(Command& command, Options& options) {
-  command.Positional("PATH", options.paths, "Files to delete on the device").Required();
+  command.Positional("PATH", options.paths, "Files to remove on the device").Required();
+  command.Flag("-r,-R,--recursive", options.recursive, "Remove folders with everything in them");
   command.Flag("-f,--force", options.force, "Ignore paths that do not exist");
 }
 
-std::vector<DevicePath> FilesToDelete(const Device& device, const Options& options) {
-  std::vector<DevicePath> files;
-  for (const auto& path : options.paths) {
-    const std::string action = "delete " + path.text();
-    if (options.force && !EntryExists(device, path)) continue;
-    if (RequireEntry(device, path, action).is_folder) {
-      throw ToolError("cannot " + action + ": it is a folder, and the library deletes files only.");
-    }
-    files.push_back(path);
-  }
-  return files;
-}
-
 void Run(Tool& tool, const Options& options) {
-  for (const auto& path : FilesToDelete(tool.device(), options)) RemoveFile(tool.device(), path);
+  for (const auto& path : options.paths) {
+    // The folder itself would go.
+    if (path.names_its_content)
+      throw UsageError("PATH must not end in /. for rm; name the folder or what is in it.");
+  }
+  if (tool.is_json()) tool.document().BeginList("removed");
+  tool.ForEach(options.paths, [&](const PhonePath& path) {
+    const Progress progress(tool.progress_mode(), WaitingLine("removing " + path.text));
+    const auto removed = tool.phone().remove(path.text, options.recursive, tool.limits());
+    if (options.force && removed.code() == DK_NOT_FOUND) return;
+    removed.value();
+    if (tool.is_json()) tool.document().Add(JsonString(path.text));
+  });
 }
 
 }  // namespace
 
 void AddRmCommand(Command& root) {
-  AddCommand<Options>(root, {"rm", "Delete files on the device", kFooter}, Describe, Run);
+  AddCommand<Options>(root, {"rm", "Remove files and folders on the device", kFooter}, Describe, Run);
 }
 
 }  // namespace darokleim::cli

@@ -1,101 +1,66 @@
 // darokleim stat
-#include <darokleim.h>
-#include <json/value.h>
-
 #include <string>
 #include <vector>
 
 #include "tools/cli/command_line/command.h"
 #include "tools/cli/commands/commands.h"
-#include "tools/cli/device/device_entry.h"
-#include "tools/cli/errors.h"
+#include "tools/cli/commands/files/entries.h"
 #include "tools/cli/output/human_text.h"
 #include "tools/cli/output/table.h"
-#include "tools/cli/tool.h"
 
 namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(Examples:
-  darokleim stat /sdcard/DCIM/a.jpg
-  darokleim stat --json /sdcard/a.txt /sdcard/b.txt
-  darokleim stat --time-from-folder /sdcard/a.txt   on a device whose stat does not show times
+  darokleim stat /sdcard/DCIM
+  darokleim stat --json /sdcard/a.txt "/sdcard/my photo.jpg"
+  darokleim -q stat /sdcard/DCIM && echo "it is there"
 
-With --time-from-folder the time comes from adb's listing of the folder. That is slow in a large folder, does not work
-for a name with a space, and may return the time of another file whose name contains this one.)";
+Of a link, the link itself is shown and what it leads to. The exit status is 1 when a path does not exist.)";
 
 struct Options {
-  bool json = false;
-  bool time_from_folder = false;
-  std::vector<DevicePath> paths;
-};
-
-struct Facts {
-  DevicePath path;
-  DeviceEntry entry;
-  unsigned long long modified = 0;  // seconds since 1970 UTC; 0 when the device does not report it
+  bool utc = false;
+  std::vector<PhonePath> paths;
 };
 
 void Describe(Command& command, Options& options) {
-  command.Positional("PATH", options.paths, "Paths of files or folders on the device").Required();
-  command.Flag("--time-from-folder", options.time_from_folder,
-               "Take the time from adb's listing of the folder, not from the device's stat");
-  command.JsonFlag(options.json, "an array of {path, type, size, modified, modified_seconds}");
+  command.Positional("PATH", options.paths, "Files or folders on the device").Required();
+  command.UtcFlag(options.utc);
 }
 
-Facts ReadFacts(const Device& device, const DevicePath& path, bool time_from_folder) {
-  const std::string action = "read the facts of " + path.text();
-  Facts facts{path, RequireEntry(device, path, action)};
-  const auto read_time = time_from_folder ? AdbGetFileCreateTimeFromLs : AdbGetFileCreateTime;
-  device.Check(read_time(device.serial(), path.c_str(), &facts.modified, device.cancel()), action);
-  return facts;
-}
-
-std::string ToText(const Output& output, const Facts& facts) {
+std::string TextOf(const Output& output, const dk::Entry& entry, bool utc) {
   Table table;
-  table.AddRow({"path", output.Shown(facts.path.text())});
-  table.AddRow({"type", facts.entry.is_folder ? "folder" : "file"});
-  if (facts.entry.size) {
-    table.AddRow({"size", SizeText(*facts.entry.size) + " (" + CountText(*facts.entry.size, "byte") + ")"});
+  table.AddRow({"path", output.Shown(entry.path)});
+  table.AddRow({"type", TypeName(entry.type)});
+  if (entry.link_target) table.AddRow({"target", output.Shown(*entry.link_target)});
+  if (!IsFolder(entry) && entry.size) {
+    table.AddRow({"size", SizeText(*entry.size) + " (" + CountText(*entry.size, "byte") + ")"});
   }
-  table.AddRow({"modified",
-                facts.modified == 0 ? "unknown" : LocalTimeText(static_cast<std::int64_t>(facts.modified))});
+  table.AddRow({"modified", TimeText(entry.mtime, utc)});
+  table.AddRow({"mode", ModeText(entry)});
   return table.Text();
 }
 
-Json::Value ToJson(const Facts& facts) {
-  Json::Value json(Json::objectValue);
-  json["path"] = facts.path.text();
-  json["type"] = facts.entry.is_folder ? "folder" : "file";
-  if (facts.entry.size) json["size"] = Json::UInt64(*facts.entry.size);
-  if (facts.modified != 0) {
-    json["modified"] = UtcTimeText(static_cast<std::int64_t>(facts.modified));
-    json["modified_seconds"] = Json::UInt64(facts.modified);
-  }
-  return json;
-}
-
 void Run(Tool& tool, const Options& options) {
-  std::string text;
-  Json::Value json(Json::arrayValue);
-  for (const auto& path : options.paths) {
-    const auto facts = ReadFacts(tool.device(), path, options.time_from_folder);
-    if (!text.empty()) text += '\n';
-    text += ToText(tool.output(), facts);
-    json.append(ToJson(facts));
-  }
-  if (options.json) {
-    tool.output().WriteJson(json);
-  } else {
-    tool.output().Write(text);
-  }
+  if (tool.is_json()) tool.document().BeginList("entries");
+  bool first = true;
+  tool.ForEach(options.paths, [&](const PhonePath& path) {
+    const auto entry =
+        tool.phone().stat(path.text, path.names_a_folder ? DK_FOLLOW : DK_NO_FOLLOW, tool.limits()).value();
+    if (tool.is_json()) {
+      tool.document().Add(EntryJson(entry));
+    } else if (!tool.is_quiet()) {
+      tool.output().Append((first ? "" : "\n") + TextOf(tool.output(), entry, options.utc));
+    }
+    first = false;
+  });
 }
 
 }  // namespace
 
 void AddStatCommand(Command& root) {
-  AddCommand<Options>(root, {"stat", "Show type, size and time of files on the device", kFooter}, Describe,
-                      Run);
+  AddCommand<Options>(root, {"stat", "Show type, size, time and mode of files on the device", kFooter},
+                      Describe, Run);
 }
 
 }  // namespace darokleim::cli

@@ -2,40 +2,40 @@
 #ifndef DAROKLEIM_TOOLS_CLI_COMMANDS_FILES_TRANSFER_H
 #define DAROKLEIM_TOOLS_CLI_COMMANDS_FILES_TRANSFER_H
 
-#include <json/forwards.h>
-
-#include <chrono>
-#include <cstdint>
 #include <string>
 #include <vector>
 
+#include "tools/cli/command_line/command.h"
 #include "tools/cli/tool.h"
 
 namespace darokleim::cli {
 
-struct Transfer {
-  std::string source;
-  std::string target;
-  std::uint64_t files = 0;
-  std::uint64_t bytes = 0;
-  double seconds = 0;
-  bool skipped = false;  // the target was as new
+struct TransferPolicy {
+  bool update = false;
+  bool no_clobber = false;
 };
 
-// Prints a line about the transfer, unless that is unwanted.
-void ReportTransfer(Tool& tool, const Transfer& transfer);
+// --update and --no-clobber.
+void DescribePolicy(Command& command, TransferPolicy& policy);
 
-Json::Value TransfersJson(const std::vector<Transfer>& transfers);
-
-class Stopwatch {
- public:
-  double Seconds() const {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
-  }
-
- private:
-  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+// What a path that is to be put into a folder is called there, and whether its content is meant (`.`, `DIR/.`).
+struct SourceName {
+  std::string name;
+  bool is_content = false;
 };
+
+enum class Direction { kPush, kPull };
+
+// Transfers the items, shows progress, reports each file's error and goes on, and reports or documents the counts in the end.
+// Throws ToolError before anything is done when two sources would become one file.
+void Transfer(Tool& tool, Direction direction, const std::vector<dk::Item>& items,
+              const TransferPolicy& policy);
+
+// Prints or documents what was done. `is_broken`: not all was tried.
+void ReportCounts(Tool& tool, Direction direction, const dk_summary& summary, double seconds, bool is_broken);
+
+// Below the folder, or the folder itself for its content.
+std::string TargetIn(const std::string& folder, const SourceName& source);
 
 }  // namespace darokleim::cli
 

@@ -1,132 +1,101 @@
 // darokleim tree
-#include <darokleim.h>
-#include <json/value.h>
-
+#include <algorithm>
+#include <map>
 #include <string>
+#include <vector>
 
 #include "tools/cli/command_line/command.h"
 #include "tools/cli/commands/commands.h"
-#include "tools/cli/device/device_entry.h"
-#include "tools/cli/device/file_listing.h"
-#include "tools/cli/errors.h"
+#include "tools/cli/commands/files/entries.h"
 #include "tools/cli/output/human_text.h"
-#include "tools/cli/output/progress.h"
-#include "tools/cli/tool.h"
 
 namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] = R"(Examples:
   darokleim tree /sdcard/DCIM
-  darokleim tree --json "/sdcard/my photos"
+  darokleim tree -a -L 2 /sdcard
 
-Runs one adb command for each folder, so a large tree takes a while. Folders without a file anywhere below them are not
-shown, nor names of a dot and one character, such as ".a"; `darokleim ls -R -a` shows those. Times are in this
-computer's time zone.)";
+A folder that cannot be read is reported, the rest is shown, and the exit status is 1.)";
+
+constexpr int kDeepest = 4096;  // more than the parts of any path
 
 struct Options {
-  bool json = false;
-  bool details = false;
-  DevicePath path{"/sdcard"};
+  bool hidden = false;
+  int depth = 0;
+  std::vector<PhonePath> paths;
 };
 
 void Describe(Command& command, Options& options) {
-  command.Positional("PATH", options.path, "Folder on the device; otherwise /sdcard");
-  command.Flag("-l,--long", options.details, "Show sizes and times");
-  command.JsonFlag(
-      options.json,
-      "{Name, Dir, File}, where Dir holds such objects and File {Name, Size, Time}; names are paths");
+  command.Positional("PATH", options.paths, "Folders on the device; otherwise /sdcard");
+  command.Flag("-a,--all", options.hidden, "Show names that begin with a dot");
+  command.Option("-L,--level", options.depth, "Show only so many levels of folders").Between(1, kDeepest);
 }
 
+using Folders = std::map<std::string, Entries>;  // what is in each
+
 struct Totals {
-  std::uint64_t folders = 0;
-  std::uint64_t files = 0;
-  std::uint64_t bytes = 0;
-  std::size_t lost_names = 0;
+  std::uint64_t folders = 0, files = 0, bytes = 0;
 };
 
-// Draws the tree. Its depth is that of a path on the device, some two thousand folders at most.
-class Drawing {
- public:
-  Drawing(const Output& output, bool details) : output_(output), details_(details) {}
-
-  void AddFolder(const Json::Value& folder, const std::string& indentation) {
-    const Json::Value& folders = folder["Dir"];
-    const Json::Value& files = folder["File"];
-    Json::ArrayIndex left = folders.size() + files.size();
-    for (const Json::Value& child : folders) {
-      const bool last = --left == 0;
-      ++totals_.folders;
-      AddLine(indentation, last, output_.Painted(Colour::kFolder, Name(child)) + "/");
-      AddFolder(child, indentation + (last ? "    " : "\u2502   "));
-    }
-    for (const Json::Value& file : files) AddFile(file, indentation, --left == 0);
+// Its depth is that of a path on the device, some two thousand folders at most.
+void Draw(const Output& output, const Folders& folders, const std::string& folder,
+          const std::string& indentation, std::string* text) {
+  const auto found = folders.find(folder);
+  if (found == folders.end()) return;
+  std::size_t left = found->second.size();
+  for (const auto& entry : found->second) {
+    const bool is_last = --left == 0;
+    *text += indentation + (is_last ? "\u2514\u2500\u2500 " : "\u251c\u2500\u2500 ");
+    const std::string name = output.Shown(entry.name);
+    *text += IsFolder(entry) ? output.Painted(Colour::kFolder, name) + "/" : name;
+    if (entry.link_target) *text += " -> " + output.Shown(*entry.link_target);
+    *text += "\n";
+    if (IsFolder(entry))
+      Draw(output, folders, entry.path, indentation + (is_last ? "    " : "\u2502   "), text);
   }
+}
 
-  const std::string& text() const { return text_; }
-  const Totals& totals() const { return totals_; }
-
- private:
-  void AddFile(const Json::Value& file, const std::string& indentation, bool last) {
-    const auto size = file["Size"].asUInt64();
-    ++totals_.files;
-    totals_.bytes += size;
-    std::string line = Name(file);
-    if (details_) {
-      line += "  " + output_.Painted(Colour::kFaint, SizeText(size) + "  " + file["Time"].asString());
-    }
-    AddLine(indentation, last, line);
+void Show(Tool& tool, const PhonePath& root, const Options& options) {
+  const Progress progress(tool.progress_mode(), WaitingLine("listing " + root.text));
+  dk::WalkOptions walk;
+  walk.max_depth = static_cast<std::uint32_t>(options.depth);
+  Entries entries = Below(tool, root, walk);
+  const auto is_hidden = [&root](const dk::Entry& entry) { return IsBelowHidden(entry, root); };
+  if (!options.hidden)
+    entries.erase(std::remove_if(entries.begin(), entries.end(), is_hidden), entries.end());
+  CompleteLinks(tool, &entries);
+  std::sort(entries.begin(), entries.end(), [](const auto& a, const auto& b) { return a.path < b.path; });
+  if (tool.is_json()) {
+    CompleteSizes(tool, &entries);
+    for (const auto& entry : entries) tool.document().Add(EntryJson(entry));
+    return;
   }
-
-  std::string Name(const Json::Value& entry) {
-    const std::string path = entry["Name"].asString();
-    const std::string name = path.substr(path.rfind('/') + 1);
-    if (HasLostBytes(name)) ++totals_.lost_names;
-    return output_.Shown(name);
+  Totals totals;
+  Folders folders;
+  for (auto& entry : entries) {
+    ++(IsFolder(entry) ? totals.folders : totals.files);
+    if (entry.type == DK_FILE) totals.bytes += entry.size.value_or(0);
+    const std::string parent = entry.path.substr(0, entry.path.rfind('/'));
+    folders[parent.empty() ? "/" : parent].push_back(std::move(entry));
   }
-
-  void AddLine(const std::string& indentation, bool last, const std::string& line) {
-    text_ += indentation + (last ? "\u2514\u2500\u2500 " : "\u251c\u2500\u2500 ") + line + "\n";
-  }
-
-  const Output& output_;
-  bool details_;
-  std::string text_;
-  Totals totals_;
-};
-
-Json::Value ReadTree(const Tool& tool, const Device& device, const DevicePath& path) {
-  const std::string action = "list " + path.text();
-  const Progress progress(!tool.is_quiet(), WaitingLine("listing " + path.text()));
-  if (!RequireEntry(device, path, action).is_folder) {
-    throw ToolError("cannot " + action + ": it is a file, not a folder.");
-  }
-  if (path.IsRoot()) throw ToolError("cannot " + action + " as a tree: name a folder in it.");
-  return ReadListing(device, action, [&](char** json, int* length) {
-    return AdbGetDirFilesAndDirs(device.serial(), path.c_str(), json, length, 1, 1, device.cancel());
-  });
+  std::string text = tool.output().Shown(root.text) + "\n";
+  Draw(tool.output(), folders, root.text, "", &text);
+  tool.output().Append(text + "\n" + CountText(totals.folders, "folder") + ", " +
+                       CountText(totals.files, "file") + ", " + SizeText(totals.bytes) + "\n");
 }
 
 void Run(Tool& tool, const Options& options) {
-  const DevicePath& path = options.path;
-  const auto tree = ReadTree(tool, tool.device(), path);
-  Drawing drawing(tool.output(), options.details);
-  drawing.AddFolder(tree, "");
-  const auto& totals = drawing.totals();
-  if (options.json) {
-    tool.output().WriteJson(tree);
-  } else {
-    tool.output().Write(tool.output().Shown(path.text()) + "\n" + drawing.text() + "\n" +
-                        CountText(totals.folders, "folder") + ", " + CountText(totals.files, "file") + ", " +
-                        SizeText(totals.bytes) + "\n");
-  }
-  WarnOfLostNames(totals.lost_names);
+  const std::vector<PhonePath> usual = {PhonePath::Parse("/sdcard")};
+  if (tool.is_json()) tool.document().BeginList("entries");
+  tool.ForEach(options.paths.empty() ? usual : options.paths,
+               [&](const PhonePath& path) { Show(tool, path, options); });
 }
 
 }  // namespace
 
 void AddTreeCommand(Command& root) {
-  AddCommand<Options>(root, {"tree", "Show the files below a folder on the device as a tree", kFooter},
+  AddCommand<Options>(root, {"tree", "Show what is below a folder on the device as a tree", kFooter},
                       Describe, Run);
 }
 
