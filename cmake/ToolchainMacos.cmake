@@ -7,6 +7,9 @@ set(DAROKLEIM_ZIG zig CACHE FILEPATH "The Zig executable")
 set(DAROKLEIM_MACOS_TARGET aarch64-macos CACHE STRING "The target as Zig names it")
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES DAROKLEIM_ZIG DAROKLEIM_MACOS_TARGET)
 
+# The oldest macOS that the binaries run on.
+set(deployment_target 11.0)
+
 set(CMAKE_SYSTEM_NAME Darwin)
 string(REGEX REPLACE "-.*" "" CMAKE_SYSTEM_PROCESSOR "${DAROKLEIM_MACOS_TARGET}")
 
@@ -26,8 +29,8 @@ exec \"${DAROKLEIM_ZIG}\" ${arguments} \"$@\"
 ")
   file(CHMOD "${wrappers}/${tool}" PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
 endfunction()
-write_wrapper(cc "cc -target ${DAROKLEIM_MACOS_TARGET}")
-write_wrapper(c++ "c++ -target ${DAROKLEIM_MACOS_TARGET}")
+write_wrapper(cc "cc -target ${DAROKLEIM_MACOS_TARGET}.${deployment_target}")
+write_wrapper(c++ "c++ -target ${DAROKLEIM_MACOS_TARGET}.${deployment_target}")
 write_wrapper(ar ar)
 write_wrapper(ranlib ranlib)
 set(CMAKE_C_COMPILER "${wrappers}/cc")
