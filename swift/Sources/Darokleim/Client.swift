@@ -63,6 +63,15 @@ public final class Client: @unchecked Sendable {
     }
   }
 
+  /// Ends the server, for every program of the user: port mappings, streams and running commands end. Starts none;
+  /// ``DarokleimError/noServer(_:)`` when none ran.
+  public func stopServer(timeout: Timeout? = nil) async throws {
+    try await blocking(timeout: timeout) { [self] call in try call.check(dk_server_stop(raw, call.options)) }
+  }
+
+  /// The version of the client library.
+  public static var libraryVersion: String { String(cString: dk_version()) }
+
   /// All devices that the server knows, in every state.
   public func devices(timeout: Timeout? = nil) async throws -> [DeviceInfo] {
     try await blocking(timeout: timeout) { [self] call in

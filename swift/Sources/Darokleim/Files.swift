@@ -105,13 +105,13 @@ extension Device {
   {
     DeviceStream { [self] sink in
       let call = Call(sink.token, timeout)
-      let receiver = WalkReceiver(sink, call)
+      let receiver = WalkReceiver(sink, call, filter)
       try withExtendedLifetime(receiver) {
         try filter.withOptions { options in
           options.on_error = { user, error in WalkReceiver.at(user).fail(error) }
           try withCText(folder) {
             let code = dk_walk(
-              raw, $0, &options, { user, entry in WalkReceiver.at(user).sink.send(File(entry!.pointee)) },
+              raw, $0, &options, { user, entry in WalkReceiver.at(user).take(File(entry!.pointee)) },
               receiver.pointer, call.options)
             try call.check(code)
           }
@@ -275,12 +275,14 @@ extension FileFilter {
 
 /// Both callbacks of a walk.
 private final class WalkReceiver {
-  let sink: StreamSink<File>
+  private let sink: StreamSink<File>
   private let call: Call
+  private let onlyEmpty: Bool
 
-  init(_ sink: StreamSink<File>, _ call: Call) {
+  init(_ sink: StreamSink<File>, _ call: Call, _ filter: FileFilter) {
     self.sink = sink
     self.call = call
+    onlyEmpty = filter.sizes?.upperBound == 0
   }
 
   var pointer: UnsafeMutableRawPointer { Unmanaged.passUnretained(self).toOpaque() }
@@ -289,28 +291,14 @@ private final class WalkReceiver {
     Unmanaged<WalkReceiver>.fromOpaque(user!).takeUnretainedValue()
   }
 
+  /// C takes a largest size of 0 for none.
+  func take(_ file: File) -> Bool {
+    if onlyEmpty && file.kind == .file && file.size != 0 { return true }
+    return sink.send(file)
+  }
+
   func fail(_ error: OpaquePointer?) -> Bool {
     call.failures.append(DarokleimError(dk_error_code(error), error))
     return true
-  }
-}
-
-/// Hands out a file that is written.
-private final class DataReader {
-  private var rest: Data
-
-  init(_ data: Data) { rest = data }
-
-  var pointer: UnsafeMutableRawPointer { Unmanaged.passUnretained(self).toOpaque() }
-
-  static func at(_ user: UnsafeMutableRawPointer?) -> DataReader {
-    Unmanaged<DataReader>.fromOpaque(user!).takeUnretainedValue()
-  }
-
-  func read(into buffer: UnsafeMutablePointer<CChar>?, _ capacity: Int) -> Int64 {
-    guard let buffer else { return -1 }
-    let count = rest.copyBytes(to: UnsafeMutableRawBufferPointer(start: buffer, count: capacity))
-    rest = rest.dropFirst(count)
-    return Int64(count)
   }
 }

@@ -33,13 +33,18 @@ public struct LogOptions: Sendable, Hashable {
   public var buffers: [String]
   /// Not what is in the buffer already.
   public var onlyNew: Bool
+  /// Of what is in the buffer already, the last records alone; `nil`: all.
+  public var lastOld: Int?
   /// What is in the buffer, then the end.
   public var stopsAtEnd: Bool
 
-  public init(filters: [String] = [], buffers: [String] = [], onlyNew: Bool = false, stopsAtEnd: Bool = false) {
+  public init(
+    filters: [String] = [], buffers: [String] = [], onlyNew: Bool = false, lastOld: Int? = nil, stopsAtEnd: Bool = false
+  ) {
     self.filters = filters
     self.buffers = buffers
     self.onlyNew = onlyNew
+    self.lastOld = lastOld
     self.stopsAtEnd = stopsAtEnd
   }
 }
@@ -122,6 +127,7 @@ extension LogOptions {
         options.filter_count = count
         options.buffers = buffers
         options.only_new = onlyNew
+        options.most_old = max(0, lastOld ?? 0)
         options.stop_at_end = stopsAtEnd
         try body(&options)
       }

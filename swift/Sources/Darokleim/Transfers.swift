@@ -101,7 +101,7 @@ extension Device {
     }
   }
 
-  /// Sends a file or a folder to the phone. See ``pull(_:to:_:progress:timeout:)-(DevicePath,_,_,_,_)``.
+  /// Sends a file or a folder to the phone. See ``pull(_:to:_:progress:timeout:)``.
   @discardableResult
   public func push(
     _ source: URL, to target: DevicePath, _ options: TransferOptions = TransferOptions(), progress: Progress? = nil,

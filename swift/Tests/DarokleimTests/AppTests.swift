@@ -57,4 +57,24 @@ import Testing
     try await phone.install([apk("notes-1.apk")], .init(downgrade: true))
     #expect(try await phone.app(notes).versionCode == 1)
   }
+
+  @Test(arguments: Generation.allCases) func areSavedAndRestored(_ generation: Generation) async throws {
+    let phones = try SimulatedPhones(generation)
+    defer { phones.stop() }
+    let phone = try phones.phone()
+    try await phone.install([apk("notes-1.apk")])
+    var saved = Data()
+    for try await piece in phone.backup(notes) { saved += piece }
+    #expect(saved.starts(with: Data("ANDROID BACKUP".utf8)))
+    try await phone.restore(saved)
+    do {
+      try await phone.restore(Data("something else".utf8))
+      Issue.record("it was sent")
+    } catch DarokleimError.invalidArgument {}
+    try await phone.dismissBackup()
+    do {
+      for try await _ in phone.backup("com.example.absent") {}
+      Issue.record("it was saved")
+    } catch DarokleimError.noPackage {}
+  }
 }

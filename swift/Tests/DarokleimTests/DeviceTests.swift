@@ -116,4 +116,16 @@ import Testing
     try await phone.wait(timeout: .seconds(30))
     #expect(try await phone.shell("cat /sdcard/kept") == "kept\n")
   }
+
+  @Test func areGoneWithTheirServer() async throws {
+    let phones = try SimulatedPhones()
+    defer { phones.stop() }
+    let client = try phones.client()
+    try await client.stopServer()
+    do {
+      _ = try await client.devices()
+      Issue.record("there is still a server")
+    } catch DarokleimError.noServer {}
+    #expect(Client.libraryVersion.split(separator: ".").count == 3)
+  }
 }

@@ -76,6 +76,7 @@ typealias Generation = SimulatedPhones.Generation
     #expect(try await found(FileFilter(suffixes: ["jpg", "png"])) == ["a.jpg", "b.JPG", "c.png"])
     #expect(try await found(FileFilter(kinds: [.folder])) == ["sub", "deep"])
     #expect(try await found(FileFilter(kinds: [.file], sizes: 100...1000)) == ["b.JPG"])
+    #expect(try await found(FileFilter(kinds: [.file], sizes: 0...0)) == [])
     #expect(try await found(FileFilter(kinds: [.file], maximumDepth: 1)) == ["a.jpg"])
     #expect(try await found(FileFilter(kinds: [.file], modifiedAfter: Date(timeIntervalSinceNow: 3600))) == [])
   }
