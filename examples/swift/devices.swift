@@ -22,10 +22,9 @@ func check(_ code: Int32) throws {
   if code != Int32(ADB_RESULT_OK.rawValue) { throw AdbError(code: code) }
 }
 
-// Any pointer that is valid as long as the process lives.
-let logContext = UnsafeMutableRawPointer.allocate(byteCount: 1, alignment: 1)
-
 func start(resources: String) throws {
+  // Any pointer that is valid as long as the process lives.
+  let logContext = UnsafeMutableRawPointer.allocate(byteCount: 1, alignment: 1)
   setenv("DAROKLEIM_CHANNEL_ASSIST", "1", 0)  // phones of every generation, paths of every kind
   try check(AdbSdkInit(resources, logContext, NSTemporaryDirectory()))
 }
@@ -49,7 +48,7 @@ typealias PropertyReader = (
 func property(_ read: PropertyReader, of serial: String) throws -> String {
   var buffer = [CChar](repeating: 0, count: 128)
   try check(read(serial, &buffer, Int32(buffer.count), nil))
-  return String(cString: buffer)
+  return String(decoding: buffer.prefix { $0 != 0 }.map(UInt8.init(bitPattern:)), as: UTF8.self)
 }
 
 guard CommandLine.arguments.count == 2 else {

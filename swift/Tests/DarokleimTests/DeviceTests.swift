@@ -112,8 +112,13 @@ import Testing
     defer { phones.stop() }
     let phone = try phones.phone()
     try await phone.shell("echo kept > /sdcard/kept")
+    let client = try phones.client()
+    let before = try await client.devices().first?.transportID
     try await phone.reboot()
-    try await phone.wait(timeout: .seconds(30))
+    // It is attached anew.
+    for try await change in client.deviceChanges() {
+      if let device = change.ready, device.transportID != before { break }
+    }
     #expect(try await phone.shell("cat /sdcard/kept") == "kept\n")
   }
 
