@@ -40,6 +40,17 @@ class AnswerIsNo : public std::exception {
   const char* what() const noexcept override { return "the command answered no"; }
 };
 
+// A command of the phone ended with this exit status, which becomes the tool's.
+class CommandStatus : public std::exception {
+ public:
+  explicit CommandStatus(int status) : status_(status) {}
+  const char* what() const noexcept override { return "the command on the device failed"; }
+  int status() const { return status_; }
+
+ private:
+  int status_;
+};
+
 // Ctrl-C.
 class Cancelled : public std::exception {
  public:

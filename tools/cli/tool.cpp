@@ -44,6 +44,9 @@ int Run(const Command& command, Tool& tool) try {
     return Report(tool, "cancelled", ErrorJson(error, "cancelled"), kExitCancelled);
   const std::string text = tool.TextOf(error);
   return Report(tool, text, ErrorJson(error, text), ExitStatusFor(error.code()));
+} catch (const CommandStatus& end) {
+  tool.Finish();
+  return end.status();
 } catch (const UsageError& error) {
   return Report(tool, error.what(), ErrorJson("USAGE", error.what()), kExitUsage);
 } catch (const NoDeviceError& error) {

@@ -64,8 +64,8 @@ TEST_F(CompletionTest, OffersFilesOfThisComputerForHostPaths) {
   EXPECT_THAT(Complete({"restore", ""}), ElementsAre(":files"));
   EXPECT_THAT(Complete({"forward", "add", ""}), IsEmpty());
   EXPECT_THAT(Complete({"push", ""}), ElementsAre(":files"));
-  EXPECT_THAT(Complete({"pull", ""}), IsEmpty());
-  EXPECT_THAT(Complete({"pull", "/sdcard/a", ""}), ElementsAre(":files"));
+  EXPECT_THAT(Complete({"pull", ""}), ElementsAre("/"));
+  EXPECT_THAT(Complete({"pull", "/sdcard/a", ""}), UnorderedElementsAre("/", ":files"));
 }
 
 TEST_F(CompletionTest, OffersNamedValues) {
@@ -86,6 +86,18 @@ printf 'package:com.example.notes\r\npackage:org.other\r\n')");
   EXPECT_THAT(Complete({"-s", "FEDCBA98", "app", "uninstall", "com."}), ElementsAre("com.example.notes"));
   EXPECT_THAT(Complete({"app", "uninstall", "--serial=FEDCBA98", ""}),
               UnorderedElementsAre("com.example.notes", "org.other"));
+}
+
+TEST_F(CompletionTest, OffersPathsOfTheDevice) {
+  const test::SimulatedPhones phones({"AAA111"});
+  for (const auto& [variable, value] : test::AdbEnvironment(phones.port())) Set(variable, value);
+  phones.Adb({"shell", "touch '/sdcard/my file' /sdcard/other"});
+  EXPECT_THAT(Complete({"ls", ""}), ElementsAre("/"));
+  EXPECT_THAT(Complete({"ls", "/sdcard/D"}), UnorderedElementsAre("/sdcard/DCIM/", "/sdcard/Download/"));
+  EXPECT_THAT(Complete({"push", "a", "/sdcard/my"}), Contains("/sdcard/my file"));
+  EXPECT_THAT(Complete({"stat", "/none/"}), IsEmpty());
+  phones.Control({"AAA111", "fault", "slow=5000"});
+  EXPECT_THAT(Complete({"ls", "/sdcard/D"}), IsEmpty());
 }
 
 TEST_F(CompletionTest, ReportsNoErrors) {

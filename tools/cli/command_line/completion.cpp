@@ -3,6 +3,7 @@
 #include <darokleim.h>
 
 #include <algorithm>
+#include <chrono>
 #include <exception>
 #include <string_view>
 
@@ -18,6 +19,9 @@ namespace darokleim::cli {
 namespace {
 
 using Lines = std::vector<std::string>;
+
+// A person waits for it.
+constexpr std::chrono::milliseconds kLongestQuestion{150};
 
 // Up to its first line break or semicolon, so that it fits into a shell's list.
 std::string Short(const std::string& description) {
@@ -73,7 +77,25 @@ void AddPackages(Tool& tool, Lines* lines) {
   }
 }
 
-void AddValues(const Argument& argument, Tool& tool, Lines* lines) {
+// What is in the folder that the unfinished path names so far; the folder's own server and no other is asked, and only briefly.
+void AddDevicePaths(Tool& tool, const std::string& last, Lines* lines) {
+  const auto slash = last.rfind('/');
+  if (slash == std::string::npos) {
+    lines->emplace_back("/");
+    return;
+  }
+  ConnectionOptions options = tool.session_options();
+  options.timeout.value = kLongestQuestion;
+  Connection connection(options, /*may_start_server=*/false);
+  const std::string folder = last.substr(0, slash + 1);
+  for (const auto& entry : connection.phone().list(folder, connection.limits()).value()) {
+    // The shell's lists are lines of text.
+    if (base::EscapeControls(entry.name) != entry.name) continue;
+    lines->push_back(folder + entry.name + (entry.type == DK_DIRECTORY ? "/" : ""));
+  }
+}
+
+void AddValues(const Argument& argument, const std::string& last, Tool& tool, Lines* lines) {
   lines->insert(lines->end(), argument.values().begin(), argument.values().end());
   switch (argument.kind()) {
     case ValueKind::kHostPath:
@@ -89,9 +111,11 @@ void AddValues(const Argument& argument, Tool& tool, Lines* lines) {
     case ValueKind::kSerial:
       AddSerials(tool, lines);
       return;
+    case ValueKind::kDevicePath:
+      AddDevicePaths(tool, last, lines);
+      return;
     case ValueKind::kText:
     case ValueKind::kNumber:
-    case ValueKind::kDevicePath:
     case ValueKind::kPort:
       return;
   }
@@ -104,7 +128,7 @@ void AddAll(const CommandLinePlace& place, const std::string& last, Tool& tool, 
     return;
   }
   if (!place.after_option && !place.only_positionals) AddSubcommands(*place.command, lines);
-  for (const auto* argument : place.values) AddValues(*argument, tool, lines);
+  for (const auto* argument : place.values) AddValues(*argument, last, tool, lines);
 }
 
 void KeepThoseThatBeginWith(const std::string& beginning, Lines* lines) {

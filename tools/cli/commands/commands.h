@@ -45,6 +45,7 @@ void AddCpCommand(Command& root);
 void AddMvCommand(Command& root);
 void AddRmCommand(Command& root);
 void AddChmodCommand(Command& root);
+void AddShellCommand(Command& root);
 
 // commands/sdk/
 void AddSdkCommand(Command& root);
@@ -87,6 +88,7 @@ inline constexpr void (*kCommands[])(Command&) = {
     AddMvCommand,
     AddRmCommand,
     AddChmodCommand,
+    AddShellCommand,
     AddStorageCommand,
     AddScreenshotCommand,
 };

@@ -12,6 +12,9 @@ _darokleim() {
       *) COMPREPLY+=("$(printf %q "$candidate")") ;;
     esac
   done < <("${COMP_WORDS[0]}" complete -- "${COMP_WORDS[@]:1:COMP_CWORD}" 2>/dev/null)
+  # The path of a folder goes on.
+  [[ ${COMPREPLY[0]} == */ ]] && compopt -o nospace 2>/dev/null
+  return 0
 }
 
 # Names of this computer. bash quotes them itself after compopt, which bash 3.2, as on macOS, does not have.
