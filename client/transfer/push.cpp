@@ -16,8 +16,7 @@ constexpr std::size_t kCheckedTogether = 128;
 class Push {
  public:
   Push(dk_device* device, const dk_transfer_options& options, const Limits& limits)
-      : device_(device),
-        limits_(limits),
+      : limits_(limits),
         tally_(options, "send files"),
         left_overs_(device),
         check_(device, limits),
@@ -101,7 +100,6 @@ class Push {
                         std::string(NameOf(pending.target)));
   }
 
-  dk_device* const device_;
   const Limits& limits_;
   Tally tally_;
   LeftOvers left_overs_;
