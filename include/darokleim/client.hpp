@@ -126,6 +126,12 @@ class [[nodiscard]] Result {
     if (!ok()) throw std::get<1>(state_);
     return std::get<0>(state_);
   }
+  /// Throws the error when there is no value.
+  /// @return The value.
+  const T& value() const& {
+    if (!ok()) throw std::get<1>(state_);
+    return std::get<0>(state_);
+  }
   /// @return The value itself, so that `for (… : phone.list(folder).value())` keeps what it runs over. Throws the error
   /// when there is none.
   T value() && {

@@ -74,7 +74,7 @@ TEST_F(CommandLineTest, AWrongNumberOfWordsIsNamed) {
   ExpectMisuse(Run({"rm"}), "PATH is missing.", "darokleim rm");
   ExpectMisuse(Run({"ls", "-tS"}), "-S and -t exclude each other.", "darokleim ls");
   const auto group = Run({"forward"});
-  ExpectMisuse(group, "darokleim forward needs a command: add, remove.", "darokleim forward");
+  ExpectMisuse(group, "darokleim forward needs a command: list, add, remove.", "darokleim forward");
 }
 
 TEST_F(CommandLineTest, AWrongValueIsNamed) {

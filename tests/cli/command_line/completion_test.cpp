@@ -41,9 +41,8 @@ TEST_F(CompletionTest, OffersSubcommandsWithWhatTheyDo) {
   EXPECT_EQ(outcome.output, "devices\tList the attached devices\n");
   EXPECT_THAT(Complete({""}), IsSupersetOf({"devices", "info", "app", "logcat", "push", "ls"}));
   EXPECT_THAT(Complete({""}), Not(Contains("complete")));
-  EXPECT_THAT(Complete({"app", "install"}),
-              ElementsAre("install", "install-multiple", "install-from-device"));
-  EXPECT_THAT(Complete({"forward", ""}), ElementsAre("add", "remove"));
+  EXPECT_THAT(Complete({"app", "st"}), ElementsAre("start", "stop"));
+  EXPECT_THAT(Complete({"forward", ""}), ElementsAre("list", "add", "remove"));
   EXPECT_THAT(Complete({"-s", "ABC", "--quiet", "dev"}), ElementsAre("devices"));
 }
 
@@ -52,15 +51,14 @@ TEST_F(CompletionTest, OffersOptionsOfTheCommandAndOfTheTool) {
               IsSupersetOf({"--json", "--help", "--serial", "--adb", "--quiet"}));
   EXPECT_THAT(Complete({"devices", "--js"}), ElementsAre("--json"));
   EXPECT_THAT(Complete({"--ver"}), ElementsAre("--version"));
-  EXPECT_THAT(Complete({"app", "list", "--pa"}), ElementsAre("--paths"));
+  EXPECT_THAT(Complete({"app", "list", "--us"}), ElementsAre("--user"));
 }
 
 TEST_F(CompletionTest, OffersFilesOfThisComputerForHostPaths) {
   EXPECT_THAT(Complete({"--adb", ""}), ElementsAre(":files"));
   EXPECT_THAT(Complete({"--log-dir", ""}), ElementsAre(":directories"));
   EXPECT_THAT(Complete({"app", "install", ""}), ElementsAre(":files"));
-  EXPECT_THAT(Complete({"app", "install", "a.apk", ""}), IsEmpty());
-  EXPECT_THAT(Complete({"app", "install-multiple", "a.apk", ""}), ElementsAre(":files"));
+  EXPECT_THAT(Complete({"app", "install", "a.apk", ""}), ElementsAre(":files"));
   EXPECT_THAT(Complete({"restore", ""}), ElementsAre(":files"));
   EXPECT_THAT(Complete({"forward", "add", ""}), IsEmpty());
   EXPECT_THAT(Complete({"push", ""}), ElementsAre(":files"));
@@ -103,7 +101,7 @@ TEST_F(CompletionTest, OffersPathsOfTheDevice) {
 TEST_F(CompletionTest, ReportsNoErrors) {
   MakeAdb("echo broken; exit 1");
   EXPECT_THAT(Complete({"-s", ""}), IsEmpty());
-  EXPECT_THAT(Complete({"app", "version", ""}), IsEmpty());
+  EXPECT_THAT(Complete({"app", "info", ""}), IsEmpty());
   EXPECT_THAT(Complete({"no-such-command", ""}), Not(Contains(":files")));
 }
 

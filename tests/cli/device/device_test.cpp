@@ -1,107 +1,51 @@
-// -s, ANDROID_SERIAL, and what happens without.
+// Which device a command works with, on simulated phones.
 #include <gmock/gmock.h>
 
 #include "tests/cli/tool_run.h"
-#include "tests/support/file_content.h"
+#include "tests/support/simulated_phones.h"
 
 namespace darokleim::cli {
 namespace {
 
 using testing::AllOf;
-using testing::EndsWith;
 using testing::HasSubstr;
-using testing::StartsWith;
 
 class DeviceChoiceTest : public ToolTest {
  protected:
-  // An adb that lists these devices, each a serial number and a state, and notes every other command.
-  void MakeAdbWith(const std::string& devices) const {
-    MakeAdb("if [ \"$*\" = devices ]; then printf 'List of devices attached\\n" + devices +
-            "\\n'; exit; fi\necho \"$*\" >>" + File("commands") + "\nexit 1\n");
-  }
-
-  // The device that the tool asked, and nothing when it asked none.
-  std::string AskedDevice() const {
-    const auto commands = test::ReadLines(File("commands"));
-    if (commands.empty()) return "";
-    EXPECT_THAT(commands.front(), StartsWith("-s "));
-    return commands.front().substr(3, commands.front().find(' ', 3) - 3);
+  void Use(const test::SimulatedPhones& phones) {
+    for (const auto& [variable, value] : test::AdbEnvironment(phones.port())) Set(variable, value);
   }
 };
 
-TEST_F(DeviceChoiceTest, TheOnlyDeviceNeedsNoName) {
-  MakeAdbWith("AAA\\tdevice\\n");
-  Run({"info", "model"});
-  EXPECT_EQ(AskedDevice(), "AAA");
-}
-
-TEST_F(DeviceChoiceTest, TheOnlyDeviceThatIsReadyIsTaken) {
-  MakeAdbWith("AAA\\toffline\\nBBB\\tdevice\\nCCC\\tunauthorized\\n");
-  Run({"info", "model"});
-  EXPECT_EQ(AskedDevice(), "BBB");
+TEST_F(DeviceChoiceTest, TheOnlyOneThatIsReadyIsTaken) {
+  const test::SimulatedPhones phones({"AAA", "BBB,state=offline", "CCC,state=unauthorized"});
+  Use(phones);
+  EXPECT_EQ(Run({"info", "serial"}).output, "AAA\n");
 }
 
 TEST_F(DeviceChoiceTest, AmongSeveralOneMustBeNamed) {
-  MakeAdbWith("AAA\\tdevice\\nBBB\\tdevice\\nCCC\\toffline\\n");
-  const auto outcome = Run({"info", "model"});
-  EXPECT_EQ(outcome.status, 1);
-  EXPECT_THAT(
-      outcome.errors,
-      AllOf(StartsWith("darokleim: several devices are attached. Name one with -s SERIAL or in "
-                       "ANDROID_SERIAL.\nSERIAL  STATE\nAAA     device\nBBB     device\nCCC     offline")));
-  EXPECT_EQ(AskedDevice(), "");
-}
-
-TEST_F(DeviceChoiceTest, WithoutADeviceTheErrorSaysWhatToCheck) {
-  MakeAdbWith("");
-  const auto outcome = Run({"info", "model"});
-  EXPECT_EQ(outcome.status, 1);
-  EXPECT_THAT(outcome.errors, AllOf(StartsWith("darokleim: No device is attached. Check that\n"),
-                                    HasSubstr("Name one with -s SERIAL")));
-}
-
-TEST_F(DeviceChoiceTest, WithoutOneThatIsReadyTheErrorShowsTheStates) {
-  MakeAdbWith("AAA\\toffline\\n");
-  const auto outcome = Run({"info", "model"});
-  EXPECT_EQ(outcome.status, 1);
-  EXPECT_THAT(outcome.errors,
-              AllOf(StartsWith("darokleim: no attached device is ready:\nSERIAL  STATE\nAAA     "
-                               "offline  Does not respond"),
-                    EndsWith("name them.\n")));
-}
-
-TEST_F(DeviceChoiceTest, TheOptionWinsOverTheEnvironment) {
-  MakeAdbWith("AAA\\tdevice\\nBBB\\tdevice\\n");
+  const test::SimulatedPhones phones({"AAA", "BBB"});
+  Use(phones);
+  const auto outcome = Run({"info", "serial"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_THAT(outcome.errors, AllOf(HasSubstr("-s SERIAL"), HasSubstr("AAA"), HasSubstr("BBB")));
+  EXPECT_EQ(Run({"-s", "BBB", "info", "model", "serial"}).status, 0);
   Set("ANDROID_SERIAL", "BBB");
-  Run({"-s", "192.168.1.5:5555", "info", "model"});
-  EXPECT_EQ(AskedDevice(), "192.168.1.5:5555");
-}
-
-TEST_F(DeviceChoiceTest, TheEnvironmentNamesTheDevice) {
-  MakeAdbWith("AAA\\tdevice\\nBBB\\tdevice\\n");
-  Set("ANDROID_SERIAL", "BBB");
-  Run({"info", "model"});
-  EXPECT_EQ(AskedDevice(), "BBB");
-}
-
-TEST_F(DeviceChoiceTest, AnInvalidSerialNumberIsRefused) {
-  MakeAdbWith("AAA\\tdevice\\n");
-  for (const char* serial : {"A B", "$(date)", "A;B", "\"A"}) {
-    const auto outcome = Run({"-s", serial, "info", "model"});
-    EXPECT_EQ(outcome.status, 2);
-    EXPECT_THAT(outcome.errors, HasSubstr("is not a valid serial number"));
+  EXPECT_EQ(Run({"info", "serial"}).output, "BBB\n");
+  EXPECT_EQ(Run({"-s", "AAA", "info", "serial"}).output, "AAA\n");
+  for (const char* serial : {"A B", "$(date)", "A;B"}) {
+    EXPECT_EQ(Run({"-s", serial, "info"}).status, 2) << serial;
+    Set("ANDROID_SERIAL", serial);
+    EXPECT_EQ(Run({"info"}).status, 2) << serial;
   }
-  Set("ANDROID_SERIAL", "A B");
-  const auto outcome = Run({"info", "model"});
-  EXPECT_EQ(outcome.status, 1);
-  EXPECT_THAT(outcome.errors, HasSubstr("ANDROID_SERIAL is \"A B\", which is not a valid serial number"));
-  EXPECT_EQ(AskedDevice(), "");
 }
 
-TEST_F(DeviceChoiceTest, AFailureWithoutAMessageIsExplainedByTheDevicesState) {
-  MakeAdbWith("AAA\\toffline\\n");
-  EXPECT_THAT(Run({"-s", "AAA", "reboot"}).errors, HasSubstr("the device AAA is offline. Does not respond"));
-  EXPECT_THAT(Run({"-s", "BBB", "reboot"}).errors, HasSubstr("the device BBB is not attached."));
+TEST_F(DeviceChoiceTest, WithoutOneTheErrorSaysWhatToCheck) {
+  const test::SimulatedPhones phones({"BBB,state=offline"});
+  Use(phones);
+  const auto outcome = Run({"info"});
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_THAT(outcome.errors, AllOf(HasSubstr("no device is ready"), HasSubstr("BBB")));
 }
 
 }  // namespace

@@ -21,11 +21,11 @@ class HostDirectoriesTest : public ToolTest {
 
   // Succeeds although no log can be written in the directory, and says so.
   void ExpectNoLogIn(const std::string& log_directory, const Words& options) const {
-    Words words = {"-s", "A", "info", "model", "--json"};
+    Words words = {"-s", "A", "sdk", "AdbGetPhoneProductModel", "--json"};
     words.insert(words.end(), options.begin(), options.end());
     const auto outcome = Run(words);
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_THAT(outcome.output, StartsWith("{\n"));
+    EXPECT_THAT(outcome.output, StartsWith("{\"function\": "));
     EXPECT_EQ(outcome.output.find("Fail to init log!"), std::string::npos);
     EXPECT_THAT(outcome.errors,
                 StartsWith("darokleim: no log is written: cannot write in " + log_directory + ": "));
@@ -43,7 +43,7 @@ constexpr char kCache[] = "home/.cache/darokleim";
 #endif
 
 TEST_F(HostDirectoriesTest, AreBelowTheHome) {
-  ASSERT_EQ(Run({"-s", "A", "info", "model"}).status, 0);
+  ASSERT_EQ(Run({"-s", "A", "sdk", "AdbGetPhoneProductModel"}).status, 0);
   EXPECT_THAT(test::ReadFile(File(std::string(kLogs) + "/adb_sdk.log")), HasSubstr("[AdbSDK]"));
   EXPECT_TRUE(std::filesystem::exists(File(std::string(kLogs) + "/adb_channel.log")));
   int links = 0;
@@ -56,11 +56,11 @@ TEST_F(HostDirectoriesTest, AreBelowTheHome) {
 }
 
 TEST_F(HostDirectoriesTest, ALinkThatWasTamperedWithIsMadeAgain) {
-  ASSERT_EQ(Run({"-s", "A", "info", "model"}).status, 0);
+  ASSERT_EQ(Run({"-s", "A", "sdk", "AdbGetPhoneProductModel"}).status, 0);
   const auto directory = std::filesystem::directory_iterator(File(kCache))->path();
   std::filesystem::remove(directory / "adb");
   test::WriteFile((directory / "adb").native(), "something else");
-  EXPECT_EQ(Run({"-s", "A", "info", "model"}).status, 0);
+  EXPECT_EQ(Run({"-s", "A", "sdk", "AdbGetPhoneProductModel"}).status, 0);
   EXPECT_EQ(std::filesystem::read_symlink(directory / "adb"), File("bin/adb"));
 }
 
@@ -68,7 +68,7 @@ TEST_F(HostDirectoriesTest, ALinkThatWasTamperedWithIsMadeAgain) {
 TEST_F(HostDirectoriesTest, FollowTheXdgVariables) {
   Set("XDG_CACHE_HOME", File("cache"));
   Set("XDG_STATE_HOME", File("state"));
-  ASSERT_EQ(Run({"-s", "A", "info", "model"}).status, 0);
+  ASSERT_EQ(Run({"-s", "A", "sdk", "AdbGetPhoneProductModel"}).status, 0);
   EXPECT_TRUE(std::filesystem::exists(File("state/darokleim/adb_sdk.log")));
   EXPECT_TRUE(std::filesystem::exists(File("cache/darokleim")));
   EXPECT_TRUE(std::filesystem::is_empty(File("home")));
@@ -80,7 +80,7 @@ TEST_F(HostDirectoriesTest, IgnoreXdgVariablesThatAreRelative) {
   StartIn(File("work"));
   Set("XDG_CACHE_HOME", "cache");
   Set("XDG_STATE_HOME", "state");
-  ASSERT_EQ(Run({"-s", "A", "info", "model"}).status, 0);
+  ASSERT_EQ(Run({"-s", "A", "sdk", "AdbGetPhoneProductModel"}).status, 0);
   EXPECT_TRUE(std::filesystem::is_empty(File("work")));
   EXPECT_TRUE(std::filesystem::exists(File(kCache)));
 }
@@ -89,7 +89,7 @@ TEST_F(HostDirectoriesTest, NeedNoHomeVariable) {
   Set("HOME", "");
   Set("XDG_CACHE_HOME", File("cache"));
   Set("XDG_STATE_HOME", File("state"));
-  const auto outcome = Run({"-s", "A", "info", "model"});
+  const auto outcome = Run({"-s", "A", "sdk", "AdbGetPhoneProductModel"});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.errors, "");
 }
@@ -102,8 +102,8 @@ TEST_F(HostDirectoriesTest, OfAUserWithoutAHomeAreInTheTemporaryDirectory) {
   for (const char* path : {"", "tmp", "bin"}) ASSERT_EQ(chmod(File(path).c_str(), 0777), 0);
   Set("HOME", "");
   Set("PATH", File("bin") + ":/usr/bin:/bin:/usr/sbin:/sbin");
-  const auto outcome =
-      RunShell("exec setpriv --reuid=54321 --regid=54321 --clear-groups \"$TOOL\" -s A info model");
+  const auto outcome = RunShell(
+      "exec setpriv --reuid=54321 --regid=54321 --clear-groups \"$TOOL\" -s A sdk AdbGetPhoneProductModel");
   EXPECT_EQ(outcome.status, 0) << outcome.errors;
   EXPECT_EQ(outcome.errors, "");
   EXPECT_TRUE(std::filesystem::exists(File("tmp/darokleim-54321/adb_sdk.log")));
@@ -121,18 +121,18 @@ TEST_F(HostDirectoriesTest, OfAnotherUserInTheTemporaryDirectoryAreNotTrusted) {
   Set("HOME", File("file"));
   std::filesystem::create_directory(TemporaryUserDirectory());
   ASSERT_EQ(chmod(TemporaryUserDirectory().c_str(), 0777), 0);
-  const auto outcome = Run({"-s", "A", "info", "model"});
+  const auto outcome = Run({"-s", "A", "sdk", "AdbGetPhoneProductModel"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(outcome.errors, HasSubstr("cannot use the directory " + TemporaryUserDirectory() +
                                         ": other users can write in it"));
 
   std::filesystem::remove(TemporaryUserDirectory());
   std::filesystem::create_directory_symlink(File("home"), TemporaryUserDirectory());
-  EXPECT_THAT(Run({"-s", "A", "info", "model"}).errors, HasSubstr("it is not a directory"));
+  EXPECT_THAT(Run({"-s", "A", "sdk", "AdbGetPhoneProductModel"}).errors, HasSubstr("it is not a directory"));
 }
 
 TEST_F(HostDirectoriesTest, LogDirIsCreated) {
-  ASSERT_EQ(Run({"-s", "A", "info", "model", "--log-dir", File("new/logs")}).status, 0);
+  ASSERT_EQ(Run({"-s", "A", "sdk", "AdbGetPhoneProductModel", "--log-dir", File("new/logs")}).status, 0);
   EXPECT_TRUE(std::filesystem::exists(File("new/logs/adb_sdk.log")));
   EXPECT_FALSE(std::filesystem::exists(File(kLogs)));
 }
@@ -140,7 +140,7 @@ TEST_F(HostDirectoriesTest, LogDirIsCreated) {
 TEST_F(HostDirectoriesTest, LogDirMayBeRelativeToTheCurrentDirectory) {
   std::filesystem::create_directory(File("work"));
   StartIn(File("work"));
-  ASSERT_EQ(Run({"-s", "A", "info", "model", "--log-dir", "logs"}).status, 0);
+  ASSERT_EQ(Run({"-s", "A", "sdk", "AdbGetPhoneProductModel", "--log-dir", "logs"}).status, 0);
   EXPECT_TRUE(std::filesystem::exists(File("work/logs/adb_channel.log")));
 }
 

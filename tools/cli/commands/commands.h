@@ -16,19 +16,25 @@ void AddManualCommand(Command& root);
 void AddAppCommand(Command& root);
 void AddBackupCommand(Command& root);
 void AddRestoreCommand(Command& root);
-void AddBackupStopCommand(Command& root);
 
 // commands/device/
 void AddDevicesCommand(Command& root);
 void AddInfoCommand(Command& root);
 void AddLogcatCommand(Command& root);
 void AddTypeCommand(Command& root);
+void AddKeyCommand(Command& root);
+void AddTapCommand(Command& root);
+void AddSwipeCommand(Command& root);
 void AddForwardCommand(Command& root);
 void AddReverseCommand(Command& root);
+void AddWaitCommand(Command& root);
+void AddConnectCommand(Command& root);
+void AddDisconnectCommand(Command& root);
+void AddPairCommand(Command& root);
 void AddRebootCommand(Command& root);
 void AddAuthorizeCommand(Command& root);
 void AddReconnectCommand(Command& root);
-void AddBusyboxCommand(Command& root);
+void AddBatteryCommand(Command& root);
 void AddStorageCommand(Command& root);
 void AddScreenshotCommand(Command& root);
 
@@ -57,20 +63,27 @@ void AddServerCommand(Command& root);
 // clang-format off
 inline constexpr void (*kCommands[])(Command&) = {
     AddDevicesCommand,
+    AddWaitCommand,
+    AddConnectCommand,
+    AddDisconnectCommand,
+    AddPairCommand,
+    AddAuthorizeCommand,
+    AddReconnectCommand,
+    AddRebootCommand,
     AddInfoCommand,
+    AddBatteryCommand,
+    AddStorageCommand,
     AddAppCommand,
     AddBackupCommand,
     AddRestoreCommand,
-    AddBackupStopCommand,
     AddLogcatCommand,
     AddTypeCommand,
+    AddKeyCommand,
+    AddTapCommand,
+    AddSwipeCommand,
     AddForwardCommand,
     AddReverseCommand,
-    AddRebootCommand,
-    AddAuthorizeCommand,
-    AddReconnectCommand,
     AddServerCommand,
-    AddBusyboxCommand,
     AddSdkCommand,
     AddCompleteCommand,
     AddHelpCommand,
@@ -89,7 +102,6 @@ inline constexpr void (*kCommands[])(Command&) = {
     AddRmCommand,
     AddChmodCommand,
     AddShellCommand,
-    AddStorageCommand,
     AddScreenshotCommand,
 };
 // clang-format on

@@ -1,6 +1,7 @@
 #include "tools/cli/connection/error_text.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string_view>
 
 #include "base/terminal_text.h"
@@ -10,6 +11,57 @@ namespace darokleim::cli {
 namespace {
 
 constexpr std::size_t kLongestWords = 2000;  // of the phone, in a message; JSON has all of them
+
+struct ReasonText {
+  std::string_view reason;  // as Android names it, or how it begins
+  const char* meaning;
+};
+
+constexpr ReasonText kReasons[] = {
+    {"INSTALL_FAILED_ALREADY_EXISTS", "The application is installed already."},
+    {"INSTALL_FAILED_VERSION_DOWNGRADE",
+     "A newer version is installed. Try --downgrade, or uninstall it first, which deletes its data."},
+    {"INSTALL_FAILED_UPDATE_INCOMPATIBLE",
+     "The installed version has another signature. Uninstall it first, which deletes its data."},
+    {"INSTALL_FAILED_SHARED_USER_INCOMPATIBLE",
+     "An installed application that it shares data with has another signature."},
+    {"INSTALL_FAILED_INSUFFICIENT_STORAGE", "The phone's storage is full. Free some space on the phone."},
+    {"INSTALL_FAILED_OLDER_SDK", "It needs a newer Android than the phone has."},
+    {"INSTALL_FAILED_NEWER_SDK", "It is made for an older Android than the phone has."},
+    {"INSTALL_FAILED_DEPRECATED_SDK_VERSION", "It is made for an older Android than the phone has."},
+    {"INSTALL_FAILED_NO_MATCHING_ABIS", "It is made for another kind of processor."},
+    {"INSTALL_FAILED_CPU_ABI_INCOMPATIBLE", "It is made for another kind of processor."},
+    {"INSTALL_FAILED_TEST_ONLY", "It is marked as for tests only: use --test."},
+    {"INSTALL_FAILED_USER_RESTRICTED",
+     "The phone does not allow installing over USB, or it was refused on its screen. Allow it in the "
+     "developer "
+     "options, and confirm on the screen."},
+    {"INSTALL_FAILED_ABORTED", "It was refused on the phone's screen, or the phone ended it."},
+    {"INSTALL_FAILED_VERIFICATION", "The phone's check of new applications refused it."},
+    {"INSTALL_FAILED_MISSING_SPLIT", "Parts of it are missing: install all its APKs together, with --split."},
+    {"INSTALL_FAILED_MISSING_SHARED_LIBRARY", "The phone does not have a library that it needs."},
+    {"INSTALL_FAILED_MISSING_FEATURE", "The phone does not have a feature that it needs."},
+    {"INSTALL_FAILED_CONFLICTING_PROVIDER", "Another application has a content provider of the same name."},
+    {"INSTALL_FAILED_DUPLICATE_PERMISSION", "Another application defines the same permission."},
+    {"INSTALL_FAILED_INVALID_APK",
+     "The APK is not complete or not valid. The parts of one application are installed together, with "
+     "--split."},
+    {"INSTALL_PARSE_FAILED_NO_CERTIFICATES", "The APK is not signed. Take it from where it was published."},
+    {"INSTALL_PARSE_FAILED_INCONSISTENT_CERTIFICATES",
+     "Its parts, or its versions, have different signatures."},
+    {"INSTALL_PARSE_FAILED_NOT_APK", "The file is not an APK."},
+    {"INSTALL_PARSE_FAILED", "The phone cannot read the APK."},
+    {"DELETE_FAILED_INTERNAL_ERROR", "It is part of the system, or protected."},
+    {"DELETE_FAILED_DEVICE_POLICY_MANAGER",
+     "It administers the device: end that in the phone's settings first."},
+};
+
+// Why an application was not installed or removed; empty for a reason that is not known.
+const char* MeaningOfReason(std::string_view reason) {
+  const auto begins = [reason](const ReasonText& known) { return reason.rfind(known.reason, 0) == 0; };
+  const auto found = std::find_if(std::begin(kReasons), std::end(kReasons), begins);
+  return reason.empty() || found == std::end(kReasons) ? "" : found->meaning;
+}
 
 // What helps, besides what the client's sentence says.
 const char* AdviceFor(const dk::Error& error) {
@@ -21,6 +73,13 @@ const char* AdviceFor(const dk::Error& error) {
                              : "The phone does not allow that to adb's user.";
     case DK_EXISTS:
       return "";
+    case DK_INSTALL_FAILED:
+    case DK_COMMAND_FAILED:
+      return MeaningOfReason(error.reason());
+    case DK_NO_PACKAGE:
+      return "See `darokleim app list`.";
+    case DK_ADDRESS_IN_USE:
+      return "Use --replace, or another port.";
     case DK_NO_SPACE:
       return error.on_host() ? "Free some space on this computer." : "Free some space on the phone.";
     case DK_READ_ONLY:

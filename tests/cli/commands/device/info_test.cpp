@@ -1,13 +1,23 @@
-// darokleim info, on simulated phones.
+// darokleim info, battery, storage and screenshot, on simulated phones.
+#include <signal.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "tests/cli/documented_json.h"
 #include "tests/cli/phone_tool_test.h"
+#include "tests/support/file_content.h"
 
 namespace darokleim::cli {
 namespace {
 
 using testing::AllOf;
+using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::Not;
+using testing::StartsWith;
 
 class PhoneInfoTest : public PhoneToolTest {};
 
@@ -23,6 +33,7 @@ TEST_P(PhoneInfoTest, ShowsWhatThePhoneSaysOfItself) {
 
 TEST_P(PhoneInfoTest, IsAnObjectOfTypedFactsForPrograms) {
   const Json::Value facts = ParseJson(Succeed({"info", "--json"}));
+  ExpectDocumented("info", facts);
   EXPECT_EQ(facts["serial"], "TEST0001");
   EXPECT_EQ(facts["manufacturer"], "Google");
   EXPECT_EQ(facts["model"], "Pixel 7");
@@ -42,15 +53,17 @@ TEST_P(PhoneInfoTest, PrintsOneFactAsItIs) {
   EXPECT_EQ(Succeed({"info", "model"}), "Pixel 7\n");
   EXPECT_EQ(Succeed({"info", "rooted"}), "no\n");
   EXPECT_EQ(Succeed({"info", "miui_version"}), "\n");
+  EXPECT_EQ(Succeed({"info", "-p", "ro.product.name"}), Shell("getprop ro.product.name") + "\n");
 }
 
 TEST_P(PhoneInfoTest, ShowsTheChosenFactsAndProperties) {
   const Json::Value facts =
       ParseJson(Succeed({"info", "sdk", "--json", "-p", "ro.product.name", "-p", "no.such"}));
-  EXPECT_EQ(facts.size(), 3u);
+  ExpectDocumented("info", facts);
+  EXPECT_EQ(facts.size(), 3u);  // with the errors
   EXPECT_EQ(facts["sdk"], is_legacy() ? "23" : "33");
-  EXPECT_EQ(facts["ro.product.name"], Shell("getprop ro.product.name"));
-  EXPECT_TRUE(facts["no.such"].isNull());
+  EXPECT_EQ(facts["properties"][0]["value"], Shell("getprop ro.product.name"));
+  EXPECT_TRUE(facts["properties"][1]["value"].isNull());
 }
 
 TEST_P(PhoneInfoTest, AddressIsLeftOutWithoutWifi) {
@@ -66,9 +79,71 @@ TEST_P(PhoneInfoTest, RefusesNamesThatItDoesNotKnow) {
 
 TEST_P(PhoneInfoTest, SaysWhatToDoAboutAPhoneThatDoesNotTrustTheComputer) {
   phones().Control({"TEST0001", "state", "unauthorized"});
-  EXPECT_THAT(Fail({"-s", "TEST0001", "info"}),
-              AllOf(HasSubstr("cannot read \"Manufacturer\": ADB_RESULT_DEVICE_UNAUTHORIZED (42): "),
-                    HasSubstr("allow USB debugging on its screen")));
+  for (const Words& words : {Words{"-s", "TEST0001", "info"}, Words{"battery"}}) {
+    const auto outcome = Run(words);
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_THAT(outcome.errors, HasSubstr("USB debugging"));
+  }
+}
+
+TEST_P(PhoneInfoTest, TheBatteryIsShown) {
+  EXPECT_THAT(Succeed({"battery"}), MatchesRegex("Level        [0-9]+%\nCharging     (yes|no)\n"
+                                                 "Temperature  [0-9.]+ °C\n(Voltage      [0-9]+ mV\n)?"));
+  const Json::Value json = ParseJson(Succeed({"battery", "--json"}));
+  ExpectDocumented("battery", json);
+  EXPECT_GT(json["level"].asInt(), 0);
+}
+
+TEST_P(PhoneInfoTest, TheStorageIsShown) {
+  EXPECT_THAT(Succeed({"storage"}),
+              AllOf(StartsWith("PATH "), ContainsRegex("/storage/1A2B-3C4D +card +[0-9]")));
+  const Json::Value json = ParseJson(Succeed({"storage", "--json"}));
+  ExpectDocumented("storage", json);
+  ASSERT_EQ(json["volumes"].size(), 2u);
+  for (const Json::Value& volume : json["volumes"]) {
+    EXPECT_GT(volume["total"].asUInt64(), 0u);
+    EXPECT_LE(volume["used"].asUInt64(), volume["total"].asUInt64());
+  }
+}
+
+TEST_P(PhoneInfoTest, AScreenshotIsAFile) {
+  EXPECT_THAT(Succeed({"screenshot", "my screen.png"}),
+              ContainsRegex("/work/my screen\\.png  [0-9.]+ (B|KiB|MiB)\n"));
+  EXPECT_THAT(test::ReadFile(File("work/my screen.png")), StartsWith("\x89PNG"));
+  std::filesystem::create_directory(File("work/pictures"));
+  Succeed({"screenshot", "pictures"});
+  Succeed({"screenshot"});
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(File("work/pictures")), {}), 1);
+  const Json::Value json = ParseJson(Succeed({"screenshot", "a.png", "--json"}));
+  ExpectDocumented("screenshot", json);
+  EXPECT_EQ(json["path"], File("work/a.png"));
+  EXPECT_EQ(json["size"].asUInt64(), std::filesystem::file_size(File("work/a.png")));
+}
+
+TEST_P(PhoneInfoTest, AScreenshotGoesToStandardOutput) {
+  EXPECT_THAT(Succeed({"screenshot", "-"}), StartsWith("\x89PNG"));
+  EXPECT_TRUE(std::filesystem::is_empty(File("work")));
+  EXPECT_EQ(Run({"screenshot", "-", "--json"}).status, 2);
+}
+
+TEST_P(PhoneInfoTest, AScreenshotThatIsCancelledLeavesNothing) {
+  SwitchOn("slow=5");
+  auto tool = Start({"screenshot", "a.png"});
+  usleep(300'000);
+  tool->Signal(SIGINT);
+  EXPECT_EQ(tool->Finish().status, 130);
+  EXPECT_TRUE(std::filesystem::is_empty(File("work")));
+  EXPECT_TRUE(std::filesystem::is_empty(PhoneFiles() + "/data/local/tmp"));
+}
+
+TEST_P(PhoneInfoTest, AScreenshotThatFailsKeepsTheOlderFile) {
+  test::WriteFile(File("work/a.png"), "older");
+  EXPECT_EQ(Run({"-s", "NONE", "screenshot", "a.png"}).status, 3);
+  SwitchOn("no-screencap");
+  EXPECT_NE(Fail({"screenshot", "a.png"}), "");
+  EXPECT_THAT(Fail({"screenshot", "missing/a.png"}), HasSubstr("no such folder on this computer"));
+  EXPECT_EQ(test::ReadFile(File("work/a.png")), "older");
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(File("work")), {}), 1);
 }
 
 INSTANTIATE_FOR_BOTH_PHONES(PhoneInfoTest);
@@ -80,6 +155,7 @@ class XiaomiInfoTest : public PhoneToolTest {
 
 TEST_P(XiaomiInfoTest, KnowsMiuiAndRoot) {
   const Json::Value facts = ParseJson(Succeed({"info", "--json"}));
+  ExpectDocumented("info", facts);
   EXPECT_EQ(facts["miui_version"], "12.5.3.0");
   EXPECT_EQ(facts["miui_region"], "cn");
   EXPECT_EQ(facts["rooted"], true);
@@ -87,19 +163,6 @@ TEST_P(XiaomiInfoTest, KnowsMiuiAndRoot) {
 }
 
 INSTANTIATE_FOR_BOTH_PHONES(XiaomiInfoTest);
-
-class OldXiaomiInfoTest : public PhoneToolTest {
- protected:
-  OldXiaomiInfoTest() : PhoneToolTest(",profile=miui12,prop.ro.boot.flash.locked=") {}
-};
-
-TEST_P(OldXiaomiInfoTest, ReadsTheBuildDateFromTheTimeCode) {
-  const Json::Value facts = ParseJson(Succeed({"info", "--json", "miui_build", "boot_loader_locked"}));
-  EXPECT_EQ(facts["miui_build"], "10.6.18");  // 2020-06-17, written a day later by MIUI's own rule
-  EXPECT_TRUE(facts["boot_loader_locked"].isNull());
-}
-
-INSTANTIATE_FOR_BOTH_PHONES(OldXiaomiInfoTest);
 
 }  // namespace
 }  // namespace darokleim::cli

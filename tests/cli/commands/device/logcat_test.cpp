@@ -1,11 +1,11 @@
 // darokleim logcat, on simulated phones.
-#include <json/value.h>
 #include <signal.h>
+#include <unistd.h>
 
 #include <sstream>
 
+#include "tests/cli/documented_json.h"
 #include "tests/cli/phone_tool_test.h"
-#include "tests/support/file_content.h"
 
 namespace darokleim::cli {
 namespace {
@@ -34,13 +34,11 @@ TEST_P(PhoneLogcatTest, FollowsTheLogUntilCtrlC) {
   Log("i", "Before", "an older line");
   auto tool = Start({"logcat"});
   EXPECT_THAT(LineWith(*tool, "Before"),
-              MatchesRegex("[0-9-]+ [0-9:.]+ +[0-9]+ +[0-9]+ I Before *: an older line"));
+              MatchesRegex("[0-9-]+ [0-9:.]+ +[0-9]+ +[0-9]+ I Before: an older line"));
   Log("w", "After", "a newer line");
   EXPECT_THAT(LineWith(*tool, "After"), testing::EndsWith(": a newer line"));
   tool->Signal(SIGINT);
-  const auto outcome = tool->Finish();
-  EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(outcome.errors, "");
+  EXPECT_EQ(tool->Finish().status, 130);
 }
 
 TEST_P(PhoneLogcatTest, DumpsWhatTheFiltersLetThrough) {
@@ -61,18 +59,30 @@ TEST_P(PhoneLogcatTest, ShowsTheLastLinesOnly) {
               AllOf(Not(HasSubstr(": one\n")), HasSubstr(": two\n"), HasSubstr(": three\n")));
 }
 
+TEST_P(PhoneLogcatTest, ShowsOnlyWhatIsNew) {
+  Log("i", "Old", "before");
+  sleep(1);  // the phone's clock has seconds
+  auto tool = Start({"logcat", "--new", "Old:V", "New:V"});
+  usleep(500'000);
+  Log("i", "New", "after");
+  EXPECT_THAT(tool->ReadLine(), HasSubstr("New: after"));
+  tool->Signal(SIGTERM);
+  EXPECT_EQ(tool->Finish().status, 130);
+}
+
 TEST_P(PhoneLogcatTest, IsAnObjectALineForPrograms) {
   Log("w", "MyTag", "a: \"quoted\" message");
   std::istringstream lines(Succeed({"logcat", "--dump", "--json", "MyTag:V"}));
   Json::Value found;
   for (std::string line; std::getline(lines, line);) {
     const Json::Value entry = ParseJson(line);
+    ExpectDocumented("logcat", entry);
     if (entry["tag"] == "MyTag") found = entry;
   }
-  EXPECT_EQ(found["priority"], "W");
-  EXPECT_EQ(found["message"], "a: \"quoted\" message");
-  EXPECT_GT(found["pid"].asInt(), 0);
-  EXPECT_THAT(found["time"].asString(), MatchesRegex("[0-9]{2}-[0-9]{2} [0-9:.]{12}"));
+  EXPECT_EQ(found["level"], "W");
+  EXPECT_EQ(found["text"], "a: \"quoted\" message");
+  EXPECT_GT(found["process"].asInt(), 0);
+  EXPECT_GT(found["time"].asInt64(), 1'500'000'000);
 }
 
 TEST_P(PhoneLogcatTest, IsCleared) {
@@ -89,7 +99,7 @@ TEST_P(PhoneLogcatTest, FailsWhenThePhoneGoes) {
   phones().Control({"TEST0001", "unplug"});
   const auto outcome = tool->Finish();
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_THAT(outcome.errors, testing::ContainsRegex("the log has ended|cannot continue the log"));
+  EXPECT_NE(outcome.errors, "");
 }
 
 TEST_P(PhoneLogcatTest, EndsWithItsReader) {
@@ -102,9 +112,10 @@ wait)");
   EXPECT_EQ(outcome.errors, "status 1\n");
 }
 
-TEST_P(PhoneLogcatTest, RefusesFiltersThatWouldBeCut) {
-  EXPECT_THAT(Fail({"logcat", std::string(240, 'T') + ":I"}), HasSubstr("the list of filters is too long"));
+TEST_P(PhoneLogcatTest, RefusesWrongWords) {
   EXPECT_EQ(Run({"logcat", "Tag;reboot"}).status, 2);
+  EXPECT_EQ(Run({"logcat", "--new", "--dump"}).status, 2);
+  EXPECT_EQ(Run({"logcat", "-b", "main;reboot"}).status, 2);
 }
 
 INSTANTIATE_FOR_BOTH_PHONES(PhoneLogcatTest);

@@ -107,18 +107,7 @@ TEST_P(PhoneListingTest, FoldersOfAnyNameAreSearched) {
     SCOPED_TRACE(folder);
     PutOnPhone(folder + "/my.LOG", "x");
     EXPECT_EQ(Succeed({"find", folder, "--suffix", "log"}), folder + "/my.LOG\n");
-    EXPECT_THAT(Succeed({"storage", "--free", folder}), HasSubstr("free"));
   }
-}
-
-TEST_P(PhoneListingTest, StorageIsShown) {
-  const auto storage = ParseJson(Succeed({"storage", "--json"}));
-  EXPECT_EQ(storage["shared"], "/sdcard");
-  EXPECT_THAT(Strings(storage["volumes"], "path"),
-              UnorderedElementsAre("/storage/emulated/0", "/storage/1A2B-3C4D"));
-  for (const auto& volume : storage["volumes"]) EXPECT_GT(volume["free"].asUInt64(), 0u);
-  const auto text = Succeed({"storage"});
-  EXPECT_THAT(text, AllOf(StartsWith("shared storage  /sdcard\n"), HasSubstr("/storage/1A2B-3C4D")));
 }
 
 INSTANTIATE_FOR_BOTH_PHONES(PhoneListingTest);

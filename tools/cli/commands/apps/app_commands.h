@@ -1,4 +1,4 @@
-// The subcommands of `darokleim app`, each in a file of its own.
+// The subcommands of `darokleim app`.
 #ifndef DAROKLEIM_TOOLS_CLI_COMMANDS_APPS_APP_COMMANDS_H
 #define DAROKLEIM_TOOLS_CLI_COMMANDS_APPS_APP_COMMANDS_H
 
@@ -6,27 +6,24 @@ namespace darokleim::cli {
 
 class Command;
 
+// list.cpp
 void AddAppListCommand(Command& group);
-void AddAppCheckCommand(Command& group);
-void AddAppVersionCommand(Command& group);
+void AddAppInfoCommand(Command& group);
 void AddAppPathCommand(Command& group);
+// install.cpp
 void AddAppInstallCommand(Command& group);
-void AddAppInstallMultipleCommand(Command& group);
-void AddAppInstallFromDeviceCommand(Command& group);
+// control.cpp
 void AddAppUninstallCommand(Command& group);
 void AddAppStartCommand(Command& group);
+void AddAppStopCommand(Command& group);
+void AddAppClearCommand(Command& group);
+// pull.cpp
+void AddAppPullCommand(Command& group);
 
 // In the order of --help.
 inline constexpr void (*kAppCommands[])(Command&) = {
-    AddAppListCommand,
-    AddAppCheckCommand,
-    AddAppVersionCommand,
-    AddAppPathCommand,
-    AddAppInstallCommand,
-    AddAppInstallMultipleCommand,
-    AddAppInstallFromDeviceCommand,
-    AddAppUninstallCommand,
-    AddAppStartCommand,
+    AddAppListCommand, AddAppInfoCommand,  AddAppInstallCommand, AddAppUninstallCommand, AddAppStartCommand,
+    AddAppStopCommand, AddAppClearCommand, AddAppPathCommand,    AddAppPullCommand,
 };
 
 }  // namespace darokleim::cli

@@ -1,10 +1,8 @@
-// darokleim backup, restore, backup-stop
-#include <darokleim.h>
+// darokleim backup, restore
 #include <errno.h>
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -13,11 +11,11 @@
 #include "base/unique_fd.h"
 #include "tools/cli/cancel_on_signal.h"
 #include "tools/cli/command_line/command.h"
-#include "tools/cli/commands/apps/package.h"
 #include "tools/cli/commands/commands.h"
 #include "tools/cli/errors.h"
 #include "tools/cli/host/host_file.h"
 #include "tools/cli/output/human_text.h"
+#include "tools/cli/output/json_text.h"
 #include "tools/cli/tool.h"
 
 namespace darokleim::cli {
@@ -26,35 +24,74 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char kBackupFooter[] =
-    R"(The phone asks its user first: unlock it and confirm. Ctrl-C, or `darokleim backup-stop` elsewhere, closes the
-question. Applications can forbid backups, and most of those made for Android 12 and later do.
+    R"(The phone asks its user first: unlock it and confirm. Ctrl-C closes the question. An existing file is replaced once the
+backup is whole. Applications can forbid backups, and most of those made for Android 12 and later do.
 
 Examples:
   darokleim backup com.example.notes notes.ab
-  darokleim restore notes.ab)";
+  darokleim backup com.example.notes - | gzip >notes.ab.gz)";
 
 constexpr char kRestoreFooter[] =
-    R"(The application must be installed. The phone asks its user first: unlock it and confirm. adb does not report
-whether the user did.
+    R"(The application must be installed. The phone asks its user first: unlock it and confirm. It does not report whether the
+user did.
 
 Examples:
-  darokleim restore notes.ab)";
+  darokleim restore notes.ab
+  gunzip <notes.ab.gz | darokleim restore -)";
 
-constexpr char kStopFooter[] = R"(The backup or restore that waits for the answer then ends.
+constexpr char kStandardStream[] = "-";
 
-Examples:
-  darokleim backup-stop)";
+// Where the pieces of a backup go.
+class Sink {
+ public:
+  virtual ~Sink() = default;
+  virtual void Write(std::string_view piece) = 0;
+  virtual void Finish() = 0;
+};
 
-// A backup without any file of an application: its header and an archive of nothing but folders, compressed. What is
-// written of each application besides its files is longer.
-constexpr std::uint64_t kLargestEmptyBackup = 200;
+class OutputSink : public Sink {
+ public:
+  explicit OutputSink(Output& output) : output_(output) {}
+  void Write(std::string_view piece) override { output_.Write(piece); }
+  void Finish() override {}
 
-// After Ctrl-C the question would stay on the phone. A second Ctrl-C ends the tool without this.
-void CloseQuestionIfCancelled(const Device& device) {
-  if (!IsCancelled()) return;
-  const CleanUpScope limit;
-  AdbStopDeviceBackupRestoreProcess(device.serial(), CleanUpScope::flag());
-}
+ private:
+  Output& output_;
+};
+
+// The file appears when it is whole.
+class FileSink : public Sink {
+ public:
+  explicit FileSink(const fs::path& target) : target_(target), unfinished_(target) {
+    file_.Reset(open(unfinished_.path().c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (!file_.valid()) Fail();
+  }
+
+  void Write(std::string_view piece) override {
+    while (!piece.empty()) {
+      const ssize_t size = write(file_.get(), piece.data(), piece.size());
+      if (size >= 0) {
+        piece.remove_prefix(static_cast<std::size_t>(size));
+      } else if (errno != EINTR) {
+        Fail();
+      }
+    }
+  }
+
+  void Finish() override {
+    file_.Reset();
+    unfinished_.PutInPlace();
+  }
+
+ private:
+  [[noreturn]] void Fail() const {
+    throw ToolError("cannot write the backup to " + target_.native() + ": " + SystemErrorText(errno) + ".");
+  }
+
+  const fs::path target_;
+  UnfinishedOnHost unfinished_;
+  base::UniqueFd file_;
+};
 
 struct BackupOptions {
   Package package;
@@ -63,36 +100,49 @@ struct BackupOptions {
 
 void DescribeBackup(Command& command, BackupOptions& options) {
   command.PackageArgument(options.package);
-  command.Positional("FILE", options.file, "File to write on this computer").Required();
+  command.Positional("FILE", options.file, "File to write on this computer; - is standard output").Required();
 }
 
-void CheckCanBeReplaced(const fs::path& file) {
+fs::path TargetFor(const std::string& named) {
+  const fs::path target = AbsolutePath(named);
   std::error_code error;
-  const auto there = fs::status(file, error);
+  const auto there = fs::status(target, error);
   if (fs::exists(there) && !fs::is_regular_file(there)) {
-    throw ToolError("cannot write the backup to " + file.native() + ": it is not a regular file.");
+    throw ToolError("cannot write the backup to " + named + ": it is not a regular file.");
   }
+  return target;
 }
 
-// The device and the package are checked before the file is touched, and the file appears when it is complete.
+std::unique_ptr<Sink> SinkFor(Tool& tool, const std::string& named) {
+  if (named != kStandardStream) return std::make_unique<FileSink>(TargetFor(named));
+  if (tool.is_json()) throw UsageError("--json and a backup on standard output exclude each other.");
+  return std::make_unique<OutputSink>(tool.output());
+}
+
+// The application and the file are checked before the phone asks its user.
 void RunBackup(Tool& tool, const BackupOptions& options) {
   const std::string& package = options.package.name;
-  const fs::path target = AbsolutePath(options.file.text);
-  CheckCanBeReplaced(target);
-  const auto& device = tool.device();
-  RequireInstalled(device, package);
-  UnfinishedOnHost file(target);
-  tool.Report("Confirm the backup on the phone's screen.");
-  const int code = AdbBackupApp(device.serial(), package.c_str(), file.path().c_str(), device.cancel());
-  CloseQuestionIfCancelled(device);
-  device.Check(code, "back up " + package);
-  const auto size = SizeOnHost(file.path());
-  if (size <= kLargestEmptyBackup) {
-    throw ToolError("nothing was saved of " + package +
-                    ": it was refused on the phone, or the application forbids backups.");
+  const bool to_file = options.file.text != kStandardStream;
+  const auto& phone = tool.phone();
+  phone.app(package, tool.limits()).value();
+  const auto sink = SinkFor(tool, options.file.text);
+  if (to_file) tool.Report("Confirm the backup on the phone's screen.");
+  std::uint64_t size = 0;
+  const auto take = [&](std::string_view piece) {
+    sink->Write(piece);
+    size += piece.size();
+    return true;
+  };
+  {
+    const Progress progress(tool.progress_mode(), WaitingLine("waiting for the phone"));
+    phone.backup(package, take, tool.limits()).value();
   }
-  file.PutInPlace();
-  tool.Report("Saved " + SizeText(size) + " in " + options.file.text + ".");
+  sink->Finish();
+  if (tool.is_json()) {
+    tool.document().Member("path", JsonString(options.file.text));
+    tool.document().Member("size", std::to_string(size));
+  }
+  if (to_file) tool.Report("Saved " + SizeText(size) + " in " + options.file.text + ".");
 }
 
 struct RestoreOptions {
@@ -100,37 +150,35 @@ struct RestoreOptions {
 };
 
 void DescribeRestore(Command& command, RestoreOptions& options) {
-  command.Positional("FILE", options.file, "Backup file of `darokleim backup` on this computer").Required();
+  command.Positional("FILE", options.file, "Backup file on this computer; - is standard input").Required();
 }
 
-// adb sends any file, and the phone does not say that it could not read it.
-void CheckIsBackup(const std::string& path) {
-  constexpr std::string_view kBegin = "ANDROID BACKUP\n";
-  const std::string action = "cannot restore " + path + ": ";
-  std::string begin(kBegin.size(), '\0');
-  const base::UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
-  if (!file.valid()) throw ToolError(action + SystemErrorText(errno) + ".");
-  const ssize_t size = read(file.get(), begin.data(), begin.size());
-  if (size < 0) throw ToolError(action + SystemErrorText(errno) + ".");
-  if (begin != kBegin) throw ToolError(action + "it is not an Android backup.");
+base::UniqueFd OpenBackup(const std::string& path) {
+  base::UniqueFd file(path == kStandardStream ? fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
+                                              : open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!file.valid()) throw ToolError("cannot restore " + path + ": " + SystemErrorText(errno) + ".");
+  return file;
 }
 
 void RunRestore(Tool& tool, const RestoreOptions& options) {
-  const std::string& file = options.file.text;
-  CheckIsBackup(file);
-  const auto& device = tool.device();
+  const std::string& path = options.file.text;
+  const base::UniqueFd file = OpenBackup(path);
+  const auto read_file = [&](char* buffer, std::size_t capacity) -> std::int64_t {
+    for (;;) {
+      const ssize_t size = read(file.get(), buffer, capacity);
+      if (size >= 0) return size;
+      CheckCancelled();
+      if (errno != EINTR) throw ToolError("cannot restore " + path + ": " + SystemErrorText(errno) + ".");
+    }
+  };
+  const auto& phone = tool.phone();
   tool.Report("Confirm the restore on the phone's screen.");
-  const int code = AdbRestoreApp(device.serial(), AbsolutePath(file).c_str(), device.cancel());
-  CloseQuestionIfCancelled(device);
-  device.Check(code, "restore " + file);
-  tool.Report("The phone has received " + file + ".");
-}
-
-void RunBackupStop(Tool& tool) {
-  const auto& device = tool.device();
-  device.Check(AdbStopDeviceBackupRestoreProcess(device.serial(), device.cancel()),
-               "close the phone's question");
-  tool.Report("The phone's question is closed.");
+  {
+    const Progress progress(tool.progress_mode(), WaitingLine("waiting for the phone"));
+    phone.restore(read_file, tool.limits()).value();
+  }
+  if (tool.is_json()) tool.document().Member("path", JsonString(path));
+  tool.Report("The phone has received " + path + ".");
 }
 
 }  // namespace
@@ -143,11 +191,6 @@ void AddBackupCommand(Command& root) {
 void AddRestoreCommand(Command& root) {
   AddCommand<RestoreOptions>(root, {"restore", "Restore a backup", kRestoreFooter}, DescribeRestore,
                              RunRestore);
-}
-
-void AddBackupStopCommand(Command& root) {
-  AddCommand(root, {"backup-stop", "Close the phone's question about a backup or a restore", kStopFooter},
-             RunBackupStop);
 }
 
 }  // namespace darokleim::cli

@@ -1,54 +1,89 @@
 // darokleim app install
-#include <darokleim.h>
-
 #include <string>
+#include <vector>
 
-#include "tools/cli/cancel_on_signal.h"
 #include "tools/cli/command_line/command.h"
 #include "tools/cli/commands/apps/app_commands.h"
-#include "tools/cli/commands/apps/package.h"
-#include "tools/cli/device/argument_text.h"
-#include "tools/cli/device/file_changes.h"
-#include "tools/cli/host/host_file.h"
+#include "tools/cli/output/json_text.h"
 #include "tools/cli/tool.h"
 
 namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] =
-    R"(Replaces an older version and keeps its data. Some phones ask on their screen first.
+    R"(An installed application is updated and keeps its data. Each APK is an application of its own, unless --split says that
+they are the parts of one.
 
 Examples:
   darokleim app install notes.apk
-  darokleim -s 0123456789ABCDEF app install ~/Downloads/notes.apk)";
+  darokleim app install --grant *.apk
+  darokleim app install --split base.apk split_config.de.apk
+  darokleim app install --downgrade notes-1.apk)";
 
 struct Options {
-  HostPath file;
+  std::vector<HostPath> apks;
+  bool downgrade = false;
+  bool grant = false;
+  bool test = false;
+  bool split = false;
 };
 
 void Describe(Command& command, Options& options) {
-  command.Positional("FILE", options.file, "APK file on this computer").Required();
+  command.Positional("APK", options.apks, "APK files of this computer").Required();
+  command.Flag("--downgrade", options.downgrade,
+               "Also replace a newer version; most phones allow that for test versions only");
+  command.Flag("--grant", options.grant, "Grant all permissions that it asks for");
+  command.Flag("--test", options.test, "Also install what is marked as for tests only");
+  command.Flag("--split", options.split, "The APKs are the parts of one application");
+}
+
+std::string NameOf(const std::string& path) {
+  return path.substr(path.rfind('/') + 1);
+}
+
+using Paths = std::vector<std::string>;
+
+// What is installed together.
+std::vector<Paths> Groups(const Options& options) {
+  std::vector<Paths> groups;
+  for (const auto& apk : options.apks) {
+    if (groups.empty() || !options.split) groups.emplace_back();
+    groups.back().push_back(apk.text);
+  }
+  return groups;
+}
+
+void Install(Tool& tool, const Paths& paths, const Options& options) {
+  TransferMeter meter;
+  const std::string name = "installing " + NameOf(paths.front());
+  dk::InstallOptions how;
+  how.downgrade = options.downgrade;
+  how.grant = options.grant;
+  how.test = options.test;
+  how.on_progress = [&](std::uint64_t done, std::uint64_t total) {
+    meter.Set({name, done, total});
+    return true;
+  };
+  meter.Set({name});
+  const Progress progress(tool.progress_mode(), MeterLine(meter));
+  tool.phone().install(paths, how, tool.limits()).value();
 }
 
 void Run(Tool& tool, const Options& options) {
-  const std::string& file = options.file.text;
-  CheckApkFile(file);
-  const auto& device = tool.device();
-  const std::string staged = "/data/local/tmp/" + FileName(file);
-  CheckLength(" -s " + std::string(device.serial()) + " shell pm install -r '\"" + staged + "\"'", 255,
-              "the file's name");
-  StagedFile copy(device, staged);
-  const int code = AdbInstallAppFromPCPath(device.serial(), AbsolutePath(file).c_str(), device.cancel());
-  // The library deletes the copy itself unless it is cancelled.
-  if (!IsCancelled()) copy.SetGone();
-  device.Check(code, "install " + file);
-  tool.Report("Installed " + FileName(file) + ".");
+  if (tool.is_json()) tool.document().BeginList("installed");
+  tool.ForEach(Groups(options), [&](const Paths& paths) {
+    Install(tool, paths, options);
+    for (const auto& path : paths) {
+      if (tool.is_json()) tool.document().Add(JsonString(path));
+      tool.Report("Installed " + NameOf(path) + ".");
+    }
+  });
 }
 
 }  // namespace
 
 void AddAppInstallCommand(Command& group) {
-  AddCommand<Options>(group, {"install", "Install an APK file from this computer", kFooter}, Describe, Run);
+  AddCommand<Options>(group, {"install", "Install applications", kFooter}, Describe, Run);
 }
 
 }  // namespace darokleim::cli

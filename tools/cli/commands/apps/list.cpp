@@ -1,136 +1,171 @@
-// darokleim app list
-#include <darokleim.h>
-#include <json/value.h>
-
+// darokleim app list, app info, app path
 #include <algorithm>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "tools/cli/command_line/command.h"
 #include "tools/cli/commands/apps/app_commands.h"
-#include "tools/cli/device/argument_text.h"
-#include "tools/cli/device/library_block.h"
+#include "tools/cli/output/human_text.h"
+#include "tools/cli/output/json_text.h"
 #include "tools/cli/output/table.h"
 #include "tools/cli/tool.h"
 
 namespace darokleim::cli {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
-  darokleim app list                     all installed packages
-  darokleim app list --third-party       those that the user installed
-  darokleim app list google --paths      those with "google" in their name, and their APK files
-  darokleim app list --json              [{"package": "com.example.notes"}])";
+constexpr char kListFooter[] = R"(Examples:
+  darokleim app list                every application, a name on each line
+  darokleim app list -l --user      what the user installed, with versions and sizes
+  darokleim app list example        those with "example" in their name)";
 
-struct PartOfName {
-  static constexpr ValueKind kKind = ValueKind::kText;
-  static PartOfName Parse(const std::string& word) {
-    CheckWord(word, "._-", "part of a package name");
-    return {word};
-  }
-  std::string text;
-};
+constexpr char kInfoFooter[] = R"(Examples:
+  darokleim app info com.example.notes
+  darokleim app info com.example.notes --json)";
 
-struct Options {
-  PartOfName part_of_name;
-  bool third_party = false;
+constexpr char kPathFooter[] = R"(An application of several APKs has a line for each.
+
+Examples:
+  darokleim app path com.example.notes)";
+
+std::string VersionText(const dk::App& app) {
+  const std::string code = app.version_code < 0 ? "" : " (" + std::to_string(app.version_code) + ")";
+  return app.version_name.empty() ? "unknown" + code : app.version_name + code;
+}
+
+// `with_size`: it was asked for.
+std::string ToJson(const dk::App& app, bool with_size) {
+  JsonObject json;
+  json.Text("package", app.package).Text("version_name", app.version_name);
+  app.version_code < 0 ? json.Null("version_code") : json.Integer("version_code", app.version_code);
+  json.Bool("system", app.system).Bool("enabled", app.enabled);
+  if (with_size) json.Unsigned("size", app.size);
+  return json.Json("apk_paths", JsonStrings(app.apk_paths)).text();
+}
+
+// list
+
+struct ListOptions {
+  std::string part_of_name;
+  bool details = false;
+  bool user = false;
   bool system = false;
   bool disabled = false;
   bool enabled = false;
-  bool paths = false;
-  bool json = false;
 };
 
-struct Package {
-  std::string name;
-  std::string path;  // empty unless asked for
-};
-
-void Describe(Command& command, Options& options) {
-  command.Positional("TEXT", options.part_of_name, "Only packages with this in their name");
-  auto& third_party = command.Flag("-3,--third-party", options.third_party, "Only what the user installed");
-  command.Flag("--system", options.system, "Only what came with the phone").Excludes(third_party);
+void DescribeList(Command& command, ListOptions& options) {
+  command.Positional("TEXT", options.part_of_name, "Only packages with this text in their name");
+  command.Flag("-l,--long", options.details, "Show versions, sizes and APK files, too");
+  auto& user = command.Flag("-3,--user", options.user, "Only what the user installed");
+  command.Flag("--system", options.system, "Only what came with the phone").Excludes(user);
   auto& disabled = command.Flag("--disabled", options.disabled, "Only disabled packages");
   command.Flag("--enabled", options.enabled, "Only enabled packages").Excludes(disabled);
-  command.Flag("--paths", options.paths, "Show the APK file of each");
-  command.JsonFlag(options.json, "an array of {package}, with --paths of {package, path}");
 }
 
-// As `pm list packages` reads it.
-std::string Filter(const Options& options) {
-  std::string filter;
-  if (options.third_party) filter += "-3 ";
-  if (options.system) filter += "-s ";
-  if (options.disabled) filter += "-d ";
-  if (options.enabled) filter += "-e ";
-  if (options.paths) filter += "-f ";
-  return filter + options.part_of_name.text;
+bool IsWanted(const dk::App& app, const ListOptions& options) {
+  if (options.disabled && app.enabled) return false;
+  if (options.enabled && !app.enabled) return false;
+  return app.package.find(options.part_of_name) != std::string::npos;
 }
 
-// From "package:NAME", with_path "package:PATH=NAME"; the path may hold '=', the name does not.
-Package ParsePackage(std::string_view entry, bool with_path) {
-  const auto equals = with_path ? entry.rfind('=') : std::string_view::npos;
-  if (equals == std::string_view::npos) return {std::string(entry), ""};
-  return {std::string(entry.substr(equals + 1)), std::string(entry.substr(0, equals))};
+std::vector<dk::App> List(Tool& tool, const ListOptions& options) {
+  const Progress progress(tool.progress_mode(), WaitingLine("listing applications"));
+  const dk_app_set set = options.user ? DK_USER_APPS : options.system ? DK_SYSTEM_APPS : DK_ALL_APPS;
+  auto apps = tool.phone().apps(set, options.details, tool.limits()).value();
+  const auto is_unwanted = [&options](const dk::App& app) { return !IsWanted(app, options); };
+  apps.erase(std::remove_if(apps.begin(), apps.end(), is_unwanted), apps.end());
+  std::sort(apps.begin(), apps.end(),
+            [](const dk::App& a, const dk::App& b) { return a.package < b.package; });
+  return apps;
 }
 
-std::vector<Package> ParsePackages(std::string_view list, bool with_paths) {
-  constexpr std::string_view kPrefix = "package:";
-  std::vector<Package> packages;
-  while (!list.empty()) {
-    auto line = list.substr(0, list.find('\n'));
-    list.remove_prefix(std::min(line.size() + 1, list.size()));
-    line = line.substr(0, line.find_last_not_of("\r ") + 1);
-    if (line.substr(0, kPrefix.size()) != kPrefix) continue;
-    packages.push_back(ParsePackage(line.substr(kPrefix.size()), with_paths));
-  }
-  std::sort(packages.begin(), packages.end(),
-            [](const Package& a, const Package& b) { return a.name < b.name; });
-  return packages;
-}
-
-std::vector<Package> ListPackages(const Device& device, const Options& options) {
-  const std::string filter = Filter(options);
-  CheckLength(" -s " + std::string(device.serial()) + " shell pm list packages --user 9999 " + filter, 255,
-              "the part of a package name");
-  LibraryBlock list;
-  const int code = AdbGetPackagesNameOfInstalled(device.serial(), filter.c_str(), list.text(), list.length(),
-                                                 device.cancel());
-  device.Check(code, "list applications");
-  // Without a list and without a failure: the phone refused it for every user.
-  if (*list.text() == nullptr) device.Check(ADB_RESULT_USER_ACCESS_DENIED, "list applications");
-  return ParsePackages(list.Bytes(), options.paths);
-}
-
-Json::Value ToJson(const std::vector<Package>& packages, bool with_paths) {
-  Json::Value list(Json::arrayValue);
-  for (const auto& package : packages) {
-    Json::Value& entry = list.append(Json::objectValue);
-    entry["package"] = package.name;
-    if (with_paths) entry["path"] = package.path;
-  }
-  return list;
-}
-
-void Run(Tool& tool, const Options& options) {
-  const auto packages = ListPackages(tool.device(), options);
-  if (options.json) {
-    tool.output().WriteJson(ToJson(packages, options.paths));
-    return;
-  }
+std::string ListText(const Output& output, const std::vector<dk::App>& apps, const ListOptions& options) {
   Table table;
-  for (const auto& package : packages) {
-    table.AddRow({tool.output().Shown(package.name),
-                  tool.output().Painted(Colour::kFaint, tool.output().Shown(package.path))});
+  if (options.details) table.AddRow({"PACKAGE", "VERSION", "SIZE", "KIND", "APK"});
+  for (const auto& app : apps) {
+    if (!options.details) {
+      table.AddRow({output.Shown(app.package)});
+      continue;
+    }
+    std::string kind = app.system ? "system" : "user";
+    if (!app.enabled) kind += ", disabled";
+    table.AddRow({output.Shown(app.package), output.Shown(VersionText(app)), SizeText(app.size), kind,
+                  app.apk_paths.empty() ? "" : output.Shown(app.apk_paths.front())});
   }
-  tool.output().Write(table.Text());
+  return table.Text();
+}
+
+void RunList(Tool& tool, const ListOptions& options) {
+  if (tool.is_json()) tool.document().BeginList("apps");
+  const auto apps = List(tool, options);
+  if (!tool.is_json()) return tool.output().Write(ListText(tool.output(), apps, options));
+  for (const auto& app : apps) tool.document().Add(ToJson(app, options.details));
+}
+
+// info, path
+
+struct Packages {
+  std::vector<Package> packages;
+};
+
+void DescribePackages(Command& command, Packages& options) {
+  command.Positional("PACKAGE", options.packages, "Full names of packages, for example com.example.app")
+      .Required();
+}
+
+std::string InfoText(const Output& output, const dk::App& app) {
+  Table table;
+  const auto add = [&](const char* label, const std::string& text) {
+    table.AddRow({output.Painted(Colour::kFaint, label), output.Shown(text)});
+  };
+  add("Package", app.package);
+  add("Version", VersionText(app));
+  add("Size", SizeText(app.size));
+  add("Part of the system", app.system ? "yes" : "no");
+  add("Enabled", app.enabled ? "yes" : "no");
+  for (const auto& path : app.apk_paths) add("APK", path);
+  return table.Text();
+}
+
+void RunInfo(Tool& tool, const Packages& options) {
+  if (tool.is_json()) tool.document().BeginList("apps");
+  tool.ForEach(options.packages, [&](const Package& package) {
+    const dk::App app = tool.phone().app(package.name, tool.limits()).value();
+    if (tool.is_json()) {
+      tool.document().Add(ToJson(app, true));
+    } else {
+      tool.output().Write((&package == &options.packages.front() ? "" : "\n") + InfoText(tool.output(), app));
+    }
+  });
+}
+
+void RunPath(Tool& tool, const Packages& options) {
+  if (tool.is_json()) tool.document().BeginList("apps");
+  tool.ForEach(options.packages, [&tool](const Package& package) {
+    const dk::App app = tool.phone().app(package.name, tool.limits()).value();
+    if (tool.is_json()) {
+      const std::string paths = JsonStrings(app.apk_paths);
+      return tool.document().Add(JsonObject().Text("package", app.package).Json("apk_paths", paths).text());
+    }
+    for (const auto& path : app.apk_paths) tool.output().Write(tool.output().Shown(path) + "\n");
+  });
 }
 
 }  // namespace
 
 void AddAppListCommand(Command& group) {
-  AddCommand<Options>(group, {"list", "List the installed packages", kFooter}, Describe, Run);
+  AddCommand<ListOptions>(group, {"list", "List the installed applications", kListFooter}, DescribeList,
+                          RunList);
+}
+
+void AddAppInfoCommand(Command& group) {
+  AddCommand<Packages>(group, {"info", "Show version, size and APK files of applications", kInfoFooter},
+                       DescribePackages, RunInfo);
+}
+
+void AddAppPathCommand(Command& group) {
+  AddCommand<Packages>(group, {"path", "Show where the APK files of applications are", kPathFooter},
+                       DescribePackages, RunPath);
 }
 
 }  // namespace darokleim::cli

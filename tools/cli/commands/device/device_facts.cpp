@@ -1,162 +1,244 @@
 #include "tools/cli/commands/device/device_facts.h"
 
-#include <darokleim.h>
-#include <json/value.h>
+#include <algorithm>
+#include <future>
+#include <utility>
 
-#include <array>
-
-#include "src/platform/command_channel.h"
-#include "tools/cli/device/library_block.h"
+#include "base/signals_blocked.h"
+#include "tools/cli/output/human_text.h"
+#include "tools/cli/output/json_text.h"
 
 namespace darokleim::cli {
 namespace {
 
-using TextFunction = int (*)(const char* serial, char* buffer, int buffer_size, const bool* cancel);
-using FlagFunction = int (*)(const char* serial, bool* flag, const bool* cancel);
+constexpr char kAfterTime[] = "-- su --";
+constexpr char kAfterSu[] = "-- ip --";
 
-// Properties hold 91 bytes, long ones of Android 8 and later any number; none of those read here is long.
-constexpr int kTextRoom = 4096;
+constexpr char kScript[] =
+    "date '+%Y-%m-%d %H:%M:%S'; echo '-- su --'; ls /system/bin/su /system/xbin/su 2>/dev/null; "
+    "echo '-- ip --'; ip address 2>/dev/null; true";
 
-// The text belongs to the command channel, not to the library.
-class ChannelText {
- public:
-  ChannelText() = default;
-  ~ChannelText() { ReleaseAdbOutBuffer(text_); }
-  ChannelText(const ChannelText&) = delete;
-  ChannelText& operator=(const ChannelText&) = delete;
-
-  char** text() { return &text_; }
-  int* length() { return &length_; }
-  std::string Text() const { return text_ == nullptr ? "" : text_; }
-
- private:
-  char* text_ = nullptr;
-  int length_ = 0;
-};
-
-// The value of an Android system property, without spaces and line breaks at its end; empty when the device does not
-// have it.
-std::string ReadProperty(const Device& device, const std::string& name) {
-  ChannelText value;
-  device.Check(GetPropInfo(device.serial(), name.c_str(), value.text(), value.length(), device.cancel()),
-               "read the property " + name);
-  std::string text = value.Text();
-  text.erase(text.find_last_not_of(" \t\r\n") + 1);
-  return text;
+std::string_view TakeLine(std::string_view* text) {
+  std::string_view line = text->substr(0, text->find('\n'));
+  text->remove_prefix(std::min(line.size() + 1, text->size()));
+  while (!line.empty() && (line.back() == '\r' || line.back() == ' ')) line.remove_suffix(1);
+  return line;
 }
 
-Json::Value TextOrNull(const std::string& text) {
-  return text.empty() ? Json::Value() : Json::Value(text);
+// The word after `name` in a line of words.
+std::string WordAfter(std::string_view line, std::string_view name) {
+  const std::string sought = std::string(name) + " ";
+  const auto at = line.find(sought);
+  if (at == std::string_view::npos) return "";
+  line.remove_prefix(at + sought.size());
+  return std::string(line.substr(0, line.find(' ')));
 }
 
-// Codes in `no_answer` mean that the device does not have the fact.
-Json::Value ReadText(const Device& device, TextFunction function, const std::string& what,
-                     const std::vector<int>& no_answer = {}) {
-  std::array<char, kTextRoom> text{};
-  const int code = function(device.serial(), text.data(), kTextRoom, device.cancel());
-  for (const int expected : no_answer) {
-    if (code == expected) return {};
+// "30: wlan0: <BROADCAST,MULTICAST,UP> mtu 1500 …" begins an interface.
+bool BeginsInterface(std::string_view line) {
+  return !line.empty() && line.front() >= '0' && line.front() <= '9';
+}
+
+void ReadAddresses(std::string_view text, DeviceAnswers* answers) {
+  bool is_wlan = false;
+  while (!text.empty()) {
+    const auto line = TakeLine(&text);
+    if (BeginsInterface(line)) is_wlan = line.find(": wlan") != std::string_view::npos;
+    if (!is_wlan) continue;
+    if (answers->mac_address.empty()) answers->mac_address = WordAfter(line, "link/ether");
+    if (answers->address.empty()) answers->address = WordAfter(line, "inet");
   }
-  device.Check(code, "read \"" + what + "\"");
-  return TextOrNull(text.data());
 }
 
-bool ReadFlag(const Device& device, FlagFunction function, const std::string& what, bool flag) {
-  device.Check(function(device.serial(), &flag, device.cancel()), "read \"" + what + "\"");
-  return flag;
+// A question on a thread of its own, which receives no signals.
+template <typename Question>
+auto InBackground(bool wanted, Question question) {
+  const base::SignalsBlocked blocked;
+  return std::async(wanted ? std::launch::async : std::launch::deferred, question);
 }
 
-// The library leaves the flag unchanged when the device does not report it.
-Json::Value ReadAnsweredFlag(const Device& device, FlagFunction function, const std::string& what) {
-  const bool from_false = ReadFlag(device, function, what, false);
-  if (from_false) return true;
-  return ReadFlag(device, function, what, true) ? Json::Value() : Json::Value(false);
+bool IsUnknown(dk_code code) {
+  return code == DK_COMMAND_FAILED || code == DK_ANSWER_UNREADABLE || code == DK_UNSUPPORTED;
 }
 
-DeviceFact TextFact(const std::string& name, const std::string& label, TextFunction function) {
-  return {name, label, [=](const Device& device) { return ReadText(device, function, label); }};
+// Nothing where the device does not report it.
+template <typename Value>
+std::optional<Value> KnownValue(dk::Result<Value> result) {
+  if (!result.ok() && IsUnknown(result.code())) return std::nullopt;
+  return std::move(result).value();
 }
 
-DeviceFact FlagFact(const std::string& name, const std::string& label, FlagFunction function) {
-  return {name, label, [=](const Device& device) { return ReadFlag(device, function, label, false); }};
+void NeedsNothing(DeviceQuestions&) {}
+void NeedsProperties(DeviceQuestions& questions) {
+  questions.properties = true;
+}
+void NeedsPrograms(DeviceQuestions& questions) {
+  questions.programs = true;
+}
+void NeedsScreen(DeviceQuestions& questions) {
+  questions.screen = true;
+}
+void NeedsMemory(DeviceQuestions& questions) {
+  questions.memory = true;
 }
 
-DeviceFact AnsweredFlagFact(const std::string& name, const std::string& label, FlagFunction function) {
-  return {name, label, [=](const Device& device) { return ReadAnsweredFlag(device, function, label); }};
+FactValue KnownText(std::string text) {
+  return text.empty() ? FactValue() : FactValue(std::move(text));
 }
 
 // The first of the properties that the device has.
-DeviceFact FirstPropertyFact(const std::string& name, const std::string& label,
-                             const std::vector<std::string>& properties) {
-  return {name, label, [=](const Device& device) {
-            for (const auto& property : properties) {
-              const std::string value = ReadProperty(device, property);
-              if (!value.empty()) return Json::Value(value);
-            }
-            return Json::Value();
-          }};
+FactValue FirstOf(const DeviceAnswers& answers, std::initializer_list<const char*> names) {
+  for (const char* name : names) {
+    const auto found = answers.properties.find(name);
+    if (found != answers.properties.end() && !found->second.empty()) return found->second;
+  }
+  return {};
 }
 
-Json::Value ReadMiuiVersion(const Device& device) {
-  return ReadText(device, AdbGetMiuiVersion, "MIUI version",
-                  {ADB_RESULT_MIUI_TIME_CODE_FAILED, ADB_RESULT_MIUI_VERSION_NAME_FAILED});
+std::string Property(const DeviceAnswers& answers, const char* name) {
+  const auto value = FirstOf(answers, {name});
+  return value.index() == 0 ? "" : std::get<std::string>(value);
 }
 
-Json::Value ReadMiuiBuildDate(const Device& device) {
-  std::string date;
-  const std::string time_code = ReadProperty(device, "ro.miui.version.code_time");
-  return AppendMiuiVersionByTimeCode(time_code, date) ? TextOrNull(date) : Json::Value();
+// "V12.5.3.0.RKHCNXM" is version 12.5.3.0; "V11" is all that is known of some.
+FactValue MiuiVersion(const DeviceAnswers& answers) {
+  const std::string name = Property(answers, "ro.miui.ui.version.name");
+  if (name.empty()) return {};
+  const std::string build = Property(answers, "ro.build.version.incremental");
+  if (build.size() < 2 || build.front() != 'V') return name;
+  const auto end = std::min(build.find_first_not_of("0123456789.", 1), build.size());
+  std::string version = build.substr(1, end - 1);
+  while (!version.empty() && version.back() == '.') version.pop_back();
+  return version.empty() ? name : version;
 }
 
-Json::Value ReadEncryptionType(const Device& device) {
-  int type = -1;
-  device.Check(AdbGetEncryptType(device.serial(), &type, device.cancel()), "read \"Encryption\"");
-  if (type < 0) return {};
-  return type == 0 ? "file" : "block";
+FactValue OneOrZero(const std::string& text, const char* one, const char* zero) {
+  if (text == one) return true;
+  return text == zero ? FactValue(false) : FactValue();
 }
 
-Json::Value ReadIpAddress(const Device& device) {
-  LibraryBlock address;
-  const int code = AdbGetIPAddress(device.serial(), address.text(), address.length(), device.cancel());
-  if (code == ADB_RESULT_NO_IP_ADDRESS) return {};
-  device.Check(code, "read \"Wi-Fi address\"");
-  return TextOrNull(std::string(address.Text()));
+FactValue EncryptionType(const DeviceAnswers& answers) {
+  const std::string type = Property(answers, "ro.crypto.type");
+  return type == "file" || type == "block" ? FactValue(type) : FactValue();
 }
+
+FactValue ScreenSize(const DeviceAnswers& answers) {
+  if (!answers.screen) return {};
+  return std::to_string(answers.screen->width) + "x" + std::to_string(answers.screen->height);
+}
+
+FactValue ScreenDensity(const DeviceAnswers& answers) {
+  if (!answers.screen || answers.screen->density <= 0) return {};
+  return static_cast<std::uint64_t>(answers.screen->density);
+}
+
+FactValue MemoryTotal(const DeviceAnswers& answers) {
+  return answers.memory ? FactValue(ByteCount{answers.memory->total}) : FactValue();
+}
+
+FactValue MemoryAvailable(const DeviceAnswers& answers) {
+  return answers.memory ? FactValue(ByteCount{answers.memory->available}) : FactValue();
+}
+
+#define DAROKLEIM_PROPERTY(property) \
+  NeedsProperties, [](const DeviceAnswers& answers) { return FirstOf(answers, {property}); }
 
 }  // namespace
 
-DeviceFact PropertyFact(const std::string& name, const std::string& property, const std::string& label) {
-  return FirstPropertyFact(name, label, {property});
+void ReadPrograms(std::string_view text, DeviceAnswers* answers) {
+  answers->time = TakeLine(&text);
+  while (!text.empty() && TakeLine(&text) != kAfterTime) {
+  }
+  while (!text.empty()) {
+    const auto line = TakeLine(&text);
+    if (line == kAfterSu) break;
+    const bool names_su = line == "/system/bin/su" || line == "/system/xbin/su";
+    answers->has_su = answers->has_su || names_su;
+  }
+  ReadAddresses(text, answers);
+}
+
+DeviceAnswers Ask(const dk::Device& device, const DeviceQuestions& questions, const dk::Limits& limits) {
+  DeviceAnswers answers;
+  answers.serial = device.serial();
+  auto properties = InBackground(questions.properties, [&] { return device.properties(limits); });
+  auto programs = InBackground(questions.programs, [&] { return device.run_script(kScript, limits); });
+  auto screen = InBackground(questions.screen, [&] { return device.screen(limits); });
+  auto memory = InBackground(questions.memory, [&] { return device.memory(limits); });
+  if (questions.properties) {
+    for (auto& [name, value] : properties.get().value()) answers.properties[name] = value;
+  }
+  if (questions.programs) ReadPrograms(programs.get().value().out, &answers);
+  if (questions.screen) answers.screen = KnownValue(screen.get());
+  if (questions.memory) answers.memory = KnownValue(memory.get());
+  return answers;
 }
 
 const std::vector<DeviceFact>& DeviceFacts() {
   static const std::vector<DeviceFact> facts = {
-      {"serial", "Serial number", [](const Device& device) { return Json::Value(device.serial()); }},
-      TextFact("manufacturer", "Manufacturer", AdbGetPhoneManufacturer),
-      PropertyFact("brand", "ro.product.brand", "Brand"),
-      TextFact("model", "Model", AdbGetPhoneProductModel),
-      PropertyFact("device", "ro.product.device", "Device name"),
-      TextFact("android", "Android", AdbGetPhoneSoftVersion),
-      PropertyFact("sdk", "ro.build.version.sdk", "Android SDK"),
-      PropertyFact("security_patch", "ro.build.version.security_patch", "Security patch"),
-      PropertyFact("build", "ro.build.display.id", "Build"),
-      PropertyFact("abi", "ro.product.cpu.abi", "Processor"),
-      {"miui_version", "MIUI", ReadMiuiVersion},
-      {"miui_build", "MIUI build", ReadMiuiBuildDate},
-      TextFact("miui_region", "MIUI region", AdbGetMiuiBuildRegin),
-      FlagFact("harmony", "HarmonyOS", AdbCheckIsHarmony),
-      FirstPropertyFact("language", "Language",
-                        {"persist.sys.locale", "ro.product.locale", "persist.sys.language"}),
-      PropertyFact("time_zone", "persist.sys.timezone", "Time zone"),
-      TextFact("time", "Device time", AdbGetDeviceCurrentTime),
-      {"ip_address", "Wi-Fi address", ReadIpAddress},
-      FirstPropertyFact("mac_address", "Wi-Fi MAC address", {"ro.boot.wifimacaddr", "wlan.driver.macaddr"}),
-      AnsweredFlagFact("boot_loader_locked", "Boot loader locked", AdbCheckLockedState),
-      AnsweredFlagFact("encrypted", "Encrypted", AdbCheckEncryptState),
-      {"encryption_type", "Encryption", ReadEncryptionType},
-      FlagFact("rooted", "Rooted", IsDeviceHadBeenRooted),
+      {"serial", "Serial number", NeedsNothing,
+       [](const DeviceAnswers& answers) { return KnownText(answers.serial); }},
+      {"manufacturer", "Manufacturer", DAROKLEIM_PROPERTY("ro.product.manufacturer")},
+      {"brand", "Brand", DAROKLEIM_PROPERTY("ro.product.brand")},
+      {"model", "Model", DAROKLEIM_PROPERTY("ro.product.model")},
+      {"device", "Device name", DAROKLEIM_PROPERTY("ro.product.device")},
+      {"android", "Android", DAROKLEIM_PROPERTY("ro.build.version.release")},
+      {"sdk", "Android SDK", DAROKLEIM_PROPERTY("ro.build.version.sdk")},
+      {"security_patch", "Security patch", DAROKLEIM_PROPERTY("ro.build.version.security_patch")},
+      {"build", "Build", DAROKLEIM_PROPERTY("ro.build.display.id")},
+      {"abi", "Processor", DAROKLEIM_PROPERTY("ro.product.cpu.abi")},
+      {"miui_version", "MIUI", NeedsProperties, MiuiVersion},
+      {"miui_region", "MIUI region", DAROKLEIM_PROPERTY("ro.miui.build.region")},
+      {"harmony", "HarmonyOS", NeedsProperties,
+       [](const DeviceAnswers& answers) {
+         return FactValue(Property(answers, "ro.config.ringtone").find("Harmony") != std::string::npos);
+       }},
+      {"language", "Language", NeedsProperties,
+       [](const DeviceAnswers& answers) {
+         return FirstOf(answers, {"persist.sys.locale", "ro.product.locale", "persist.sys.language"});
+       }},
+      {"time_zone", "Time zone", DAROKLEIM_PROPERTY("persist.sys.timezone")},
+      {"time", "Device time", NeedsPrograms,
+       [](const DeviceAnswers& answers) { return KnownText(answers.time); }},
+      {"ip_address", "Wi-Fi address", NeedsPrograms,
+       [](const DeviceAnswers& answers) { return KnownText(answers.address); }},
+      {"mac_address", "Wi-Fi MAC address", NeedsPrograms,
+       [](const DeviceAnswers& answers) { return KnownText(answers.mac_address); }},
+      {"screen", "Screen", NeedsScreen, ScreenSize},
+      {"screen_density", "Dots per inch", NeedsScreen, ScreenDensity},
+      {"memory", "Memory", NeedsMemory, MemoryTotal},
+      {"memory_available", "Memory available", NeedsMemory, MemoryAvailable},
+      {"boot_loader_locked", "Boot loader locked", NeedsProperties,
+       [](const DeviceAnswers& answers) {
+         return OneOrZero(Property(answers, "ro.boot.flash.locked"), "1", "0");
+       }},
+      {"encrypted", "Encrypted", NeedsProperties,
+       [](const DeviceAnswers& answers) {
+         return OneOrZero(Property(answers, "ro.crypto.state"), "encrypted", "unencrypted");
+       }},
+      {"encryption_type", "Encryption", NeedsProperties, EncryptionType},
+      {"rooted", "Rooted", NeedsPrograms,
+       [](const DeviceAnswers& answers) { return FactValue(answers.has_su); }},
   };
   return facts;
+}
+
+#undef DAROKLEIM_PROPERTY
+
+std::string TextOf(const FactValue& value) {
+  if (const auto* text = std::get_if<std::string>(&value)) return *text;
+  if (const auto* flag = std::get_if<bool>(&value)) return *flag ? "yes" : "no";
+  if (const auto* number = std::get_if<std::uint64_t>(&value)) return std::to_string(*number);
+  if (const auto* count = std::get_if<ByteCount>(&value)) return SizeText(count->bytes);
+  return "";
+}
+
+std::string JsonOf(const FactValue& value) {
+  if (const auto* text = std::get_if<std::string>(&value)) return JsonString(*text);
+  if (const auto* flag = std::get_if<bool>(&value)) return *flag ? "true" : "false";
+  if (const auto* number = std::get_if<std::uint64_t>(&value)) return std::to_string(*number);
+  if (const auto* count = std::get_if<ByteCount>(&value)) return std::to_string(count->bytes);
+  return "null";
 }
 
 }  // namespace darokleim::cli

@@ -1,13 +1,13 @@
 // darokleim info
-#include <json/value.h>
-
 #include <algorithm>
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "tools/cli/command_line/command.h"
 #include "tools/cli/commands/commands.h"
 #include "tools/cli/commands/device/device_facts.h"
+#include "tools/cli/output/json_text.h"
 #include "tools/cli/output/table.h"
 #include "tools/cli/tool.h"
 
@@ -21,7 +21,7 @@ devices do not report their MAC address, for example.
 Examples:
   darokleim info                                     everything
   darokleim info model                               Pixel 7
-  darokleim info android sdk --json                  {"android": "13", "sdk": "33"}
+  darokleim info android sdk --json
   darokleim info --property ro.build.fingerprint     any property of the system)";
 
 struct Property {
@@ -36,69 +36,72 @@ struct Property {
 struct Options {
   std::vector<std::string> names;
   std::vector<Property> properties;
-  bool json = false;
 };
 
-std::vector<std::string> NamesOfFacts() {
-  std::vector<std::string> names;
-  for (const auto& fact : DeviceFacts()) names.push_back(fact.name);
-  return names;
-}
-
 void Describe(Command& command, Options& options) {
-  command.Positional("NAME", options.names, "What to show; everything without a name").OneOf(NamesOfFacts());
+  std::vector<std::string> names;
+  for (const auto& fact : DeviceFacts()) names.emplace_back(fact.name);
+  command.Positional("NAME", options.names, "What to show; everything without a name").OneOf(names);
   command
       .Option("-p,--property", options.properties,
               "A property of the Android system, as `getprop` shows it; may be repeated")
       .Called("PROPERTY");
-  command.JsonFlag(options.json, "an object with a member for each fact");
 }
 
 std::vector<DeviceFact> Wanted(const Options& options) {
+  const auto& all = DeviceFacts();
+  if (options.names.empty() && options.properties.empty()) return all;
   std::vector<DeviceFact> wanted;
-  if (options.names.empty() && options.properties.empty()) return DeviceFacts();
   for (const auto& name : options.names) {
-    const auto& all = DeviceFacts();
     wanted.push_back(
         *std::find_if(all.begin(), all.end(), [&name](const DeviceFact& fact) { return fact.name == name; }));
-  }
-  for (const auto& property : options.properties) {
-    wanted.push_back(PropertyFact(property.name, property.name, property.name));
   }
   return wanted;
 }
 
-std::string TextOf(const Json::Value& value) {
-  if (value.isBool()) return value.asBool() ? "yes" : "no";
-  return value.isNull() ? "" : value.asString();
+std::string PropertyOf(const DeviceAnswers& answers, const Property& property) {
+  const auto found = answers.properties.find(property.name);
+  return found == answers.properties.end() ? "" : found->second;
 }
 
-void PrintJson(Tool& tool, const std::vector<DeviceFact>& facts) {
-  Json::Value document(Json::objectValue);
-  for (const auto& fact : facts) document[fact.name] = fact.read(tool.device());
-  tool.output().WriteJson(document);
-}
-
-void PrintTable(Tool& tool, const std::vector<DeviceFact>& facts) {
-  Table table;
-  for (const auto& fact : facts) {
-    const std::string text = TextOf(fact.read(tool.device()));
-    if (!text.empty()) {
-      table.AddRow({tool.output().Painted(Colour::kFaint, fact.label), tool.output().Shown(text)});
-    }
+void PrintJson(Tool& tool, const std::vector<DeviceFact>& facts, const Options& options,
+               const DeviceAnswers& answers) {
+  for (const auto& fact : facts) tool.document().Member(fact.name, JsonOf(fact.read(answers)));
+  if (options.properties.empty()) return;
+  tool.document().BeginList("properties");
+  for (const auto& property : options.properties) {
+    const std::string value = PropertyOf(answers, property);
+    JsonObject json;
+    json.Text("name", property.name);
+    tool.document().Add((value.empty() ? json.Null("value") : json.Text("value", value)).text());
   }
-  tool.output().Write(table.Text());
+}
+
+void PrintText(Tool& tool, const std::vector<DeviceFact>& facts, const Options& options,
+               const DeviceAnswers& answers) {
+  Output& output = tool.output();
+  std::vector<std::pair<std::string, std::string>> lines;
+  for (const auto& fact : facts) lines.emplace_back(fact.label, TextOf(fact.read(answers)));
+  for (const auto& property : options.properties)
+    lines.emplace_back(property.name, PropertyOf(answers, property));
+  if (lines.size() == 1) {
+    output.Write(output.Shown(lines.front().second) + "\n");
+    return;
+  }
+  Table table;
+  for (const auto& [label, text] : lines) {
+    if (!text.empty()) table.AddRow({output.Painted(Colour::kFaint, label), output.Shown(text)});
+  }
+  output.Write(table.Text());
 }
 
 void Run(Tool& tool, const Options& options) {
   const auto facts = Wanted(options);
-  if (options.json) {
-    PrintJson(tool, facts);
-  } else if (facts.size() == 1) {
-    tool.output().Write(tool.output().Shown(TextOf(facts.front().read(tool.device()))) + "\n");
-  } else {
-    PrintTable(tool, facts);
-  }
+  DeviceQuestions questions;
+  questions.properties = !options.properties.empty();
+  for (const auto& fact : facts) fact.needs(questions);
+  const auto answers = Ask(tool.phone(), questions, tool.limits());
+  (tool.is_json() ? PrintJson : PrintText)(tool, facts, options, answers);
 }
 
 }  // namespace

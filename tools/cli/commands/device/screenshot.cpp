@@ -1,21 +1,17 @@
 // darokleim screenshot
-#include <darokleim.h>
-#include <json/value.h>
 #include <time.h>
-#include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <system_error>
 
 #include "tools/cli/command_line/command.h"
 #include "tools/cli/commands/commands.h"
-#include "tools/cli/device/device_entry.h"
-#include "tools/cli/device/file_changes.h"
 #include "tools/cli/errors.h"
 #include "tools/cli/host/host_file.h"
 #include "tools/cli/output/human_text.h"
-#include "tools/cli/output/progress.h"
+#include "tools/cli/output/json_text.h"
 #include "tools/cli/tool.h"
 
 namespace darokleim::cli {
@@ -27,29 +23,17 @@ constexpr char kFooter[] = R"(Examples:
   darokleim screenshot                 a PNG file in the current folder, named after the time
   darokleim screenshot screen.png
   darokleim screenshot ~/Pictures      the same in a folder
-  darokleim screenshot --on-device /sdcard/Pictures/screen.png
+  darokleim screenshot - | convert - -resize 50% small.png
 
 An existing file is replaced once the picture is complete.)";
 
-// Where the library puts the picture first, under the name of the file on the computer.
-constexpr char kStagingFolder[] = "/data/local/tmp";
-
 struct Options {
-  bool json = false;
-  bool on_device = false;
-  HostOrDevicePath path{"."};
+  HostPath path{"."};
 };
 
 void Describe(Command& command, Options& options) {
-  command.Positional("PATH", options.path, "File or folder for the picture; otherwise the current folder");
-  command.Flag("--on-device", options.on_device, "PATH is a file on the device; the picture stays there");
-  command.JsonFlag(options.json, "{path, size}");
+  command.Positional("FILE", options.path, "File or folder for the picture; - is standard output");
 }
-
-struct Picture {
-  std::string path;
-  std::uint64_t size;
-};
 
 std::string NameForNow() {
   const time_t now = time(nullptr);
@@ -60,7 +44,7 @@ std::string NameForNow() {
   return name;
 }
 
-fs::path TargetOnHost(const std::string& named) {
+fs::path TargetFor(const std::string& named) {
   fs::path path = AbsolutePath(named);
   std::error_code error;
   if (fs::is_directory(path, error)) return path / NameForNow();
@@ -70,53 +54,34 @@ fs::path TargetOnHost(const std::string& named) {
   return path;
 }
 
-[[noreturn]] void ThrowNoPicture() {
-  throw ToolError(
-      "cannot take a screenshot: the device returned no picture. Its screen may be protected or off.");
-}
-
-Picture TakeToHost(const Device& device, const std::string& named) {
-  const fs::path target = TargetOnHost(named);
+void WriteTo(const fs::path& target, const std::string& picture) {
   UnfinishedOnHost file(target);
-  // A name of this process's own: two tools at once must not use the same picture on the device.
-  const fs::path unfinished = file.path().native() + "-" + std::to_string(getpid()) + ".png";
-  StagedFile picture(device, std::string(kStagingFolder) + "/" + unfinished.filename().native());
-  device.Check(AdbScreencapToPC(device.serial(), unfinished.c_str(), device.cancel()), "take a screenshot");
-  picture.SetGone();
-  const auto size = SizeOnHost(unfinished);
-  if (size == 0) ThrowNoPicture();
-  fs::rename(unfinished, file.path());
+  std::ofstream stream(file.path(), std::ios::binary);
+  stream.write(picture.data(), static_cast<std::streamsize>(picture.size()));
+  stream.close();
+  if (!stream) throw ToolError("cannot write " + target.native() + ": " + SystemErrorText(errno) + ".");
   file.PutInPlace();
-  return {target.native(), size};
 }
 
-Picture TakeOnDevice(const Device& device, const DevicePath& path) {
-  const auto target = TargetFor(device, path, NameForNow());
-  UnfinishedFile file(device, target);
-  const std::string argument = file.path().text();
-  device.Check(AdbScreencapToDevice(device.serial(), argument.c_str(), device.cancel()), "take a screenshot");
-  const auto entry = FindEntry(device, file.path());
-  if (!entry || entry->size == 0) ThrowNoPicture();
-  file.PutInPlace();
-  return {target.text(), entry->size.value_or(0)};
-}
-
-Picture Take(Tool& tool, const Options& options) {
-  const Progress progress(!tool.is_quiet(), WaitingLine("taking a screenshot"));
-  if (options.on_device) return TakeOnDevice(tool.device(), DevicePath(options.path.text));
-  return TakeToHost(tool.device(), options.path.text);
+std::string Take(Tool& tool) {
+  const Progress progress(tool.progress_mode(), WaitingLine("taking a screenshot"));
+  return tool.phone().screenshot(tool.limits()).value();
 }
 
 void Run(Tool& tool, const Options& options) {
-  const auto picture = Take(tool, options);
-  if (!options.json) {
-    tool.Report(tool.output().Shown(picture.path) + "  " + SizeText(picture.size));
+  if (options.path.text == "-") {
+    if (tool.is_json()) throw UsageError("--json and a picture on standard output exclude each other.");
+    tool.output().Write(Take(tool));
     return;
   }
-  Json::Value json(Json::objectValue);
-  json["path"] = picture.path;
-  json["size"] = Json::UInt64(picture.size);
-  tool.output().WriteJson(json);
+  const fs::path target = TargetFor(options.path.text);
+  const std::string picture = Take(tool);
+  WriteTo(target, picture);
+  if (tool.is_json()) {
+    tool.document().Member("path", JsonString(target.native()));
+    tool.document().Member("size", std::to_string(picture.size()));
+  }
+  tool.Report(target.native() + "  " + SizeText(picture.size()));
 }
 
 }  // namespace

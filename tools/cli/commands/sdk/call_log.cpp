@@ -10,6 +10,7 @@
 #include <fstream>
 #include <system_error>
 
+#include "base/unique_fd.h"
 #include "tools/cli/errors.h"
 
 namespace darokleim::cli {
@@ -58,6 +59,18 @@ std::vector<std::string> ReadLines(const std::vector<fs::path>& parts) {
     for (std::string line; std::getline(file, line);) lines.push_back(line);
   }
   return lines;
+}
+
+// What an application does with a phone is private.
+void Append(const fs::path& path, std::string_view text) {
+  constexpr int kFlags = O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC;
+  const base::UniqueFd file(open(path.c_str(), kFlags, 0600));
+  if (!file.valid()) throw ToolError(SystemErrorText(errno));
+  while (!text.empty()) {
+    const ssize_t size = write(file.get(), text.data(), text.size());
+    if (size < 0 && errno != EINTR) throw ToolError(SystemErrorText(errno));
+    if (size > 0) text.remove_prefix(static_cast<std::size_t>(size));
+  }
 }
 
 }  // namespace
@@ -109,15 +122,13 @@ std::vector<std::string> CallLog::Lines() const {
 void CallLog::CopyTo(const fs::path& folder) const {
   std::error_code error;
   fs::create_directories(folder, error);
+  if (error) throw ToolError(error.message());
   for (const auto log : {kLibraryLog, kChannelLog}) {
-    const fs::path target = folder / (std::string(log) + ".log");
-    // What an application does with a phone is private.
-    const int created = open(target.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
-    if (created >= 0) close(created);
-    std::ofstream copy(target, std::ios::binary | std::ios::app);
-    for (const auto& line : ReadLines(PartsOf(folder_, log))) copy << line << '\n';
-    if (!copy.flush())
-      throw ToolError("cannot write " + target.native() + ": " + SystemErrorText(errno) + ".");
+    const auto parts = PartsOf(folder_, log);
+    if (parts.empty()) continue;
+    std::string text;
+    for (const auto& line : ReadLines(parts)) text += line + "\n";
+    Append(folder / (std::string(log) + ".log"), text);
   }
 }
 

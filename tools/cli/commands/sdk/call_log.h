@@ -37,7 +37,7 @@ class CallLog {
   // The library's own lines.
   std::vector<std::string> Lines() const;
 
-  // Appends the logs to those in that folder. Throws ToolError.
+  // Appends the logs to those in that folder. Throws ToolError, whose text is the reason alone.
   void CopyTo(const std::filesystem::path& folder) const;
 
  private:

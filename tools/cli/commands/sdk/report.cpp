@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "tools/cli/output/json_text.h"
 #include "tools/cli/output/result_text.h"
 
 namespace darokleim::cli {
@@ -42,9 +43,9 @@ std::string ValueText(const Output& output, const Json::Value& value) {
   return lines;
 }
 
-std::string MillisecondsText(double milliseconds) {
+std::string Milliseconds(double milliseconds) {
   char text[64];
-  std::snprintf(text, sizeof text, "%.1f ms", milliseconds);
+  std::snprintf(text, sizeof text, "%.1f", milliseconds);
   return text;
 }
 
@@ -69,19 +70,22 @@ std::string CommandsText(const Output& output, const CallReport& report) {
   return text;
 }
 
-Json::Value CommandsAsJson(const CallReport& report) {
+std::string CommandJson(const ChannelCommand& command) {
+  JsonObject json;
+  json.Text("route", command.route).Text("arguments", command.arguments).Integer("status", command.status);
+  return json.Integer("bytes", command.bytes).Integer("milliseconds", command.milliseconds).text();
+}
+
+std::string ValueJson(const Json::Value& value) {
+  if (value.isString()) return JsonString(value.asString());
+  return value.isNull() ? "null" : value.asString();
+}
+
+void AddCommands(const CallReport& report, Document& document) {
   const auto commands = CommandsOf(report);
-  if (!commands) return {};
-  Json::Value list(Json::arrayValue);
-  for (const auto& command : *commands) {
-    Json::Value& entry = list.append(Json::objectValue);
-    entry["route"] = command.route;
-    entry["arguments"] = command.arguments;
-    entry["status"] = command.status;
-    entry["bytes"] = Json::Int64(command.bytes);
-    entry["milliseconds"] = Json::Int64(command.milliseconds);
-  }
-  return list;
+  if (!commands) return document.Member("commands", "null");
+  document.BeginList("commands");
+  for (const auto& command : *commands) document.Add(CommandJson(command));
 }
 
 }  // namespace
@@ -94,7 +98,7 @@ std::string ReportAsText(const CallReport& report, const Output& output) {
   if (result.stream_status) {
     text += "the stream ended with " + DescribeResult(*result.stream_status) + "\n";
   }
-  text += MillisecondsText(result.milliseconds) + "\n" + CommandsText(output, report);
+  text += Milliseconds(result.milliseconds) + " ms\n" + CommandsText(output, report);
   if (with_log) text += "log:\n";
   for (const auto& line : with_log ? log.Lines() : std::vector<std::string>()) {
     text += "  " + output.Shown(line) + "\n";
@@ -102,28 +106,25 @@ std::string ReportAsText(const CallReport& report, const Output& output) {
   return text;
 }
 
-Json::Value ReportAsJson(const CallReport& report) {
+void FillDocument(const CallReport& report, Document& document) {
   const auto& [function, result, log, with_log] = report;
-  Json::Value json(Json::objectValue);
-  json["function"] = function.name;
+  document.Member("function", JsonString(function.name));
   if (const auto* code = std::get_if<int>(&result.returned)) {
     const auto text = ResultOf(function, *code);
-    json["code"] = *code;
-    json["name"] = text.name;
-    json["meaning"] = text.meaning;
+    document.Member("code", std::to_string(*code));
+    document.Member("name", JsonString(text.name));
+    document.Member("meaning", JsonString(text.meaning));
   } else if (const auto* answer = std::get_if<bool>(&result.returned)) {
-    json["returned"] = *answer;
+    document.Member("returned", *answer ? "true" : "false");
   }
-  Json::Value& outputs = json["outputs"] = Json::objectValue;
-  for (const auto& [name, value] : result.outputs) outputs[name] = value;
-  if (result.stream_status) json["stream_status"] = *result.stream_status;
-  json["milliseconds"] = result.milliseconds;
-  json["commands"] = CommandsAsJson(report);
-  if (with_log) {
-    json["log"] = Json::arrayValue;
-    for (const auto& line : log.Lines()) json["log"].append(line);
+  document.BeginList("outputs");
+  for (const auto& [name, value] : result.outputs) {
+    document.Add(JsonObject().Text("name", name).Json("value", ValueJson(value)).text());
   }
-  return json;
+  if (result.stream_status) document.Member("stream_status", std::to_string(*result.stream_status));
+  document.Member("milliseconds", Milliseconds(result.milliseconds));
+  AddCommands(report, document);
+  if (with_log) document.Member("log", JsonStrings(log.Lines()));
 }
 
 }  // namespace darokleim::cli

@@ -1,12 +1,11 @@
 #ifndef DAROKLEIM_TOOLS_CLI_COMMANDS_SDK_REPORT_H
 #define DAROKLEIM_TOOLS_CLI_COMMANDS_SDK_REPORT_H
 
-#include <json/value.h>
-
 #include <string>
 
 #include "tools/cli/commands/sdk/call.h"
 #include "tools/cli/commands/sdk/call_log.h"
+#include "tools/cli/output/document.h"
 #include "tools/cli/output/output.h"
 
 namespace darokleim::cli {
@@ -20,7 +19,7 @@ struct CallReport {
 };
 
 std::string ReportAsText(const CallReport& report, const Output& output);
-Json::Value ReportAsJson(const CallReport& report);
+void FillDocument(const CallReport& report, Document& document);
 
 }  // namespace darokleim::cli
 

@@ -1,11 +1,10 @@
 // darokleim sdk
-#include <json/value.h>
 #include <stdlib.h>
 
-#include <darokleim/client.hpp>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tools/cli/cancel_on_signal.h"
 #include "tools/cli/command_line/command.h"
@@ -16,7 +15,10 @@
 #include "tools/cli/commands/sdk/library.h"
 #include "tools/cli/commands/sdk/report.h"
 #include "tools/cli/errors.h"
-#include "tools/cli/host/adb_location.h"
+#include "tools/cli/host/host_directories.h"
+#include "tools/cli/host/host_file.h"
+#include "tools/cli/output/json_text.h"
+#include "tools/cli/output/standard_streams.h"
 #include "tools/cli/output/table.h"
 #include "tools/cli/tool.h"
 
@@ -41,7 +43,6 @@ Examples:
 
 // Shared by all functions.
 struct Options {
-  bool json = false;
   bool log = false;
   bool force = false;
   int buffer_size = kUncheckedBufferSize;
@@ -62,10 +63,6 @@ void Describe(Command& command, Options& options) {
       .Default(std::to_string(options.buffer_size));
   command.Flag("--log", options.log, "Also show what the library logged");
   command.Flag("--force", options.force, "Confirm a function that kills every adb process");
-  command.JsonFlag(
-      options.json,
-      "{function, code, name, meaning, outputs, milliseconds, commands}; without a function an array of "
-      "{function, summary, parameters}");
 }
 
 // "device_path": "DEVICE_PATH"
@@ -102,25 +99,21 @@ const char* SourceOf(ParameterKind kind) {
   }
 }
 
-Json::Value ListAsJson() {
-  Json::Value list(Json::arrayValue);
-  for (const auto& function : SdkFunctions()) {
-    Json::Value& entry = list.append(Json::objectValue);
-    entry["function"] = function.name;
-    entry["summary"] = function.summary;
-    Json::Value& parameters = entry["parameters"] = Json::arrayValue;
-    for (const auto& parameter : function.parameters) {
-      Json::Value& item = parameters.append(Json::objectValue);
-      item["name"] = parameter.name;
-      item["from"] = SourceOf(parameter.kind);
-    }
+std::string ListedJson(const SdkFunction& function) {
+  std::vector<std::string> parameters;
+  for (const auto& parameter : function.parameters) {
+    JsonObject json;
+    parameters.push_back(json.Text("name", parameter.name).Text("from", SourceOf(parameter.kind)).text());
   }
-  return list;
+  JsonObject json;
+  json.Text("function", function.name).Text("summary", function.summary);
+  return json.Json("parameters", JsonArray(parameters)).text();
 }
 
-void List(Tool& tool, bool as_json) {
-  if (as_json) {
-    tool.output().WriteJson(ListAsJson());
+void List(Tool& tool) {
+  if (tool.is_json()) {
+    tool.document().BeginList("functions");
+    for (const auto& function : SdkFunctions()) tool.document().Add(ListedJson(function));
     return;
   }
   Table table;
@@ -132,20 +125,6 @@ void List(Tool& tool, bool as_json) {
 }
 
 // A call.
-
-std::string ChooseSerial(Tool& tool) {
-  const auto& options = tool.session_options();
-  if (!options.serial.text.empty()) return options.serial.text;
-  const char* from_environment = getenv("ANDROID_SERIAL");
-  if (from_environment != nullptr && *from_environment != '\0') return from_environment;
-  const std::string adb = FindHostPrograms(options.adb.text, options.busybox.text).adb;
-  dk_context_options context = DK_CONTEXT_OPTIONS_INIT;
-  context.adb_path = adb.c_str();
-  const dk::Client client(context);
-  auto device = client.open();
-  if (!device) throw ToolError(device.error().message());
-  return device.value().serial();
-}
 
 bool NeedsSerial(const SdkFunction& function) {
   const auto& all = function.parameters;
@@ -171,27 +150,38 @@ void SetEnvironment(const Options& options) {
   if (level == nullptr || std::string_view(level) != "0") setenv("DAROKLEIM_LOG_LEVEL", "1", 1);
 }
 
+void KeepLog(const CallLog& log, const std::string& named) {
+  const auto folder = named.empty() ? StateDirectory() : AbsolutePath(named);
+  try {
+    log.CopyTo(folder);
+  } catch (const ToolError& error) {
+    PrintError("no log is written: cannot write in " + folder.native() + ": " + error.what() +
+               ". Name another directory with --log-dir.");
+  }
+}
+
 void RunFunction(Tool& tool, const SdkFunction& function, const std::vector<Value>& values,
                  const Options& options) {
   CheckForce(function, values, options.force);
   CallSettings settings;
-  if (NeedsSerial(function)) settings.serial = ChooseSerial(tool);
+  if (NeedsSerial(function)) settings.serial = tool.phone().serial();
   settings.buffer_size = options.buffer_size;
-  if (!options.json) settings.on_piece = [&tool](std::string_view piece) { tool.output().Write(piece); };
+  if (!tool.is_json()) settings.on_piece = [&tool](std::string_view piece) { tool.output().Write(piece); };
   SetEnvironment(options);
   const CallLog log;
   if (function.needs_library) StartLibrary(tool.session_options(), log.folder());
   const auto result = CallFunction(function, values, settings);
   const CallReport report{function, result, log, options.log};
-  if (options.json) {
-    tool.output().WriteJson(ReportAsJson(report));
+  if (tool.is_json()) {
+    FillDocument(report, tool.document());
   } else {
     tool.output().Write(ReportAsText(report, tool.output()));
   }
-  const auto& kept = tool.session_options().log_directory.text;
-  if (!kept.empty()) log.CopyTo(kept);
+  if (function.needs_library) KeepLog(log, tool.session_options().log_directory.text);
   if (IsCancelled() && !HasTimedOut()) throw Cancelled();
-  if (!result.succeeded) throw AnswerIsNo();
+  if (result.succeeded) return;
+  tool.Finish();
+  throw AnswerIsNo();
 }
 
 // The command line of a function.
@@ -257,7 +247,7 @@ void AddSdkCommand(Command& root) {
   Command& group = root.Subcommand({"sdk", "Call a function of the library by hand", kFooter});
   const auto options = std::make_shared<Options>();
   Describe(group, *options);
-  group.OnRun([options](Tool& tool) { List(tool, options->json); });
+  group.OnRun([](Tool& tool) { List(tool); });
   for (const auto& function : SdkFunctions()) AddFunction(group, function, options);
 }
 

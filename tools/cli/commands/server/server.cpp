@@ -1,97 +1,90 @@
 // darokleim server
-#include <darokleim.h>
-
+#include <chrono>
 #include <string>
+#include <thread>
 
-#include "tools/cli/cancel_on_signal.h"
 #include "tools/cli/command_line/command.h"
 #include "tools/cli/commands/commands.h"
-#include "tools/cli/commands/sdk/adb_killing.h"
-#include "tools/cli/errors.h"
+#include "tools/cli/connection/connection.h"
 #include "tools/cli/tool.h"
 
 namespace darokleim::cli {
 namespace {
 
 constexpr char kFooter[] =
-    R"(adb works through a server process, which the first adb command starts and which all programs of the user share.
-
-Ending the server kills every process of this computer whose line in `ps -ax` holds the word adb, of any program and
-on any port, for example an editor with a file adb.txt. Port mappings and streams end. That is why --force is needed.
+    R"(adb works through a server process, which the first command starts and which all programs of the user share. When it ends,
+port mappings, streams and running commands of all of them end; devices of the network have to be connected again.
 
 Examples:
+  darokleim server status
   darokleim server start
-  darokleim server restart --force
-  darokleim server kill --force)";
+  darokleim server restart)";
 
-struct KillOptions {
-  bool force = false;
-};
-
-constexpr char kForceHelp[] =
-    "Confirm that every process with the word adb in its line of `ps -ax` is killed";
-
-void DescribeForce(Command& command, KillOptions& options) {
-  command.Flag("--force", options.force, kForceHelp);
+void PrintState(Tool& tool, bool is_running, int version) {
+  if (!tool.is_json()) return;
+  tool.document().Member("running", is_running ? "true" : "false");
+  tool.document().Member("version", is_running ? std::to_string(version) : "null");
 }
 
-// Throws unless the user has confirmed what is killed, and this process is not part of it.
-void CheckForce(const KillOptions& options, const std::string& action) {
-  if (!options.force) {
-    throw ToolError(
-        "this kills every process of this computer with the word adb in its line of `ps -ax`, not only "
-        "the adb server. To do so: darokleim server " +
-        action + " --force");
-  }
-  CheckSurvivesKilling();
-}
-
-// The library also returns 1 when adb first prints that it starts the server.
-void CheckStarted(Tool& tool, int code) {
-  if (code != ADB_RESULT_PROTOCOL_FAULT) tool.session().Check(code, "start the adb server");
+void Start(Tool& tool) {
+  const int version = tool.client().server_version(tool.limits()).value();
+  PrintState(tool, true, version);
   tool.Report("The adb server is running.");
 }
 
-void Start(Tool& tool, const KillOptions& options) {
-  if (!options.force) {
-    tool.session();
-    CheckStarted(tool, AdbStartDaemon(false, CancelFlag()));
-    return;
+// Whether one was running.
+bool End(Tool& tool) {
+  const auto ended = tool.client().stop_server(tool.limits());
+  if (ended.code() == DK_NO_SERVER) return false;
+  ended.value();
+  return true;
+}
+
+void Stop(Tool& tool) {
+  const bool was_running = End(tool);
+  PrintState(tool, false, 0);
+  tool.Report(was_running ? "The adb server has ended." : "No adb server was running.");
+}
+
+// The server that ends may accept a last connection, and breaks it.
+void AwaitEnd(Tool& tool) {
+  constexpr int kMostTimes = 20;
+  constexpr auto kLookAgain = std::chrono::milliseconds(50);
+  Connection connection(tool.session_options(), false);
+  for (int i = 0; i < kMostTimes; ++i) {
+    const auto version = connection.client().server_version(connection.limits());
+    if (version.ok() || version.code() == DK_NO_SERVER) return;
+    std::this_thread::sleep_for(kLookAgain);
+    CheckCancelled();
   }
-  CheckForce(options, "start");
-  tool.session();
-  CheckStarted(tool, AdbStartDaemonEx(true, CancelFlag()));
 }
 
-void Restart(Tool& tool, const KillOptions& options) {
-  CheckForce(options, "restart");
-  tool.session();  // finds adb before anything is killed
-  CheckStarted(tool, WithoutFlag([&] { return AdbRestartDaemon(); }));
+void Restart(Tool& tool) {
+  if (End(tool)) AwaitEnd(tool);
+  Start(tool);
 }
 
-void Kill(Tool& tool, const KillOptions& options) {
-  CheckForce(options, "kill");
-  const auto& session = tool.session();
-  AdbKillDaemon(CancelFlag());
-  session.Check(ADB_RESULT_OK, "end the adb server");
-  tool.Report("The adb server has ended.");
-}
-
-void DescribeStart(Command& command, KillOptions& options) {
-  command.Flag("--force", options.force,
-               "First kill a server that hangs, as `darokleim server kill --force` does");
+// Exit status 0 also where none runs: that is the answer.
+void Status(Tool& tool) {
+  Connection connection(tool.session_options(), false);
+  const auto version = connection.client().server_version(connection.limits());
+  const bool is_running = version.code() != DK_NO_SERVER;
+  const int number = is_running ? version.value() : 0;
+  PrintState(tool, is_running, number);
+  if (tool.is_json()) return;
+  tool.output().Write(is_running
+                          ? "The adb server is running, protocol version " + std::to_string(number) + ".\n"
+                          : "No adb server is running.\n");
 }
 
 }  // namespace
 
 void AddServerCommand(Command& root) {
   Command& group = root.Subcommand({"server", "Start and end the adb server of this computer", kFooter});
-  AddCommand<KillOptions>(group, {"start", "Start the server, unless it is running", kFooter}, DescribeStart,
-                          Start);
-  AddCommand<KillOptions>(group, {"restart", "Kill every adb process and start the server", kFooter},
-                          DescribeForce, Restart);
-  AddCommand<KillOptions>(group, {"kill", "Kill every adb process", kFooter}, DescribeForce, Kill)
-      .Alias("stop");
+  AddCommand(group, {"status", "Show whether the server is running", kFooter}, Status);
+  AddCommand(group, {"start", "Start the server, unless it is running", kFooter}, Start);
+  AddCommand(group, {"restart", "End the server and start it again", kFooter}, Restart);
+  AddCommand(group, {"stop", "End the server", kFooter}, Stop).Alias("kill");
 }
 
 }  // namespace darokleim::cli
