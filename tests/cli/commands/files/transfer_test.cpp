@@ -1,4 +1,4 @@
-// push, pull and screenshot, on simulated phones.
+// push and pull, on simulated phones.
 #include <signal.h>
 #include <sys/stat.h>
 
@@ -251,20 +251,6 @@ TEST_P(PhoneTransferTest, ACancelledFolderLeavesNoIncompleteFile) {
   ASSERT_EQ(outcome.status, 130);
   EXPECT_EQ(outcome.errors, "darokleim: cancelled\n");
   EXPECT_EQ(Shell("ls -a /sdcard/folder | grep '[a-z]'"), "");
-}
-
-TEST_P(PhoneTransferTest, AScreenshotIsAPicture) {
-  const std::string png_signature = "\x89PNG\r\n\x1a\n";
-  const auto report = Succeed({"screenshot", "my screen.png"});
-  EXPECT_THAT(report, StartsWith(fs::canonical(Work("my screen.png")).native() + "  "));
-  EXPECT_THAT(test::ReadFile(Work("my screen.png")), StartsWith(png_signature));
-  EXPECT_EQ(Shell("ls /data/local/tmp"), "");
-  const auto json = ParseJson(Succeed({"screenshot", "--json"}));
-  EXPECT_THAT(test::ReadFile(json["path"].asString()), StartsWith(png_signature));
-  EXPECT_EQ(json["size"].asUInt64(), fs::file_size(json["path"].asString()));
-  Succeed({"screenshot", "--on-device", "/sdcard/my \"screen\".png"});
-  EXPECT_THAT(ReadFromPhone("/sdcard/my \"screen\".png"), StartsWith(png_signature));
-  EXPECT_THAT(Fail({"screenshot", "none/a.png"}), HasSubstr("no such folder"));
 }
 
 TEST_P(PhoneTransferTest, AKilledPullLeavesNothingAfterTheNext) {
