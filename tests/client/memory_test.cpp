@@ -24,7 +24,7 @@ class PhoneElsewhere {
  public:
   explicit PhoneElsewhere(bool modern)
       : server_([modern](const test::ForkedServer::Report& report) {
-          const SpoiltPhone phone(modern);
+          const SpoiltPhone phone(modern, {}, test::ScriptedServer::Socket::kPort);
           report(phone.port());
         }) {}
   std::string address() const { return "tcp:" + std::to_string(server_.port()); }

@@ -85,10 +85,10 @@ std::string LogRecord(std::string_view tag, std::string_view text) {
   return record + payload;
 }
 
-SpoiltPhone::SpoiltPhone(bool modern, Spoiling spoiling)
+SpoiltPhone::SpoiltPhone(bool modern, Spoiling spoiling, test::ScriptedServer::Socket socket)
     : modern_(modern),
       spoiling_(std::move(spoiling)),
-      server_([this](int connection) { Serve(connection); }) {}
+      server_([this](int connection) { Serve(connection); }, socket) {}
 
 std::size_t SpoiltPhone::sent() const {
   const std::lock_guard lock(mutex_);

@@ -30,13 +30,15 @@ struct Spoiling {
 class SpoiltPhone {
  public:
   // modern: as a phone since Android 7; otherwise as an older one.
-  explicit SpoiltPhone(bool modern, Spoiling spoiling = {});
+  explicit SpoiltPhone(bool modern, Spoiling spoiling = {},
+                       test::ScriptedServer::Socket socket = test::ScriptedServer::Socket::kLocal);
 
   // It is of the other generation from its next answer on.
   void Become(bool modern) { modern_ = modern; }
 
+  // Of one with a port.
   int port() const { return server_.port(); }
-  std::string address() const { return "tcp:" + std::to_string(server_.port()); }
+  std::string address() const { return server_.name(); }
   // Bytes that were as they should be.
   std::size_t sent() const;
   int open_connections() const { return server_.open_connections(); }

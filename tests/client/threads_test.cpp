@@ -48,8 +48,9 @@ TEST(ClientThreads, EachOfSixtyFourGetsItsOwnAnswers) {
 // A server with a phone that comes and goes as fast as the server can say it, and whose log has no end.
 class RestlessServer {
  public:
-  RestlessServer() : server_([](int connection) { Serve(connection); }) {}
-  std::string address() const { return "tcp:" + std::to_string(server_.port()); }
+  RestlessServer()
+      : server_([](int connection) { Serve(connection); }, test::ScriptedServer::Socket::kLocal) {}
+  std::string address() const { return server_.name(); }
   int open_connections() const { return server_.open_connections(); }
 
  private:

@@ -5,6 +5,7 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -23,6 +24,8 @@ std::string LittleEndian(Integer number) {
   for (std::size_t i = 0; i < sizeof number; ++i) bytes += static_cast<char>(number >> (8 * i) & 0xff);
   return bytes;
 }
+
+constexpr char kSocketName[] = "/server";
 
 }  // namespace
 
@@ -80,7 +83,7 @@ ScriptedServer::ScriptedServer(std::vector<Exchange> conversation, Manner manner
   Listen();
 }
 
-ScriptedServer::ScriptedServer(Serve serve) : serve_(std::move(serve)) {
+ScriptedServer::ScriptedServer(Serve serve, Socket socket) : serve_(std::move(serve)), socket_(socket) {
   Listen();
 }
 
@@ -93,22 +96,50 @@ ScriptedServer::~ScriptedServer() {
   thread_.join();
   Disconnect();
   for (Client& client : clients_) client.thread.join();
+  if (folder_.empty()) return;
+  unlink((folder_ + kSocketName).c_str());
+  rmdir(folder_.c_str());
 }
 
 void ScriptedServer::Listen() {
-  listener_.Reset(socket(AF_INET, SOCK_STREAM, 0));
+  if (socket_ == Socket::kLocal) {
+    ListenOnFile();
+  } else {
+    ListenOnPort();
+  }
   fcntl(listener_.get(), F_SETFD, FD_CLOEXEC);
+  if (listen(listener_.get(), 128) != 0) throw std::runtime_error("the server of the test cannot listen");
+  thread_ = std::thread([this] { Accept(); });
+}
+
+void ScriptedServer::ListenOnPort() {
+  listener_.Reset(socket(AF_INET, SOCK_STREAM, 0));
   sockaddr_in name = {};
   name.sin_family = AF_INET;
   name.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
   socklen_t length = sizeof name;
   if (bind(listener_.get(), reinterpret_cast<sockaddr*>(&name), length) != 0 ||
-      listen(listener_.get(), 128) != 0 ||
       getsockname(listener_.get(), reinterpret_cast<sockaddr*>(&name), &length) != 0) {
-    throw std::runtime_error("the server of the test cannot listen");
+    throw std::runtime_error("the server of the test has no port");
   }
   port_ = ntohs(name.sin_port);
-  thread_ = std::thread([this] { Accept(); });
+}
+
+void ScriptedServer::ListenOnFile() {
+  char folder[] = "/tmp/darokleim-server-XXXXXX";  // a socket's name is short
+  if (mkdtemp(folder) == nullptr) throw std::runtime_error("the server of the test has no folder");
+  folder_ = folder;
+  listener_.Reset(socket(AF_UNIX, SOCK_STREAM, 0));
+  sockaddr_un name = {};
+  name.sun_family = AF_UNIX;
+  (folder_ + kSocketName).copy(name.sun_path, sizeof name.sun_path - 1);
+  if (bind(listener_.get(), reinterpret_cast<sockaddr*>(&name), sizeof name) != 0)
+    throw std::runtime_error("the server of the test cannot use its folder");
+}
+
+std::string ScriptedServer::name() const {
+  return socket_ == Socket::kLocal ? "localfilesystem:" + folder_ + kSocketName
+                                   : "tcp:" + std::to_string(port_);
 }
 
 std::string ScriptedServer::surprises() const {
@@ -118,7 +149,9 @@ std::string ScriptedServer::surprises() const {
 
 void ScriptedServer::Disconnect() {
   const std::lock_guard lock(mutex_);
-  for (const Client& client : clients_) shutdown(client.connection.get(), SHUT_RDWR);
+  for (const Client& client : clients_) {
+    if (!client.done) shutdown(client.connection.get(), SHUT_RDWR);
+  }
 }
 
 void ScriptedServer::Accept() {

@@ -31,12 +31,14 @@ struct Manner {
   bool close_at_end = false;
 };
 
-// A server on a port of its own, each client on a thread of its own.
+// A server on a port or a local socket of its own, each client on a thread of its own.
 class ScriptedServer {
  public:
+  // A closed connection keeps a port of the machine for a minute: tests that open thousands use a local socket.
+  enum class Socket { kPort, kLocal };
   // Serves one connection, which ends when it returns.
   using Serve = std::function<void(int connection)>;
-  explicit ScriptedServer(Serve serve);
+  explicit ScriptedServer(Serve serve, Socket socket = Socket::kPort);
   // Plays the same conversation to each client.
   explicit ScriptedServer(std::vector<Exchange> conversation, Manner manner = {});
   // Closes what is open and waits for the server's threads.
@@ -50,6 +52,8 @@ class ScriptedServer {
     address.port = port_;
     return address;
   }
+  // As a caller of the client names it.
+  std::string name() const;
   // Requests that were not as the conversation says; empty when all were.
   std::string surprises() const;
   int connections() const { return connections_; }
@@ -66,12 +70,16 @@ class ScriptedServer {
   };
 
   void Listen();
+  void ListenOnPort();
+  void ListenOnFile();
   void Accept();
   void Play(int connection);
 
   const std::vector<Exchange> conversation_;
   const Manner manner_;
   const Serve serve_;
+  const Socket socket_ = Socket::kPort;
+  std::string folder_;  // of the local socket
   base::UniqueFd listener_;
   std::uint16_t port_ = 0;
   std::atomic<int> connections_{0}, open_{0};
