@@ -76,7 +76,11 @@ class ClientMemoryTest : public testing::TestWithParam<ClientCall> {
       EXPECT_EQ(HarmAt(place.folder), "");
       return failed && !HasFailure();
     });
+#ifndef _LIBCPP_VERSION  // which keeps texts of up to 22 bytes without a block: some calls then need none
     EXPECT_GT(allocations, 3);
+#else
+    static_cast<void>(allocations);
+#endif
   }
 
   const test::TemporaryDirectory directory_;
