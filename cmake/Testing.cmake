@@ -52,6 +52,10 @@ function(darokleim_test)
   target_link_libraries(${ARG_NAME} PRIVATE darokleim_options darokleim_gtest darokleim_test_support ${ARG_LIBRARIES})
   darokleim_compile_tests(${ARG_NAME})
   set_target_properties(${ARG_NAME} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests")
+  set(seconds 120)
+  if(DAROKLEIM_SANITIZE)
+    set(seconds 400) # for the longest comparisons with regular expressions
+  endif()
   gtest_discover_tests(${ARG_NAME} TEST_PREFIX "${ARG_NAME}." DISCOVERY_TIMEOUT 60
-                       PROPERTIES TIMEOUT 120 ${ARG_PROPERTIES})
+                       PROPERTIES TIMEOUT ${seconds} ${ARG_PROPERTIES})
 endfunction()
