@@ -88,6 +88,14 @@ std::string PhoneToolTest::Fail(const Words& arguments) const {
   return outcome.errors;
 }
 
+void PhoneWithFilesTest::SetUp() {
+  PutOnPhone("/sdcard/test/a.txt", std::string(2000, 'x'));
+  PutOnPhone("/sdcard/test/.hidden", "x");
+  PutOnPhone("/sdcard/test/photos/my photo.jpg", "12345");
+  PutOnPhone("/sdcard/test/photos/2020/b.JPG", "123");
+  Shell("touch -d 2020-01-02T03:04:05Z /sdcard/test/a.txt; mkdir /sdcard/test/empty");
+}
+
 std::vector<std::string> AwkwardPaths(const std::string& folder) {
   std::vector<std::string> paths;
   for (const char* name : {"my photo.jpg", " space first", "it's", "say \"hi\" twice", "\"", "$HOME", "a&b",

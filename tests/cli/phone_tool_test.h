@@ -49,6 +49,12 @@ class PhoneToolTest : public ToolTest, public testing::WithParamInterface<std::s
   test::SimulatedPhones phones_;
 };
 
+// With files, hidden ones and an empty folder in /sdcard/test.
+class PhoneWithFilesTest : public PhoneToolTest {
+ protected:
+  void SetUp() override;
+};
+
 // Paths below `folder` that every command has to carry through: spaces, quotes, characters of shells, scripts.
 std::vector<std::string> AwkwardPaths(const std::string& folder);
 

@@ -24,14 +24,12 @@ using Milliseconds = std::int64_t;  // of the steady clock
 constexpr Milliseconds kNever = INT64_MAX;
 constexpr Milliseconds kBetweenKills = 20;
 constexpr Milliseconds kUntilSigkill = 1000;  // adb ends at SIGTERM
-constexpr Milliseconds kLongestCleanUp = 5000;
-constexpr Milliseconds kUntilTheEnd = 500;  // after the second signal
-constexpr Milliseconds kLongestEnd = 950;   // after the first one, where EndWithinASecond was called
-constexpr int kInterruption = SIGURG;       // by default it is ignored, so it harms nobody
+constexpr Milliseconds kUntilTheEnd = 500;    // after the second signal
+constexpr Milliseconds kLongestEnd = 950;     // after the first one, where EndWithinASecond was called
+constexpr int kInterruption = SIGURG;         // by default it is ignored, so it harms nobody
 
-// Read by the library through pointers to plain bool, so written with atomic built-ins.
+// Read by the library through a pointer to plain bool, so written with atomic built-ins.
 bool cancel_flag = false;
-bool clean_up_flag = false;
 
 std::atomic<int> signals{0};
 std::atomic<int> last_signal{0};
@@ -42,11 +40,10 @@ std::atomic<bool> ends_within_a_second{false};
 const dk::Cancel* token = nullptr;
 pthread_t main_thread;
 std::atomic<Milliseconds> time_limit{kNever};
-std::atomic<Milliseconds> clean_up_limit{kNever};
 int wake_up[2] = {-1, -1};  // a pipe that ends the watcher's waiting
 
-void Set(bool* flag) {
-  __atomic_store_n(flag, true, __ATOMIC_RELAXED);
+void SetCancelFlag() {
+  __atomic_store_n(&cancel_flag, true, __ATOMIC_RELAXED);
 }
 
 Milliseconds Now() {
@@ -63,7 +60,7 @@ void WakeWatcher() {
 }
 
 extern "C" void OnSignal(int number) {
-  Set(&cancel_flag);
+  SetCancelFlag();
   token->set();
   last_signal = number;
   ++signals;
@@ -78,7 +75,7 @@ class Watcher {
   [[noreturn]] void Run() {
     for (;;) {
       Wait();
-      CheckLimits();
+      CheckTimeLimit();
       // A system call that began just after the signal would wait for ever.
       if (IsCancelled()) pthread_kill(main_thread, kInterruption);
       if (signals > 0 && ends_within_a_second) EndSoon();
@@ -89,8 +86,8 @@ class Watcher {
 
  private:
   void Wait() const {
-    const Milliseconds next = std::min(IsCancelled() ? Now() + kBetweenKills : kNever,
-                                       std::min<Milliseconds>(time_limit, clean_up_limit));
+    const Milliseconds next =
+        std::min<Milliseconds>(IsCancelled() ? Now() + kBetweenKills : kNever, time_limit);
     const Milliseconds wait = next == kNever ? -1 : std::clamp<Milliseconds>(next - Now(), 0, 1 << 30);
     pollfd input{wake_up[0], POLLIN, 0};
     if (poll(&input, 1, static_cast<int>(wait)) <= 0) return;
@@ -99,16 +96,11 @@ class Watcher {
     }
   }
 
-  static void CheckLimits() {
-    if (Now() >= time_limit) {
-      if (!IsCancelled()) timed_out = true;
-      Set(&cancel_flag);
-      time_limit = kNever;
-    }
-    if (Now() >= clean_up_limit) {
-      Set(&clean_up_flag);
-      clean_up_limit = kNever;
-    }
+  static void CheckTimeLimit() {
+    if (Now() < time_limit) return;
+    if (!IsCancelled()) timed_out = true;
+    SetCancelFlag();
+    time_limit = kNever;
   }
 
   void EndAdb() {
@@ -123,9 +115,8 @@ class Watcher {
     _exit(kExitCancelled);
   }
 
-  // The tool ends by itself unless a clean-up ignores its flag.
+  // Usually the tool ends by itself before.
   void EndAll() {
-    Set(&clean_up_flag);
     if (end_ == kNever) end_ = Now() + kUntilTheEnd;
     if (Now() < end_) return;
     SignalChildren(SIGKILL);
@@ -180,13 +171,6 @@ void CheckCancelled() {
   if (IsCancelled()) throw Cancelled();
 }
 
-void WaitUntilCancelled() {
-  for (;;) {
-    CheckCancelled();
-    poll(nullptr, 0, -1);
-  }
-}
-
 void CancelAfter(std::chrono::milliseconds time) {
   time_limit = Now() + time.count();
   WakeWatcher();
@@ -211,19 +195,6 @@ EndAdbOnCancel::EndAdbOnCancel() {
 
 EndAdbOnCancel::~EndAdbOnCancel() {
   --calls_without_flag;
-}
-
-CleanUpScope::CleanUpScope() {
-  clean_up_limit = Now() + kLongestCleanUp;
-  WakeWatcher();
-}
-
-CleanUpScope::~CleanUpScope() {
-  clean_up_limit = kNever;
-}
-
-const bool* CleanUpScope::flag() {
-  return &clean_up_flag;
 }
 
 }  // namespace darokleim::cli

@@ -9,7 +9,7 @@
 namespace darokleim::cli {
 
 // From now on Ctrl-C, a terminate signal and the end of the terminal set the cancel flag. The second one ends the
-// clean-up as well, and then the process with the adb that it runs. A signal that the tool was started to ignore, as
+// process with the adb that it runs. A signal that the tool was started to ignore, as
 // by nohup, stays ignored.
 void CancelOnSignals();
 
@@ -20,8 +20,6 @@ const dk::Cancel& CancelToken();
 // tool removes.
 void EndWithinASecond();
 
-// Waits until a signal comes or the time is over, and then throws.
-[[noreturn]] void WaitUntilCancelled();
 // Throws Cancelled after a signal, and ToolError when the time is over.
 void CheckCancelled();
 
@@ -50,18 +48,6 @@ int WithoutFlag(const Call& call) {
   const EndAdbOnCancel guard;
   return call();
 }
-
-// Work that is done after a cancel as well. It has a flag of its own, which is set a few seconds after the start of
-// the work, and at once by a second signal. One at a time.
-class CleanUpScope {
- public:
-  CleanUpScope();
-  ~CleanUpScope();
-  CleanUpScope(const CleanUpScope&) = delete;
-  CleanUpScope& operator=(const CleanUpScope&) = delete;
-
-  static const bool* flag();
-};
 
 }  // namespace darokleim::cli
 

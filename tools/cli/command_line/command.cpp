@@ -54,11 +54,6 @@ Argument& Argument::Default(std::string text) {
   return *this;
 }
 
-Argument& Argument::SeveralWords() {
-  several_words_ = true;
-  return *this;
-}
-
 Argument& Argument::TakesTheRest() {
   takes_the_rest_ = true;
   return *this;
@@ -66,11 +61,6 @@ Argument& Argument::TakesTheRest() {
 
 Argument& Argument::Excludes(const Argument& other) {
   excluded_.push_back(&other);
-  return *this;
-}
-
-Argument& Argument::Needs(const Argument& other) {
-  needed_.push_back(&other);
   return *this;
 }
 
@@ -107,10 +97,6 @@ Argument& Command::Add(Argument::Form form, const char* names, const Binding& bi
 
 Argument& Command::Flag(const char* names, bool& value, std::string help) {
   return Add(Argument::Form::kFlag, names, {&value}, std::move(help));
-}
-
-Argument& Command::JsonFlag(bool& json, const std::string& what) {
-  return Flag("--json", json, "Print " + what);
 }
 
 Argument& Command::UtcFlag(bool& utc) {

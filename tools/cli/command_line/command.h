@@ -33,12 +33,9 @@ class Argument {
   Argument& Between(int low, int high);
   // Shown in help; the variable itself holds the default value.
   Argument& Default(std::string text);
-  // One occurrence of the option takes every word up to the next option.
-  Argument& SeveralWords();
   // From its first word on, every word is one of its words, whatever it looks like.
   Argument& TakesTheRest();
   Argument& Excludes(const Argument& other);
-  Argument& Needs(const Argument& other);
 
   // For parsing, help and completion.
 
@@ -57,11 +54,10 @@ class Argument {
   ValueKind kind() const { return binding_.kind; }
   bool is_required() const { return least_words_ > 0; }
   bool is_repeatable() const { return binding_.takes_several; }
-  bool takes_several_words() const { return is_positional() ? is_repeatable() : several_words_; }
+  bool takes_several_words() const { return is_positional() && is_repeatable(); }
   int least_words() const { return least_words_; }
   bool takes_the_rest() const { return takes_the_rest_; }
   const std::vector<const Argument*>& excluded() const { return excluded_; }
-  const std::vector<const Argument*>& needed() const { return needed_; }
 
   // Gives one word to the variable. Throws UsageError, with the argument's name, for a word that is not valid.
   void Take(const std::string& word) const;
@@ -77,9 +73,8 @@ class Argument {
   std::vector<std::string> values_;
   std::pair<int, int> range_{0, 0};  // both 0: any number
   int least_words_ = 0;
-  bool several_words_ = false;
   bool takes_the_rest_ = false;
-  std::vector<const Argument*> excluded_, needed_;
+  std::vector<const Argument*> excluded_;
 };
 
 struct CommandText {
@@ -110,8 +105,6 @@ class Command {
     return Add(Argument::Form::kOption, names, BindingTo(value), std::move(help));
   }
   Argument& Flag(const char* names, bool& value, std::string help);
-  // --json; `what` describes the document.
-  Argument& JsonFlag(bool& json, const std::string& what);
   // --utc
   Argument& UtcFlag(bool& utc);
   // --version, which prints what ParseCommandLine was given for it.

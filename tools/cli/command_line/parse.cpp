@@ -122,7 +122,6 @@ class Parser {
     if (!option.takes_value()) return;
     if (next_ == end_) throw UsageError(name + " needs a value, " + option.value_name() + ".");
     values.push_back(*next_++);
-    while (option.takes_several_words() && next_ != end_ && !IsAnOption(*next_)) values.push_back(*next_++);
   }
 
   ParsedLine WithoutCommand() const {
@@ -137,11 +136,6 @@ class Parser {
       for (const auto* other : argument->excluded()) {
         if (values_.count(other) != 0) {
           throw UsageError(argument->DisplayName() + " and " + other->DisplayName() + " exclude each other.");
-        }
-      }
-      for (const auto* other : argument->needed()) {
-        if (values_.count(other) == 0) {
-          throw UsageError(argument->DisplayName() + " needs " + other->DisplayName() + ".");
         }
       }
     }

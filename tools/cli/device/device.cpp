@@ -38,14 +38,8 @@ std::string TheOnlyUsable(const Session& session) {
 
 void Device::Check(int code, const std::string& action) const {
   if (IsExitStatus(code) && !IsCancelled()) CheckState(action);
-  if (!is_cleaning_up_) session_->CheckCancelled(action);
+  session_->CheckCancelled(action);
   session_->CheckCode(code, action);
-}
-
-Device Device::ForCleaningUp() const {
-  Device device = *this;
-  device.is_cleaning_up_ = true;
-  return device;
 }
 
 void Device::CheckState(const std::string& action) const {

@@ -16,10 +16,7 @@ class Device {
 
   // For the library's calls.
   const char* serial() const { return serial_.c_str(); }
-  const bool* cancel() const { return is_cleaning_up_ ? CleanUpScope::flag() : CancelFlag(); }
-
-  // The same device for work that is also done after Ctrl-C, in a CleanUpScope.
-  Device ForCleaningUp() const;
+  const bool* cancel() const { return CancelFlag(); }
 
   // As Session::Check. The message says when the device is absent or not ready, even where the code does not.
   void Check(int code, const std::string& action) const;
@@ -29,7 +26,6 @@ class Device {
 
   const Session* session_;
   std::string serial_;
-  bool is_cleaning_up_ = false;
 };
 
 // The named one; without a name, that of ANDROID_SERIAL; without that, the only usable one. Throws ToolError, with the

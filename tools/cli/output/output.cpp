@@ -10,7 +10,6 @@
 #include "base/terminal_text.h"
 #include "tools/cli/cancel_on_signal.h"
 #include "tools/cli/errors.h"
-#include "tools/cli/output/json.h"
 
 namespace darokleim::cli {
 namespace {
@@ -85,10 +84,6 @@ void Output::HandOver(std::string_view text) {
       throw Cancelled();
     }
   }
-}
-
-void Output::WriteJson(const Json::Value& document) {
-  Write(JsonText(document));
 }
 
 }  // namespace darokleim::cli

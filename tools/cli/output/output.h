@@ -2,8 +2,6 @@
 #ifndef DAROKLEIM_TOOLS_CLI_OUTPUT_OUTPUT_H
 #define DAROKLEIM_TOOLS_CLI_OUTPUT_OUTPUT_H
 
-#include <json/forwards.h>
-
 #include <string>
 #include <string_view>
 
@@ -21,9 +19,6 @@ class Output {
   // The same for a piece of something long: not on a terminal, pieces are collected until there are many, or Flush.
   void Append(std::string_view text);
   void Flush();
-
-  // The document, indented, with a line break at its end.
-  void WriteJson(const Json::Value& document);
 
   bool is_terminal() const { return is_terminal_; }
 

@@ -91,13 +91,6 @@ Progress::Line WaitingLine(std::string label) {
   };
 }
 
-Progress::Line TransferLine(std::string label, std::uint64_t total,
-                            std::function<std::uint64_t(const bool* stop)> bytes_done) {
-  return
-      [label = std::move(label), total, bytes_done = std::move(bytes_done)](
-          double seconds, const bool* stop) { return TransferText(label, bytes_done(stop), total, seconds); };
-}
-
 std::string TransferText(const std::string& label, std::uint64_t done, std::uint64_t total, double seconds) {
   std::string text = label + "  " + SizeText(done);
   if (total > 0) {

@@ -13,16 +13,8 @@ using testing::Not;
 using testing::StartsWith;
 using testing::UnorderedElementsAre;
 
-class PhoneListingTest : public PhoneToolTest {
+class PhoneListingTest : public PhoneWithFilesTest {
  protected:
-  void SetUp() override {
-    PutOnPhone("/sdcard/test/a.txt", std::string(2000, 'x'));
-    PutOnPhone("/sdcard/test/.hidden", "x");
-    PutOnPhone("/sdcard/test/photos/my photo.jpg", "12345");
-    PutOnPhone("/sdcard/test/photos/2020/b.JPG", "123");
-    Shell("touch -d 2020-01-02T03:04:05Z /sdcard/test/a.txt; mkdir /sdcard/test/empty");
-  }
-
   static std::set<std::string> Strings(const Json::Value& list, const char* member) {
     std::set<std::string> texts;
     for (const auto& entry : list)

@@ -14,16 +14,8 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-class PhoneLsTest : public PhoneToolTest {
+class PhoneLsTest : public PhoneWithFilesTest {
  protected:
-  void SetUp() override {
-    PutOnPhone("/sdcard/test/a.txt", std::string(2000, 'x'));
-    PutOnPhone("/sdcard/test/.hidden", "x");
-    PutOnPhone("/sdcard/test/photos/my photo.jpg", "12345");
-    PutOnPhone("/sdcard/test/photos/2020/b.JPG", "123");
-    Shell("touch -d 2020-01-02T03:04:05Z /sdcard/test/a.txt; mkdir /sdcard/test/empty");
-  }
-
   Json::Value List(Words words) const {
     words.insert(words.begin(), {"ls", "--json"});
     const auto document = ParseJson(Succeed(words));
