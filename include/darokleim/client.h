@@ -407,7 +407,7 @@ typedef struct dk_device_info {
   const char* state_text;  ///< as the server words it
   dk_link link;            ///< how it is attached
   const char* product;     ///< `ro.product.name`; empty when not known, as for a device that is not ready
-  const char* model;     ///< `ro.product.model` with `_` for what is no letter or digit; empty when not known
+  const char* model;     ///< `ro.product.model` with `_` for all but letters and digits; empty when not known
   const char* device;    ///< `ro.product.device`; empty when not known
   const char* usb_path;  ///< of the socket, `usb:1-2`; empty when not known
   uint64_t transport_id;  ///< new each time the device is attached; 0 when not known
