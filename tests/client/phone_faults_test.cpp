@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 #include <sys/resource.h>
+#include <sys/wait.h>
 
 #include <atomic>
 #include <cerrno>
@@ -187,6 +188,9 @@ TEST_P(ClientFaults, TheServerIsKilledInMidCall) {
   EXPECT_EQ(phone().run({"true"}).code(), DK_CONNECTION_LOST);
   EXPECT_LT(steady_clock::now() - began, std::chrono::seconds(15)) << "the phone would have answered";
   killer.join();
+  // Its sockets close one after the other: the one that listens may still take a connection and reset it.
+  siginfo_t ended{};
+  ASSERT_EQ(waitid(P_PID, static_cast<id_t>(phones().process().pid()), &ended, WEXITED | WNOWAIT), 0);
   EXPECT_EQ(phone().run({"true"}).code(), DK_NO_SERVER);
 }
 
