@@ -36,6 +36,9 @@ inline constexpr std::uint32_t kFail = SyncId("FAIL");
 inline constexpr std::uint32_t kQuit = SyncId("QUIT");
 }  // namespace sync_id
 
+// The type of a file in the mode that SEND carries, in an Android's numbers.
+inline constexpr std::uint32_t kRegularFile = 0100000;
+
 // The four letters and one number: a length, a time or nothing.
 inline constexpr std::size_t kSyncHeader = 8;
 // The most bytes of a file in one message.

@@ -7,10 +7,6 @@
 namespace darokleim::base {
 namespace {
 
-unsigned char Byte(char c) {
-  return static_cast<unsigned char>(c);
-}
-
 // Those that reorder the text around them: U+061C, U+200E, U+200F, U+2028 to U+202E, U+2066 to U+2069.
 bool IsReordering(std::string_view character) {
   if (character == "\xd8\x9c") return true;

@@ -7,10 +7,6 @@ namespace {
 
 constexpr std::size_t kLongestCharacter = 4;
 
-constexpr unsigned char Byte(char c) {
-  return static_cast<unsigned char>(c);
-}
-
 constexpr bool IsContinuation(char c) {
   return (Byte(c) & 0xc0) == 0x80;
 }

@@ -7,6 +7,10 @@
 
 namespace darokleim::base {
 
+constexpr unsigned char Byte(char c) {
+  return static_cast<unsigned char>(c);
+}
+
 // The number of bytes of the character that text begins with; 0 when text is empty or begins with bytes that are not
 // valid UTF-8: incomplete, longer than necessary, a surrogate, or beyond U+10FFFF.
 std::size_t LengthOfUtf8Character(std::string_view text);

@@ -13,7 +13,6 @@ namespace darokleim::client {
 namespace {
 
 constexpr std::string_view kHead = "ANDROID BACKUP\n";
-constexpr std::size_t kBlock = 64 * 1024;
 // A backup without any file of an application: its head and an archive of nothing but folders, compressed. What is
 // written of each application besides its files is longer.
 constexpr std::uint64_t kLargestEmpty = 200;

@@ -7,6 +7,7 @@
 
 #include "adb/cancel_token.h"
 #include "adb/limits.h"
+#include "adb/sync_messages.h"
 #include "client/error.h"
 
 struct dk_cancel {
@@ -16,6 +17,9 @@ struct dk_cancel {
 namespace darokleim::client {
 
 using adb::Limits;
+
+// Bytes of a file are read, sent and handed on in blocks of this size.
+inline constexpr std::size_t kBlock = adb::kLongestSyncData;
 
 // The caller's dk_call, read once: how long to wait, what ends the wait, where the error goes.
 class Call {

@@ -204,7 +204,6 @@ Status ReadBeginning(dk_device* device, const std::string& path, std::uint64_t l
 // dropped.
 Status ReadPart(dk_device* device, const std::string& path, std::uint64_t offset, std::uint64_t length,
                 dk_on_bytes on_bytes, void* user, const Limits& limits) {
-  constexpr std::uint64_t kBlock = 64 * 1024;
   const std::string what = "read " + Shown(path);
   const std::uint64_t first = offset / kBlock;
   std::uint64_t to_drop = offset % kBlock;

@@ -5,10 +5,10 @@
 namespace darokleim::channel {
 namespace {
 
-constexpr size_t kNone = std::string_view::npos;
+constexpr size_t kNotFound = std::string_view::npos;
 
 bool IsWhitespace(char c) {
-  return kWhitespace.find(c) != kNone;
+  return kWhitespace.find(c) != kNotFound;
 }
 
 // What a backslash outside quotes can escape.
@@ -16,14 +16,14 @@ bool CanBeEscaped(char c) {
   return IsWhitespace(c) || c == '\'' || c == '"' || c == '\\';
 }
 
-// Where the quote that text begins with is closed; kNone when it is not.
+// Where the quote that text begins with is closed; kNotFound when it is not.
 size_t FindClosingQuote(std::string_view text) {
   if (text.front() == '\'') return text.find('\'', 1);
   for (size_t i = 1; i < text.size(); ++i) {
     if (text[i] == '"') return i;
     if (text[i] == '\\' && i + 1 < text.size() && (text[i + 1] == '"' || text[i + 1] == '\\')) ++i;
   }
-  return kNone;
+  return kNotFound;
 }
 
 void UnescapeDoubleQuoted(std::string_view inside, std::string* text) {
@@ -39,7 +39,7 @@ constexpr std::array<QuotePair, 4> kQuotePairs = {
 
 size_t FindClosingBeforeWhitespace(std::string_view text, const QuotePair& pair) {
   size_t at = text.find(pair.closing, pair.opening.size());
-  while (at != kNone && !EndsWordAt(text, at + pair.closing.size())) at = text.find(pair.closing, at + 1);
+  while (at != kNotFound && !EndsWordAt(text, at + pair.closing.size())) at = text.find(pair.closing, at + 1);
   return at;
 }
 
@@ -66,7 +66,7 @@ void WordSplitter::ReadPlain(Word* word) {
     const char c = rest_.front();
     if (c == '\'' || c == '"') {
       const size_t closing = FindClosingQuote(rest_);
-      if (closing != kNone) {
+      if (closing != kNotFound) {
         const std::string_view inside = rest_.substr(1, closing - 1);
         if (c == '\'') {
           word->text.append(inside);
@@ -96,7 +96,7 @@ bool WordSplitter::ReadQuotedWord(Word* word) {
   const char quote = rest_.front();
   if (quote != '\'' && quote != '"') return false;
   const size_t closing = FindClosingQuote(rest_);
-  if (closing == kNone || !EndsWordAt(rest_, closing + 1)) return false;
+  if (closing == kNotFound || !EndsWordAt(rest_, closing + 1)) return false;
   ReadPlain(word);
   RemoveOwnQuotes(&word->text);
   return true;
@@ -107,7 +107,7 @@ bool WordSplitter::ReadVerbatim(Word* word) {
     const QuotePair& pair = kQuotePairs[i];
     if (has_no_closing_[i] || rest_.substr(0, pair.opening.size()) != pair.opening) continue;
     const size_t closing = FindClosingBeforeWhitespace(rest_, pair);
-    if (closing == kNone) {
+    if (closing == kNotFound) {
       has_no_closing_[i] = true;
       continue;
     }

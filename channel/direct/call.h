@@ -16,6 +16,9 @@ namespace darokleim::channel::direct {
 using Attempt = std::optional<Ending>;
 inline constexpr std::nullopt_t kGiveWay = std::nullopt;
 
+// How adb begins what it says of a command that failed.
+inline constexpr std::string_view kError = "error: ";
+
 struct Call {
   const FormCall& form;
   const adb::ServerAddress& server;

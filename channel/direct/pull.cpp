@@ -9,10 +9,6 @@
 namespace darokleim::channel::direct {
 namespace {
 
-Ending Fail(const Call& call, const std::string& text) {
-  return call.Finish(kSyncError + text + '\n', 1);
-}
-
 struct Target {
   std::string path;
   std::string problem;  // adb's words why there cannot be such a file; empty if there can
@@ -28,18 +24,13 @@ Target FindTarget(const std::string& source, const std::string& target) {
   return {"", "cannot create file/directory '" + target + "': " + ErrorText(folder_error)};
 }
 
-// The words for a pull that fails while its file is received.
-Ending FailWithin(const Call& call, const std::string& text, const std::string& progress) {
-  return call.Finish(kSyncError + text + '\n' + progress, 1);
-}
-
 Ending Receive(const Call& call, const adb::FileStatus& status, const std::string& path,
                adb::SyncConnection* sync) {
   const std::string& source = call.form.operands[0];
   TransferReport report(Direction::kPull, source);
   ReceivedFile file(path);
   if (const int error = file.Create(); error != 0) {
-    return Fail(call, "cannot create '" + path + "': " + ErrorText(error));
+    return FailTransfer(call, "cannot create '" + path + "': " + ErrorText(error));
   }
   int write_error = 0;
   const auto write = [&](std::string_view data) {
@@ -51,13 +42,13 @@ Ending Receive(const Call& call, const adb::FileStatus& status, const std::strin
   if (!received.ok()) {
     switch (received.error().code) {
       case adb::ErrorCode::kStopped:
-        return FailWithin(call, "cannot write '" + path + "': " + ErrorText(write_error),
-                          report.Progress(status.size));
+        return FailTransfer(call, "cannot write '" + path + "': " + ErrorText(write_error),
+                            report.Progress(status.size));
       case adb::ErrorCode::kRefused:
-        return FailWithin(call,
-                          "failed to copy '" + source + "' to '" + path + "': remote " +
-                              std::string(UpToZero(received.error().message)),
-                          report.Progress(status.size));
+        return FailTransfer(call,
+                            "failed to copy '" + source + "' to '" + path + "': remote " +
+                                std::string(UpToZero(received.error().message)),
+                            report.Progress(status.size));
       default:
         return EndWithin(received.error());
     }
@@ -72,7 +63,7 @@ Ending Receive(const Call& call, const adb::FileStatus& status, const std::strin
 SyncAttempt Pull(const Call& call, adb::SyncConnection* sync) {
   const std::string& source = call.form.operands[0];
   const Target target = FindTarget(source, call.form.operands[1]);
-  if (!target.problem.empty()) return Fail(call, target.problem);
+  if (!target.problem.empty()) return FailTransfer(call, target.problem);
 
   const adb::Result<adb::FileStatus> status = StatOfTarget(sync, source, call.limits);
   const std::string no_status = "failed to stat remote object '" + source + "': ";
@@ -82,8 +73,8 @@ SyncAttempt Pull(const Call& call, adb::SyncConnection* sync) {
                        1);
   }
   if (!IsThere(*status)) {
-    return Fail(call, status->second_form ? no_status + ErrorText(ErrorOfPhone(status->error))
-                                          : "remote object '" + source + "' does not exist");
+    return FailTransfer(call, status->second_form ? no_status + ErrorText(ErrorOfPhone(status->error))
+                                                  : "remote object '" + source + "' does not exist");
   }
   // adb copies a folder with all that is in it. Nothing but its status was asked for.
   if (S_ISDIR(status->mode)) return Attempt(kGiveWay);

@@ -25,10 +25,6 @@ bool IsSmall(const LocalFile& file) {
   return file.status.st_size < static_cast<off_t>(adb::kLongestSyncData);
 }
 
-Ending Fail(const Call& call, const std::string& text, const std::string& summary = "") {
-  return call.Finish(kSyncError + text + '\n' + summary, 1);
-}
-
 // Its bytes, up to as many as fit; -1 and errno.
 ssize_t ReadSome(int file, std::vector<char>* buffer) {
   for (;;) {
@@ -69,8 +65,8 @@ class Sending {
 
   Ending FailToRead(const std::string& what, int error) {
     const std::string locally = what == "failed to read all of" ? "" : " locally failed";
-    return Fail(call_, what + " '" + file_.path + "'" + locally + ": " + ErrorText(error),
-                report_.Summary(0, 0));
+    return FailTransfer(call_, what + " '" + file_.path + "'" + locally + ": " + ErrorText(error),
+                        report_.Summary(0, 0));
   }
 
   Ending Send(int content) {
@@ -90,20 +86,20 @@ class Sending {
     if (status.ok()) status = sync_->AwaitSends(0, call_.limits);
     if (status.ok()) return call_.Finish(report_.Summary(1, 0), 0);
     if (status.error().code != adb::ErrorCode::kRefused) return EndWithin(status.error());
-    return Fail(call_,
-                "failed to copy '" + file_.path + "' to '" + target_ + "': remote " +
-                    std::string(UpToZero(status.error().message)),
-                report_.Summary(0, 0));
+    return FailTransfer(call_,
+                        "failed to copy '" + file_.path + "' to '" + target_ + "': remote " +
+                            std::string(UpToZero(status.error().message)),
+                        report_.Summary(0, 0));
   }
 
   Ending FailForLength() {
     const std::string message = target_ + ',' + std::to_string(file_.status.st_mode);
     const std::string length = std::to_string(message.size());
     if (IsSmall(file_))
-      return Fail(call_, "SendSmallFile failed: path too long: " + length, report_.Summary(0, 0));
+      return FailTransfer(call_, "SendSmallFile failed: path too long: " + length, report_.Summary(0, 0));
     if (!call_.Print(PathTooLong(message.size()))) return {Ending::kOutputRefused};
-    return Fail(call_, "failed to send ID_SEND message '" + message + "': " + ErrorText(ENAMETOOLONG),
-                report_.Summary(0, 0));
+    return FailTransfer(call_, "failed to send ID_SEND message '" + message + "': " + ErrorText(ENAMETOOLONG),
+                        report_.Summary(0, 0));
   }
 
   const Call& call_;
@@ -124,12 +120,12 @@ SyncAttempt Push(const Call& call, const LocalFile& file, adb::SyncConnection* s
   }
   const bool exists = IsThere(*there);
   if (!exists && there->second_form && ErrorOfPhone(there->error) != ENOENT) {
-    return Fail(call, no_status + ErrorText(ErrorOfPhone(there->error)));
+    return FailTransfer(call, no_status + ErrorText(ErrorOfPhone(there->error)));
   }
   const bool folder = exists && S_ISDIR(there->mode);
   if (exists && !folder && target.back() == '/')
-    return Fail(call, "failed to access '" + target + "': Not a directory");
-  if (file.error != 0) return Fail(call, "cannot stat '" + file.path + "': " + ErrorText(file.error));
+    return FailTransfer(call, "failed to access '" + target + "': Not a directory");
+  if (file.error != 0) return FailTransfer(call, "cannot stat '" + file.path + "': " + ErrorText(file.error));
   if (!folder) return Sending(call, file, target, sync).Run();
   return Sending(call, file, target + (target.back() == '/' ? "" : "/") + NameOf(file.path), sync).Run();
 }

@@ -6,7 +6,6 @@
 namespace darokleim::channel::direct {
 namespace {
 
-constexpr std::string_view kError = "error: ";
 constexpr std::string_view kMappingError = "adb: error: ";
 
 // After the second OKAY, which says that it is done, comes the port that was chosen, if at all.

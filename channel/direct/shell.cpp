@@ -9,8 +9,6 @@
 namespace darokleim::channel::direct {
 namespace {
 
-constexpr std::string_view kError = "error: ";
-
 std::string FromEnvironment(const char* name) {
   const char* const value = getenv(name);
   return value == nullptr ? "" : value;

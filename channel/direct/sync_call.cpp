@@ -70,6 +70,10 @@ bool IsThere(const adb::FileStatus& status) {
   return status.mode != 0 || status.size != 0 || status.modified != 0;
 }
 
+Ending FailTransfer(const Call& call, const std::string& text, const std::string& report) {
+  return call.Finish(kSyncError + text + '\n' + report, 1);
+}
+
 std::string PathTooLong(size_t length) {
   return std::string(kSyncError) + "SendRequest failed: path too long: " + std::to_string(length) + '\n';
 }

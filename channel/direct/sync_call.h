@@ -31,6 +31,9 @@ std::string PathTooLong(size_t length);
 
 inline constexpr const char* kSyncError = "adb: error: ";
 
+// The end of a transfer that failed: adb's words for it, and what it reports of the bytes that went before, if any did.
+Ending FailTransfer(const Call& call, const std::string& text, const std::string& report = "");
+
 // What an error of the first request comes to.
 SyncAttempt EndOfFirstRequest(const adb::Error& error);
 

@@ -17,8 +17,6 @@
 namespace darokleim::client {
 namespace {
 
-constexpr std::size_t kBlock = 64 * 1024;
-
 struct Apk {
   std::string path;
   std::uint64_t size = 0;

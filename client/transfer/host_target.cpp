@@ -21,7 +21,7 @@ std::string In(const std::string& folder, const std::string& name) {
   return folder.empty() || folder.back() == '/' ? folder + name : folder + "/" + name;
 }
 
-std::string WhatFor(const std::string& path) {
+std::string Writing(const std::string& path) {
   return "write " + Shown(path);
 }
 
@@ -38,24 +38,24 @@ Result<std::shared_ptr<HostFolder>> HostFolder::Open(const std::string& path) {
   base::UniqueFd opened(open(path.c_str(), kFolderFlags));
   if (!opened.valid() && errno == ENOENT && MakeWithParents(path))
     opened.Reset(open(path.c_str(), kFolderFlags));
-  if (!opened.valid()) return FromHostErrno(errno, WhatFor(path), path);
+  if (!opened.valid()) return FromHostErrno(errno, Writing(path), path);
   return std::shared_ptr<HostFolder>(new HostFolder(std::move(opened), path));
 }
 
 Result<std::shared_ptr<HostFolder>> HostFolder::Enter(const std::string& name) const {
   const std::string path = In(path_, name);
-  if (!IsSafeName(name)) return UnsafeName(WhatFor(path), path);
+  if (!IsSafeName(name)) return UnsafeName(Writing(path), path);
   if (mkdirat(descriptor(), name.c_str(), 0777) != 0 && errno != EEXIST)
-    return FromHostErrno(errno, WhatFor(path), path);
+    return FromHostErrno(errno, Writing(path), path);
   base::UniqueFd opened(openat(descriptor(), name.c_str(), kFolderFlags | O_NOFOLLOW));
   if (!opened.valid()) {
     struct stat status = {};
     const int error = errno;
     const bool is_link =
         fstatat(descriptor(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(status.st_mode);
-    return is_link ? UnsafeName(WhatFor(path), path) : FromHostErrno(error, WhatFor(path), path);
+    return is_link ? UnsafeName(Writing(path), path) : FromHostErrno(error, Writing(path), path);
   }
-  if (!HasExactName(opened.get(), name)) return UnsafeName(WhatFor(path), path);
+  if (!HasExactName(opened.get(), name)) return UnsafeName(Writing(path), path);
   return std::shared_ptr<HostFolder>(new HostFolder(std::move(opened), path));
 }
 
@@ -83,19 +83,19 @@ ReceivedFile::~ReceivedFile() {
 
 Error ReceivedFile::FromErrno(int error) const {
   const std::string path = In(folder_->path(), name_);
-  return FromHostErrno(error, WhatFor(path), path);
+  return FromHostErrno(error, Writing(path), path);
 }
 
 Result<std::unique_ptr<ReceivedFile>> ReceivedFile::Create(std::shared_ptr<HostFolder> folder,
                                                            std::string name) {
   const std::string path = In(folder->path(), name);
-  if (!IsSafeName(name)) return UnsafeName(WhatFor(path), path);
-  if (IsNameOfAnother(folder->descriptor(), name)) return UnsafeName(WhatFor(path), path);
+  if (!IsSafeName(name)) return UnsafeName(Writing(path), path);
+  if (IsNameOfAnother(folder->descriptor(), name)) return UnsafeName(Writing(path), path);
   std::unique_ptr<ReceivedFile> file(
       new ReceivedFile(std::move(folder), std::move(name), NewTemporaryName()));
   file->descriptor_.Reset(openat(file->folder_->descriptor(), file->temporary_.c_str(),
                                  O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
-  if (!file->descriptor_.valid()) return FromHostErrno(errno, WhatFor(path), path);
+  if (!file->descriptor_.valid()) return FromHostErrno(errno, Writing(path), path);
   file->is_temporary_ = true;
   return file;
 }

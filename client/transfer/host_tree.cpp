@@ -20,7 +20,7 @@ struct CloseFolder {
   void operator()(DIR* folder) const { closedir(folder); }
 };
 
-std::string RealPath(const std::string& path) {
+std::string RealHostPath(const std::string& path) {
   const std::unique_ptr<char, void (*)(void*)> real(realpath(path.c_str(), nullptr), std::free);
   return real ? std::string(real.get()) : std::string();
 }
@@ -50,7 +50,7 @@ class HostWalk {
 
   // The source itself may be a link to a folder: its caller has named it.
   Status Run(const std::string& source) {
-    root_ = RealPath(source) + "/";
+    root_ = RealHostPath(source) + "/";
     struct stat status = {};
     if (stat(source.c_str(), &status) != 0) {
       return fail_(FromHostErrno(errno, "send " + Shown(source), source));
@@ -64,7 +64,7 @@ class HostWalk {
     if (lstat(path.c_str(), &status) != 0) return fail_(FromHostErrno(errno, "send " + Shown(path), path));
     if (S_ISLNK(status.st_mode)) {
       if (stat(path.c_str(), &status) != 0) return fail_(FromHostErrno(errno, "send " + Shown(path), path));
-      const bool leads_out = RealPath(path).compare(0, root_.size(), root_) != 0;
+      const bool leads_out = RealHostPath(path).compare(0, root_.size(), root_) != 0;
       if (S_ISDIR(status.st_mode) || leads_out) {
         Error error = Failed(DK_UNSUPPORTED, "send " + Shown(path),
                              "it is a link to a folder, or to outside of what is sent");

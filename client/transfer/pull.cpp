@@ -11,11 +11,7 @@
 namespace darokleim::client {
 namespace {
 
-std::string WhatFor(const std::string& path) {
-  return "fetch " + Shown(path);
-}
-
-constexpr std::uint32_t kPermissionBits = 0777;
+constexpr std::uint32_t kPermissionsKept = 0777;
 
 // Splits a path of this computer; a name alone is in the current folder.
 std::string HostParent(const std::string& path) {
@@ -68,12 +64,12 @@ class FolderPull {
     }
     if (entry.type == DK_LINK) return TakeLink(path, entry.name);
     if (entry.type != DK_FILE) return {};
-    return Fetch({path, entry.size, entry.mtime, entry.mode & kPermissionBits}, entry.name);
+    return Fetch({path, entry.size, entry.mtime, entry.mode & kPermissionsKept}, entry.name);
   }
 
   // Links to files in the same tree are those files; all others are not followed.
   Status TakeLink(const std::string& path, const std::string& name) {
-    const std::string what = WhatFor(path);
+    const std::string what = Fetching(path);
     if (real_source_.empty()) {
       auto real = RealPath(device_, source_, what, limits_);
       if (!real.ok()) return real.TakeError();
@@ -94,7 +90,7 @@ class FolderPull {
       return tally_->Failed(std::move(error));
     }
     tally_->Expect(status->size);
-    return Fetch({path, status->size, status->modified, status->mode & kPermissionBits}, name);
+    return Fetch({path, status->size, status->modified, status->mode & kPermissionsKept}, name);
   }
 
   Status Fetch(PhoneFile file, const std::string& name) {
@@ -185,7 +181,7 @@ class Pull {
       item.status = (*statuses)[i];
       const dk_type type = TypeOf(item.status.mode);
       if (item.status.exists() && (type == DK_FILE || type == DK_DIRECTORY)) continue;
-      auto followed = StatOf(device_, &*sync, item.source, DK_FOLLOW, WhatFor(item.source), limits_);
+      auto followed = StatOf(device_, &*sync, item.source, DK_FOLLOW, Fetching(item.source), limits_);
       if (followed.ok()) {
         item.status = *followed;
       } else if (IsOfOneFile(followed.error().code)) {
@@ -221,7 +217,7 @@ class Pull {
     auto parent = OpenParent(HostParent(item->target));
     if (!parent.ok()) return tally_.Failed(parent.TakeError());
     PhoneFile file{item->source, item->status.size, item->status.modified,
-                   item->status.mode & kPermissionBits};
+                   item->status.mode & kPermissionsKept};
     return receiver_.Fetch(std::move(file), *std::move(parent), HostName(item->target));
   }
 

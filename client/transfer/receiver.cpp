@@ -7,11 +7,11 @@ namespace {
 
 constexpr std::size_t kMostAsked = 64;
 
-std::string WhatFor(const std::string& path) {
+}  // namespace
+
+std::string Fetching(const std::string& path) {
   return "fetch " + Shown(path);
 }
-
-}  // namespace
 
 Status Receiver::Fetch(PhoneFile file, std::shared_ptr<HostFolder> folder, std::string name) {
   const Existing there = folder->Look(name);
@@ -22,7 +22,7 @@ Status Receiver::Fetch(PhoneFile file, std::shared_ptr<HostFolder> folder, std::
     case Decision::kIsFolder:
     case Decision::kExists: {
       const std::string path = folder->path() + "/" + name;
-      return tally_->Failed(FromHostErrno(there.is_folder ? EISDIR : EEXIST, WhatFor(file.path), path));
+      return tally_->Failed(FromHostErrno(there.is_folder ? EISDIR : EEXIST, Fetching(file.path), path));
     }
     case Decision::kTransfer:
       break;
@@ -51,7 +51,7 @@ Status Receiver::AskAhead() {
   while (asked_ < files_.size() && asked_ < most) {
     const std::string& path = files_[asked_].phone.path;
     if (auto requested = sync_->connection.RequestContent(path); !requested.ok()) {
-      Error error = SyncError(device_, requested.error(), WhatFor(path), path);
+      Error error = SyncError(device_, requested.error(), Fetching(path), path);
       files_.erase(files_.begin() + static_cast<std::ptrdiff_t>(asked_));
       if (Status failed = tally_->Failed(std::move(error)); !failed.ok()) return failed;
       continue;
@@ -118,14 +118,14 @@ Status Receiver::Refused(const adb::Error& error) {
   if (error.code == adb::ErrorCode::kRefused) {
     files_.pop_front();
     if (one_by_one_ > 0) --one_by_one_;
-    return tally_->Failed(SyncError(device_, error, WhatFor(path), path));
+    return tally_->Failed(SyncError(device_, error, Fetching(path), path));
   }
   const bool may_be_a_refusal = error.code == adb::ErrorCode::kConnectionBroken && asked > 1;
   if (may_be_a_refusal) {
     one_by_one_ = asked;
     return {};
   }
-  Error lost = DeviceError(device_, error, WhatFor(path));
+  Error lost = DeviceError(device_, error, Fetching(path));
   lost.path = path;
   return lost;
 }

@@ -20,6 +20,9 @@ struct PhoneFile {
   std::uint32_t permissions = 0;
 };
 
+// What is tried, as errors say it.
+std::string Fetching(const std::string& path);
+
 class Receiver {
  public:
   Receiver(dk_device* device, Tally* tally, const Limits& limits)

@@ -22,12 +22,10 @@ constexpr std::size_t kMostStaged = 1024;
 constexpr std::uint64_t kMostBytesStaged = std::uint64_t{16} * 1024 * 1024;
 constexpr std::uint64_t kShortTransfer = std::uint64_t{4} * 1024 * 1024;
 
-constexpr std::size_t kBlock = 64 * 1024;
-constexpr std::uint32_t kRegularFile = 0100000;
 constexpr std::uint32_t kUsualPermissions = 0644;
 constexpr std::uint32_t kPermissionsSent = 0777;
 
-std::string WhatFor(const HostFile& file) {
+std::string Sending(const HostFile& file) {
   return "send " + Shown(file.path);
 }
 
@@ -47,7 +45,7 @@ std::uint32_t ProtocolTime(std::int64_t seconds) {
 }
 
 Error ChangedWhileRead(const HostFile& file) {
-  Error error = Failed(DK_CHANGED, WhatFor(file), "the file changed while it was read");
+  Error error = Failed(DK_CHANGED, Sending(file), "the file changed while it was read");
   error.path = file.path;
   error.on_host = true;
   return error;
@@ -107,17 +105,17 @@ Status Sender::SendNext() {
   }
   File& file = under_way_[sent_];
   const base::UniqueFd opened(open(file.host.path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
-  if (!opened.valid()) return FailAt(sent_, FromHostErrno(errno, WhatFor(file.host), file.host.path));
+  if (!opened.valid()) return FailAt(sent_, FromHostErrno(errno, Sending(file.host), file.host.path));
   if (!file.counted) tally_->Begin(file.host.path.c_str(), file.host.size);
 
   const std::uint32_t permissions =
       tally_->options().keep_modes ? file.host.permissions & kPermissionsSent : kUsualPermissions;
   const std::string path = staging_.PathFor(file.folder, file.name);
-  if (adb::Status begun = sync_->connection.BeginSend(path, kRegularFile | permissions, limits_);
+  if (adb::Status begun = sync_->connection.BeginSend(path, adb::kRegularFile | permissions, limits_);
       !begun.ok()) {
     if (begun.error().code != adb::ErrorCode::kTooLong) return Refused(begun.error());
     return FailAt(sent_,
-                  SyncError(device_, begun.error(), WhatFor(file.host), Joined(file.folder, file.name)));
+                  SyncError(device_, begun.error(), Sending(file.host), Joined(file.folder, file.name)));
   }
   ++sent_;
   std::optional<Error> host_error;
@@ -145,7 +143,7 @@ adb::Status Sender::SendContent(int descriptor, const File& file, std::optional<
     *host_error = std::move(error);
     return adb::Status();
   };
-  const auto fail_by_errno = [&] { return fail(FromHostErrno(errno, WhatFor(file.host), file.host.path)); };
+  const auto fail_by_errno = [&] { return fail(FromHostErrno(errno, Sending(file.host), file.host.path)); };
   struct stat before = {};
   if (fstat(descriptor, &before) != 0) return fail_by_errno();
   block_.resize(kBlock);
@@ -202,7 +200,7 @@ Status Sender::Refused(const adb::Error& error) {
   if (under_way_.empty()) return DeviceError(device_, error, tally_->what());
   const File& first = under_way_.front();
   if (error.code == adb::ErrorCode::kRefused || error.code == adb::ErrorCode::kTooLong) {
-    Error refused = SyncError(device_, error, WhatFor(first.host), Joined(first.folder, first.name));
+    Error refused = SyncError(device_, error, Sending(first.host), Joined(first.folder, first.name));
     return FailAt(0, std::move(refused));
   }
   const bool may_be_a_refusal = error.code == adb::ErrorCode::kConnectionBroken && unanswered > 1;
@@ -210,7 +208,7 @@ Status Sender::Refused(const adb::Error& error) {
     one_by_one_ = unanswered;
     return {};
   }
-  Error lost = DeviceError(device_, error, WhatFor(first.host));
+  Error lost = DeviceError(device_, error, Sending(first.host));
   lost.path = first.host.path;
   return lost;
 }

@@ -11,7 +11,7 @@ namespace {
 // A script goes to the phone in one request of at most 65,535 bytes; for old phones it is quoted once more.
 constexpr std::size_t kLongestScript = 40 * 1024;
 
-constexpr char kWhat[] = "give sent files their names";
+constexpr char kNamingFiles[] = "give sent files their names";
 
 constexpr std::chrono::seconds kTimeToCleanUp{5};
 
@@ -125,7 +125,7 @@ Status Staging::Commit(const Limits& limits, const Fail& failed) {
     if (Status settled = Settle(limits, failed); !settled.ok()) return settled;
     moving_ = TakeBatch();
     if (moving_.parts.empty() && moving_.folders_to_make.empty()) return {};
-    auto script = RunningScript::Start(device_, ScriptOf(moving_), kWhat, limits);
+    auto script = RunningScript::Start(device_, ScriptOf(moving_), kNamingFiles, limits);
     if (!script.ok()) return script.TakeError();
     script_.emplace(*std::move(script));
   } while (waiting_ > 0 || !folders_to_make_.empty());
@@ -175,7 +175,8 @@ Status Staging::ExplainPart(const Part& part, const Limits& limits, const Fail& 
   left.names = *std::move(names);
   Status status;
   if (!left.names.empty()) {
-    auto moved = CollectScript(device_, MoveScript(left.folder, left.temporary, left.names), kWhat, limits);
+    auto moved =
+        CollectScript(device_, MoveScript(left.folder, left.temporary, left.names), kNamingFiles, limits);
     if (!moved.ok()) return moved.TakeError();
     names = LeftOf(left, limits);
     if (!names.ok()) return names.TakeError();
@@ -189,7 +190,7 @@ Status Staging::ExplainPart(const Part& part, const Limits& limits, const Fail& 
   std::string script = "cd " + base::QuoteForShell(part.temporary) + " && rm -f";
   for (const std::string& name : left.names) script += " ./" + base::QuoteForShell(name);
   if (part.is_last) script = "rm -rf " + base::QuoteForShell(part.temporary);
-  auto removed = CollectScript(device_, script, kWhat, limits);
+  auto removed = CollectScript(device_, script, kNamingFiles, limits);
   return removed.ok() ? status : removed.TakeError();
 }
 
@@ -199,7 +200,7 @@ Result<std::vector<std::string>> Staging::LeftOf(const Part& part, const Limits&
   std::string script = "cd " + base::QuoteForShell(part.temporary) + " || exit 1; for n in";
   AppendWords(&script, part.names);
   script += "; do [ -e \"./$n\" ] && echo 1 || echo 0; done";
-  auto answers = CollectScript(device_, script, kWhat, limits);
+  auto answers = CollectScript(device_, script, kNamingFiles, limits);
   if (!answers.ok()) return answers.TakeError();
   std::size_t at = 0;
   ForEachLine(answers->out, [&](std::string_view line) {

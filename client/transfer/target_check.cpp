@@ -5,7 +5,7 @@
 namespace darokleim::client {
 namespace {
 
-constexpr char kWhat[] = "look at the targets";
+constexpr char kLookingAtTargets[] = "look at the targets";
 
 // Not all the folders of a large tree are remembered.
 constexpr std::size_t kMostFolders = 1024;
@@ -31,11 +31,11 @@ Decision Decide(dk_existing policy, const Existing& target, std::uint64_t size, 
 Result<std::vector<adb::FileStatus>> TargetCheck::StatusOf(const std::vector<std::string>& paths) {
   if (paths.empty()) return std::vector<adb::FileStatus>();
   if (!sync_) {
-    auto sync = OpenSync(device_, kWhat, limits_);
+    auto sync = OpenSync(device_, kLookingAtTargets, limits_);
     if (!sync.ok()) return sync.TakeError();
     sync_.emplace(*std::move(sync));
   }
-  return StatMany(device_, &*sync_, paths, kWhat, limits_);
+  return StatMany(device_, &*sync_, paths, kLookingAtTargets, limits_);
 }
 
 Status TargetCheck::LookAtFolders(const std::vector<std::string>& paths) {

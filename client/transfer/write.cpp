@@ -9,9 +9,6 @@
 namespace darokleim::client {
 namespace {
 
-constexpr std::uint32_t kRegularFile = 0100000;
-constexpr std::size_t kBlock = 64 * 1024;
-
 Status WriteFrom(dk_device* device, const std::string& path, std::uint32_t mode, std::int64_t modified,
                  bool replace, dk_source source, void* user, const Limits& limits) {
   const std::string what = "write " + Shown(path);
@@ -34,7 +31,7 @@ Status WriteFrom(dk_device* device, const std::string& path, std::uint32_t mode,
   adb::SyncConnection& connection = sync->connection;
   staging.Expect(folder);
   adb::Status sent =
-      connection.BeginSend(staging.PathFor(folder, name), kRegularFile | (mode & 0777), limits);
+      connection.BeginSend(staging.PathFor(folder, name), adb::kRegularFile | (mode & 0777), limits);
   std::vector<char> block(kBlock);
   while (sent.ok()) {
     const std::int64_t count = source(user, block.data(), block.size());

@@ -21,7 +21,7 @@ namespace {
 enum class AfterSilence { kGiveUp, kTryAgain };
 
 constexpr int kAttempts = 2;
-constexpr std::size_t kCommandCapacity = 256;
+constexpr std::size_t kListCapacity = 256;
 
 // The result of a step, and whether the query ends or makes another attempt, if one is left.
 struct Progress {
@@ -31,9 +31,9 @@ struct Progress {
 
 std::string ListCommand(const char* serial, const std::string& user_option, const char* filter) {
   if (!filter) {
-    return Cut(kCommandCapacity, " -s %s shell pm list packages%s", serial, user_option.c_str());
+    return Cut(kListCapacity, " -s %s shell pm list packages%s", serial, user_option.c_str());
   }
-  return Cut(kCommandCapacity, " -s %s shell pm list packages%s %s", serial, user_option.c_str(), filter);
+  return Cut(kListCapacity, " -s %s shell pm list packages%s %s", serial, user_option.c_str(), filter);
 }
 
 Progress List(const std::string& command, const bool* cancel, AfterSilence after_silence,
@@ -50,7 +50,7 @@ Progress List(const std::string& command, const bool* cancel, AfterSilence after
 
 // Sets the user option to the device's current user. Unchanged when the device does not report one.
 Progress ChooseCurrentUser(const char* serial, const bool* cancel, std::string& user_option) {
-  const AdbRun run(Cut(kCommandCapacity, " -s %s shell dumpsys user", serial), cancel);
+  const AdbRun run(Cut(kListCapacity, " -s %s shell dumpsys user", serial), cancel);
   const int code = run.Classify();
   if (run.has_output() && code != ADB_RESULT_OK) return {code, Progress::kSettled};
   const auto user = FindCurrentUser(run.output());

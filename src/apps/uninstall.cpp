@@ -13,7 +13,7 @@ namespace darokleim::sdk {
 namespace {
 
 // Deliberately small: a longer command is cut and then run, and applications rely on it.
-constexpr std::size_t kCommandCapacity = 128;
+constexpr std::size_t kUninstallCapacity = 128;
 
 // Unlike in other functions the channel's status comes first: unless it is 0, the output is not read.
 int Ask(const std::string& args, const bool* cancel) {
@@ -28,12 +28,13 @@ int Ask(const std::string& args, const bool* cancel) {
 int AdbCheckAppExist(const char* serial, const char* package, int keep, const bool* cancel) {
   CallLog log(__func__);
   const char* const option = keep != 0 ? " -k" : "";
-  return log.Leave(Ask(Cut(kCommandCapacity, " -s %s shell pm path%s %s", serial, option, package), cancel));
+  return log.Leave(
+      Ask(Cut(kUninstallCapacity, " -s %s shell pm path%s %s", serial, option, package), cancel));
 }
 
 int AdbUninstallApp(const char* serial, const char* package, int keep_data, const bool* cancel) {
   CallLog log(__func__);
   const char* const option = keep_data != 0 ? " -k" : "";
   return log.Leave(
-      Ask(Cut(kCommandCapacity, " -s %s shell pm uninstall%s %s", serial, option, package), cancel));
+      Ask(Cut(kUninstallCapacity, " -s %s shell pm uninstall%s %s", serial, option, package), cancel));
 }

@@ -37,7 +37,7 @@ std::optional<DeviceLine> MatchDeviceLine(std::string_view line) {
 
 namespace {
 
-constexpr char kListCommand[] = " devices";
+constexpr char kDevicesCommand[] = " devices";
 
 // Calls visit with the entry of each listed device, in adb's order, until it returns false.
 template <typename Visit>
@@ -80,7 +80,7 @@ std::string convert_connect_string(const std::string& state) {
 int AdbGetDevices(char* buffer, int buffer_size, const bool* cancel) {
   CallLog log(__func__, kDeviceListWording);
   if (AnyNull(buffer)) return log.InvalidParam();
-  const AdbRun run(kListCommand, cancel);
+  const AdbRun run(kDevicesCommand, cancel);
   const int code = run.Classify();
   if (code != ADB_RESULT_OK) return log.Leave(code);
   EntryBuffer entries(buffer, buffer_size);
@@ -94,7 +94,7 @@ int AdbGetDevicesEx(char** list, int* list_len, const bool* cancel) {
   *list_len = 0;
   std::string entries;
   {
-    const AdbRun run(kListCommand, cancel);
+    const AdbRun run(kDevicesCommand, cancel);
     const int code = run.Classify();
     if (code != ADB_RESULT_OK) return log.Leave(code);
     entries.reserve(run.output_as_c_text().size());  // an entry is not longer than its line

@@ -8,19 +8,10 @@
 #include <exception>
 #include <stdexcept>
 
+#include "tests/support/pipe.h"
+
 namespace darokleim::test {
 namespace {
-
-struct Pipe {
-  Pipe() {
-    int ends[2];
-    if (pipe(ends) != 0) throw std::runtime_error("no descriptor left");
-    read_end.Reset(ends[0]);
-    write_end.Reset(ends[1]);
-  }
-  base::UniqueFd read_end;
-  base::UniqueFd write_end;
-};
 
 // Less than the size when the other end is closed.
 ssize_t ReadSome(int fd, void* bytes, size_t size) {

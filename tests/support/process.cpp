@@ -16,27 +16,13 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "tests/support/pipe.h"
+
 extern char** environ;
 
 namespace darokleim::test {
 
 namespace {
-
-struct Pipe {
-  base::UniqueFd read_end;
-  base::UniqueFd write_end;
-};
-
-Pipe MakePipe() {
-  int ends[2];
-#if defined(__linux__)
-  if (pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("no pipe left");
-#else
-  if (pipe(ends) != 0) throw std::runtime_error("no pipe left");
-  for (const int end : ends) fcntl(end, F_SETFD, FD_CLOEXEC);
-#endif
-  return {base::UniqueFd(ends[0]), base::UniqueFd(ends[1])};
-}
 
 std::vector<std::string> MergedEnvironment(const Environment& variables) {
   std::vector<std::string> merged;
@@ -67,9 +53,9 @@ int StatusFrom(int wait_status) {
 }  // namespace
 
 HostProcess::HostProcess(const Words& command, const Environment& variables) {
-  Pipe input = MakePipe();
-  Pipe output = MakePipe();
-  Pipe errors = MakePipe();
+  Pipe input;
+  Pipe output;
+  Pipe errors;
 
   posix_spawn_file_actions_t files;
   posix_spawn_file_actions_init(&files);

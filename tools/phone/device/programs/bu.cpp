@@ -39,7 +39,7 @@ struct BackupWords {
   Words packages;
 };
 
-BackupWords Sort(const Words& words) {
+BackupWords SortBackupWords(const Words& words) {
   BackupWords sorted;
   for (size_t i = 1; i < words.size(); ++i) {
     const std::string& word = words[i];
@@ -188,7 +188,7 @@ int Restore() {
 int RunBu(const Words& words) {
   signal(SIGPIPE, SIG_IGN);
   const std::string command = words.empty() ? "" : words[0];
-  if (command == "backup") return Backup(Sort(words));
+  if (command == "backup") return Backup(SortBackupWords(words));
   if (command == "restore") return Restore();
   std::fprintf(stderr, "bu: unknown command '%s'\n", command.c_str());
   return 1;

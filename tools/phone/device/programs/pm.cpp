@@ -25,7 +25,7 @@ struct PmWords {
   bool Has(char letter) const { return options.find(letter) != std::string::npos; }
 };
 
-PmWords Sort(const Words& words) {
+PmWords SortPmWords(const Words& words) {
   PmWords sorted;
   for (size_t i = 1; i < words.size(); ++i) {
     if (words[i] == "--user") {
@@ -146,7 +146,7 @@ int RunPm(const Words& words) {
   const std::string command = words.empty() ? "" : words[0];
   if (const auto status = RunPmInstall(words)) return *status;
   if (command == "resolve-activity" && !IsLegacyPhone()) return ResolveActivity(words);
-  const PmWords sorted = Sort(words);
+  const PmWords sorted = SortPmWords(words);
   if (command == "list") return List(sorted);
   if (command == "path") return Path(sorted);
   if (command == "uninstall") return Remove(sorted);

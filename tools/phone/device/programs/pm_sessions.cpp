@@ -41,7 +41,7 @@ bool TakesValue(const std::string& option) {
          option == "--originating-uri" || option == "--referrer" || option == "--pkg";
 }
 
-InstallWords Sort(const Words& words) {
+InstallWords SortInstallWords(const Words& words) {
   InstallWords sorted;
   // Until Android 8 an installed package was only replaced when asked.
   sorted.options.replace = !IsLegacyPhone();
@@ -237,11 +237,11 @@ int AbandonSession(const InstallWords& words) {
 
 std::optional<int> RunPmInstall(const Words& words) {
   const std::string command = words.empty() ? "" : words[0];
-  if (command == "install") return InstallOne(Sort(words));
-  if (command == "install-create") return CreateSession(Sort(words));
-  if (command == "install-write") return WriteToSession(Sort(words));
-  if (command == "install-commit") return CommitSession(Sort(words));
-  if (command == "install-abandon") return AbandonSession(Sort(words));
+  if (command == "install") return InstallOne(SortInstallWords(words));
+  if (command == "install-create") return CreateSession(SortInstallWords(words));
+  if (command == "install-write") return WriteToSession(SortInstallWords(words));
+  if (command == "install-commit") return CommitSession(SortInstallWords(words));
+  if (command == "install-abandon") return AbandonSession(SortInstallWords(words));
   return std::nullopt;
 }
 
