@@ -143,8 +143,8 @@ std::optional<std::uint64_t> ReadRoundedSize(std::string_view text) {
   if (!text.empty()) {
     const std::size_t unit = kUnits.find(text.front());
     if (unit == std::string_view::npos || text.size() > 1) return std::nullopt;
-    constexpr double kKibi = 1024;
-    value *= std::pow(kKibi, static_cast<double>(unit + 1));
+    constexpr int kKibi = 10;  // as a power of two; pow would need the mathematical library in a static link
+    value = std::ldexp(value, kKibi * static_cast<int>(unit + 1));
   }
   constexpr double kMost = 1e18;
   if (value > kMost) return std::nullopt;

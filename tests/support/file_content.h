@@ -3,9 +3,9 @@
 #define DAROKLEIM_TESTS_SUPPORT_FILE_CONTENT_H
 
 #include <fstream>
-#include <iterator>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace darokleim::test {
@@ -13,7 +13,9 @@ namespace darokleim::test {
 // Empty when there is no such file.
 inline std::string ReadFile(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  std::ostringstream content;
+  content << file.rdbuf();
+  return std::move(content).str();
 }
 
 inline std::vector<std::string> ReadLines(const std::string& path) {
