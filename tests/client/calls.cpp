@@ -5,6 +5,7 @@
 #include <ostream>
 #include <stdexcept>
 
+#include "tests/client/spoilt_phone.h"
 #include "tests/support/file_content.h"
 
 namespace darokleim::client_test {
@@ -310,6 +311,40 @@ std::vector<ClientCall> AppCalls() {
   return all;
 }
 
+dk_code Backup(const Place& place, const dk_call* call, std::string* result) {
+  std::string saved;
+  saved.reserve(1024);
+  const dk_code code = dk_backup(place.device, "com.x", AppendBytes, &saved, call);
+  if (code == DK_OK) *result = saved == BackupOfApp() ? "saved" : "?";
+  return code;
+}
+
+dk_code Restore(const Place& place, const dk_call* call, std::string*) {
+  std::string rest = BackupOfApp();
+  const auto source = [](void* user, char* buffer, size_t capacity) -> int64_t {
+    auto* const left = static_cast<std::string*>(user);
+    constexpr std::size_t kPiece = 100;
+    const std::size_t size = std::min({left->size(), capacity, kPiece});
+    left->copy(buffer, size);
+    left->erase(0, size);
+    return static_cast<int64_t>(size);
+  };
+  return dk_restore(place.device, source, &rest, call);
+}
+
+// A call that fails closes the phone's question.
+std::vector<ClientCall> BackupCalls() {
+  std::vector<ClientCall> all;
+  all.push_back({"Backup", "saved", Backup});
+  all.back().cleans_up = true;
+  all.push_back({"Restore", "", Restore});
+  all.back().cleans_up = true;
+  all.push_back({"DismissBackup", "", [](const Place& place, const dk_call* call, std::string*) {
+                   return dk_backup_dismiss(place.device, call);
+                 }});
+  return all;
+}
+
 std::vector<ClientCall> FactCalls() {
   std::vector<ClientCall> all;
   all.push_back({"Properties", "a=1;b=2;", [](const Place& place, const dk_call* call, std::string* result) {
@@ -392,7 +427,7 @@ const std::vector<ClientCall>& ClientCalls() {
   static const std::vector<ClientCall> all = [] {
     std::vector<ClientCall> calls;
     for (const auto family :
-         {ServerCalls, DeviceCalls, FileCalls, TransferCalls, ShellCalls, AppCalls, FactCalls}) {
+         {ServerCalls, DeviceCalls, FileCalls, TransferCalls, ShellCalls, AppCalls, BackupCalls, FactCalls}) {
       for (ClientCall& call : family()) calls.push_back(std::move(call));
     }
     return calls;

@@ -77,6 +77,10 @@ std::optional<std::string> HostAnswer(const std::string& request, const std::str
 
 }  // namespace
 
+std::string BackupOfApp() {
+  return "ANDROID BACKUP\n5\n1\nnone\n" + std::string(300, 'b');
+}
+
 std::string LogRecord(std::string_view tag, std::string_view text) {
   constexpr std::uint16_t kHeader = 28;
   const std::string payload = "\x04" + std::string(tag) + '\0' + std::string(text) + '\0';
@@ -168,6 +172,8 @@ void SpoiltPhone::AnswerService(const std::string& service, int connection) {
   if (Begins(service, "shell,v2"))
     return AnswerShell(service.substr(service.find(':') + 1), true, connection);
   if (Begins(service, "exec:")) return AnswerShell(service.substr(5), false, connection);
+  if (Begins(service, "backup:")) Write(connection, BackupOfApp());
+  if (service == "restore:") TakeBackup(connection);
   if (Begins(service, "reverse:forward:")) Write(connection, "OKAY" + Request("5000"));
   if (Begins(service, "reverse:killforward")) Write(connection, "OKAY");
   if (service == "reverse:list-forward") Write(connection, Request("UsbFfs tcp:1 tcp:2\n"));
@@ -208,6 +214,7 @@ SpoiltPhone::Printed SpoiltPhone::Print(const std::string& script) {
        "    versionCode=12 minSdk=21\n    versionName=1.2\n"},
       {"install-create", "Success: created install session [12]\n"},
       {" install", "Success\n"},
+      {"pm path", "package:/data/app/x/base.apk\n"},
       {"pm uninstall", "Success\n"},
       {"pm clear", "Success\n"},
       {"readlink", "/sdcard/file\n"},
@@ -291,6 +298,14 @@ bool SpoiltPhone::TakeFile(const std::string& path, int connection) {
     whole_.insert(path);
   }
   return Write(connection, "OKAY" + Number32(0));
+}
+
+void SpoiltPhone::TakeBackup(int connection) {
+  const std::string whole = BackupOfApp() + std::string(kZerosAfterBackup, '\0');
+  const std::string taken = ReadBytes(connection, whole.size());
+  if (taken.size() < whole.size() || taken == whole) return;
+  const std::lock_guard lock(mutex_);
+  harm_ += "restored something else\n";
 }
 
 }  // namespace darokleim::client_test

@@ -59,6 +59,7 @@ class SpoiltPhone {
   void AnswerShell(const std::string& script, bool apart, int connection);
   void AnswerFiles(int connection);
   bool TakeFile(const std::string& path, int connection);
+  void TakeBackup(int connection);
   std::string Status(const std::string& id, const std::string& path) const;
   std::string List(const std::string& folder) const;
   Printed Print(const std::string& script);
@@ -73,6 +74,10 @@ class SpoiltPhone {
   std::string harm_;
   test::ScriptedServer server_;
 };
+
+// What the phone saves of an application, and takes back with kZerosAfterBackup zero bytes after it.
+std::string BackupOfApp();
+inline constexpr std::size_t kZerosAfterBackup = 1024;
 
 // A record of the phone's log, as `logcat -B` prints it.
 std::string LogRecord(std::string_view tag, std::string_view text);
