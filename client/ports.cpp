@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "client/context.h"
+#include "client/shell.h"
 
 namespace darokleim::client {
 namespace {
@@ -129,6 +130,20 @@ Status RemoveForwardsOf(dk_device* device, const Limits& limits) {
   return {};
 }
 
+// Phones before Android 5 refuse the service of reverse mappings, as any that they do not know.
+Error ReverseError(dk_device* device, Error error, std::string_view what, const Limits& limits) {
+  if (error.code != DK_SERVER_REFUSED) return error;
+  const auto level = CollectScript(device, "getprop ro.build.version.sdk", what, limits);
+  if (!level.ok()) return error;
+  constexpr int kAndroid5 = 21;
+  int number = kAndroid5;
+  std::from_chars(level->out.data(), level->out.data() + level->out.size(), number);
+  if (number >= kAndroid5) return error;
+  Error unsupported = Failed(DK_UNSUPPORTED, what, "the phone is older than Android 5");
+  unsupported.words = std::move(error.words);
+  return unsupported;
+}
+
 }  // namespace
 }  // namespace darokleim::client
 
@@ -152,7 +167,10 @@ dk_code dk_reverse_add(dk_device* device, const char* from, const char* to, bool
     auto answer = AskDevice(device, limits, [&](const auto& server, const auto& selector) {
       return adb::AddReverse(server, selector, from, to, client::RebindOf(replace), limits);
     });
-    return client::FromAdded(device, std::move(answer), std::string("reverse ") + from, from, port);
+    const std::string what = std::string("reverse ") + from;
+    Status added = client::FromAdded(device, std::move(answer), what, from, port);
+    if (added.ok()) return added;
+    return client::ReverseError(device, added.TakeError(), what, limits);
   });
 }
 
@@ -164,7 +182,8 @@ dk_code dk_reverse_remove(dk_device* device, const char* from, const dk_call* ca
                              : adb::RemoveReverse(server, selector, from, limits);
     });
     if (removed.ok()) return {};
-    return client::DeviceError(device, removed.error(), "remove reversed ports");
+    constexpr std::string_view kWhat = "remove reversed ports";
+    return client::ReverseError(device, client::DeviceError(device, removed.error(), kWhat), kWhat, limits);
   });
 }
 
@@ -174,7 +193,9 @@ dk_code dk_reverse_list(dk_device* device, dk_on_mapping on_mapping, void* user,
     auto text = AskDevice(device, limits, [&](const auto& server, const auto& selector) {
       return adb::QueryReverses(server, selector, limits);
     });
-    if (!text.ok()) return client::DeviceError(device, text.error(), "list the reversed ports");
+    constexpr std::string_view kWhat = "list the reversed ports";
+    if (!text.ok())
+      return client::ReverseError(device, client::DeviceError(device, text.error(), kWhat), kWhat, limits);
     return client::ReportMappings(*text, client::ListOf::kReverses, device, on_mapping, user);
   });
 }

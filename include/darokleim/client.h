@@ -1452,28 +1452,31 @@ DK_API dk_code dk_forward_remove(dk_device* device, const char* from, const dk_c
 /// @return Otherwise a code of every call.
 DK_API dk_code dk_forward_list(dk_device* device, dk_on_mapping on_mapping, void* user, const dk_call* call);
 
-/// Listens on the phone and connects to this computer. Since Android 5; older phones refuse with ::DK_SERVER_REFUSED.
+/// Listens on the phone and connects to this computer. Since Android 5.
 /// @param[in]  device  The device.
 /// @param[in]  from    Where the phone listens. `tcp:0`: it takes a free port.
 /// @param[in]  to      Where to connect to on this computer, or the one that the adb server runs on.
 /// @param[in]  replace A mapping that @p from has already is replaced.
 /// @param[out] port    As for dk_forward_add(), of the phone.
 /// @param[in]  call    See ::dk_call; may be null.
-/// @return As dk_forward_add().
+/// @retval DK_UNSUPPORTED  The phone is older than Android 5.
+/// @return Otherwise as dk_forward_add().
 DK_API dk_code dk_reverse_add(dk_device* device, const char* from, const char* to, bool replace, int* port,
                               const dk_call* call);
 /// Removes mappings of the phone.
 /// @param[in] device The device.
 /// @param[in] from   As it was added. Null removes all of this device.
 /// @param[in] call   See ::dk_call; may be null.
-/// @return As dk_forward_remove().
+/// @retval DK_UNSUPPORTED  The phone is older than Android 5.
+/// @return Otherwise as dk_forward_remove().
 DK_API dk_code dk_reverse_remove(dk_device* device, const char* from, const dk_call* call);
 /// Lists the mappings of the phone.
 /// @param[in] device     The device.
 /// @param[in] on_mapping Called for each, before the call returns.
 /// @param[in] user       Passed to @p on_mapping.
 /// @param[in] call       See ::dk_call; may be null.
-/// @return As dk_forward_list().
+/// @retval DK_UNSUPPORTED  The phone is older than Android 5.
+/// @return Otherwise as dk_forward_list().
 DK_API dk_code dk_reverse_list(dk_device* device, dk_on_mapping on_mapping, void* user, const dk_call* call);
 
 /// @}

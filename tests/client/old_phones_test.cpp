@@ -1,0 +1,82 @@
+// What phones before Android 7 cannot do, or cannot say.
+#include <gmock/gmock.h>
+
+#include <string>
+
+#include "tests/client/calls.h"
+#include "tests/support/scripted_server.h"
+
+namespace darokleim::client_test {
+namespace {
+
+// Refuses every service but the shell, which prints the level of its interfaces, as getprop does.
+class PhoneOfLevel {
+ public:
+  PhoneOfLevel(std::string features, int level)
+      : level_(level),
+        phone_(std::move(features),
+               [this](const std::string& service, int connection) { Serve(service, connection); }),
+        client_("tcp:" + phone_.port()) {}
+
+  dk_device* device() const { return client_.device(); }
+
+ private:
+  void Serve(const std::string& service, int connection) const {
+    const bool has_exec = level_ >= 21;
+    const std::string printed = std::to_string(level_) + (has_exec ? "\n" : "\r\n");
+    if (service.rfind("shell,v2", 0) == 0) {
+      const auto size = static_cast<std::uint32_t>(printed.size());
+      test::WriteBytes(connection,
+                       "OKAY\1" + test::Number32(size) + printed + "\3" + test::Number32(1) + '\0');
+    } else if (service.rfind("shell:", 0) == 0 || (has_exec && service.rfind("exec:", 0) == 0)) {
+      const std::size_t end = service.rfind("'$?"), begin = service.rfind("echo '", end) + 6;
+      test::WriteBytes(connection, "OKAY" + printed + service.substr(begin, end - begin) + "0\n");
+    } else {
+      test::WriteBytes(connection, "FAIL" + test::Request("closed"));
+    }
+  }
+
+  const int level_;
+  const test::ScriptedPhone phone_;
+  const Client client_;
+};
+
+std::vector<dk_code> CallsOfReverseMappings(const PhoneOfLevel& phone) {
+  int port = 7;
+  const auto ignore = [](void*, const dk_mapping*) { return true; };
+  std::vector<dk_code> codes = {dk_reverse_add(phone.device(), "tcp:0", "tcp:7", false, &port, nullptr),
+                                dk_reverse_remove(phone.device(), "tcp:7", nullptr),
+                                dk_reverse_remove(phone.device(), nullptr, nullptr),
+                                dk_reverse_list(phone.device(), ignore, nullptr, nullptr)};
+  EXPECT_EQ(port, 7);
+  return codes;
+}
+
+TEST(OldPhones, BeforeAndroid5HaveNoReverseMappings) {
+  EXPECT_THAT(CallsOfReverseMappings({"", 19}), testing::Each(DK_UNSUPPORTED));
+}
+
+TEST(OldPhones, SinceAndroid5OnlyRefuseThem) {
+  EXPECT_THAT(CallsOfReverseMappings({"", 21}), testing::Each(DK_SERVER_REFUSED));
+  EXPECT_THAT(CallsOfReverseMappings({"shell_v2", 33}), testing::Each(DK_SERVER_REFUSED));
+}
+
+TEST(OldPhones, BeforeAndroid5HaveALogThatCannotBeFollowed) {
+  const PhoneOfLevel phone("", 19);
+  dk_log* log = nullptr;
+  const auto on_record = [](void*, const dk_log_record*) {};
+  EXPECT_EQ(dk_log_start(phone.device(), nullptr, on_record, nullptr, nullptr, &log, nullptr),
+            DK_UNSUPPORTED);
+  EXPECT_EQ(log, nullptr);
+}
+
+TEST(OldPhones, BeforeAndroid7TakeNoInputForACommand) {
+  const PhoneOfLevel phone("", 23);
+  dk_run_options options = DK_RUN_OPTIONS_INIT;
+  options.input = "x";
+  options.input_size = 1;
+  EXPECT_EQ(dk_run_script(phone.device(), "cat", &options, nullptr, nullptr), DK_UNSUPPORTED);
+}
+
+}  // namespace
+}  // namespace darokleim::client_test
