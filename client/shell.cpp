@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <functional>
 
-#include "adb/features.h"
 #include "base/shell_quoting.h"
 #include "client/exit_mark.h"
 
@@ -16,12 +15,14 @@ namespace {
 using adb::ShellForm;
 
 // The newest form that this phone, behind this server, has.
+Result<ShellForm> FormOf(Features* features, std::string_view what, const Limits& limits) {
+  auto known = features->Get(what, limits);
+  if (!known.ok()) return known.TakeError();
+  return (*known)->shell_v2() ? ShellForm::kV2 : ShellForm::kRaw;
+}
 Result<ShellForm> FormOf(dk_device* device, std::string_view what, const Limits& limits) {
-  auto features = AskDevice(device, limits, [&](const auto& server, const auto& selector) {
-    return adb::QueryFeatures(server, selector, limits);
-  });
-  if (!features.ok()) return DeviceError(device, features.error(), what);
-  return features->shell_v2() ? ShellForm::kV2 : ShellForm::kRaw;
+  Features features(device);
+  return FormOf(&features, what, limits);
 }
 
 Result<adb::ShellSession> Start(dk_device* device, ShellForm form, std::string command, bool with_input,
@@ -166,10 +167,11 @@ Result<Collected> CollectScript(dk_device* device, std::string_view script, std:
   return collector.Finish(std::move(status), what);
 }
 
-Result<RunningScript> RunningScript::Start(dk_device* device, std::string_view script, std::string_view what,
+Result<RunningScript> RunningScript::Start(Features* features, std::string_view script, std::string_view what,
                                            const Limits& limits) {
-  auto form = FormOf(device, what, limits);
+  auto form = FormOf(features, what, limits);
   if (!form.ok()) return form.TakeError();
+  dk_device* const device = features->device();
   if (*form == ShellForm::kV2) {
     auto session = client::Start(device, *form, std::string(script), false, what, limits);
     if (!session.ok()) return session.TakeError();

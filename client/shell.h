@@ -9,8 +9,8 @@
 #include <string_view>
 
 #include "adb/shell.h"
-#include "client/context.h"
 #include "client/exit_mark.h"
+#include "client/features.h"
 
 namespace darokleim::client {
 
@@ -55,7 +55,7 @@ Result<Collected> CollectScript(dk_device* device, std::string_view script, std:
 // A script that runs while the caller does something else. Of little output: the phone waits where nobody reads it.
 class RunningScript {
  public:
-  static Result<RunningScript> Start(dk_device* device, std::string_view script, std::string_view what,
+  static Result<RunningScript> Start(Features* features, std::string_view script, std::string_view what,
                                      const Limits& limits);
   // As CollectScript: waits for its end.
   Result<Collected> Finish(const Limits& limits);

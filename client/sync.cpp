@@ -9,14 +9,18 @@
 namespace darokleim::client {
 
 Result<Sync> OpenSync(dk_device* device, std::string_view what, const Limits& limits) {
-  auto features = AskDevice(device, limits, [&](const auto& server, const auto& selector) {
-    return adb::QueryFeatures(server, selector, limits);
-  });
-  if (!features.ok()) return DeviceError(device, features.error(), what);
-  auto connection = adb::SyncConnection::Start(
-      device->context->server, adb::DeviceSelector::Serial(device->serial), *features, limits);
+  Features features(device);
+  return OpenSync(&features, what, limits);
+}
+
+Result<Sync> OpenSync(Features* features, std::string_view what, const Limits& limits) {
+  auto known = features->Get(what, limits);
+  if (!known.ok()) return known.TakeError();
+  const dk_device* const device = features->device();
+  auto connection = adb::SyncConnection::Start(device->context->server,
+                                               adb::DeviceSelector::Serial(device->serial), **known, limits);
   if (!connection.ok()) return DeviceError(device, connection.error(), what);
-  return Sync{*std::move(connection), *std::move(features)};
+  return Sync{*std::move(connection), **known};
 }
 
 Error SyncError(const dk_device* device, const adb::Error& error, std::string_view what,

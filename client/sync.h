@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "adb/sync_connection.h"
-#include "client/context.h"
+#include "client/features.h"
 
 namespace darokleim::client {
 
@@ -16,6 +16,7 @@ struct Sync {
   adb::FeatureSet features;
 };
 Result<Sync> OpenSync(dk_device* device, std::string_view what, const Limits& limits);
+Result<Sync> OpenSync(Features* features, std::string_view what, const Limits& limits);
 
 // An error of the sync service about `path`: the daemon's refusal ends in the words of an errno.
 Error SyncError(const dk_device* device, const adb::Error& error, std::string_view what,

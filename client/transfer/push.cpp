@@ -1,5 +1,7 @@
 // dk_push: files and folders of this computer to the phone.
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "client/phone_errors.h"
@@ -12,61 +14,99 @@ namespace {
 
 // Targets that are looked at together.
 constexpr std::size_t kCheckedTogether = 128;
+// Files and folders of this computer that are remembered between the walk that counts and the one that sends.
+constexpr std::size_t kMostRemembered = 4096;
+// A transfer that waits until the phone is free of what killed processes left, which may be as large.
+constexpr std::uint64_t kLargeTransfer = std::uint64_t{64} * 1024 * 1024;
 
 class Push {
  public:
   Push(dk_device* device, const dk_transfer_options& options, const Limits& limits)
       : limits_(limits),
         tally_(options, "send files"),
-        left_overs_(device),
-        check_(device, limits),
-        sender_(device, &tally_, limits) {}
+        features_(device),
+        left_overs_(&features_),
+        check_(&features_, limits),
+        sender_(&features_, &tally_, limits) {}
 
   const dk_summary& summary() const { return tally_.summary(); }
 
   Status Run(const dk_item* items, std::size_t count) {
-    std::vector<std::string> targets, folders;
+    std::vector<Item> all;
     for (std::size_t i = 0; i < count; ++i) {
       auto target = ReadPath(items[i].target);
       if (!target.ok()) return target.TakeError();
       if (items[i].source == nullptr || *items[i].source == '\0') return InvalidArgument("a source is empty");
-      folders.push_back(ParentOf(*target));
-      targets.push_back(*std::move(target));
+      all.push_back({items[i].source, *std::move(target), std::nullopt});
     }
-    left_overs_.Look(folders, limits_);
-    for (std::size_t i = 0; i < count; ++i) {
-      if (Status counted = Count(items[i].source); !counted.ok()) return counted;
+    for (Item& item : all) {
+      if (Status counted = Count(&item); !counted.ok()) return counted;
     }
-    for (std::size_t i = 0; i < count; ++i) {
-      if (Status sent = SendItem(items[i].source, targets[i]); !sent.ok()) return sent;
+    LookForLeftOvers(all);
+    for (const Item& item : all) {
+      if (Status sent = SendItem(item); !sent.ok()) return sent;
     }
     if (Status checked = CheckPending(); !checked.ok()) return checked;
     if (Status finished = sender_.Finish(); !finished.ok()) return finished;
+    left_overs_.Remove(limits_);
     return tally_.Finish();
   }
 
  private:
+  struct Item {
+    std::string source, target;
+    std::optional<std::vector<HostFile>> found;  // what a short walk without errors has found
+  };
   struct Pending {
     HostFile file;
     std::string target;
   };
 
   // Errors are those of the second walk.
-  Status Count(const std::string& source) {
-    const auto use = [this](const HostFile& file) {
+  Status Count(Item* item) {
+    std::vector<HostFile> found;
+    bool is_remembered = true;
+    const auto use = [&](const HostFile& file) {
       if (!file.is_folder) tally_.Expect(file.size);
+      is_remembered = is_remembered && remembered_ + found.size() < kMostRemembered;
+      if (is_remembered) found.push_back(file);
       return Status();
     };
-    return WalkHost(source, use, [](const Error&) { return Status(); });
+    const auto fail = [&](const Error&) {
+      is_remembered = false;
+      return Status();
+    };
+    if (Status walked = WalkHost(item->source, use, fail); !walked.ok()) return walked;
+    if (!is_remembered) return {};
+    remembered_ += found.size();
+    item->found = std::move(found);
+    return {};
   }
 
-  Status SendItem(const std::string& source, const std::string& target) {
+  // Most are found where the files get their names, after the transfer. Before it, where it may need their space; meanwhile, where
+  // it may be that no file is sent.
+  void LookForLeftOvers(const std::vector<Item>& items) {
+    const dk_existing existing = tally_.options().existing;
+    const bool is_large = tally_.expected_bytes() >= kLargeTransfer;
+    if (!is_large && existing != DK_SKIP_SAME && existing != DK_SKIP_EXISTING) return;
+    std::vector<std::string> folders;
+    for (const Item& item : items) folders.push_back(ParentOf(item.target));
+    left_overs_.Look(folders, limits_);
+    if (is_large) left_overs_.Remove(limits_);
+  }
+
+  Status SendItem(const Item& item) {
     const auto use = [&](const HostFile& file) -> Status {
-      if (file.is_folder) return sender_.MakeFolder(target + file.below);
-      pending_.push_back({file, target + file.below});
+      if (file.is_folder) return sender_.MakeFolder(item.target + file.below);
+      pending_.push_back({file, item.target + file.below});
       return pending_.size() < kCheckedTogether ? Status() : CheckPending();
     };
-    return WalkHost(source, use, [this](Error error) { return tally_.Failed(std::move(error)); });
+    if (!item.found)
+      return WalkHost(item.source, use, [this](Error error) { return tally_.Failed(std::move(error)); });
+    for (const HostFile& file : *item.found) {
+      if (Status used = use(file); !used.ok()) return used;
+    }
+    return {};
   }
 
   Status CheckPending() {
@@ -76,7 +116,7 @@ class Push {
     for (const Pending& file : files) targets.push_back(file.target);
     auto found = check_.Look(targets);
     if (!found.ok()) return found.TakeError();
-    left_overs_.Remove(limits_);
+    if (!sender_.has_connection()) sender_.UseConnection(check_.TakeConnection());
     for (std::size_t i = 0; i < files.size(); ++i) {
       if (Status sent = SendUnlessThere(std::move(files[i]), (*found)[i]); !sent.ok()) return sent;
     }
@@ -102,10 +142,12 @@ class Push {
 
   const Limits& limits_;
   Tally tally_;
+  Features features_;
   LeftOvers left_overs_;
   TargetCheck check_;
   Sender sender_;
   std::vector<Pending> pending_;
+  std::size_t remembered_ = 0;
 };
 
 }  // namespace

@@ -16,8 +16,8 @@ namespace darokleim::client {
 namespace {
 
 constexpr std::size_t kMostUnanswered = 64;
-// Files get their names after so many of them, or so many bytes; the first ones of a transfer that takes its time when half of it
-// is sent.
+// Files get their names after so many of them, or so many bytes; the first ones of a transfer that takes its time before more than
+// half of it is sent.
 constexpr std::size_t kMostStaged = 1024;
 constexpr std::uint64_t kMostBytesStaged = std::uint64_t{16} * 1024 * 1024;
 constexpr std::uint64_t kShortTransfer = std::uint64_t{4} * 1024 * 1024;
@@ -54,6 +54,10 @@ Error ChangedWhileRead(const HostFile& file) {
 }  // namespace
 
 Status Sender::Send(HostFile file, std::string folder, std::string name) {
+  if (IsToCommitBefore(file)) {
+    if (Status status = Await(0); !status.ok()) return status;
+    if (Status committed = Commit(); !committed.ok()) return committed;
+  }
   staging_.Expect(folder);
   under_way_.push_back({std::move(file), std::move(folder), std::move(name), false});
   if (Status sent = SendUnderWay(); !sent.ok()) return sent;
@@ -65,10 +69,18 @@ Status Sender::MakeFolder(std::string path) {
   return CommitIfMuch();
 }
 
-Status Sender::CommitIfMuch() {
+bool Sender::IsToCommitBefore(const HostFile& file) const {
   const std::uint64_t total = tally_->expected_bytes();
-  const bool is_half = !has_committed_ && total > kShortTransfer && bytes_staged_ >= total / 2;
-  if (staging_.waiting() < kMostStaged && bytes_staged_ < kMostBytesStaged && !is_half) return {};
+  const bool has_something = staging_.waiting() > 0 || sent_ > 0;
+  return !has_committed_ && total > kShortTransfer && has_something &&
+         tally_->bytes_done() + file.size > total / 2;
+}
+
+Status Sender::CommitIfMuch() {
+  return staging_.waiting() < kMostStaged && bytes_staged_ < kMostBytesStaged ? Status() : Commit();
+}
+
+Status Sender::Commit() {
   bytes_staged_ = 0;
   has_committed_ = true;
   return staging_.Commit(limits_, ReportFailure());
@@ -99,7 +111,7 @@ Status Sender::SendUnderWay() {
 
 Status Sender::SendNext() {
   if (!sync_) {
-    auto sync = OpenSync(device_, tally_->what(), limits_);
+    auto sync = OpenSync(features_, tally_->what(), limits_);
     if (!sync.ok()) return sync.TakeError();
     sync_.emplace(*std::move(sync));
   }
@@ -147,12 +159,15 @@ adb::Status Sender::SendContent(int descriptor, const File& file, std::optional<
   struct stat before = {};
   if (fstat(descriptor, &before) != 0) return fail_by_errno();
   block_.resize(kBlock);
-  for (;;) {
+  // Files of the system's own say no size, whatever they hold.
+  const auto said = static_cast<std::uint64_t>(before.st_size);
+  for (std::uint64_t read = 0; read < said || said == 0;) {
     if (Status asked = tally_->Ask(); !asked.ok()) return fail(asked.TakeError());
     const ssize_t count = ReadSome(descriptor, block_.data(), block_.size());
     if (count < 0) return fail_by_errno();
     if (count == 0) break;
     const auto size = static_cast<std::size_t>(count);
+    read += size;
     if (adb::Status sent = sync_->connection.SendData({block_.data(), size}, limits_); !sent.ok())
       return sent;
     if (file.counted) {
@@ -165,7 +180,7 @@ adb::Status Sender::SendContent(int descriptor, const File& file, std::optional<
   if (fstat(descriptor, &after) != 0) return fail_by_errno();
   if (after.st_size != before.st_size || after.st_mtime != before.st_mtime)
     return fail(ChangedWhileRead(file.host));
-  const std::int64_t time = tally_->options().keep_times ? file.host.modified : std::time(nullptr);
+  const std::int64_t time = tally_->options().keep_times ? before.st_mtime : std::time(nullptr);
   return sync_->connection.EndSend(ProtocolTime(time), limits_);
 }
 

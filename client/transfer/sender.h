@@ -16,8 +16,16 @@ namespace darokleim::client {
 
 class Sender {
  public:
-  Sender(dk_device* device, Tally* tally, const Limits& limits)
-      : device_(device), tally_(tally), limits_(limits), staging_(device) {}
+  Sender(Features* features, Tally* tally, const Limits& limits)
+      : features_(features),
+        device_(features->device()),
+        tally_(tally),
+        limits_(limits),
+        staging_(features) {}
+
+  // Without a connection one is opened for the next file; this one, on which nothing is asked, saves that.
+  bool has_connection() const { return sync_.has_value(); }
+  void UseConnection(std::optional<Sync> idle) { sync_ = std::move(idle); }
 
   // Sends one file as `name` in `folder` of the phone. It has its name after Finish(), often earlier.
   Status Send(HostFile file, std::string folder, std::string name);
@@ -45,9 +53,14 @@ class Sender {
   // Takes those off that are whole.
   void TakeWhole();
   void Disconnect();
+  // Whether what is sent so far gets its names before this file is sent, so that they are not all missing when a long transfer
+  // breaks.
+  bool IsToCommitBefore(const HostFile& file) const;
   Status CommitIfMuch();
+  Status Commit();
   Staging::Fail ReportFailure();
 
+  Features* const features_;
   dk_device* const device_;
   Tally* const tally_;
   const Limits& limits_;

@@ -35,6 +35,26 @@ void AppendWords(std::string* script, const std::vector<std::string>& words) {
   for (const std::string& word : words) *script += " " + base::QuoteForShell(word);
 }
 
+// Prints the temporary folders in these folders, without a program of the phone where there are none.
+std::string SearchScript(const std::vector<std::string>& folders) {
+  std::string script = "for d in";
+  AppendWords(&script, folders);
+  return script + "; do for f in \"$d\"/" + std::string(kTemporaryPrefix) +
+         "*; do [ -e \"$f\" ] && ls -d \"$f\"; done; done 2>/dev/null";
+}
+
+// Of the lines of a search, those that nobody writes to any more.
+void RemoveLeftOversOf(dk_device* device, std::string_view lines, const Limits& limits) {
+  std::string removal;
+  ForEachLine(lines, [&](std::string_view line) {
+    if (!line.empty() && line.front() == '/' && IsLeftOver(NameOf(line))) {
+      removal += "rm -rf " + base::QuoteForShell(line) + "; ";
+    }
+    return removal.size() < kLongestScript;
+  });
+  if (!removal.empty()) static_cast<void>(CollectScript(device, removal, "remove left-over files", limits));
+}
+
 }  // namespace
 
 Staging::~Staging() {
@@ -85,8 +105,8 @@ Staging::Batch Staging::TakeBatch() {
   for (auto at = folders_.begin(); at != folders_.end() && cost < kLongestScript;) {
     Folder& state = at->second;
     Part part{at->first, state.temporary, {}, false};
-    // The words around the names; the temporary folder is removed by its name once more.
-    std::size_t part_cost = CostOf(part.folder) + 2 * CostOf(part.temporary) + 32;
+    // The words around the names, each of them up to twice.
+    std::size_t part_cost = 2 * CostOf(part.folder) + 2 * CostOf(part.temporary) + 32;
     const bool is_first = batch.parts.empty();  // gets at least one, however long its words are
     while (!state.whole.empty() && (cost + part_cost < kLongestScript || (is_first && part.names.empty()))) {
       part_cost += CostOf(state.whole.back()) + 2;
@@ -111,13 +131,18 @@ std::string Staging::ScriptOf(const Batch& batch) {
     AppendWords(&script, batch.folders_to_make);
     script += " || e=1; ";
   }
-  std::string last;
+  std::vector<std::string> emptied, done;
   for (const Part& part : batch.parts) {
     if (!part.names.empty()) script += MoveScript(part.folder, part.temporary, part.names) + " || e=1; ";
-    if (part.is_last) last += " " + base::QuoteForShell(part.temporary);
+    if (!part.is_last) continue;
+    emptied.push_back(part.temporary);
+    done.push_back(part.folder);
   }
   script += "[ -z \"$e\" ]";
-  return last.empty() ? script : script + " && { rm -rf" + last + "; true; }";
+  if (done.empty()) return script;
+  script += " && { rm -rf";
+  AppendWords(&script, emptied);
+  return script + "; " + SearchScript(done) + "; true; }";
 }
 
 Status Staging::Commit(const Limits& limits, const Fail& failed) {
@@ -125,7 +150,7 @@ Status Staging::Commit(const Limits& limits, const Fail& failed) {
     if (Status settled = Settle(limits, failed); !settled.ok()) return settled;
     moving_ = TakeBatch();
     if (moving_.parts.empty() && moving_.folders_to_make.empty()) return {};
-    auto script = RunningScript::Start(device_, ScriptOf(moving_), kNamingFiles, limits);
+    auto script = RunningScript::Start(features_, ScriptOf(moving_), kNamingFiles, limits);
     if (!script.ok()) return script.TakeError();
     script_.emplace(*std::move(script));
   } while (waiting_ > 0 || !folders_to_make_.empty());
@@ -136,7 +161,9 @@ Status Staging::Finish(const Limits& limits, const Fail& failed) {
   while (!folders_.empty() || !folders_to_make_.empty()) {
     if (Status committed = Commit(limits, failed); !committed.ok()) return committed;
   }
-  return Settle(limits, failed);
+  Status settled = Settle(limits, failed);
+  if (settled.ok()) RemoveLeftOversOf(device_, left_overs_, limits);
+  return settled;
 }
 
 Status Staging::Settle(const Limits& limits, const Fail& failed) {
@@ -144,7 +171,9 @@ Status Staging::Settle(const Limits& limits, const Fail& failed) {
   auto moved = script_->Finish(limits);
   script_.reset();
   if (!moved.ok()) return moved.TakeError();
-  if (moved->exit_status != 0) {
+  if (moved->exit_status == 0) {
+    left_overs_ += moved->out;
+  } else {
     if (Status explained = Explain(moving_, limits, failed); !explained.ok()) return explained;
   }
   moving_ = {};
@@ -211,16 +240,15 @@ Result<std::vector<std::string>> Staging::LeftOf(const Part& part, const Limits&
 }
 
 void LeftOvers::Look(const std::vector<std::string>& folders, const Limits& limits) {
-  std::string script;
-  const std::string* before = nullptr;
+  std::vector<std::string> looked_at;
+  std::size_t cost = 0;
   for (const std::string& folder : folders) {
-    if (before != nullptr && *before == folder) continue;
-    before = &folder;
-    if (script.size() + CostOf(folder) > kLongestScript) break;
-    script += "ls -d " + base::QuoteForShell(folder) + "/" + std::string(kTemporaryPrefix) + "*; ";
+    if (!looked_at.empty() && looked_at.back() == folder) continue;
+    cost += CostOf(folder);
+    if (cost > kLongestScript) break;
+    looked_at.push_back(folder);
   }
-  auto started = RunningScript::Start(device_, "{ " + script + "true; } 2>/dev/null",
-                                      "look for left-over files", limits);
+  auto started = RunningScript::Start(features_, SearchScript(looked_at), "look for left-over files", limits);
   if (started.ok()) script_.emplace(*std::move(started));
 }
 
@@ -228,15 +256,7 @@ void LeftOvers::Remove(const Limits& limits) {
   if (!script_) return;
   auto listed = script_->Finish(limits);
   script_.reset();
-  if (!listed.ok()) return;
-  std::string removal;
-  ForEachLine(listed->out, [&](std::string_view line) {
-    if (!line.empty() && line.front() == '/' && IsLeftOver(NameOf(line))) {
-      removal += "rm -rf " + base::QuoteForShell(line) + "; ";
-    }
-    return removal.size() < kLongestScript;
-  });
-  if (!removal.empty()) static_cast<void>(CollectScript(device_, removal, "remove left-over files", limits));
+  if (listed.ok()) RemoveLeftOversOf(features_->device(), listed->out, limits);
 }
 
 }  // namespace darokleim::client

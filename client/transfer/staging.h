@@ -1,6 +1,6 @@
 // Files on the phone that get their names when they are whole: they are sent into a temporary folder inside the folder that
 // they are for, and moved out of it a batch at a time, so that no break harms an older file. A batch is moved while the next
-// files are sent.
+// files are sent. Temporary folders in the same folders that a process of this computer left when it was killed are removed.
 #ifndef DAROKLEIM_CLIENT_TRANSFER_STAGING_H
 #define DAROKLEIM_CLIENT_TRANSFER_STAGING_H
 
@@ -10,14 +10,13 @@
 #include <string>
 #include <vector>
 
-#include "client/context.h"
 #include "client/shell.h"
 
 namespace darokleim::client {
 
 class Staging {
  public:
-  explicit Staging(dk_device* device) : device_(device) {}
+  explicit Staging(Features* features) : features_(features), device_(features->device()) {}
   // Removes what was not committed, with a time limit of its own: also after a cancel.
   ~Staging();
   Staging(const Staging&) = delete;
@@ -62,6 +61,7 @@ class Staging {
   };
 
   Batch TakeBatch();
+  // It prints the temporary folders that are left where nothing more is going to be moved.
   static std::string ScriptOf(const Batch& batch);
   // Waits for the batch that is being moved.
   Status Settle(const Limits& limits, const Fail& failed);
@@ -71,26 +71,27 @@ class Staging {
   // Those of the names that are still in the temporary folder.
   Result<std::vector<std::string>> LeftOf(const Part& part, const Limits& limits);
 
+  Features* const features_;
   dk_device* const device_;
   std::map<std::string, Folder> folders_;
   std::vector<std::string> folders_to_make_;
   std::size_t waiting_ = 0;
   Batch moving_;  // by the script
   std::optional<RunningScript> script_;
+  std::string left_overs_;  // a line each
 };
 
-// Temporary folders in the target folders of a transfer that a process of this computer left when it was killed. They are looked
-// for while the transfer begins.
+// What killed processes left in some folders, looked for while the caller does something else.
 class LeftOvers {
  public:
-  explicit LeftOvers(dk_device* device) : device_(device) {}
+  explicit LeftOvers(Features* features) : features_(features) {}
 
   void Look(const std::vector<std::string>& folders, const Limits& limits);
   // Waits for what was found and removes it.
   void Remove(const Limits& limits);
 
  private:
-  dk_device* const device_;
+  Features* const features_;
   std::optional<RunningScript> script_;
 };
 

@@ -25,6 +25,7 @@ class Tally {
   }
 
   std::uint64_t expected_bytes() const { return progress_.bytes_total; }
+  std::uint64_t bytes_done() const { return progress_.bytes_done; }
 
   // A file is begun; its path must live until the next one.
   void Begin(const char* path, std::uint64_t size);

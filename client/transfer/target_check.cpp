@@ -31,11 +31,11 @@ Decision Decide(dk_existing policy, const Existing& target, std::uint64_t size, 
 Result<std::vector<adb::FileStatus>> TargetCheck::StatusOf(const std::vector<std::string>& paths) {
   if (paths.empty()) return std::vector<adb::FileStatus>();
   if (!sync_) {
-    auto sync = OpenSync(device_, kLookingAtTargets, limits_);
+    auto sync = OpenSync(features_, kLookingAtTargets, limits_);
     if (!sync.ok()) return sync.TakeError();
     sync_.emplace(*std::move(sync));
   }
-  return StatMany(device_, &*sync_, paths, kLookingAtTargets, limits_);
+  return StatMany(features_->device(), &*sync_, paths, kLookingAtTargets, limits_);
 }
 
 Status TargetCheck::LookAtFolders(const std::vector<std::string>& paths) {

@@ -6,6 +6,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "client/sync.h"
@@ -27,17 +28,20 @@ Decision Decide(dk_existing policy, const Existing& target, std::uint64_t size, 
 // Looks at many files of the phone in one time of waiting.
 class TargetCheck {
  public:
-  TargetCheck(dk_device* device, const Limits& limits) : device_(device), limits_(limits) {}
+  TargetCheck(Features* features, const Limits& limits) : features_(features), limits_(limits) {}
 
   // In the order of the paths. In folders that are missing nothing is looked for. What cannot be looked at counts as not there: writing it will say why.
   Result<std::vector<Existing>> Look(const std::vector<std::string>& paths);
+
+  // Its connection, if there is one, for another use; the next Look() opens another where it asks the phone.
+  std::optional<Sync> TakeConnection() { return std::exchange(sync_, std::nullopt); }
 
  private:
   Result<std::vector<adb::FileStatus>> StatusOf(const std::vector<std::string>& paths);
   // Learns whether the folders of the paths are there.
   Status LookAtFolders(const std::vector<std::string>& paths);
 
-  dk_device* const device_;
+  Features* const features_;
   const Limits& limits_;
   std::optional<Sync> sync_;
   std::map<std::string, bool> folders_;  // those looked at last, and whether they are there

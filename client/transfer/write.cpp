@@ -12,7 +12,8 @@ namespace {
 Status WriteFrom(dk_device* device, const std::string& path, std::uint32_t mode, std::int64_t modified,
                  bool replace, dk_source source, void* user, const Limits& limits) {
   const std::string what = "write " + Shown(path);
-  auto there = TargetCheck(device, limits).Look({path});
+  Features features(device);
+  auto there = TargetCheck(&features, limits).Look({path});
   if (!there.ok()) return there.TakeError();
   constexpr int kExists = 17, kIsFolder = 21;
   switch (Decide(replace ? DK_REPLACE : DK_FAIL_IF_EXISTS, there->front(), 0, 0)) {
@@ -25,8 +26,8 @@ Status WriteFrom(dk_device* device, const std::string& path, std::uint32_t mode,
       break;
   }
   const std::string folder = ParentOf(path), name(NameOf(path));
-  Staging staging(device);
-  auto sync = OpenSync(device, what, limits);
+  Staging staging(&features);
+  auto sync = OpenSync(&features, what, limits);
   if (!sync.ok()) return sync.TakeError();
   adb::SyncConnection& connection = sync->connection;
   staging.Expect(folder);

@@ -4,9 +4,12 @@
 
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <thread>
+#include <utility>
 
 #include "tests/client/client_on_phone.h"
+#include "tests/support/eventually.h"
 #include "tests/support/file_content.h"
 #include "tests/support/temporary_directory.h"
 
@@ -37,9 +40,21 @@ class Transfers : public ClientOnPhone {
     }
   }
 
+  // The sums are known before the first byte, and hold.
+  struct Calls;
+  static void ExpectSums(const Calls& calls, std::uint64_t files) {
+    ASSERT_TRUE(calls.first);
+    EXPECT_EQ(calls.first->bytes_done, 0U);
+    EXPECT_EQ(calls.first->files_total, files);
+    EXPECT_EQ(calls.first->bytes_total, calls.last.bytes_total);
+    EXPECT_EQ(calls.last.files_done, files);
+    EXPECT_EQ(calls.last.bytes_done, calls.last.bytes_total);
+  }
+
   struct Calls {
     std::vector<dk_code> errors;
     std::vector<std::string> paths;
+    std::optional<dk_progress> first;
     dk_progress last = {};
     std::uint64_t stop_after = ~std::uint64_t{0};
   };
@@ -51,6 +66,7 @@ class Transfers : public ClientOnPhone {
     options.user = calls;
     options.on_progress = [](void* user, const dk_progress* progress) {
       auto& seen = *static_cast<Calls*>(user);
+      if (!seen.first) seen.first = *progress;
       seen.last = *progress;
       return progress->bytes_done < seen.stop_after;
     };
@@ -80,14 +96,14 @@ TEST_P(Transfers, ATreeGoesThereAndBackWithItsNamesTimesAndEmptyFolders) {
   Calls calls;
   const dk_summary sent = phone().push({{source, "/sdcard/DCIM/tree"}}, Options(&calls)).value();
   EXPECT_EQ(sent.files_sent, 5U);
-  EXPECT_EQ(calls.last.files_total, 5U);
-  EXPECT_EQ(calls.last.files_done, 5U);
-  EXPECT_EQ(calls.last.bytes_done, calls.last.bytes_total);
+  ExpectSums(calls, 5);
   EXPECT_EQ(phone().stat("/sdcard/DCIM/tree/empty/in empty").value().type, DK_DIRECTORY);
   ExpectNoTemporaryFiles("/sdcard/DCIM");
 
+  calls = {};
   const dk_summary fetched = phone().pull({{"/sdcard/DCIM/tree", Host("back")}}, Options(&calls)).value();
   EXPECT_EQ(fetched.files_sent, 5U);
+  ExpectSums(calls, 5);
   EXPECT_EQ(Content(Host("back")), Content(source));
   EXPECT_TRUE(fs::is_directory(Host("back/empty/in empty")));
   struct stat before = {}, after = {};
@@ -270,23 +286,53 @@ TEST_P(Transfers, MemoryIsWrittenAsAFile) {
   ExpectNoTemporaryFiles("/sdcard/new");
 }
 
+// Not all of them at the end, when a transfer that takes its time may have broken.
+TEST_P(Transfers, FilesHaveTheirNamesEarly) {
+  constexpr int kFiles = 12;
+  for (int i = 0; i < kFiles; ++i) {
+    fs::create_directories(Host("tree"));
+    WriteFile(Host("tree/") + std::to_string(i), std::string(512 << 10, 'x'));
+  }
+  struct Look {
+    const dk::Device* phone;
+    bool is_due = true, found = false;
+  } look = {&phone()};
+  dk_transfer_options options = DK_TRANSFER_OPTIONS_INIT;
+  options.user = &look;
+  options.on_progress = [](void* user, const dk_progress* progress) {
+    auto& seen = *static_cast<Look*>(user);
+    if (progress->bytes_done * 10 < progress->bytes_total * 6 || !std::exchange(seen.is_due, false))
+      return true;
+    seen.found = Eventually(
+        [&] { return seen.phone->run_script("ls /sdcard/early/tree").value().out.find("0\n") == 0; });
+    return true;
+  };
+  ASSERT_TRUE(phone().push({{Host("tree"), "/sdcard/early/tree"}}, options));
+  EXPECT_TRUE(look.found);
+  EXPECT_EQ(Shell("ls /sdcard/early/tree | wc -l"), "12\n");
+}
+
 TEST_P(Transfers, LeftOversOfAKilledProcessAreRemoved) {
-  Shell("mkdir -p /sdcard/t");
-  WriteFile(Host("a"), "a");
+  fs::create_directories(Host("tree/sub"));
+  WriteFile(Host("tree/a"), "a");
+  WriteFile(Host("tree/sub/large"), std::string(8 << 20, 'x'));
   // One that ends in the middle, without any clean-up.
-  Calls calls;
   static_cast<void>(WaitStatusOfFork([&] {
-    Calls mine;
-    auto options = Options(&mine);
+    dk_transfer_options options = DK_TRANSFER_OPTIONS_INIT;
     options.on_progress = [](void*, const dk_progress* progress) -> bool {
-      if (progress->bytes_done > 0) _exit(0);
+      if (progress->file_done > 100) _exit(0);
       return true;
     };
-    WriteFile(Host("large"), std::string(8 << 20, 'x'));
-    static_cast<void>(phone().push({{Host("large"), "/sdcard/t/large"}}, options));
+    static_cast<void>(phone().push({{Host("tree"), "/sdcard/t"}}, options));
   }));
+  ASSERT_NE(Shell("ls -d /sdcard/t/sub/.darokleim*"), "");
+  // What another computer is sending is not touched.
+  Shell("mkdir /sdcard/t/.darokleim-00000000-1-1");
   // The daemon removes an unfinished file; its temporary folder stays.
-  ASSERT_TRUE(phone().push({{Host("a"), "/sdcard/t/a"}}, Options(&calls)));
+  WriteFile(Host("tree/sub/large"), "b");
+  Calls calls;
+  ASSERT_TRUE(phone().push({{Host("tree"), "/sdcard/t"}}, Options(&calls, DK_REPLACE)));
+  EXPECT_EQ(Shell("rmdir /sdcard/t/.darokleim-00000000-1-1"), "");
   ExpectNoTemporaryFiles("/sdcard/t");
 }
 
