@@ -18,7 +18,7 @@ using SyncAttempt = std::optional<Attempt>;
 // Runs the command on a kept connection to the phone; where there is none, or it is at its end, on a new one.
 Attempt RunOnSyncConnection(const Call& call, const std::function<SyncAttempt(adb::SyncConnection*)>& run);
 
-// The status of a file, of what a link leads to. Old phones tell that of the link alone; of its target they tell whether it
+// The status of a file, of what a link leads to. Old phones report that of the link alone; of its target they report whether it
 // is a folder.
 adb::Result<adb::FileStatus> StatOfTarget(adb::SyncConnection* sync, const std::string& path,
                                           const adb::Limits& limits);

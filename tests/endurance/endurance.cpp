@@ -1,4 +1,4 @@
-// Calls the library over and over from many threads and tells whether anything of the host was lost on the way.
+// Calls the library over and over from many threads and reports what of the host was lost on the way.
 //
 //   endurance_host RESOURCES SERIAL CALLS THREADS DEVICE_FOLDER [unsteady]
 //

@@ -56,7 +56,7 @@ class Files : public EachPhone {
     RunProgram({"touch", "-d", touched, file.string()}, {});
   }
 
-  // Blanks, characters of all lengths, a long name, an empty folder, a link and a folder that may not be read.
+  // Spaces, characters of all lengths, a long name, an empty folder, a link and a folder that may not be read.
   std::set<std::string> MakeTree() const {
     const std::set<std::string> files = {"a b.txt", "相机/照片 1.jpg", "😀.txt", std::string(250, 'n'),
                                          "相机/deep/er/.hidden"};

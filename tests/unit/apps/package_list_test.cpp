@@ -167,14 +167,14 @@ std::vector<Lister> Listers() {
              char* list = untouched;
              int length = -7;
              const int code = AdbGetPackagesNameOfInstalled("S1", "com.a", &list, &length, cancel);
-             EXPECT_EQ(length, list == untouched ? -7 : 14) << "package:com.a and a line end";
+             EXPECT_EQ(length, list == untouched ? -7 : 14) << "package:com.a and a line break";
              return UsedBlock(code, untouched, list, used);
            }},
           {"AdbGetPackagesNameList", false, false, [](const bool*, bool* used) {
              char* list = untouched;
              int length = -7;
              const int code = AdbGetPackagesNameList("S1", "com.a", &list, &length);
-             EXPECT_EQ(length, list == untouched ? -7 : 14) << "package:com.a and a line end";
+             EXPECT_EQ(length, list == untouched ? -7 : 14) << "package:com.a and a line break";
              return UsedBlock(code, untouched, list, used);
            }}};
 }

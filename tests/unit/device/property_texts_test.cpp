@@ -66,7 +66,7 @@ TEST_P(PropertyTextTest, AroundTheSizeOfTheBuffer) {
     const char* text;
   } cases[] = {{8, ADB_RESULT_OK, "Pixel"},
                {7, ADB_RESULT_OK, "Pixel"},
-               {6, ADB_RESULT_OK, "Pixel"},  // as long as the value with its line end
+               {6, ADB_RESULT_OK, "Pixel"},  // as long as the value with its line break
                {5, ADB_RESULT_BUFFER_TOO_SMALL, "Pixe"},
                {2, ADB_RESULT_BUFFER_TOO_SMALL, "P"},
                {1, ADB_RESULT_BUFFER_TOO_SMALL, ""}};

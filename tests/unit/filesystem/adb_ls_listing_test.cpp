@@ -105,8 +105,8 @@ TEST_F(AdbLsListingTest, AnyCharacterSeparatesTheThirdNumberFromTheName) {
 }
 
 TEST_F(AdbLsListingTest, WhiteSpaceDoesNotContinueIntoTheNextLine) {
-  const std::string blanks(30, ' ');
-  EXPECT_EQ(Decode(blanks + "\n000081b0 0000000a 00000001 b").at(0),
+  const std::string spaces(30, ' ');
+  EXPECT_EQ(Decode(spaces + "\n000081b0 0000000a 00000001 b").at(0),
             (FileInfo{0, 0, "/sdcard/" + std::string(29, ' '), "1970-01-01 00:00:00", 0}));
 }
 

@@ -91,13 +91,13 @@ TEST(LsLineTest, EveryCutOfALine) {
 
 TEST(LsLineTest, NeedsNoStackForLongLines) {
   constexpr std::size_t kMillion = 1'000'000;
-  const std::string digits(kMillion, '7'), name(kMillion, 'n'), blanks(kMillion, ' ');
+  const std::string digits(kMillion, '7'), name(kMillion, 'n'), spaces(kMillion, ' ');
   EXPECT_EQ(Matched("-rw-rw---- 1 r r " + digits + " 2020-01-02 03:04 " + name),
             digits + "|2020-01-02 03:04|" + name);
-  EXPECT_EQ(Matched("-rw-rw----" + blanks + digits + blanks + name + blanks + name + " 1 2020-01-02 03:04 a"),
+  EXPECT_EQ(Matched("-rw-rw----" + spaces + digits + spaces + name + spaces + name + " 1 2020-01-02 03:04 a"),
             "1|2020-01-02 03:04|a");
-  EXPECT_EQ(Matched("-rw-rw---- 1 r r 1 2020-01-02 03:04" + blanks + "\n" + blanks), "1|2020-01-02 03:04|");
-  EXPECT_EQ(Matched("-rw-rw---- 1 r r 1 2020-01-02 03:04" + blanks + name + "\n" + blanks + "x"), "none");
+  EXPECT_EQ(Matched("-rw-rw---- 1 r r 1 2020-01-02 03:04" + spaces + "\n" + spaces), "1|2020-01-02 03:04|");
+  EXPECT_EQ(Matched("-rw-rw---- 1 r r 1 2020-01-02 03:04" + spaces + name + "\n" + spaces + "x"), "none");
 }
 
 class AgainstRegex : public ::testing::Test {
