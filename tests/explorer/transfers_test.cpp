@@ -1,0 +1,285 @@
+// Transfers as the user sees them, of both generations.
+#include <QMessageBox>
+#include <QMimeData>
+#include <QSignalSpy>
+#include <QUrl>
+#include <filesystem>
+#include <fstream>
+
+#include "examples/explorer/computer_files.h"
+#include "examples/explorer/files_page.h"
+#include "examples/explorer/phone_paths.h"
+#include "tests/explorer/suites.h"
+#include "tests/explorer/window_under_test.h"
+
+namespace darokleim::test {
+
+namespace {
+
+constexpr char kNewPhone[] = "R58M123ABC";
+constexpr char kOldPhone[] = "0123456789ABCDEF";
+constexpr std::uintmax_t kLarge = 600'000'000;  // bytes: takes a second or more
+
+namespace paths = std::filesystem;
+
+std::string ContentOf(const paths::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+void MakeFile(const paths::path& file, const std::string& content) {
+  paths::create_directories(file.parent_path());
+  std::ofstream(file, std::ios::binary) << content;
+}
+
+void MakeLargeFile(const paths::path& file) {
+  MakeFile(file, "");
+  paths::resize_file(file, kLarge);
+}
+
+// Every file below a folder.
+std::vector<std::string> FilesBelow(const paths::path& folder) {
+  std::vector<std::string> found;
+  for (const auto& entry : paths::recursive_directory_iterator(folder)) {
+    if (!entry.is_directory()) found.push_back(entry.path().lexically_relative(folder).native());
+  }
+  std::sort(found.begin(), found.end());
+  return found;
+}
+
+}  // namespace
+
+class TransfersTest : public QObject {
+  Q_OBJECT
+
+ private:
+  std::unique_ptr<SimulatedPhones> phones_;
+  std::unique_ptr<WindowUnderTest> test_;
+  std::unique_ptr<TemporaryDirectory> computer_;
+  explorer::FilesPage* page_ = nullptr;
+  explorer::TransferPtr newest_;
+  paths::path storage_;
+
+  void Choose(const std::string& serial) {
+    storage_ = paths::path(phones_->FilesOf(serial)) / "storage/emulated/0";
+    test_->Choose(serial);
+    page_ = static_cast<explorer::FilesPage*>(test_->Page("Files"));
+  }
+  // From another program onto the folder that is shown.
+  void DropOnPhone(const std::vector<paths::path>& files) {
+    QMimeData data;
+    QList<QUrl> urls;
+    for (const paths::path& file : files) urls += QUrl::fromLocalFile(QString::fromStdString(file.native()));
+    data.setUrls(urls);
+    Model().dropMimeData(&data, Qt::CopyAction, -1, -1, {});
+  }
+  explorer::FilesModel& Model() {
+    for (QTreeView* view : page_->findChildren<QTreeView*>()) {
+      if (auto* model = qobject_cast<explorer::FilesModel*>(view->model())) return *model;
+    }
+    throw std::runtime_error("there is no list of files");
+  }
+  // From the phone onto a folder of this computer.
+  void DropOnComputer(const std::string& serial, const std::vector<std::string>& files) {
+    for (QTreeView* view : page_->findChildren<QTreeView*>()) {
+      if (auto* model = qobject_cast<explorer::ComputerModel*>(view->model())) {
+        const auto data = explorer::ToMimeData({serial, files});
+        const QModelIndex folder = model->index(QString::fromStdString(computer_->path().native()));
+        QVERIFY(model->canDropMimeData(data.get(), Qt::CopyAction, -1, -1, folder));
+        model->dropMimeData(data.get(), Qt::CopyAction, -1, -1, folder);
+        return;
+      }
+    }
+    QFAIL("there is no view of this computer");
+  }
+  void Open(const std::string& folder) {
+    page_->Open(folder);
+    Await([&] { return Model().folder() == folder; }, folder.c_str());
+  }
+  void AwaitBytes() {
+    Await([&] { return newest_ && newest_->progress().bytes_done > 0; }, "the first bytes");
+  }
+  void AwaitState(explorer::Transfer::State state) {
+    Await([&] { return newest_ && newest_->state() == state; },
+          ("state " + std::to_string(state) + " of " + newest_->title.toStdString()).c_str());
+  }
+  static void AddPhones() {
+    QTest::addColumn<std::string>("serial");
+    QTest::newRow("modern") << std::string(kNewPhone);
+    QTest::newRow("legacy") << std::string(kOldPhone);
+  }
+
+ private slots:
+  void initTestCase() {
+    phones_ = std::make_unique<SimulatedPhones>(
+        Words{kNewPhone + std::string(",profile=samsung"), std::string(kOldPhone) + ",android=legacy"},
+        Words{"--quick"});
+  }
+  void init() {
+    computer_ = std::make_unique<TemporaryDirectory>();
+    test_ = std::make_unique<WindowUnderTest>(*phones_);
+    connect(&test_->window().transfers(), &explorer::TransferQueue::Added, this,
+            [this](const explorer::TransferPtr& added) { newest_ = added; });
+  }
+  void cleanup() {
+    test_.reset();
+    newest_.reset();
+    computer_.reset();
+  }
+  void cleanupTestCase() { phones_.reset(); }
+
+  void FilesGoBothWays_data() { AddPhones(); }
+  void FilesGoBothWays() {
+    QFETCH(const std::string, serial);
+    Choose(serial);
+    const std::string awkward = "two\nlines '\"$HOME";
+    MakeFile(computer_->path() / "album/a.txt", "first");
+    MakeFile(computer_->path() / "album" / awkward, "second");
+    paths::create_directories(storage_ / "Both");
+    Open("/sdcard/Both");
+    DropOnPhone({computer_->path() / "album"});
+    AwaitState(explorer::Transfer::kDone);
+    QCOMPARE(FilesBelow(storage_ / "Both"), (std::vector<std::string>{"album/a.txt", "album/" + awkward}));
+    QTRY_COMPARE_WITH_TIMEOUT(Model().rowCount(), 1, kLong);  // the list is read again
+
+    // The same once more, changed: the user is asked, and nothing is replaced before.
+    MakeFile(computer_->path() / "album/a.txt", "changed");
+    DropOnPhone({computer_->path() / "album"});
+    AwaitState(explorer::Transfer::kAsking);
+    QCOMPARE(ContentOf(storage_ / "Both/album/a.txt"), std::string("first"));
+    test_->Click("Keep them");
+    AwaitState(explorer::Transfer::kDone);
+    QCOMPARE(ContentOf(storage_ / "Both/album/a.txt"), std::string("first"));
+    DropOnPhone({computer_->path() / "album"});
+    AwaitState(explorer::Transfer::kAsking);
+    test_->Click("Replace if different");
+    AwaitState(explorer::Transfer::kDone);
+    QCOMPARE(ContentOf(storage_ / "Both/album/a.txt"), std::string("changed"));
+
+    // Back, under another name of the folder.
+    paths::rename(storage_ / "Both/album", storage_ / "Both/back");
+    const std::string latin = "caf\xE9";
+    MakeFile(storage_ / "Both/back" / latin, "third");
+    DropOnComputer(serial, {"/sdcard/Both/back"});
+    AwaitState(explorer::Transfer::kDone);
+    QCOMPARE(FilesBelow(computer_->path() / "back"), (std::vector<std::string>{"a.txt", latin, awkward}));
+    QCOMPARE(ContentOf(computer_->path() / "back" / latin), std::string("third"));
+    CompareHeartbeat(*test_);
+  }
+
+  void ATransferIsCancelled_data() { AddPhones(); }
+  void ATransferIsCancelled() {
+    QFETCH(const std::string, serial);
+    Choose(serial);
+    paths::create_directories(storage_ / "Movies");
+    MakeFile(computer_->path() / "holiday/beach.mp4", "small");
+    MakeLargeFile(computer_->path() / "holiday/mountains.mp4");
+    Open("/sdcard/Movies");
+    DropOnPhone({computer_->path() / "holiday"});
+    AwaitBytes();
+    if (serial == kNewPhone) {
+      QTest::qWait(1000);  // for a rate
+      test_->SaveScreenshot("transfers");
+    }
+    test_->Click("Cancel");
+    AwaitState(explorer::Transfer::kCancelled);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        FilesBelow(storage_ / "Movies") == std::vector<std::string>{"holiday/beach.mp4"} ||
+            FilesBelow(storage_ / "Movies").empty(),
+        kLong);
+
+    // Once more: what was sent before is asked about, the rest is sent.
+    paths::resize_file(computer_->path() / "holiday/mountains.mp4", 1000);
+    test_->Click("Try again");
+    Await(
+        [&] {
+          return newest_->state() == explorer::Transfer::kAsking ||
+                 newest_->state() == explorer::Transfer::kDone;
+        },
+        "the end");
+    QCOMPARE(FilesBelow(storage_ / "Movies"),
+             (std::vector<std::string>{"holiday/beach.mp4", "holiday/mountains.mp4"}));
+    CompareHeartbeat(*test_);
+  }
+
+  void APhoneIsUnpluggedInMidTransfer_data() { AddPhones(); }
+  void APhoneIsUnpluggedInMidTransfer() {
+    QFETCH(const std::string, serial);
+    Choose(serial);
+    MakeLargeFile(storage_ / "Unplug/large");
+    MakeFile(computer_->path() / "large", "older");
+    Open("/sdcard/Unplug");
+    test_->window().transfers().set_existing(DK_REPLACE);
+    DropOnComputer(serial, {"/sdcard/Unplug/large"});
+    AwaitBytes();
+    phones_->Control({serial, "unplug"});
+    AwaitState(explorer::Transfer::kFailed);
+    const std::vector<dk::Error> errors = newest_->errors();
+    QVERIFY(!errors.empty());
+    QVERIFY2(errors.back().code() == DK_CONNECTION_LOST || errors.back().code() == DK_NO_DEVICE,
+             errors.back().what());
+    // Nothing incomplete, and the older file is unharmed.
+    QCOMPARE(FilesBelow(computer_->path()), std::vector<std::string>{"large"});
+    QCOMPARE(ContentOf(computer_->path() / "large"), std::string("older"));
+    QTRY_COMPARE_WITH_TIMEOUT(test_->window().phones().RowOf(serial), -1, kLong);
+
+    phones_->Control({serial, "plug"});
+    test_->Choose(serial);
+    paths::resize_file(storage_ / "Unplug/large", 1000);
+    test_->Click("Try again");
+    AwaitState(explorer::Transfer::kAsking);  // trying again never replaces without a word
+    test_->Click("Replace all");
+    AwaitState(explorer::Transfer::kDone);
+    QCOMPARE(paths::file_size(computer_->path() / "large"), 1000U);
+    CompareHeartbeat(*test_);
+  }
+
+  // The errors of single files are shown one by one, and the others are transferred.
+  void OneFileFailsAndTheOthersAreTransferred() {
+    Choose(kNewPhone);
+    MakeFile(storage_ / "Partly/a", "a");
+    MakeFile(storage_ / "Partly/b", "b");
+    paths::create_directories(computer_->path() / "Partly/b");  // a folder in the way
+    DropOnComputer(kNewPhone, {"/sdcard/Partly"});
+    AwaitState(explorer::Transfer::kFailed);
+    QCOMPARE(newest_->errors().size(), 1U);
+    QCOMPARE(FilesBelow(computer_->path()), std::vector<std::string>{"Partly/a"});
+    auto* errors = test_->Find<QListWidget>();
+    QTRY_COMPARE_WITH_TIMEOUT(errors->count(), 1, kLong);
+    QVERIFY(errors->isVisible());
+    test_->Click("Remove ended");
+    QTRY_VERIFY_WITH_TIMEOUT(test_->Find<QListWidget>() == nullptr, kLong);
+  }
+
+  void ClosingAsksCancelsAndLeavesNoHalfFile_data() { AddPhones(); }
+  void ClosingAsksCancelsAndLeavesNoHalfFile() {
+    QFETCH(const std::string, serial);
+    Choose(serial);
+    paths::remove_all(storage_ / "Close");
+    paths::create_directories(storage_ / "Close");
+    MakeLargeFile(computer_->path() / "large");
+    Open("/sdcard/Close");
+    DropOnPhone({computer_->path() / "large"});
+    AwaitBytes();
+    explorer::MainWindow& window = test_->window();
+    window.close();
+    QVERIFY(window.isVisible());
+    test_->Find<QMessageBox>()->close();  // not now
+    QTest::qWait(10);
+    QVERIFY(window.isVisible() && window.transfers().is_busy());
+    window.close();
+    test_->Click("Cancel and close");
+    QTRY_VERIFY_WITH_TIMEOUT(!window.isVisible(), kLong);
+    QCOMPARE(newest_->state(), explorer::Transfer::kCancelled);
+    QCOMPARE(FilesBelow(storage_ / "Close"), std::vector<std::string>());
+    CompareHeartbeat(*test_);
+  }
+};
+
+std::unique_ptr<QObject> MakeTransfersTest() {
+  return std::make_unique<TransfersTest>();
+}
+
+}  // namespace darokleim::test
+
+#include "transfers_test.moc"
