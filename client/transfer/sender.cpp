@@ -15,7 +15,9 @@
 namespace darokleim::client {
 namespace {
 
-constexpr std::size_t kMostUnanswered = 64;
+// Files that the phone has not answered yet. At so many, half of them are awaited: not one after the other, each with a write of its
+// own.
+constexpr std::size_t kMostUnanswered = 256;
 // Files get their names after so many of them, or so many bytes; the first ones of a transfer that takes its time before more than
 // half of it is sent.
 constexpr std::size_t kMostStaged = 1024;
@@ -54,11 +56,11 @@ Error ChangedWhileRead(const HostFile& file) {
 }  // namespace
 
 Status Sender::Send(HostFile file, std::string folder, std::string name) {
+  staging_.Expect(folder);
   if (IsToCommitBefore(file)) {
     if (Status status = Await(0); !status.ok()) return status;
     if (Status committed = Commit(); !committed.ok()) return committed;
   }
-  staging_.Expect(folder);
   under_way_.push_back({std::move(file), std::move(folder), std::move(name), false});
   if (Status sent = SendUnderWay(); !sent.ok()) return sent;
   return CommitIfMuch();
@@ -104,7 +106,8 @@ Status Sender::SendUnderWay() {
     if (sent_ == 0) continue;  // nothing is under way on a connection
     const bool awaits_each = one_by_one_ > 0;
     if (awaits_each) --one_by_one_;
-    if (Status status = Await(awaits_each ? 0 : kMostUnanswered); !status.ok()) return status;
+    if (!awaits_each && sent_ < kMostUnanswered) continue;
+    if (Status status = Await(awaits_each ? 0 : kMostUnanswered / 2); !status.ok()) return status;
   }
   return {};
 }
