@@ -103,8 +103,8 @@ void SetSettings(Settings settings) {
 }
 
 std::optional<Settings> CurrentSettings() {
-  const Settings* const current = history.last();
-  return current == nullptr ? std::nullopt : std::optional(*current);
+  const Settings* const last = history.last();
+  return last == nullptr ? std::nullopt : std::optional(*last);
 }
 
 }  // namespace darokleim::channel

@@ -47,9 +47,9 @@ class Child {
   Event Poll(int read_fd, int timeout_ms);
 
   const pid_t pid_;
-  base::UniqueFd watch_;      // a pidfd on Linux, a kqueue on macOS; invalid where the system refuses one
-  int read_fd_watched_ = -1;  // of a kqueue, which remembers it
-  const bool reaped_at_start_ = false;  // by the host, before it could be watched
+  base::UniqueFd watch_;  // a pidfd on Linux, a kqueue on macOS; invalid where the system refuses one
+  [[maybe_unused]] int read_fd_watched_ = -1;  // of a kqueue, which remembers it
+  const bool reaped_at_start_ = false;         // by the host, before it could be watched
 };
 
 // Ends the child: sends SIGTERM, waits 40 ms, sends SIGKILL. The child remains to be reaped.
