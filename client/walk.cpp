@@ -5,13 +5,13 @@
 
 #include <algorithm>
 #include <deque>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "client/phone_errors.h"
 #include "client/phone_path.h"
 #include "client/shell.h"
-#include "client/sync.h"
 
 namespace darokleim::client {
 namespace {
@@ -47,10 +47,15 @@ class Walk {
   Walk(dk_device* device, const WalkVisitor& visitor, const Limits& limits)
       : device_(device), visitor_(visitor), limits_(limits) {}
 
-  Status Run(const std::string& root) {
+  // Without a connection it opens its own.
+  Status Run(const std::string& root, Sync* sync) {
     what_ = "list what is below " + Shown(root);
-    auto sync = OpenSync(device_, what_, limits_);
-    if (!sync.ok()) return sync.TakeError();
+    std::optional<Sync> own;
+    if (sync == nullptr) {
+      auto opened = OpenSync(device_, what_, limits_);
+      if (!opened.ok()) return opened.TakeError();
+      sync = &own.emplace(*std::move(opened));
+    }
     if (!sync->features.list_v2()) {
       auto large = LargeFiles::Query(device_, root, true, what_, limits_);
       if (!large.ok()) return large.TakeError();
@@ -161,7 +166,12 @@ Status WalkForCaller(dk_device* device, const std::string& root, const dk_walk_o
 
 Status WalkPhone(dk_device* device, const std::string& root, const WalkVisitor& visitor,
                  const Limits& limits) {
-  return Walk(device, visitor, limits).Run(root);
+  return Walk(device, visitor, limits).Run(root, nullptr);
+}
+
+Status WalkPhone(dk_device* device, Sync* sync, const std::string& root, const WalkVisitor& visitor,
+                 const Limits& limits) {
+  return Walk(device, visitor, limits).Run(root, sync);
 }
 
 }  // namespace darokleim::client

@@ -5,7 +5,7 @@
 #include <functional>
 #include <string>
 
-#include "client/context.h"
+#include "client/sync.h"
 
 namespace darokleim::client {
 
@@ -19,6 +19,9 @@ struct WalkVisitor {
 // Folder after folder, each one's entries in the phone's order, a folder before what is in it. Many lists are asked for ahead.
 // Fails where the first folder cannot be read.
 Status WalkPhone(dk_device* device, const std::string& root, const WalkVisitor& visitor,
+                 const Limits& limits);
+// Over a connection on which nothing is asked. Nothing is after a walk that succeeds; after another one it is of no more use.
+Status WalkPhone(dk_device* device, Sync* sync, const std::string& root, const WalkVisitor& visitor,
                  const Limits& limits);
 
 }  // namespace darokleim::client

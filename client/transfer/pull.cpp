@@ -1,5 +1,8 @@
 // dk_pull: files and folders of the phone to this computer.
+#include <algorithm>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "client/files.h"
@@ -23,6 +26,18 @@ std::string HostName(const std::string& path) {
   return path.substr(path.rfind('/') + 1);
 }
 
+// What a walk has found.
+struct FoundOnPhone {
+  std::string path;
+  dk_type type;
+  std::uint64_t size;
+  std::int64_t modified;
+  std::uint32_t mode;
+};
+FoundOnPhone Remembered(const dk_entry& entry) {
+  return {entry.path, entry.type, entry.size, entry.mtime, entry.mode};
+}
+
 // A folder of the phone on its way to one of this computer.
 class FolderPull {
  public:
@@ -35,36 +50,65 @@ class FolderPull {
         target_(std::move(target)),
         limits_(limits) {}
 
-  Status Count() {
+  // Gives what is below the folder to `found` where that is at most `most` files and folders, and can all be listed.
+  Status Count(Sync* sync, std::size_t most, std::optional<std::vector<FoundOnPhone>>* found) {
+    std::vector<FoundOnPhone> all;
+    bool is_remembered = true;
     WalkVisitor visitor;
-    visitor.visit = [this](const dk_entry& entry, std::uint32_t, bool*) {
+    visitor.visit = [&](const dk_entry& entry, std::uint32_t, bool*) {
       if (entry.type == DK_FILE) tally_->Expect(entry.size);
+      is_remembered = is_remembered && all.size() < most;
+      if (is_remembered) all.push_back(Remembered(entry));
       return Status();
     };
-    visitor.fail = [](const Error&) { return Status(); };  // said by the second walk
-    return WalkPhone(device_, source_, visitor, limits_);
+    visitor.fail = [&](const Error&) {  // said by the second walk
+      is_remembered = false;
+      return Status();
+    };
+    Status walked = WalkPhone(device_, sync, source_, visitor, limits_);
+    if (walked.ok() && is_remembered) *found = std::move(all);
+    return walked;
   }
 
-  Status Run() {
+  Status Run(Sync* sync) {
     WalkVisitor visitor;
     visitor.visit = [this](const dk_entry& entry, std::uint32_t, bool* descend) {
-      return Take(entry, descend);
+      return Take(Remembered(entry), descend);
     };
     visitor.fail = [this](Error error) { return tally_->Failed(std::move(error)); };
-    return WalkPhone(device_, source_, visitor, limits_);
+    return WalkPhone(device_, sync, source_, visitor, limits_);
+  }
+
+  Status Run(const std::vector<FoundOnPhone>& found) {
+    std::vector<std::string> left_out;  // folders, with a slash
+    const auto is_left_out = [&](const std::string& path) {
+      return std::any_of(left_out.begin(), left_out.end(), [&](const std::string& folder) {
+        return path.compare(0, folder.size(), folder) == 0;
+      });
+    };
+    for (const FoundOnPhone& entry : found) {
+      if (is_left_out(entry.path)) continue;
+      bool descends = true;
+      if (Status taken = Take(entry, &descends); !taken.ok()) return taken;
+      if (!descends) left_out.push_back(entry.path + "/");
+    }
+    return {};
   }
 
  private:
-  Status Take(const dk_entry& entry, bool* descend) {
-    const std::string path = entry.path;
+  Status Take(const FoundOnPhone& entry, bool* descend) {
+    const std::string& path = entry.path;
+    const std::string name(NameOf(path));
     if (entry.type == DK_DIRECTORY) {
       auto made = FolderFor(path);
       *descend = made.ok();
-      return made.ok() ? Status() : tally_->Failed(made.TakeError());
+      if (!made.ok()) return tally_->Failed(made.TakeError());
+      RemoveLeftOvers(**made);
+      return {};
     }
-    if (entry.type == DK_LINK) return TakeLink(path, entry.name);
+    if (entry.type == DK_LINK) return TakeLink(path, name);
     if (entry.type != DK_FILE) return {};
-    return Fetch({path, entry.size, entry.mtime, entry.mode & kPermissionsKept}, entry.name);
+    return Fetch({path, entry.size, entry.modified, entry.mode & kPermissionsKept}, name);
   }
 
   // Links to files in the same tree are those files; all others are not followed.
@@ -135,7 +179,8 @@ class Pull {
       : device_(device),
         limits_(limits),
         tally_(options, "fetch files"),
-        receiver_(device, &tally_, limits) {}
+        features_(device),
+        receiver_(&features_, &tally_, limits) {}
 
   const dk_summary& summary() const { return tally_.summary(); }
 
@@ -147,7 +192,7 @@ class Pull {
       if (items[i].target == nullptr || *items[i].target == '\0') return InvalidArgument("a target is empty");
       std::string target = items[i].target;
       while (target.size() > 1 && target.back() == '/') target.pop_back();
-      all.push_back({*std::move(source), std::move(target), {}, {}});
+      all.push_back({*std::move(source), std::move(target), {}, {}, {}});
     }
     if (Status looked = LookAt(&all); !looked.ok()) return looked;
     for (Item& item : all) {
@@ -165,23 +210,34 @@ class Pull {
     std::string source, target;
     adb::FileStatus status;
     std::optional<Error> error;
+    std::optional<std::vector<FoundOnPhone>> found;  // below a folder that has little in it
   };
+
+  // One on which nothing is asked, for what comes before the first file and beside the files.
+  Result<Sync*> Connection() {
+    if (!sync_) {
+      auto sync = OpenSync(&features_, tally_.what(), limits_);
+      if (!sync.ok()) return sync.TakeError();
+      sync_.emplace(*std::move(sync));
+    }
+    return &*sync_;
+  }
 
   // All of them in one time of waiting; links, and what the protocol does not explain, one by one.
   Status LookAt(std::vector<Item>* items) {
-    auto sync = OpenSync(device_, tally_.what(), limits_);
+    auto sync = Connection();
     if (!sync.ok()) return sync.TakeError();
     std::vector<std::string> paths;
     paths.reserve(items->size());
     for (const Item& item : *items) paths.push_back(item.source);
-    auto statuses = StatMany(device_, &*sync, paths, tally_.what(), limits_);
+    auto statuses = StatMany(device_, *sync, paths, tally_.what(), limits_);
     if (!statuses.ok()) return statuses.TakeError();
     for (std::size_t i = 0; i < items->size(); ++i) {
       Item& item = (*items)[i];
       item.status = (*statuses)[i];
       const dk_type type = TypeOf(item.status.mode);
       if (item.status.exists() && (type == DK_FILE || type == DK_DIRECTORY)) continue;
-      auto followed = StatOf(device_, &*sync, item.source, DK_FOLLOW, Fetching(item.source), limits_);
+      auto followed = StatOf(device_, *sync, item.source, DK_FOLLOW, Fetching(item.source), limits_);
       if (followed.ok()) {
         item.status = *followed;
       } else if (IsOfOneFile(followed.error().code)) {
@@ -201,24 +257,41 @@ class Pull {
       tally_.Expect(item->status.size);
       return {};
     }
-    Status counted = FolderPull(device_, &tally_, &receiver_, item->source, nullptr, limits_).Count();
-    if (counted.ok() || !IsOfOneFile(counted.error().code)) return counted;
+    auto sync = Connection();
+    if (!sync.ok()) return sync.TakeError();
+    Status counted = FolderPull(device_, &tally_, &receiver_, item->source, nullptr, limits_)
+                         .Count(*sync, kMostRemembered - remembered_, &item->found);
+    if (item->found) remembered_ += item->found->size();
+    if (counted.ok()) return counted;
+    sync_.reset();
+    if (!IsOfOneFile(counted.error().code)) return counted;
     item->error = counted.TakeError();
     return {};
   }
 
   Status Fetch(Item* item) {
     if (item->error) return tally_.Failed(*std::move(item->error));
-    if (IsFolder(*item)) {
-      auto target = HostFolder::Open(item->target);
-      if (!target.ok()) return tally_.Failed(target.TakeError());
-      return FolderPull(device_, &tally_, &receiver_, item->source, *std::move(target), limits_).Run();
-    }
-    auto parent = OpenParent(HostParent(item->target));
+    const bool walks = IsFolder(*item) && !item->found;
+    if (!walks && !receiver_.has_connection()) receiver_.UseConnection(std::exchange(sync_, std::nullopt));
+    return IsFolder(*item) ? FetchFolder(*item) : FetchFile(*item);
+  }
+
+  Status FetchFolder(const Item& item) {
+    auto target = HostFolder::Open(item.target);
+    if (!target.ok()) return tally_.Failed(target.TakeError());
+    RemoveLeftOvers(**target);
+    FolderPull pull(device_, &tally_, &receiver_, item.source, *std::move(target), limits_);
+    if (item.found) return pull.Run(*item.found);
+    auto sync = Connection();
+    if (!sync.ok()) return sync.TakeError();
+    return pull.Run(*sync);
+  }
+
+  Status FetchFile(const Item& item) {
+    auto parent = OpenParent(HostParent(item.target));
     if (!parent.ok()) return tally_.Failed(parent.TakeError());
-    PhoneFile file{item->source, item->status.size, item->status.modified,
-                   item->status.mode & kPermissionsKept};
-    return receiver_.Fetch(std::move(file), *std::move(parent), HostName(item->target));
+    PhoneFile file{item.source, item.status.size, item.status.modified, item.status.mode & kPermissionsKept};
+    return receiver_.Fetch(std::move(file), *std::move(parent), HostName(item.target));
   }
 
   Result<std::shared_ptr<HostFolder>> OpenParent(const std::string& path) {
@@ -233,6 +306,9 @@ class Pull {
   dk_device* const device_;
   const Limits& limits_;
   Tally tally_;
+  Features features_;
+  std::optional<Sync> sync_;
+  std::size_t remembered_ = 0;
   Receiver receiver_;
   std::shared_ptr<HostFolder> last_parent_;
 };

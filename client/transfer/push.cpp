@@ -14,8 +14,6 @@ namespace {
 
 // Targets that are looked at together.
 constexpr std::size_t kCheckedTogether = 128;
-// Files and folders of this computer that are remembered between the walk that counts and the one that sends.
-constexpr std::size_t kMostRemembered = 4096;
 // A transfer that waits until the phone is free of what killed processes left, which may be as large.
 constexpr std::uint64_t kLargeTransfer = std::uint64_t{64} * 1024 * 1024;
 

@@ -43,7 +43,7 @@ Status Receiver::Finish() {
 
 Status Receiver::AskAhead() {
   if (!sync_) {
-    auto sync = OpenSync(device_, tally_->what(), limits_);
+    auto sync = OpenSync(features_, tally_->what(), limits_);
     if (!sync.ok()) return sync.TakeError();
     sync_.emplace(*std::move(sync));
   }

@@ -25,8 +25,12 @@ std::string Fetching(const std::string& path);
 
 class Receiver {
  public:
-  Receiver(dk_device* device, Tally* tally, const Limits& limits)
-      : device_(device), tally_(tally), limits_(limits) {}
+  Receiver(Features* features, Tally* tally, const Limits& limits)
+      : features_(features), device_(features->device()), tally_(tally), limits_(limits) {}
+
+  // As Sender::UseConnection.
+  bool has_connection() const { return sync_.has_value(); }
+  void UseConnection(std::optional<Sync> idle) { sync_ = std::move(idle); }
 
   // Fetches one file as `name` in `folder`. It is there after Finish(), often earlier.
   Status Fetch(PhoneFile file, std::shared_ptr<HostFolder> folder, std::string name);
@@ -47,6 +51,7 @@ class Receiver {
   Status Refused(const adb::Error& error);
   void Disconnect();
 
+  Features* const features_;
   dk_device* const device_;
   Tally* const tally_;
   const Limits& limits_;

@@ -10,6 +10,9 @@
 
 namespace darokleim::client {
 
+// Files and folders that are remembered between the walk that counts them and their transfer; of more, the walk is repeated.
+inline constexpr std::size_t kMostRemembered = 4096;
+
 class Tally {
  public:
   Tally(const dk_transfer_options& options, std::string what) : options_(options), what_(std::move(what)) {}

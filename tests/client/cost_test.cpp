@@ -100,7 +100,7 @@ TEST_F(Cost, OfManyFilesSentIsAFewCommands) {
   EXPECT_LE(counts().commands, 1U + 2 * kFolders * kFiles / 1024 + 1);
   // In folders that are new nothing is looked for.
   EXPECT_LE(counts().statuses, std::uint64_t{kFolders} + 1);
-  EXPECT_LE(counts().connections, 2U * 2 + 2 * counts().commands);
+  EXPECT_LE(counts().connections, 3U + counts().commands);  // the features, the targets, the files
 }
 
 TEST_F(Cost, OfManyFilesFetchedIsOneRequestEach) {
@@ -112,9 +112,21 @@ TEST_F(Cost, OfManyFilesFetchedIsOneRequestEach) {
     EXPECT_EQ(device.pull({{MadeUpPhone::kFolder, Host("back")}}).value().files_sent, 500U);
   });
   EXPECT_EQ(counts().fetched, 500U);
-  EXPECT_EQ(counts().lists, 2U);  // once for the totals
+  EXPECT_EQ(counts().lists, 1U);
   EXPECT_EQ(counts().commands, 0U);
-  EXPECT_LE(counts().connections, 8U);
+  EXPECT_EQ(counts().connections, 2U);  // the features, and the files
+}
+
+TEST_F(Cost, OfMoreFilesThanAreRememberedIsAnotherList) {
+  MadeUpPhone::Content content;
+  content.files = 5000;
+  Make(content);
+  WithDevice([&](const dk::Device& device) {
+    const dk_summary fetched = device.pull({{MadeUpPhone::kFolder, Host("back")}}).value();
+    EXPECT_EQ(fetched.files_sent, 5000U);
+  });
+  EXPECT_EQ(counts().lists, 2U);
+  EXPECT_EQ(counts().connections, 3U);
 }
 
 class Memory : public OnMadeUpPhone {

@@ -317,13 +317,13 @@ TEST_P(Transfers, LeftOversOfAKilledProcessAreRemoved) {
   WriteFile(Host("tree/a"), "a");
   WriteFile(Host("tree/sub/large"), std::string(8 << 20, 'x'));
   // One that ends in the middle, without any clean-up.
+  dk_transfer_options ending = DK_TRANSFER_OPTIONS_INIT;
+  ending.on_progress = [](void*, const dk_progress* progress) -> bool {
+    if (progress->file_done > 100) _exit(0);
+    return true;
+  };
   static_cast<void>(WaitStatusOfFork([&] {
-    dk_transfer_options options = DK_TRANSFER_OPTIONS_INIT;
-    options.on_progress = [](void*, const dk_progress* progress) -> bool {
-      if (progress->file_done > 100) _exit(0);
-      return true;
-    };
-    static_cast<void>(phone().push({{Host("tree"), "/sdcard/t"}}, options));
+    static_cast<void>(phone().push({{Host("tree"), "/sdcard/t"}}, ending));
   }));
   ASSERT_NE(Shell("ls -d /sdcard/t/sub/.darokleim*"), "");
   // What another computer is sending is not touched.
@@ -333,6 +333,13 @@ TEST_P(Transfers, LeftOversOfAKilledProcessAreRemoved) {
   Calls calls;
   ASSERT_TRUE(phone().push({{Host("tree"), "/sdcard/t"}}, Options(&calls, DK_REPLACE)));
   EXPECT_EQ(Shell("rmdir /sdcard/t/.darokleim-00000000-1-1"), "");
+
+  Shell("truncate -s 8M /sdcard/t/sub/large");
+  static_cast<void>(WaitStatusOfFork([&] {
+    static_cast<void>(phone().pull({{"/sdcard/t", Host("back")}}, ending));
+  }));
+  Shell("rm /sdcard/t/sub/large");
+  ASSERT_TRUE(phone().pull({{"/sdcard/t", Host("back")}}, Options(&calls, DK_REPLACE)));
   ExpectNoTemporaryFiles("/sdcard/t");
 }
 

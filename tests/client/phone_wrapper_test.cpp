@@ -124,6 +124,7 @@ TEST_P(Wrapper, AWatchThatIsAssignedToStopsFirst) {
   EXPECT_TRUE(Eventually([&] { return first > 1; }));
   watch = client().watch([&](dk_change, const dk::DeviceInfo*) { ++second; }).value();
   const int before = first;
+  EXPECT_TRUE(Eventually([&] { return second > 1; })) << "the server and the phone";
   phones().Control({kSerial, "unplug"});
   EXPECT_TRUE(Eventually([&] { return second > 2; }));
   EXPECT_EQ(first, before);
