@@ -171,6 +171,21 @@ TEST(ConnectionTest, QueueAndBytesGoInOnePiece) {
   EXPECT_EQ(fcntl(connection->descriptor(), F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
 }
 
+// The system looks names up; what is one of its own is enough here.
+TEST(ConnectionTest, AServerOfAnotherName) {
+  ScriptedServer server([](int peer) { WaitUntilClosed(peer); });
+  ServerAddress address = server.address();
+  address.host = "localhost";
+  EXPECT_TRUE(Connection::Open(address, Within(5000)).ok());
+  address.host = "127.0.0.1";
+  EXPECT_TRUE(Connection::Open(address, Within(5000)).ok());
+  for (const char* host :
+       {"::1", "name.invalid"}) {  // the server listens on the other loopback address alone
+    address.host = host;
+    EXPECT_EQ(Connection::Open(address, Within(20'000)).error().code, ErrorCode::kCannotConnect) << host;
+  }
+}
+
 TEST(ConnectionTest, ALocalServer) {
   const test::TemporaryDirectory directory;
   ServerAddress address;

@@ -70,6 +70,15 @@ TEST(OldPhones, BeforeAndroid5HaveALogThatCannotBeFollowed) {
   EXPECT_EQ(log, nullptr);
 }
 
+TEST(OldServers, DoNotPair) {
+  const test::ScriptedServer server([](int connection) {
+    test::ReadRequest(connection);
+    test::WriteBytes(connection, "FAIL" + test::Request("unknown host service"));
+  });
+  const Client client(server.name());
+  EXPECT_EQ(dk_pair(client.context(), "10.0.0.1:4000", "123456", nullptr), DK_UNSUPPORTED);
+}
+
 TEST(OldPhones, BeforeAndroid7TakeNoInputForACommand) {
   const PhoneOfLevel phone("", 23);
   dk_run_options options = DK_RUN_OPTIONS_INIT;

@@ -43,6 +43,7 @@ TEST_P(Apps, AreInstalledListedAndRemoved) {
   const auto own = phone().apps(DK_USER_APPS, true).value();
   ASSERT_EQ(own.size(), 1U);
   EXPECT_EQ(own[0].size, notes.size);
+  for (const dk::App& app : phone().apps(DK_SYSTEM_APPS).value()) EXPECT_NE(app.package, kNotes);
   EXPECT_EQ(TemporaryFiles(), "");
   EXPECT_TRUE(phone().uninstall(kNotes));
   EXPECT_EQ(phone().uninstall(kNotes).code(), DK_NO_PACKAGE);

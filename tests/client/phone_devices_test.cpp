@@ -40,6 +40,10 @@ TEST_P(Devices, AreWatched) {
       client().watch([&](dk_change change, const dk::DeviceInfo* info) { recorder(change, info); }).value();
   ASSERT_TRUE(recorder.Await(std::string("added ") + kSerial + " device"));
   EXPECT_EQ(recorder.events().front(), "server found");
+  for (const char* state : {"unauthorized", "device"}) {
+    phones().Control({kSerial, "state", state});
+    ASSERT_TRUE(recorder.Await(std::string("changed ") + kSerial + " " + state)) << state;
+  }
   phones().Control({kSerial, "unplug"});
   ASSERT_TRUE(recorder.Await(std::string("removed ") + kSerial + " device"));
   phones().Control({kSerial, "plug"});
@@ -110,6 +114,9 @@ TEST_P(Devices, MapPorts) {
   EXPECT_EQ(phone().forward(from, "tcp:7001").code(), DK_ADDRESS_IN_USE);
   EXPECT_TRUE(phone().forward(from, "tcp:7001", true));
   EXPECT_THAT(phones().Adb({"forward", "--list"}).output, HasSubstr(from + " tcp:7001"));
+  EXPECT_TRUE(phone().remove_forward(from));
+  EXPECT_EQ(phone().remove_forward(from).code(), DK_SERVER_REFUSED);
+  ASSERT_TRUE(phone().forward("tcp:0", "tcp:7000"));
   EXPECT_TRUE(phone().remove_forward(""));
   EXPECT_EQ(phones().Adb({"forward", "--list"}).output.find("tcp:"), std::string::npos);
 }

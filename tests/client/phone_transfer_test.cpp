@@ -137,13 +137,23 @@ TEST_P(Transfers, WhatIsThereFailsIsSkippedOrReplaced) {
             DK_PARTLY_DONE);
   EXPECT_EQ(calls.errors, std::vector<dk_code>{DK_IS_A_DIRECTORY});
 
+  EXPECT_EQ(phone().write("/sdcard/t/folder", "x", 0644, true).code(), DK_IS_A_DIRECTORY);
+
   WriteFile(Host("old"), "older content");
   calls.errors.clear();
   EXPECT_EQ(phone().pull({{"/sdcard/t/a", Host("old")}}, Options(&calls)).code(), DK_PARTLY_DONE);
   EXPECT_EQ(calls.errors, std::vector<dk_code>{DK_EXISTS});
   EXPECT_EQ(ReadFile(Host("old")), "older content");
+  EXPECT_EQ(
+      phone().pull({{"/sdcard/t/a", Host("old")}}, Options(&calls, DK_SKIP_EXISTING)).value().files_skipped,
+      1U);
   EXPECT_TRUE(phone().pull({{"/sdcard/t/a", Host("old")}}, Options(&calls, DK_REPLACE)));
   EXPECT_EQ(ReadFile(Host("old")), "new");
+  fs::create_directory(Host("folder"));
+  calls.errors.clear();
+  EXPECT_EQ(phone().pull({{"/sdcard/t/a", Host("folder")}}, Options(&calls, DK_REPLACE)).code(),
+            DK_PARTLY_DONE);
+  EXPECT_EQ(calls.errors, std::vector<dk_code>{DK_IS_A_DIRECTORY});
 }
 
 TEST_P(Transfers, OneBadFileKeepsNoOtherUp) {
@@ -284,6 +294,34 @@ TEST_P(Transfers, MemoryIsWrittenAsAFile) {
   ASSERT_TRUE(phone().write("/sdcard/new/from memory", "other", 0600, true));
   EXPECT_EQ(Shell("cat '/sdcard/new/from memory'"), "other");
   ExpectNoTemporaryFiles("/sdcard/new");
+}
+
+TEST_P(Transfers, AFileThatChangesWhileItIsReadIsNotSent) {
+  WriteFile(Host("log"), std::string(200'000, 'x'));
+  std::string path = Host("log");
+  dk_transfer_options options = DK_TRANSFER_OPTIONS_INIT;
+  options.user = &path;
+  options.on_progress = [](void* user, const dk_progress* progress) {
+    const std::string& file = *static_cast<std::string*>(user);
+    if (progress->file_done > 0) fs::resize_file(file, fs::file_size(file) + 1);
+    return true;
+  };
+  const auto pushed = phone().push({{path, "/sdcard/t/log"}}, options);
+  EXPECT_EQ(pushed.code(), DK_CHANGED);
+  EXPECT_TRUE(pushed.error().on_host());
+  EXPECT_EQ(phone().stat("/sdcard/t/log").code(), DK_NOT_FOUND);
+  ExpectNoTemporaryFiles("/sdcard");
+}
+
+TEST_P(Transfers, AFolderThatCannotBeMadeIsAnError) {
+  fs::create_directories(Host("tree/empty"));
+  Shell("echo x > /sdcard/file");
+  Calls calls;
+  dk_transfer_options options = Options(&calls);
+  EXPECT_EQ(phone().push({{Host("tree"), "/sdcard/file/tree"}}, options).code(), DK_PARTLY_DONE);
+  EXPECT_EQ(calls.errors.size(), 1U);
+  options.on_error = [](void*, const dk_error*) { return false; };
+  EXPECT_EQ(phone().push({{Host("tree"), "/sdcard/file/tree"}}, options).code(), DK_STOPPED);
 }
 
 // Not all of them at the end, when a transfer that takes its time may have broken.
