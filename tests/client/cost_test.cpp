@@ -11,15 +11,8 @@
 #include "tests/support/file_content.h"
 #include "tests/support/made_up_phone.h"
 #include "tests/support/own_process.h"
+#include "tests/support/sanitizers.h"
 #include "tests/support/temporary_directory.h"
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define DAROKLEIM_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define DAROKLEIM_SANITIZED 1
-#endif
-#endif
 
 namespace darokleim::test {
 namespace {
