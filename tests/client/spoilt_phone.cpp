@@ -231,16 +231,24 @@ SpoiltPhone::Printed SpoiltPhone::Print(const std::string& script) {
 
 // What is moved to its name out of a temporary folder has to be whole.
 void SpoiltPhone::CheckMove(const std::string& script) {
-  static const std::regex kStaged("/[^ ']*/\\.darokleim[^ '/]*/[^ ']+");
-  const std::size_t end = script.find(" && ");
-  const std::string moved = script.substr(0, end);
+  static const std::regex kMove(R"(cd '([^']*/\.darokleim[^']*)' && mv -f((?: \./'[^']*')+) ')");
+  static const std::regex kName(R"(\./'([^']*)')");
+  // For old phones the whole script is quoted once more.
+  const std::string plain = std::regex_replace(script, std::regex(R"('\\'')"), "'");
   const std::lock_guard lock(mutex_);
-  for (auto found = std::sregex_iterator(moved.begin(), moved.end(), kStaged);
-       found != std::sregex_iterator(); ++found) {
-    const bool may_seem_whole = spoiling_.then == Spoiling::Then::kBytes;
-    if (!may_seem_whole && whole_.count(found->str()) == 0)
-      harm_ += "moved what is not whole: " + found->str() + "\n";
+  std::size_t moved = 0;
+  for (auto move = std::sregex_iterator(plain.begin(), plain.end(), kMove); move != std::sregex_iterator();
+       ++move) {
+    const std::string folder = (*move)[1], names = (*move)[2];
+    for (auto name = std::sregex_iterator(names.begin(), names.end(), kName); name != std::sregex_iterator();
+         ++name, ++moved) {
+      const std::string path = folder + "/" + (*name)[1].str();
+      const bool may_seem_whole = spoiling_.then == Spoiling::Then::kBytes;
+      if (!may_seem_whole && whole_.count(path) == 0) harm_ += "moved what is not whole: " + path + "\n";
+    }
   }
+  if (moved == 0 && plain.find("/.darokleim") != std::string::npos)
+    harm_ += "moved in an unknown way: " + script + "\n";
 }
 
 std::string SpoiltPhone::Status(const std::string& id, const std::string& path) const {
