@@ -34,8 +34,9 @@
 /// the call and comes out of it. Those of a dk::Watch, a dk::Log, and of a client's log come on other threads, where an
 /// exception ends the program (std::terminate).
 ///
-/// **Lifetime**: devices, watches and logs must go before the dk::Client that they come from. In one function, the order of
-/// declaration does that. Running out of memory is std::bad_alloc.
+/// **Lifetime**: clients and devices are handles. They may be copied, also into lambdas that run on other threads, and copies
+/// share what they stand for. A device keeps its client alive, a watch its client, and a log its device. Running out of memory
+/// is std::bad_alloc.
 #ifndef DAROKLEIM_CLIENT_HPP
 #define DAROKLEIM_CLIENT_HPP
 
@@ -460,11 +461,16 @@ class Call {
 
 struct Free {
   void operator()(dk_context* context) const { dk_context_free(context); }
-  void operator()(dk_device* device) const { dk_device_free(device); }
   void operator()(dk_watch* watch) const { dk_watch_stop(watch); }
   void operator()(dk_log* log) const { dk_log_stop(log); }
   void operator()(dk_entry* entry) const { dk_entry_free(entry); }
   void operator()(dk_app* app) const { dk_app_free(app); }
+};
+
+/// A context and the function that its log goes to. Whatever is made from the context holds it.
+struct Context {
+  std::function<void(std::string_view)> log;  // outlives the context, which is declared after it
+  std::unique_ptr<dk_context, Free> context;
 };
 
 inline std::string Copy(const dk_bytes& bytes) {
@@ -533,6 +539,7 @@ class Log {
     stop();
     receiver_ = std::move(other.receiver_);
     log_ = std::move(other.log_);
+    device_ = std::move(other.device_);
     return *this;
   }
   ~Log() = default;
@@ -545,7 +552,8 @@ class Log {
     std::function<void(const dk_log_record&)> on_record;
     std::function<void(dk_code, const Error*)> on_end;
   };
-  std::unique_ptr<Receiver> receiver_;  // outlives the log, which is declared after it
+  std::shared_ptr<dk_device> device_;  // these two outlive the log, which is declared after them
+  std::unique_ptr<Receiver> receiver_;
   std::unique_ptr<dk_log, detail::Free> log_;
 };
 
@@ -563,6 +571,7 @@ class Watch {
     stop();
     on_change_ = std::move(other.on_change_);
     watch_ = std::move(other.watch_);
+    context_ = std::move(other.context_);
     return *this;
   }
   ~Watch() = default;
@@ -572,11 +581,12 @@ class Watch {
  private:
   friend class Client;
   using OnChange = std::function<void(dk_change, const DeviceInfo*)>;
-  std::unique_ptr<OnChange> on_change_;  // outlives the watch, which is declared after it
+  std::shared_ptr<detail::Context> context_;  // these two outlive the watch, which is declared after them
+  std::unique_ptr<OnChange> on_change_;
   std::unique_ptr<dk_watch, detail::Free> watch_;
 };
 
-/// One device. May be moved; calls may be made from any thread.
+/// One device. Copies are the same device; calls may be made from any thread.
 class Device {
  public:
   /// @return The serial that it was opened with, or that of the only device.
@@ -1136,6 +1146,7 @@ class Device {
                   std::function<void(dk_code, const Error*)> on_end = nullptr,
                   const Limits& limits = {}) const {
     Log log;
+    log.device_ = device_;
     log.receiver_ = std::make_unique<Log::Receiver>(Log::Receiver{std::move(on_record), std::move(on_end)});
     dk_log* started = nullptr;
     const detail::Call call(limits);
@@ -1218,7 +1229,8 @@ class Device {
 
  private:
   friend class Client;
-  explicit Device(dk_device* device) : device_(device) {}
+  Device(dk_device* device, std::shared_ptr<detail::Context> context)
+      : device_(device, [context = std::move(context)](dk_device* last) { dk_device_free(last); }) {}
 
   template <typename Guarded, typename Value>
   static bool Pass(void* user, const Value* value) {
@@ -1323,22 +1335,23 @@ class Device {
         code, Output{detail::Copy(output.out), detail::Copy(output.err), output.cut, output.exit_status});
   }
 
-  std::unique_ptr<dk_device, detail::Free> device_;
+  std::shared_ptr<dk_device> device_;  // holds the context until it is freed
 };
 
-/// Where the adb server is. Devices, watches and logs made from it must go before it.
+/// Where the adb server is. Copies share one context, which lives as long as anything that was made from it.
 class Client {
  public:
   /// With the server that adb itself would use. Throws dk::Error.
   Client() : Client(ClientOptions()) {}
   /// Throws dk::Error.
   /// @param[in] options Where the server is, and who starts one.
-  explicit Client(ClientOptions options) : log_(std::make_unique<Logger>(std::move(options.log))) {
+  explicit Client(ClientOptions options) : context_(std::make_shared<detail::Context>()) {
+    context_->log = std::move(options.log);
     dk_context_options plain = DK_CONTEXT_OPTIONS_INIT;
     plain.server = detail::TextOrNull(options.server);
     plain.adb_path = detail::TextOrNull(options.adb_path);
-    plain.log_user = log_.get();
-    if (*log_) {
+    if (context_->log) {
+      plain.log_user = &context_->log;
       plain.log = [](void* user, const char* line) noexcept { (*static_cast<Logger*>(user))(line); };
     }
     Open(plain);
@@ -1346,23 +1359,11 @@ class Client {
   /// With the options and the callback of the C interface. Throws dk::Error.
   /// @param[in] options As there.
   template <int = 0>
-  explicit Client(const dk_context_options& options) {
+  explicit Client(const dk_context_options& options) : context_(std::make_shared<detail::Context>()) {
     Open(options);
   }
-  /// @param[in] other Gives up its context; what was made from it goes on.
-  Client(Client&& other) = default;
-  /// What was made from this object must be gone.
-  /// @param[in] other Gives up its context; what was made from it goes on.
-  /// @return This object.
-  Client& operator=(Client&& other) noexcept {
-    context_.reset();
-    log_ = std::move(other.log_);
-    context_ = std::move(other.context_);
-    return *this;
-  }
-  ~Client() = default;
-  /// @return The context of the C interface, which stays this object's.
-  dk_context* get() const noexcept { return context_.get(); }
+  /// @return The context of the C interface, which stays this object's; null after this object was moved from.
+  dk_context* get() const noexcept { return context_ ? context_->context.get() : nullptr; }
 
   /// Asks the server for the version of its protocol: dk_server_version().
   /// @param[in] limits As everywhere.
@@ -1398,7 +1399,7 @@ class Client {
     dk_device* device = nullptr;
     const detail::Call call(limits);
     const dk_code code = dk_device_open(get(), detail::TextOrNull(serial), &device, call.get());
-    return call.Give(code, Device(device));
+    return call.Give(code, Device(device, context_));
   }
   /// Connects to a device over the network: dk_connect().
   /// @param[in] address,limits As there.
@@ -1429,6 +1430,7 @@ class Client {
   Result<Watch> watch(std::function<void(dk_change, const DeviceInfo*)> on_change,
                       const Limits& limits = {}) const {
     Watch watch;
+    watch.context_ = context_;
     watch.on_change_ = std::make_unique<Watch::OnChange>(std::move(on_change));
     dk_watch* started = nullptr;
     const detail::Call call(limits);
@@ -1451,12 +1453,11 @@ class Client {
     dk_context* context = nullptr;
     const detail::Call call({});
     const dk_code code = dk_context_new(&options, &context, call.get());
-    context_.reset(context);
+    context_->context.reset(context);
     call.Done(code).value();
   }
 
-  std::unique_ptr<Logger> log_;  // outlives the context, which is declared after it
-  std::unique_ptr<dk_context, detail::Free> context_;
+  std::shared_ptr<detail::Context> context_;
 };
 
 }  // namespace dk

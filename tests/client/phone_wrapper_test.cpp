@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
+#include <functional>
 #include <stdexcept>
 
 #include "tests/client/client_on_phone.h"
@@ -123,12 +124,36 @@ TEST_P(Wrapper, AWatchThatIsAssignedToStopsFirst) {
   dk::Watch watch = client().watch([&](dk_change, const dk::DeviceInfo*) { ++first; }).value();
   EXPECT_TRUE(Eventually([&] { return first > 1; }));
   watch = client().watch([&](dk_change, const dk::DeviceInfo*) { ++second; }).value();
+  EXPECT_TRUE(Eventually([&] { return second > 1; }));
   const int before = first;
   EXPECT_TRUE(Eventually([&] { return second > 1; })) << "the server and the phone";
   phones().Control({kSerial, "unplug"});
   EXPECT_TRUE(Eventually([&] { return second > 2; }));
   EXPECT_EQ(first, before);
   watch.stop();
+}
+
+TEST_P(Wrapper, HandlesKeepWhatTheyNeed) {
+  std::atomic<int> records{0}, changes{0}, lines{0};
+  std::function<std::string()> ask;
+  dk::Log log;
+  dk::Watch watch;
+  {
+    dk::ClientOptions options;
+    options.server = "tcp:" + phones().port();
+    options.log = [&](std::string_view) { ++lines; };
+    const dk::Client passing(options);
+    const dk::Device phone = passing.open(kSerial).value();
+    ask = [phone] { return phone.run({"echo", "there"}).value().out; };
+    log = phone.log(dk::LogOptions(), [&](const dk_log_record&) { ++records; }).value();
+    watch = dk::Client(passing).watch([&](dk_change, const dk::DeviceInfo*) { ++changes; }).value();
+  }
+  const int before = lines;
+  EXPECT_EQ(ask(), "there\n");
+  EXPECT_GT(lines, before);
+  ask = nullptr;
+  Shell("log -t wrapper 'a record'");
+  EXPECT_TRUE(Eventually([&] { return records > 0 && changes > 0; }));
 }
 
 TEST_P(Wrapper, AClientsLogHasItsRequests) {
