@@ -80,7 +80,7 @@ QVariant ApplicationsModel::headerData(int section, Qt::Orientation orientation,
   return QString(kTitles[section]);
 }
 
-ApplicationsPage::ApplicationsPage(Threads& threads, PhonePtr phone, TransferQueue& queue)
+ApplicationsPage::ApplicationsPage(Threads& threads, dk::Device phone, TransferQueue& queue)
     : phone_(std::move(phone)),
       queue_(queue),
       set_(new QComboBox),
@@ -94,7 +94,7 @@ ApplicationsPage::ApplicationsPage(Threads& threads, PhonePtr phone, TransferQue
   MakeLayout();
   setAcceptDrops(true);
   connect(&queue_, &TransferQueue::Ended, this, [this](const TransferPtr& transfer) {
-    if (transfer->kind == Transfer::kInstall && transfer->phone->serial() == phone_->serial()) Read();
+    if (transfer->kind == Transfer::kInstall && transfer->phone.serial() == phone_.serial()) Read();
   });
 }
 
@@ -162,7 +162,7 @@ void ApplicationsPage::Read() {
   reading_.Drop();  // an older question is of no use any more
   reading_.Run(
       [phone = phone_, set = static_cast<dk_app_set>(set_->currentData().toInt())](const dk::Limits& limits) {
-        return phone->device.apps(set, true, limits).value();
+        return phone.apps(set, true, limits).value();
       },
       [this](dk::Result<std::vector<dk::App>> apps) {
         status_->setText(
@@ -204,8 +204,7 @@ void ApplicationsPage::Remove(const std::vector<std::string>& packages) {
       [phone = phone_, packages](const dk::Limits& limits) {
         std::vector<dk::Error> errors;
         for (const std::string& package : packages) {
-          if (auto done = phone->device.uninstall(package, false, limits); !done)
-            errors.push_back(done.error());
+          if (auto done = phone.uninstall(package, false, limits); !done) errors.push_back(done.error());
         }
         return errors;
       },

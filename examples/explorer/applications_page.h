@@ -9,7 +9,6 @@
 #include <QWidget>
 #include <vector>
 
-#include "phone.h"
 #include "tasks.h"
 #include "transfers.h"
 
@@ -39,7 +38,7 @@ class ApplicationsPage : public QWidget {
   Q_OBJECT
 
  public:
-  ApplicationsPage(Threads& threads, PhonePtr phone, TransferQueue& queue);
+  ApplicationsPage(Threads& threads, dk::Device phone, TransferQueue& queue);
 
   void Install(const std::vector<std::string>& apks);
   void Uninstall();
@@ -57,7 +56,7 @@ class ApplicationsPage : public QWidget {
   void Remove(const std::vector<std::string>& packages);
   std::vector<const dk::App*> Selected() const;
 
-  const PhonePtr phone_;
+  const dk::Device phone_;
   TransferQueue& queue_;
   ApplicationsModel model_;
   QSortFilterProxyModel found_;

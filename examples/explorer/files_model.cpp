@@ -44,12 +44,14 @@ std::vector<FileRow> ReadFolder(const dk::Device& phone, const std::string& fold
     rows.emplace_back(entry, order);
     return true;
   };
-  phone.list(folder, keep, limits).value();
+  const dk::Result<void> listed = phone.list(folder, keep, limits);
+  // Only a name that no folder can have is left out then.
+  if (!listed && listed.code() != DK_UNSAFE_NAME) throw listed.error();
   std::sort(rows.begin(), rows.end(), ByName);
   return rows;
 }
 
-FilesModel::FilesModel(Threads& threads, PhonePtr phone, OnDrop on_drop)
+FilesModel::FilesModel(Threads& threads, dk::Device phone, OnDrop on_drop)
     : phone_(phone),
       on_drop_(std::move(on_drop)),
       folder_icon_(QFileIconProvider().icon(QFileIconProvider::Folder)),
@@ -115,8 +117,9 @@ QIcon FilesModel::Icon(const FileRow& row) const {
 }
 
 void FilesModel::ShowThumbnail(const std::string& path) {
+  const std::string name = NameOf(path);
   const auto found =
-      std::find_if(rows_.begin(), rows_.end(), [&](const FileRow& row) { return Path(row) == path; });
+      std::find_if(rows_.begin(), rows_.end(), [&](const FileRow& row) { return row.name == name; });
   if (found == rows_.end()) return;
   const QModelIndex changed = index(static_cast<int>(found - rows_.begin()), kName);
   emit dataChanged(changed, changed, {Qt::DecorationRole});
@@ -136,7 +139,7 @@ Qt::ItemFlags FilesModel::flags(const QModelIndex& index) const {
 
 bool FilesModel::setData(const QModelIndex& index, const QVariant& value, int role) {
   const QString name = value.toString();
-  if (role != Qt::EditRole || name.isEmpty() || name == row(index).shown) return false;
+  if (role != Qt::EditRole || name.isEmpty() || name.contains('/') || name == row(index).shown) return false;
   emit RenameWanted(PathOf(index), name);
   return true;
 }
@@ -181,7 +184,7 @@ QStringList FilesModel::mimeTypes() const {
 }
 
 QMimeData* FilesModel::mimeData(const QModelIndexList& indexes) const {
-  PhonePaths files{phone_->serial(), {}};
+  PhonePaths files{phone_.serial(), {}};
   for (const QModelIndex& index : indexes) {
     if (index.column() == kName) files.paths.push_back(PathOf(index));
   }

@@ -41,7 +41,7 @@ class FilesModel : public QAbstractTableModel {
   // Takes what was dropped into a folder; false refuses it.
   using OnDrop = std::function<bool(const QMimeData&, Qt::DropAction, const std::string& folder)>;
 
-  FilesModel(Threads& threads, PhonePtr phone, OnDrop on_drop);
+  FilesModel(Threads& threads, dk::Device phone, OnDrop on_drop);
 
   // `rows` as ReadFolder() gives them.
   void Show(const std::string& folder, std::vector<FileRow> rows);
@@ -73,7 +73,7 @@ class FilesModel : public QAbstractTableModel {
   std::vector<std::size_t> Order() const;
   void ShowThumbnail(const std::string& path);
 
-  const PhonePtr phone_;
+  const dk::Device phone_;
   const OnDrop on_drop_;
   std::string folder_;
   std::vector<FileRow> rows_;

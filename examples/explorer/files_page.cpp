@@ -22,7 +22,7 @@ constexpr int kModifiedWidth = 150;
 
 }  // namespace
 
-FilesPage::FilesPage(Threads& threads, PhonePtr phone, TransferQueue& queue)
+FilesPage::FilesPage(Threads& threads, dk::Device phone, TransferQueue& queue)
     : phone_(std::move(phone)),
       queue_(queue),
       model_(threads, phone_,
@@ -47,12 +47,12 @@ FilesPage::FilesPage(Threads& threads, PhonePtr phone, TransferQueue& queue)
     Change({{path, Joined(FolderOf(path), Typed(name)), true}});
   });
   connect(&computer_, &ComputerModel::Dropped, this, [this](const PhonePaths& files, const QString& folder) {
-    if (files.serial == phone_->serial()) {
+    if (files.serial == phone_.serial()) {
       queue_.Pull(phone_, files.paths, QFile::encodeName(folder).toStdString());
     }
   });
   connect(&queue_, &TransferQueue::Ended, this, [this](const TransferPtr& transfer) {
-    if (transfer->kind == Transfer::kPush && transfer->phone->serial() == phone_->serial()) Refresh();
+    if (transfer->kind == Transfer::kPush && transfer->phone.serial() == phone_.serial()) Refresh();
   });
   Open(kFirstFolder);
 }
@@ -121,9 +121,9 @@ void FilesPage::Open(const std::string& folder) {
   wanted_ = folder;
   status_->setText("Reading " + Shown(folder) + " …");
   reading_.Drop();
-  reading_.Run([phone = phone_,
-                folder](const dk::Limits& limits) { return ReadFolder(phone->device, folder, limits); },
-               [this, folder](dk::Result<std::vector<FileRow>> rows) { Show(folder, std::move(rows)); });
+  reading_.Run(
+      [phone = phone_, folder](const dk::Limits& limits) { return ReadFolder(phone, folder, limits); },
+      [this, folder](dk::Result<std::vector<FileRow>> rows) { Show(folder, std::move(rows)); });
 }
 
 void FilesPage::Refresh() {
@@ -156,7 +156,7 @@ std::vector<std::string> FilesPage::Selected() const {
 
 bool FilesPage::Drop(const QMimeData& dropped, Qt::DropAction action, const std::string& folder) {
   const PhonePaths files = FromMimeData(dropped);
-  if (files.serial == phone_->serial()) {
+  if (files.serial == phone_.serial()) {
     Put(files.paths, folder, action == Qt::MoveAction);
     return true;
   }
@@ -172,7 +172,7 @@ void FilesPage::NewFolder() {
   dialog->setLabelText("Name of the new folder:");
   connect(dialog, &QInputDialog::textValueSelected, this, [this, folder = wanted_](const QString& name) {
     changing_.Run([phone = phone_, path = Joined(folder, Typed(name))](
-                      const dk::Limits& limits) { phone->device.make_folder(path, false, limits).value(); },
+                      const dk::Limits& limits) { phone.make_folder(path, false, limits).value(); },
                   [this, folder](const dk::Result<void>& made) {
                     if (!made) ShowErrors(this, {made.error()});
                     tree_->Refresh(folder);
@@ -225,7 +225,7 @@ void FilesPage::Change(const std::vector<Step>& steps, bool replace) {
       [phone = phone_, steps, replace](const dk::Limits& limits) {
         Outcome outcome;
         for (const Step& step : steps) {
-          const dk::Device& device = phone->device;
+          const dk::Device& device = phone;
           const dk::Result<void> done = step.to.empty() ? device.remove(step.from, true, limits)
                                         : step.moves    ? device.move(step.from, step.to, replace, limits)
                                                         : device.copy(step.from, step.to, replace, limits);

@@ -10,7 +10,6 @@
 #include "computer_files.h"
 #include "files_model.h"
 #include "folder_tree.h"
-#include "phone.h"
 #include "tasks.h"
 #include "transfers.h"
 
@@ -21,7 +20,7 @@ class FilesPage : public QWidget {
   Q_OBJECT
 
  public:
-  FilesPage(Threads& threads, PhonePtr phone, TransferQueue& queue);
+  FilesPage(Threads& threads, dk::Device phone, TransferQueue& queue);
 
   // Shows a folder once it is read. Another one meanwhile takes its place.
   void Open(const std::string& folder);
@@ -52,7 +51,7 @@ class FilesPage : public QWidget {
   void Change(const std::vector<Step>& steps, bool replace = false);
   void Changed(const std::vector<Step>& steps);
 
-  const PhonePtr phone_;
+  const dk::Device phone_;
   TransferQueue& queue_;
   FilesModel model_;
   ComputerModel computer_;

@@ -27,7 +27,7 @@ QTreeWidgetItem* NewItem(const QString& title, const std::string& path, const QI
 
 }  // namespace
 
-FolderTree::FolderTree(Threads& threads, PhonePtr phone, FilesModel::OnDrop on_drop)
+FolderTree::FolderTree(Threads& threads, dk::Device phone, FilesModel::OnDrop on_drop)
     : phone_(std::move(phone)), on_drop_(std::move(on_drop)), tasks_(threads, kAtOnce, kTimeout) {
   header()->hide();
   setUniformRowHeights(true);
@@ -49,7 +49,7 @@ void FolderTree::AddTop(const QString& title, const std::string& path) {
 }
 
 void FolderTree::AddVolumes() {
-  tasks_.Run([phone = phone_](const dk::Limits& limits) { return phone->device.volumes(limits).value(); },
+  tasks_.Run([phone = phone_](const dk::Limits& limits) { return phone.volumes(limits).value(); },
              [this](const dk::Result<std::vector<dk::Volume>>& volumes) {
                if (!volumes) return;  // the overview says why
                for (const dk::Volume& volume : volumes.value()) {
@@ -63,7 +63,7 @@ void FolderTree::Read(QTreeWidgetItem* item) {
   item->setData(0, kIsRead, true);
   tasks_.Run(
       [phone = phone_, folder](const dk::Limits& limits) {
-        std::vector<FileRow> rows = ReadFolder(phone->device, folder, limits);
+        std::vector<FileRow> rows = ReadFolder(phone, folder, limits);
         rows.erase(
             std::find_if_not(rows.begin(), rows.end(), [](const FileRow& row) { return row.is_folder(); }),
             rows.end());

@@ -5,7 +5,6 @@
 #include <string>
 
 #include "files_model.h"
-#include "phone.h"
 #include "tasks.h"
 
 namespace explorer {
@@ -15,7 +14,7 @@ class FolderTree : public QTreeWidget {
   Q_OBJECT
 
  public:
-  FolderTree(Threads& threads, PhonePtr phone, FilesModel::OnDrop on_drop);
+  FolderTree(Threads& threads, dk::Device phone, FilesModel::OnDrop on_drop);
 
   // Reads this folder again where it is open.
   void Refresh(const std::string& folder);
@@ -35,7 +34,7 @@ class FolderTree : public QTreeWidget {
   void Read(QTreeWidgetItem* item);
   void Fill(const std::string& folder, const std::vector<FileRow>& rows);
 
-  const PhonePtr phone_;
+  const dk::Device phone_;
   const FilesModel::OnDrop on_drop_;
   Tasks tasks_;
 };

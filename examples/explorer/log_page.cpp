@@ -132,7 +132,7 @@ bool LogFilter::filterAcceptsRow(int row, const QModelIndex&) const {
          (line.tag.contains(word_, Qt::CaseInsensitive) || line.text.contains(word_, Qt::CaseInsensitive));
 }
 
-LogPage::LogPage(Threads& threads, PhonePtr phone)
+LogPage::LogPage(Threads& threads, dk::Device phone)
     : threads_(threads),
       phone_(std::move(phone)),
       filter_(model_),
@@ -200,7 +200,7 @@ void LogPage::Start() {
         const auto on_end = [buffer](dk_code, const dk::Error* error) {
           buffer->End(error == nullptr ? QString() : Sentence(*error));
         };
-        return std::make_shared<dk::Log>(phone->device.log(options, on_record, on_end, limits).value());
+        return std::make_shared<dk::Log>(phone.log(options, on_record, on_end, limits).value());
       },
       [this](const dk::Result<std::shared_ptr<dk::Log>>& log) {
         if (log) {

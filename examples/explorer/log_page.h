@@ -13,7 +13,6 @@
 #include <mutex>
 #include <vector>
 
-#include "phone.h"
 #include "tasks.h"
 
 namespace explorer {
@@ -89,7 +88,7 @@ class LogPage : public QWidget {
   Q_OBJECT
 
  public:
-  LogPage(Threads& threads, PhonePtr phone);
+  LogPage(Threads& threads, dk::Device phone);
   ~LogPage() override;
 
  protected:
@@ -103,7 +102,7 @@ class LogPage : public QWidget {
   void Drain();
 
   Threads& threads_;
-  const PhonePtr phone_;
+  const dk::Device phone_;
   LogModel model_;
   LogFilter filter_;
   QTreeView* const view_;

@@ -27,7 +27,7 @@ int main(int argc, char** argv) {
   options.adb_path = QStandardPaths::findExecutable("adb").toStdString();
   try {
     explorer::Threads threads;  // outlives the window; waits for calls that are still ending
-    explorer::MainWindow window(threads, std::make_shared<dk::Client>(options));
+    explorer::MainWindow window(threads, dk::Client(options));
     window.show();
     return QApplication::exec();
   } catch (const dk::Error& error) {

@@ -1,6 +1,7 @@
 #include "main_window.h"
 
 #include <QCloseEvent>
+#include <QMessageBox>
 #include <QSplitter>
 #include <QToolBar>
 
@@ -23,11 +24,11 @@ constexpr int kTransfersHeight = 190;
 
 }  // namespace
 
-MainWindow::MainWindow(Threads& threads, std::shared_ptr<const dk::Client> client)
+MainWindow::MainWindow(Threads& threads, dk::Client client)
     : threads_(threads),
       client_(std::move(client)),
       transfers_(threads),
-      phones_(*client_),
+      phones_(client_),
       list_(new QListView),
       stack_(new QStackedWidget),
       message_(new QLabel) {
@@ -86,7 +87,7 @@ void MainWindow::ShowChosen() {
   const dk::DeviceInfo& info = phones_.phone(row);
   if (pages_.find(info.serial) == pages_.end()) {
     // To open a phone by its serial asks nobody, so that the window may do it.
-    const auto phone = std::make_shared<Phone>(Phone{client_, client_->open(info.serial).value()});
+    const dk::Device phone = client_.open(info.serial).value();
     Pages pages{phone, NewPages(phone), info.transport_id};
     stack_->addWidget(pages.widget);
     pages_.emplace(info.serial, pages);
@@ -94,7 +95,7 @@ void MainWindow::ShowChosen() {
   stack_->setCurrentWidget(pages_.at(info.serial).widget);
 }
 
-QWidget* MainWindow::NewPages(const PhonePtr& phone) {
+QWidget* MainWindow::NewPages(const dk::Device& phone) {
   auto* pages = new QTabWidget;
   pages->addTab(new OverviewPage(threads_, phone), "Overview");
   pages->addTab(new FilesPage(threads_, phone, transfers_), "Files");
@@ -130,7 +131,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
   if (!transfers_.is_busy()) return event->accept();
   // Not while the client still removes what is incomplete; that ends with Idle.
   event->ignore();
-  if (closing_) return;
+  if (closing_ || findChild<QMessageBox*>(QString(), Qt::FindDirectChildrenOnly) != nullptr) return;
   Ask(this, "Transfers are running. Cancel them and close? Files that are complete are kept.",
       "Cancel and close", [this] {
         closing_ = true;

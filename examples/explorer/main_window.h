@@ -20,7 +20,7 @@ class MainWindow : public QMainWindow {
 
  public:
   // Throws dk::Error when the watch cannot start.
-  MainWindow(Threads& threads, std::shared_ptr<const dk::Client> client);
+  MainWindow(Threads& threads, dk::Client client);
 
   PhoneList& phones() { return phones_; }
   TransferQueue& transfers() { return transfers_; }
@@ -36,18 +36,18 @@ class MainWindow : public QMainWindow {
   void MakeLayout();
   void PhonesChanged();
   void ShowChosen();
-  QWidget* NewPages(const PhonePtr& phone);
+  QWidget* NewPages(const dk::Device& phone);
   QString Message(int row) const;
 
   Threads& threads_;
-  const std::shared_ptr<const dk::Client> client_;
+  const dk::Client client_;
   TransferQueue transfers_;
   PhoneList phones_;
   QListView* const list_;
   QStackedWidget* const stack_;
   QLabel* const message_;  // where there is no page to show
   struct Pages {
-    PhonePtr phone;
+    dk::Device phone;
     QWidget* widget;
     std::uint64_t transport_id;  // a phone that was plugged again is asked again
   };

@@ -16,11 +16,11 @@ constexpr int kPercent = 100;
 
 }  // namespace
 
-OverviewPage::OverviewPage(Threads& threads, PhonePtr phone)
+OverviewPage::OverviewPage(Threads& threads, dk::Device phone)
     : phone_(std::move(phone)), facts_(new QFormLayout), tasks_(threads, 2, kTimeout) {
   auto* layout = new QVBoxLayout(this);
   layout->addLayout(facts_);
-  AddFact("Serial")->setText(Shown(phone_->serial()));
+  AddFact("Serial")->setText(Shown(phone_.serial()));
   model_ = AddFact("Model");
   android_ = AddFact("Android");
   build_ = AddFact("Build");
@@ -47,7 +47,7 @@ QLabel* OverviewPage::AddFact(const QString& title) {
 template <typename Question, typename Show>
 void OverviewPage::AskFor(QLabel* label, Question question, Show show) {
   const auto ask = [phone = phone_, question](const dk::Limits& limits) {
-    return question(phone->device, limits).value();
+    return question(phone, limits).value();
   };
   using Answer = std::invoke_result_t<decltype(ask), const dk::Limits&>;
   tasks_.Run(ask, [label, show](const dk::Result<Answer>& answer) {
@@ -57,7 +57,7 @@ void OverviewPage::AskFor(QLabel* label, Question question, Show show) {
 
 void OverviewPage::AskAll() {
   if (!tasks_.idle()) return;  // the last round has not ended
-  tasks_.Run([phone = phone_](const dk::Limits& limits) { return phone->device.properties(limits).value(); },
+  tasks_.Run([phone = phone_](const dk::Limits& limits) { return phone.properties(limits).value(); },
              [this](const dk::Result<Properties>& properties) {
                if (properties) ShowProperties(properties.value());
              });

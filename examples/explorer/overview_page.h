@@ -7,7 +7,6 @@
 #include <QWidget>
 #include <map>
 
-#include "phone.h"
 #include "tasks.h"
 
 namespace explorer {
@@ -17,7 +16,7 @@ class OverviewPage : public QWidget {
   Q_OBJECT
 
  public:
-  OverviewPage(Threads& threads, PhonePtr phone);
+  OverviewPage(Threads& threads, dk::Device phone);
 
  protected:
   void showEvent(QShowEvent* event) override;
@@ -34,7 +33,7 @@ class OverviewPage : public QWidget {
   void ShowProperties(const Properties& properties);
   void ShowVolumes(const std::vector<dk::Volume>& volumes);
 
-  const PhonePtr phone_;
+  const dk::Device phone_;
   QFormLayout* const facts_;
   QVBoxLayout* volumes_ = nullptr;
   QLabel *model_, *android_, *build_, *battery_, *screen_, *memory_, *storage_;

@@ -19,7 +19,7 @@ constexpr QSize kPictureSize(320, 560);
 
 }  // namespace
 
-ScreenshotDialog::ScreenshotDialog(Threads& threads, PhonePtr phone, QWidget* parent)
+ScreenshotDialog::ScreenshotDialog(Threads& threads, dk::Device phone, QWidget* parent)
     : QDialog(parent), phone_(std::move(phone)), picture_(new QLabel), tasks_(threads, 1, kTimeout) {
   setAttribute(Qt::WA_DeleteOnClose);
   setWindowTitle("Screenshot");
@@ -45,7 +45,7 @@ ScreenshotDialog::ScreenshotDialog(Threads& threads, PhonePtr phone, QWidget* pa
 void ScreenshotDialog::Take() {
   for (QPushButton* button : {again_, save_, copy_}) button->setEnabled(false);
   picture_->setText("Asking the phone …");
-  tasks_.Run([phone = phone_](const dk::Limits& limits) { return phone->device.screenshot(limits).value(); },
+  tasks_.Run([phone = phone_](const dk::Limits& limits) { return phone.screenshot(limits).value(); },
              [this](const dk::Result<std::string>& png) { Show(png); });
 }
 

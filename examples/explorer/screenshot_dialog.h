@@ -5,7 +5,6 @@
 #include <QLabel>
 #include <QPushButton>
 
-#include "phone.h"
 #include "tasks.h"
 
 namespace explorer {
@@ -15,7 +14,7 @@ class ScreenshotDialog : public QDialog {
   Q_OBJECT
 
  public:
-  ScreenshotDialog(Threads& threads, PhonePtr phone, QWidget* parent);
+  ScreenshotDialog(Threads& threads, dk::Device phone, QWidget* parent);
 
   void SaveAs(const QString& file);
 
@@ -24,7 +23,7 @@ class ScreenshotDialog : public QDialog {
   void Show(const dk::Result<std::string>& png);
   void ChooseFile();
 
-  const PhonePtr phone_;
+  const dk::Device phone_;
   QByteArray png_;  // as the phone made it
   QLabel* const picture_;
   QPushButton *again_, *save_, *copy_;

@@ -53,7 +53,7 @@ QImage ReadThumbnail(const dk::Device& phone, const std::string& path, std::uint
 
 }  // namespace
 
-Thumbnails::Thumbnails(Threads& threads, PhonePtr phone)
+Thumbnails::Thumbnails(Threads& threads, dk::Device phone)
     : phone_(std::move(phone)), icons_(kMostKept), tasks_(threads, kAtOnce, kTimeout) {}
 
 bool Thumbnails::IsPicture(const std::string& name) {
@@ -88,15 +88,13 @@ void Thumbnails::ReadNext() {
   const Wanted wanted = wanted_.front();
   wanted_.pop_front();
   ++running_;
-  tasks_.Run(
-      [phone = phone_, wanted](const dk::Limits& limits) {
-        return ReadThumbnail(phone->device, wanted.path, wanted.size, limits);
-      },
-      [this, path = wanted.path](dk::Result<QImage> image) {
-        --running_;
-        Keep(path, std::move(image).value_or(QImage()));
-        ReadNext();
-      });
+  tasks_.Run([phone = phone_, wanted](
+                 const dk::Limits& limits) { return ReadThumbnail(phone, wanted.path, wanted.size, limits); },
+             [this, path = wanted.path](dk::Result<QImage> image) {
+               --running_;
+               Keep(path, std::move(image).value_or(QImage()));
+               ReadNext();
+             });
 }
 
 void Thumbnails::Keep(const std::string& path, const QImage& image) {

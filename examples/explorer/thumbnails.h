@@ -8,7 +8,6 @@
 #include <deque>
 #include <string>
 
-#include "phone.h"
 #include "tasks.h"
 
 namespace explorer {
@@ -21,7 +20,7 @@ class Thumbnails : public QObject {
  public:
   static constexpr int kSide = 40;  // pixels
 
-  Thumbnails(Threads& threads, PhonePtr phone);
+  Thumbnails(Threads& threads, dk::Device phone);
 
   // Whether a file of this name can have one.
   static bool IsPicture(const std::string& name);
@@ -41,7 +40,7 @@ class Thumbnails : public QObject {
   void ReadNext();
   void Keep(const std::string& path, const QImage& image);
 
-  PhonePtr phone_;
+  const dk::Device phone_;
   QCache<QByteArray, QIcon> icons_;  // an empty icon: it has no thumbnail
   std::deque<Wanted> wanted_;
   QSet<QByteArray> asked_;

@@ -20,7 +20,7 @@ std::vector<dk::Item> ItemsInto(const std::string& folder, const std::vector<std
 
 }  // namespace
 
-Transfer::Transfer(Kind of_kind, PhonePtr of_phone, QString with_title, std::vector<dk::Item> with_items,
+Transfer::Transfer(Kind of_kind, dk::Device of_phone, QString with_title, std::vector<dk::Item> with_items,
                    dk_existing existing)
     : kind(of_kind),
       phone(std::move(of_phone)),
@@ -85,8 +85,7 @@ dk::Result<dk_summary> Transfer::Copy(const dk::Limits& limits) {
     AddError(error);
     return true;
   };
-  return kind == kPush ? phone->device.push(items, options, limits)
-                       : phone->device.pull(items, options, limits);
+  return kind == kPush ? phone.push(items, options, limits) : phone.pull(items, options, limits);
 }
 
 dk::Result<dk_summary> Transfer::Install(const dk::Limits& limits) {
@@ -98,7 +97,7 @@ dk::Result<dk_summary> Transfer::Install(const dk::Limits& limits) {
   };
   std::vector<std::string> apks;
   for (const dk::Item& item : items) apks.push_back(item.source);
-  const dk::Result<void> installed = phone->device.install(apks, options, limits);
+  const dk::Result<void> installed = phone.install(apks, options, limits);
   if (!installed) return installed.error();
   return dk_summary{};
 }
@@ -124,23 +123,23 @@ TransferQueue::~TransferQueue() {
   CancelAll();
 }
 
-void TransferQueue::Push(const PhonePtr& phone, const std::vector<std::string>& local,
+void TransferQueue::Push(const dk::Device& phone, const std::vector<std::string>& local,
                          const std::string& folder) {
   Add(std::make_shared<Transfer>(Transfer::kPush, phone,
                                  QString("%1 to %2").arg(Counted(local), Shown(folder)),
                                  ItemsInto(folder, local), existing_));
 }
 
-void TransferQueue::Pull(const PhonePtr& phone, const std::vector<std::string>& paths,
+void TransferQueue::Pull(const dk::Device& phone, const std::vector<std::string>& paths,
                          const std::string& folder) {
   Pull(phone, QString("%1 to %2").arg(Counted(paths), Shown(folder)), ItemsInto(folder, paths));
 }
 
-void TransferQueue::Pull(const PhonePtr& phone, const QString& title, const std::vector<dk::Item>& items) {
+void TransferQueue::Pull(const dk::Device& phone, const QString& title, const std::vector<dk::Item>& items) {
   Add(std::make_shared<Transfer>(Transfer::kPull, phone, title, items, existing_));
 }
 
-void TransferQueue::Install(const PhonePtr& phone, const std::vector<std::string>& apks) {
+void TransferQueue::Install(const dk::Device& phone, const std::vector<std::string>& apks) {
   std::vector<dk::Item> items;
   for (const std::string& apk : apks) items.push_back({apk, {}});
   Add(std::make_shared<Transfer>(Transfer::kInstall, phone, QString("Installing %1").arg(Counted(apks)),
@@ -165,7 +164,7 @@ void TransferQueue::Start(const TransferPtr& transfer) {
   ++running_;
   transfers_.push_back(transfer);
   emit Busy();
-  Tasks& tasks = tasks_.try_emplace(transfer->phone->serial(), threads_).first->second;
+  Tasks& tasks = tasks_.try_emplace(transfer->phone.serial(), threads_).first->second;
   tasks.Run([transfer](const dk::Limits&) { transfer->Run(); },  // which has a token of its own
             [this, transfer](const dk::Result<void>&) {
               transfer->Finish();

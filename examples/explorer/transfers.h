@@ -10,7 +10,6 @@
 #include <string>
 #include <vector>
 
-#include "phone.h"
 #include "tasks.h"
 
 namespace explorer {
@@ -38,10 +37,10 @@ class Transfer {
   };
 
   // Of an installation, the targets are not used. With DK_FAIL_IF_EXISTS the user is asked about existing files at the end.
-  Transfer(Kind kind, PhonePtr phone, QString title, std::vector<dk::Item> items, dk_existing existing);
+  Transfer(Kind kind, dk::Device phone, QString title, std::vector<dk::Item> items, dk_existing existing);
 
   const Kind kind;
-  const PhonePtr phone;
+  const dk::Device phone;
   const QString title;
   const std::vector<dk::Item> items;
 
@@ -88,13 +87,13 @@ class TransferQueue : public QObject {
   void set_existing(dk_existing existing) { existing_ = existing; }
 
   // Local files and folders into a folder of the phone.
-  void Push(const PhonePtr& phone, const std::vector<std::string>& local, const std::string& folder);
+  void Push(const dk::Device& phone, const std::vector<std::string>& local, const std::string& folder);
   // The phone's files and folders into a folder of this computer.
-  void Pull(const PhonePtr& phone, const std::vector<std::string>& paths, const std::string& folder);
+  void Pull(const dk::Device& phone, const std::vector<std::string>& paths, const std::string& folder);
   // Each path under a name of its own.
-  void Pull(const PhonePtr& phone, const QString& title, const std::vector<dk::Item>& items);
+  void Pull(const dk::Device& phone, const QString& title, const std::vector<dk::Item>& items);
   // One application, which may have several APKs.
-  void Install(const PhonePtr& phone, const std::vector<std::string>& apks);
+  void Install(const dk::Device& phone, const std::vector<std::string>& apks);
 
   // Once more, with another answer to what to do with existing files. Files that were transferred before count as existing.
   void Again(const TransferPtr& transfer, dk_existing existing);

@@ -238,7 +238,7 @@ class FilesTest : public QObject {
       noise.setPixel(i % 400, i / 400, QRandomGenerator::global()->generate());
     noise.save(QString::fromStdString((storage_ / "DCIM/Camera/scan.png").native()));
     QVERIFY(fs::file_size(storage_ / "DCIM/Camera/scan.png") > 128 * 1024);
-    WriteFile(storage_ / "DCIM/Camera/not a picture.jpg", "text");
+    WriteFile(storage_ / "DCIM/Camera/text only.jpg", "text");
     Open("/sdcard/DCIM/Camera");
     const auto picture = [&](int row) {
       return model().data(model().index(row, 0), Qt::DecorationRole).value<QIcon>().pixmap(40, 40).toImage();

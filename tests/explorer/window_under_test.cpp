@@ -57,7 +57,7 @@ WindowUnderTest::WindowUnderTest(const SimulatedPhones& phones)
     : threads_(std::make_unique<explorer::Threads>()) {
   dk::ClientOptions options;
   options.server = "tcp:" + phones.port();
-  window_ = std::make_unique<explorer::MainWindow>(*threads_, std::make_shared<dk::Client>(options));
+  window_ = std::make_unique<explorer::MainWindow>(*threads_, dk::Client(options));
   window_->show();
   QTest::qWait(1);  // what a window does once, before it is seen
   heartbeat_ = std::make_unique<Heartbeat>();
