@@ -180,6 +180,22 @@ TEST_F(Refused, AFolderInPlaceOfAnApk) {
   EXPECT_EQ(dk_app_install(device_, apks + 1, 1, nullptr, nullptr), DK_NOT_FOUND);
 }
 
+TEST(Install, EndsWhereTheFileChangesWhileItIsRead) {
+  const test::TemporaryDirectory directory;
+  std::string apk = directory.File("a.apk");
+  test::WriteFile(apk, std::string(200'000, 'x'));
+  const SpoiltPhone phone(true);
+  const Client client(phone.address());
+  dk_install_options options = DK_INSTALL_OPTIONS_INIT;
+  options.user = &apk;
+  options.on_progress = [](void* user, uint64_t done, uint64_t) {
+    if (done > 0) test::WriteFile(*static_cast<std::string*>(user), "");
+    return true;
+  };
+  const char* const apks[] = {apk.c_str()};
+  EXPECT_EQ(dk_app_install(client.device(), apks, 1, &options, nullptr), DK_CHANGED);
+}
+
 TEST(Tokens, AreSetAndReset) {
   dk_cancel* cancel = nullptr;
   ASSERT_EQ(dk_cancel_new(&cancel), DK_OK);

@@ -79,6 +79,22 @@ TEST(OldServers, DoNotPair) {
   EXPECT_EQ(dk_pair(client.context(), "10.0.0.1:4000", "123456", nullptr), DK_UNSUPPORTED);
 }
 
+// What the server says of an address is in the text of a success.
+TEST(Servers, SayWhyTheyDoNotConnect) {
+  const std::string words = "failed to connect to '10.0.0.1:5555': Connection refused";
+  const test::ScriptedServer server([&](int connection) {
+    test::ReadRequest(connection);
+    test::WriteBytes(connection, "OKAY" + test::Request(words));
+  });
+  const Client client(server.name());
+  dk_error* error = nullptr;
+  dk_call call = DK_CALL_INIT;
+  call.error = &error;
+  EXPECT_EQ(dk_connect(client.context(), "10.0.0.1:5555", &call), DK_SERVER_REFUSED);
+  EXPECT_EQ(dk_error_words(error), words);
+  dk_error_free(error);
+}
+
 TEST(OldPhones, BeforeAndroid7TakeNoInputForACommand) {
   const PhoneOfLevel phone("", 23);
   dk_run_options options = DK_RUN_OPTIONS_INIT;

@@ -80,6 +80,10 @@ TEST_P(Files, LinksAreLookedAtOrFollowed) {
   EXPECT_EQ(phone().stat("/sdcard/t/broken").code(), DK_NOT_FOUND);
 }
 
+TEST_P(Files, ThatAreNeitherFilesNorFoldersAreSpecial) {
+  EXPECT_EQ(phone().stat("/dev/null").value().type, DK_SPECIAL);
+}
+
 TEST_P(Files, OfAnyNameAreMadeFoundMovedCopiedAndRemoved) {
   ASSERT_TRUE(phone().make_folder("/sdcard/t"));
   for (const std::string& name : kAwkward) {

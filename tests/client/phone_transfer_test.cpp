@@ -274,6 +274,11 @@ TEST_P(Transfers, LinksLeadNowhere) {
   EXPECT_EQ(Shell("cat /sdcard/tree/inside"), "content");
   EXPECT_EQ(phone().stat("/sdcard/tree/out").code(), DK_NOT_FOUND);
 
+  // A link that is named itself is what it leads to.
+  Shell("ln -s /sdcard/tree/file /data/local/tmp/link");
+  EXPECT_TRUE(phone().pull({{"/data/local/tmp/link", Host("followed")}}, DK_TRANSFER_OPTIONS_INIT));
+  EXPECT_EQ(ReadFile(Host("followed")), "content");
+
   // A link that is here already is not written through.
   fs::create_directories(Host("target"));
   fs::create_directories(Host("elsewhere"));
@@ -294,6 +299,21 @@ TEST_P(Transfers, MemoryIsWrittenAsAFile) {
   ASSERT_TRUE(phone().write("/sdcard/new/from memory", "other", 0600, true));
   EXPECT_EQ(Shell("cat '/sdcard/new/from memory'"), "other");
   ExpectNoTemporaryFiles("/sdcard/new");
+}
+
+// The phone's shell reaches them from folder to folder.
+TEST_P(Transfers, FilesAndFoldersBeyondAdbsLongestPathAreErrorsOfTheirOwn) {
+  const std::string name(200, 'd');
+  Shell("cd /sdcard; for i in 1 2 3 4 5; do mkdir " + name + " && cd " + name +
+        "; done; echo x > ok; echo x > " + std::string(100, 'f') + "; mkdir " + std::string(100, 'g'));
+  Calls calls;
+  EXPECT_EQ(phone().pull({{"/sdcard/" + name, Host("deep")}}, Options(&calls)).code(), DK_PARTLY_DONE);
+  EXPECT_EQ(calls.errors, std::vector<dk_code>(2, DK_NAME_TOO_LONG));
+  EXPECT_EQ(Content(Host("deep")).size(), 1U);
+  int found = 0;
+  EXPECT_EQ(phone().walk("/sdcard/" + name, {}, [&](const dk_entry&) { return ++found > 0; }).code(),
+            DK_PARTLY_DONE);
+  EXPECT_EQ(found, 7);
 }
 
 TEST_P(Transfers, AFileThatChangesWhileItIsReadIsNotSent) {

@@ -1,0 +1,165 @@
+// Connections that break during transfers of many files without a word about which of them it is for, as daemons do that refuse
+// one while others follow: each is then tried alone.
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <filesystem>
+#include <map>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "tests/client/calls.h"
+#include "tests/support/file_content.h"
+#include "tests/support/scripted_server.h"
+#include "tests/support/temporary_directory.h"
+
+namespace darokleim::client_test {
+namespace {
+
+using test::Number32;
+using test::Number64;
+using test::ReadBytes;
+using test::WriteBytes;
+
+constexpr int kFiles = 20;
+constexpr char kBad[] = "7";
+
+// Ends the connection at the file of the name kBad: with the reason when nothing follows, otherwise without.
+class AbruptPhone {
+ public:
+  AbruptPhone()
+      : phone_("shell_v2,stat_v2,ls_v2",
+               [this](const std::string& service, int connection) { Serve(service, connection); }),
+        client_("tcp:" + phone_.port()) {}
+
+  dk_device* device() const { return client_.device(); }
+  int ended_connections() const { return ended_; }
+  std::map<std::string, std::string> files() const {
+    const std::lock_guard lock(mutex_);
+    return files_;
+  }
+
+ private:
+  static std::uint32_t Length(const std::string& header) {
+    return static_cast<unsigned char>(header[4]) |
+           static_cast<std::uint32_t>(static_cast<unsigned char>(header[5])) << 8;
+  }
+  static std::string Status(const std::string& id, const std::string& path) {
+    const bool is_folder = path == "/sdcard";
+    const bool is_there = is_folder || path.find("new") == std::string::npos;
+    return id + Number32(is_there ? 0 : 2) + Number64(1) + Number64(2) +
+           Number32(is_folder  ? 040755
+                    : is_there ? 0100644
+                               : 0) +
+           Number32(1) + Number32(0) + Number32(0) + Number64(7) + Number64(7) + Number64(7) + Number64(7);
+  }
+
+  void Serve(const std::string& service, int connection) {
+    WriteBytes(connection, "OKAY");
+    if (service != "sync:") {
+      WriteBytes(connection, "\3" + Number32(1) + '\0');
+      return;
+    }
+    for (std::string header = ReadBytes(connection, 8); header.size() == 8;
+         header = ReadBytes(connection, 8)) {
+      const std::string id = header.substr(0, 4), path = ReadBytes(connection, Length(header));
+      const bool goes_on = id == "SEND"   ? Take(path.substr(0, path.rfind(',')), connection)
+                           : id == "RECV" ? Give(path, connection)
+                                          : WriteBytes(connection, Status(id, path));
+      if (!goes_on) return;
+    }
+  }
+
+  bool IsBad(const std::string& path) {
+    if (path.substr(path.rfind('/') + 1) != kBad) return false;
+    ++ended_;
+    return true;
+  }
+  // The first time the client has sent, or asked for, more already.
+  bool End(int connection) {
+    if (ended_ > 1) WriteBytes(connection, "FAIL" + Number32(17) + "Permission denied");
+    return false;
+  }
+
+  bool Take(const std::string& path, int connection) {
+    std::string content;
+    for (std::string header = ReadBytes(connection, 8); header.rfind("DATA", 0) == 0;
+         header = ReadBytes(connection, 8))
+      content += ReadBytes(connection, Length(header));
+    if (IsBad(path)) return End(connection);
+    const std::lock_guard lock(mutex_);
+    files_[path.substr(path.rfind('/') + 1)] = content;
+    return WriteBytes(connection, "OKAY" + Number32(0));
+  }
+
+  bool Give(const std::string& path, int connection) {
+    if (IsBad(path)) return End(connection);
+    return WriteBytes(connection, "DATA" + Number32(7) + "contentDONE" + Number32(0));
+  }
+
+  mutable std::mutex mutex_;
+  std::map<std::string, std::string> files_;
+  std::atomic<int> ended_{0};
+  const test::ScriptedPhone phone_;
+  const Client client_;
+};
+
+class BrokenTransfers : public testing::Test {
+ protected:
+  using Run = decltype(&dk_push);
+
+  void Transfer(Run run, const std::string& source, const std::string& target) {
+    std::vector<std::string> names;
+    for (int i = 0; i < kFiles; ++i) {
+      names.push_back(source + std::to_string(i));
+      names.push_back(target + std::to_string(i));
+    }
+    std::vector<dk_item> items;
+    for (std::size_t i = 0; i < names.size(); i += 2)
+      items.push_back({names[i].c_str(), names[i + 1].c_str()});
+    dk_transfer_options options = DK_TRANSFER_OPTIONS_INIT;
+    options.keep_going = true;
+    options.user = this;
+    options.on_error = [](void* user, const dk_error* error) {
+      auto& test = *static_cast<BrokenTransfers*>(user);
+      test.errors_.push_back(dk_error_code(error));
+      test.paths_.emplace_back(dk_error_path(error));
+      return true;
+    };
+    dk_summary summary;
+    EXPECT_EQ(run(phone_.device(), items.data(), items.size(), &options, &summary, nullptr), DK_PARTLY_DONE);
+    EXPECT_EQ(summary.files_sent, kFiles - 1U);
+    EXPECT_EQ(summary.files_failed, 1U);
+    EXPECT_EQ(errors_, std::vector<dk_code>{DK_ACCESS_DENIED});
+    EXPECT_EQ(phone_.ended_connections(), 2);
+  }
+
+  const AbruptPhone phone_;
+  const test::TemporaryDirectory directory_;
+  std::vector<dk_code> errors_;
+  std::vector<std::string> paths_;
+};
+
+TEST_F(BrokenTransfers, SendEveryFileButTheOneThatIsRefused) {
+  for (int i = 0; i < kFiles; ++i) test::WriteFile(directory_.File(std::to_string(i)), "content");
+  Transfer(dk_push, directory_.path().native() + "/", "/sdcard/new/");
+  EXPECT_EQ(paths_, std::vector<std::string>{"/sdcard/new/7"});
+  const auto files = phone_.files();
+  EXPECT_EQ(files.size(), kFiles - 1U);
+  for (const auto& [name, content] : files) EXPECT_EQ(content, "content") << name;
+}
+
+TEST_F(BrokenTransfers, FetchEveryFileButTheOneThatIsRefused) {
+  Transfer(dk_pull, "/sdcard/", directory_.path().native() + "/");
+  EXPECT_EQ(paths_, std::vector<std::string>{"/sdcard/7"});
+  for (int i = 0; i < kFiles; ++i) {
+    const std::string file = directory_.File(std::to_string(i));
+    EXPECT_EQ(std::filesystem::exists(file), std::to_string(i) != kBad) << i;
+    if (std::to_string(i) == kBad) continue;
+    EXPECT_EQ(test::ReadFile(file), "content") << i;
+  }
+}
+
+}  // namespace
+}  // namespace darokleim::client_test
