@@ -15,7 +15,7 @@ namespace {
 // Targets that are looked at together.
 constexpr std::size_t kCheckedTogether = 128;
 // A transfer that waits until the phone is free of what killed processes left, which may be as large.
-constexpr std::uint64_t kLargeTransfer = std::uint64_t{64} * 1024 * 1024;
+constexpr std::uint64_t kLargeTransfer = std::uint64_t{512} * 1024 * 1024;
 
 class Push {
  public:

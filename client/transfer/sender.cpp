@@ -22,6 +22,9 @@ constexpr std::size_t kMostUnanswered = 256;
 // half of it is sent.
 constexpr std::size_t kMostStaged = 1024;
 constexpr std::uint64_t kMostBytesStaged = std::uint64_t{16} * 1024 * 1024;
+// Towards the end, when as many have arrived as are left, so that not many wait for their names after the last one. Of fewer a
+// command for their names alone takes longer.
+constexpr std::size_t kWorthACommand = 200;
 constexpr std::uint64_t kShortTransfer = std::uint64_t{4} * 1024 * 1024;
 
 constexpr std::uint32_t kUsualPermissions = 0644;
@@ -79,7 +82,10 @@ bool Sender::IsToCommitBefore(const HostFile& file) const {
 }
 
 Status Sender::CommitIfMuch() {
-  return staging_.waiting() < kMostStaged && bytes_staged_ < kMostBytesStaged ? Status() : Commit();
+  const std::size_t waiting = staging_.waiting();
+  const std::uint64_t left = tally_->files_left();
+  const bool are_few_left = left >= kWorthACommand && waiting >= left;
+  return waiting >= kMostStaged || bytes_staged_ >= kMostBytesStaged || are_few_left ? Commit() : Status();
 }
 
 Status Sender::Commit() {

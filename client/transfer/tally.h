@@ -28,6 +28,9 @@ class Tally {
   }
 
   std::uint64_t expected_bytes() const { return progress_.bytes_total; }
+  std::uint64_t files_left() const {
+    return progress_.files_total - progress_.files_done - summary_.files_failed;
+  }
   std::uint64_t bytes_done() const { return progress_.bytes_done; }
 
   // A file is begun; its path must live until the next one.
