@@ -60,8 +60,8 @@ TEST_P(Devices, AWatchIsStoppedFromWithinItsCallback) {
     dk_watch* watch = nullptr;
     std::mutex started;
   };
-  // The callback may still be returning when the test ends.
-  static std::deque<State> kept;
+  // Never freed: the callback may still be returning when the program ends.
+  static auto& kept = *new std::deque<State>;
   State& state = kept.emplace_back();
   {
     const std::lock_guard lock(state.started);
