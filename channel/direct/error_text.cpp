@@ -7,10 +7,19 @@
 
 namespace darokleim::channel::direct {
 
+#if defined(__APPLE__)
+// macOS has no strerror_l; its texts are English in every language.
+std::string ErrorText(int error) {
+  char text[256] = "";
+  strerror_r(error, text, sizeof(text));
+  return text;
+}
+#else
 std::string ErrorText(int error) {
   static const locale_t c_locale = newlocale(LC_ALL_MASK, "C", nullptr);
   return strerror_l(error, c_locale);
 }
+#endif
 
 int ErrorOfPhone(uint32_t error) {
   constexpr struct {
