@@ -163,9 +163,10 @@ Status Connection::AwaitOutput(const Limits& limits) {
   return {};
 }
 
-void Connection::Poll() {
+bool Connection::Poll() {
   size_t received = 0;
   if (HasRoom()) ReceiveNow({}, &received);
+  return !ended_;
 }
 
 bool Connection::HasNews() {

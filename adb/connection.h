@@ -60,8 +60,8 @@ class Connection {
   Result<size_t> Read(std::span<char> target, const Limits& limits);
   // Exactly as many bytes as `target` has.
   Status ReadExactly(std::span<char> target, std::string_view expected, const Limits& limits);
-  // Takes what has arrived by now into the buffer, without waiting.
-  void Poll();
+  // Takes what has arrived by now into the buffer, as far as there is room, without waiting. False: the stream has ended.
+  bool Poll();
 
   // kConnectionBroken: the stream has ended where `expected` should have come.
   Error Broken(std::string_view expected) const;

@@ -11,7 +11,14 @@ namespace darokleim::adb {
 namespace {
 
 // A packet of the second form: its kind, a length in four bytes, and that many bytes.
-enum PacketId : std::uint8_t { kInput = 0, kOutput = 1, kErrors = 2, kExit = 3, kCloseInput = 4 };
+enum PacketId : std::uint8_t {
+  kInput = 0,
+  kOutput = 1,
+  kErrors = 2,
+  kExit = 3,
+  kCloseInput = 4,
+  kWindowSize = 5  // "24x80,0x0": rows, columns, and pixels, which nobody knows
+};
 constexpr size_t kHeader = 5;
 // Daemons send at most what fits into one of their messages.
 constexpr size_t kLongestPacket = 1024 * 1024;
@@ -185,6 +192,25 @@ void ShellSession::QueueInput(std::string_view data) {
   }
 }
 
+void ShellSession::QueueEndOfInput() {
+  if (form_ == ShellForm::kV2) QueuePacket(kCloseInput, {});
+}
+
+void ShellSession::QueueWindowSize(std::uint16_t rows, std::uint16_t columns) {
+  if (form_ == ShellForm::kV2)
+    QueuePacket(kWindowSize, std::to_string(rows) + "x" + std::to_string(columns) + ",0x0");
+}
+
+Result<bool> ShellSession::Advance(const Receive& receive) {
+  connection_.WriteSome();
+  const bool goes_on = connection_.Poll();
+  Result<bool> ended = Deliver(receive);
+  if (!ended.ok() || *ended || goes_on) return ended;
+  if (form_ == ShellForm::kV2) return connection_.Broken("the shell's exit status");
+  ended_ = true;
+  return true;
+}
+
 Status ShellSession::WriteInput(std::string_view data, const Limits& limits) {
   QueueInput(data);
   return connection_.Flush(limits);
@@ -193,7 +219,7 @@ Status ShellSession::WriteInput(std::string_view data, const Limits& limits) {
 Status ShellSession::CloseInput(const Limits& limits) {
   if (form_ != ShellForm::kV2)
     return Error{ErrorCode::kUnsupported, "this form of shell has no end of its input"};
-  QueuePacket(kCloseInput, {});
+  QueueEndOfInput();
   return connection_.Flush(limits);
 }
 

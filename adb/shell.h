@@ -75,6 +75,18 @@ class ShellSession {
   // so that the command itself has to know how much input to take.
   Status CloseInput(const Limits& limits);
 
+  // For a caller that waits by itself, for connection().descriptor() among others (to be readable, and writable while something
+  // is queued). What is queued goes out in this order. Input has an end in kV2 alone; the size of a terminal's window is nothing
+  // that other forms can say.
+  void QueueInput(std::string_view data);
+  void QueueEndOfInput();
+  void QueueWindowSize(std::uint16_t rows, std::uint16_t columns);
+  // One round without waiting: writes what the system takes, and hands over what has arrived. True at the end of the command.
+  // False from `receive` ends it with kStopped.
+  Result<bool> Advance(const Receive& receive);
+  // At the end, in kV2.
+  std::optional<int> exit_status() const { return exit_status_; }
+
   Connection& connection() { return connection_; }
 
  private:
@@ -87,7 +99,6 @@ class ShellSession {
   // Hands over what is buffered. False: more has to be received.
   Result<bool> Deliver(const Receive& receive);
   Status ReceiveMore(const Limits& limits);
-  void QueueInput(std::string_view data);
   void QueuePacket(std::uint8_t id, std::string_view data);
 
   Connection connection_;

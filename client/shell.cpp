@@ -20,10 +20,6 @@ Result<ShellForm> FormOf(Features* features, std::string_view what, const Limits
   if (!known.ok()) return known.TakeError();
   return (*known)->shell_v2() ? ShellForm::kV2 : ShellForm::kRaw;
 }
-Result<ShellForm> FormOf(dk_device* device, std::string_view what, const Limits& limits) {
-  Features features(device);
-  return FormOf(&features, what, limits);
-}
 
 Result<adb::ShellSession> Start(dk_device* device, ShellForm form, std::string command, bool with_input,
                                 std::string_view what, const Limits& limits) {
@@ -117,6 +113,11 @@ struct Collector {
 
 }  // namespace
 
+Result<ShellForm> ShellFormOf(dk_device* device, std::string_view what, const Limits& limits) {
+  Features features(device);
+  return FormOf(&features, what, limits);
+}
+
 std::string CommandLine(std::initializer_list<std::string_view> words) {
   std::string line;
   for (const std::string_view word : words) {
@@ -128,7 +129,7 @@ std::string CommandLine(std::initializer_list<std::string_view> words) {
 
 Result<int> RunScript(dk_device* device, std::string_view script, std::string_view what,
                       const Receive& receive, const Limits& limits, const NextInput& input) {
-  auto form = FormOf(device, what, limits);
+  auto form = ShellFormOf(device, what, limits);
   if (!form.ok()) return form.TakeError();
   Result<int> status =
       *form == ShellForm::kV2 ? RunModern(device, script, what, receive, limits, input)
@@ -140,7 +141,7 @@ Result<int> RunScript(dk_device* device, std::string_view script, std::string_vi
 
 Result<OpenedShell> OpenShell(dk_device* device, std::string_view script, std::string_view what,
                               const Limits& limits) {
-  auto form = FormOf(device, what, limits);
+  auto form = ShellFormOf(device, what, limits);
   if (!form.ok()) return form.TakeError();
   auto session = Start(device, *form, std::string(script), false, what, limits);
   if (session.ok()) return OpenedShell{*std::move(session), device->serial};

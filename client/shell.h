@@ -30,6 +30,9 @@ using NextInput = std::function<std::string_view()>;
 Result<int> RunScript(dk_device* device, std::string_view script, std::string_view what,
                       const Receive& receive, const Limits& limits, const NextInput& input = nullptr);
 
+// The newest form that this phone, behind this server, has: kV2 or kRaw. Phones before Android 5 do not have kRaw either.
+Result<adb::ShellForm> ShellFormOf(dk_device* device, std::string_view what, const Limits& limits);
+
 // A script whose output is followed while it runs, perhaps on another thread.
 struct OpenedShell {
   adb::ShellSession session;

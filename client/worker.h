@@ -44,7 +44,7 @@ class Worker {
   // Ends and frees the worker. No callback runs after it has returned; when it is called from within one, none after that.
   static void Stop(Worker* worker) {
     worker->stop_->Set();
-    if (worker->thread_.get_id() == std::this_thread::get_id()) {
+    if (worker->is_own_thread()) {
       worker->frees_itself_ = true;
       worker->thread_.detach();
       return;
@@ -60,6 +60,8 @@ class Worker {
   // Nothing may leave it.
   virtual void Work() = 0;
 
+  // Whether the caller is one of its callbacks.
+  bool is_own_thread() const { return thread_.get_id() == std::this_thread::get_id(); }
   bool stopping() const { return stop_->IsSet(); }
   // Whether a callback of the worker has stopped it, so that there may be no other. To be asked on the thread itself.
   bool stopped_by_callback() const { return frees_itself_; }

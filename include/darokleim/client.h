@@ -41,7 +41,7 @@
 /// ## What holds everywhere
 ///
 /// **Calls block** until they are done, have failed, were cancelled or ran out of time. Keep them off the thread that
-/// draws the windows. Only dk_watch_start() and dk_log_start() return at once and call back later.
+/// draws the windows. Only dk_watch_start(), dk_log_start() and dk_shell_start() return early and call back later.
 ///
 /// **Any thread** may make any call at any time, with the same context and the same device, many at once; a slow phone
 /// holds nobody up but its own calls. Only freeing an object must be the last use of it.
@@ -59,9 +59,9 @@
 /// ::DK_ANSWER_UNREADABLE. Functions name the codes that mean something of their own. Show dk_error_message() for a code that
 /// you do not act on.
 ///
-/// **Callbacks** of a blocking call come on the caller's thread, before the call returns. Those of a watch or a log come on
-/// one thread of their own, one at a time, and never after its stop has returned. A callback may make further calls
-/// of this library, and may stop its own watch or log. No C++ exception may leave a callback.
+/// **Callbacks** of a blocking call come on the caller's thread, before the call returns. Those of a watch, a log or a
+/// shell session come on one thread of its own, one at a time, and never after its stop has returned. A callback may make
+/// further calls of this library, and may stop what it belongs to. No C++ exception may leave a callback.
 ///
 /// **Paths and names are bytes**, zero-terminated, in no promised encoding, and no shell ever reads them: a path may hold
 /// spaces, quotes, `$`, line breaks. A device's path must be absolute and have at most 4,095 bytes (::DK_NAME_TOO_LONG); slashes
@@ -973,6 +973,107 @@ DK_API dk_code dk_run_script(dk_device* device, const char* script, const dk_run
 /// @param[out] quoted The text as one word for the phone's shell, to free with dk_bytes_free().
 /// @return ::DK_OK, ::DK_INVALID_ARGUMENT or ::DK_OUT_OF_MEMORY.
 DK_API dk_code dk_quote(const char* text, dk_bytes* quoted);
+
+/// @}
+/// @defgroup client_sessions Client: shell sessions
+/// A command, or a shell, that is given input while it runs: what a terminal window is made of, and what a pipe feeds.
+///
+/// @code{.c}
+/// #include <darokleim/client.h>
+/// #include <stdio.h>
+///
+/// // Both on a thread of the session.
+/// static void on_output(void* user, dk_stream stream, const char* data, size_t size) {
+///   (void)user;
+///   fwrite(data, 1, size, stream == DK_STDERR ? stderr : stdout);
+/// }
+/// static void on_end(void* user, dk_code code, int exit_status, const dk_error* error) {
+///   (void)user;
+///   if (code != DK_OK) fprintf(stderr, "%s\n", dk_error_message(error));
+///   else printf("The command ended with %d.\n", exit_status);
+/// }
+///
+/// // Lines in an order, as the phone sorts them. The session lasts until dk_shell_stop(*shell).
+/// static dk_code sort_lines(dk_device* phone, dk_shell** shell, const dk_call* call) {
+///   dk_shell_options options = DK_SHELL_OPTIONS_INIT;
+///   options.command = "sort";
+///   dk_code code = dk_shell_start(phone, &options, on_output, on_end, NULL, shell, call);
+///   if (code == DK_OK) code = dk_shell_write(*shell, "b\na\n", 4, call);
+///   if (code == DK_OK) code = dk_shell_close_input(*shell, call);
+///   return code;
+/// }
+/// @endcode
+/// @{
+
+/// What a session runs.
+typedef struct dk_shell_options {
+  size_t size;  ///< sizeof(dk_shell_options); DK_SHELL_OPTIONS_INIT sets it
+  const char*
+      command;  ///< what the phone's shell reads; null: a shell that reads its commands from the input
+  /// Through a terminal of the phone, as programs that a person works with need it: it shows what is typed, ends lines in CR LF,
+  /// has errors in one stream with the output, and takes 0x03 (Ctrl-C) of the input as the order to interrupt. Phones before
+  /// Android 7 have nothing else.
+  bool terminal;
+  const char*
+      terminal_type;  ///< TERM on the phone, without commas and colons; null: its choice. Not before Android 7
+  uint16_t rows;      ///< of the window, for a terminal; 0: not known. Not before Android 7
+  uint16_t columns;   ///< of the window
+} dk_shell_options;
+/// A shell without a terminal.
+#define DK_SHELL_OPTIONS_INIT \
+  { sizeof(dk_shell_options), NULL, false, NULL, 0, 0 }
+
+/// A session that runs.
+typedef struct dk_shell dk_shell;
+/// On the session's thread. The phone waits while it runs.
+typedef void (*dk_on_shell_output)(void* user, dk_stream stream, const char* data, size_t size);
+/// On the session's thread. Once, last. ::DK_OK: the command has ended, with this exit status, 128 and more where a signal ended
+/// it; -1 where the phone does not say it (before Android 7), or dk_shell_stop() ended the session. ::DK_CONNECTION_LOST: the
+/// phone or the server is gone. error is null with ::DK_OK, and where memory ran out.
+typedef void (*dk_on_shell_end)(void* user, dk_code code, int exit_status, const dk_error* error);
+/// Returns once the phone has taken the order; output comes on a thread of the session.
+/// @param[in]  device    The device, which must outlive the session.
+/// @param[in]  options   May be null, which is #DK_SHELL_OPTIONS_INIT. Copied.
+/// @param[in]  on_output Called for each piece of output.
+/// @param[in]  on_end    Called at the end. May be null.
+/// @param[in]  user      Passed to both; must live until the session has stopped.
+/// @param[out] shell     The session, to stop with dk_shell_stop(), also after its end; null on failure.
+/// @param[in]  call      For the start alone. May be null.
+/// @retval DK_OK           It runs.
+/// @retval DK_UNSUPPORTED  It is to run without a terminal, and the phone is older than Android 7.
+/// @return Otherwise a code of every call.
+DK_API dk_code dk_shell_start(dk_device* device, const dk_shell_options* options,
+                              dk_on_shell_output on_output, dk_on_shell_end on_end, void* user,
+                              dk_shell** shell, const dk_call* call);
+/// Gives input to the command. Returns when the session has taken all of it, which is before the phone has; it takes up to 64 KiB
+/// more than the phone does, and waits otherwise. From within a callback of the session it does not wait. Input that the
+/// command never reads is lost.
+/// @param[in] shell The session.
+/// @param[in] data  Bytes; through a terminal, keys as a terminal sends them.
+/// @param[in] size  How many.
+/// @param[in] call  See ::dk_call; may be null.
+/// @retval DK_OK       It is taken.
+/// @retval DK_STOPPED  The session has ended, or its input was closed. Some of it may have been taken.
+/// @return Otherwise ::DK_CANCELLED, ::DK_TIMED_OUT, ::DK_OUT_OF_MEMORY or ::DK_INVALID_ARGUMENT.
+DK_API dk_code dk_shell_write(dk_shell* shell, const char* data, size_t size, const dk_call* call);
+/// Ends the input after what was written. A terminal gets its end of file (Ctrl-D), which ends a shell at the beginning of a
+/// line.
+/// @param[in] shell The session.
+/// @param[in] call  See ::dk_call; may be null. The call never waits.
+/// @return ::DK_OK, also when it was closed before; ::DK_OUT_OF_MEMORY or ::DK_INVALID_ARGUMENT.
+DK_API dk_code dk_shell_close_input(dk_shell* shell, const dk_call* call);
+/// Says that the window of the terminal has another size. Phones before Android 7 are not told.
+/// @param[in] shell   The session.
+/// @param[in] rows    Lines of text.
+/// @param[in] columns Characters in each.
+/// @param[in] call    See ::dk_call; may be null. The call never waits.
+/// @return ::DK_OK, ::DK_OUT_OF_MEMORY or ::DK_INVALID_ARGUMENT.
+DK_API dk_code dk_shell_resize(dk_shell* shell, uint16_t rows, uint16_t columns, const dk_call* call);
+/// Ends the session where it has not ended, and frees it. The phone ends the command with SIGHUP. The end is reported before it
+/// returns, and no callback runs after it. When it is called from within a callback of the session, none runs after that one:
+/// the end is then not reported.
+/// @param[in] shell The session, which no other thread may use any more; null is ignored.
+DK_API void dk_shell_stop(dk_shell* shell);
 
 /// @}
 /// @defgroup client_apps Client: applications

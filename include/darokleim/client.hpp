@@ -31,12 +31,12 @@
 /// @endcode
 ///
 /// **Callbacks** take lambdas with captures. Those of a call come on the caller's thread; an exception that one throws ends
-/// the call and comes out of it. Those of a dk::Watch, a dk::Log, and of a client's log come on other threads, where an
-/// exception ends the program (std::terminate).
+/// the call and comes out of it. Those of a dk::Watch, a dk::Log, a dk::Shell and of a client's log come on other threads, where
+/// an exception ends the program (std::terminate).
 ///
 /// **Lifetime**: clients and devices are handles. They may be copied, also into lambdas that run on other threads, and copies
-/// share what they stand for. A device keeps its client alive, a watch its client, and a log its device. Running out of memory
-/// is std::bad_alloc.
+/// share what they stand for. A device keeps its client alive, a watch its client, a log and a shell their
+/// device. Running out of memory is std::bad_alloc.
 #ifndef DAROKLEIM_CLIENT_HPP
 #define DAROKLEIM_CLIENT_HPP
 
@@ -348,6 +348,15 @@ struct RunOptions {
   std::size_t most_collected = 0;  ///< bytes kept of each stream; 0: 1 MiB
 };
 
+/// What a shell session runs.
+struct ShellOptions {
+  std::optional<std::string> command = {};  ///< none: a shell that reads its commands from the input
+  bool terminal = false;                    ///< through a terminal of the phone
+  std::string terminal_type = {};           ///< TERM on the phone; empty: the phone's choice
+  std::uint16_t rows = 0;                   ///< of the terminal's window; 0: not known
+  std::uint16_t columns = 0;                ///< of the window
+};
+
 /// How an application is installed.
 struct InstallOptions {
   bool replace = true;     ///< an installed version keeps its data
@@ -463,6 +472,7 @@ struct Free {
   void operator()(dk_context* context) const { dk_context_free(context); }
   void operator()(dk_watch* watch) const { dk_watch_stop(watch); }
   void operator()(dk_log* log) const { dk_log_stop(log); }
+  void operator()(dk_shell* shell) const { dk_shell_stop(shell); }
   void operator()(dk_entry* entry) const { dk_entry_free(entry); }
   void operator()(dk_app* app) const { dk_app_free(app); }
 };
@@ -555,6 +565,58 @@ class Log {
   std::shared_ptr<dk_device> device_;  // these two outlive the log, which is declared after them
   std::unique_ptr<Receiver> receiver_;
   std::unique_ptr<dk_log, detail::Free> log_;
+};
+
+/// A shell session; ends when it goes out of scope. Its callbacks may stop it, but not destroy it.
+class Shell {
+ public:
+  /// No session runs.
+  Shell() = default;
+  /// @param[in] other Gives up its session.
+  Shell(Shell&& other) = default;
+  /// Stops the session that this object has.
+  /// @param[in] other Gives up its session.
+  /// @return This object.
+  Shell& operator=(Shell&& other) noexcept {
+    stop();
+    receiver_ = std::move(other.receiver_);
+    shell_ = std::move(other.shell_);
+    device_ = std::move(other.device_);
+    return *this;
+  }
+  ~Shell() = default;
+  /// Ends it. No callback runs afterwards, or, when called from one, after that one has returned.
+  void stop() { shell_.reset(); }
+  /// Gives input to the command: dk_shell_write().
+  /// @param[in] data,limits As there.
+  /// @return Nothing, or the error.
+  Result<void> write(std::string_view data, const Limits& limits = {}) const {
+    const detail::Call call(limits);
+    return call.Done(dk_shell_write(shell_.get(), data.data(), data.size(), call.get()));
+  }
+  /// Ends the input after what was written: dk_shell_close_input().
+  /// @return Nothing, or the error.
+  Result<void> close_input() const {
+    const detail::Call call({});
+    return call.Done(dk_shell_close_input(shell_.get(), call.get()));
+  }
+  /// Says that the terminal's window has another size: dk_shell_resize().
+  /// @param[in] rows,columns As there.
+  /// @return Nothing, or the error.
+  Result<void> resize(std::uint16_t rows, std::uint16_t columns) const {
+    const detail::Call call({});
+    return call.Done(dk_shell_resize(shell_.get(), rows, columns, call.get()));
+  }
+
+ private:
+  friend class Device;
+  struct Receiver {
+    std::function<void(dk_stream, std::string_view)> on_output;
+    std::function<void(dk_code, int, const Error*)> on_end;
+  };
+  std::shared_ptr<dk_device> device_;  // these two outlive the session, which is declared after them
+  std::unique_ptr<Receiver> receiver_;
+  std::unique_ptr<dk_shell, detail::Free> shell_;
 };
 
 /// Device changes; stops when it goes out of scope. Its callback may stop it, but not destroy it.
@@ -891,6 +953,53 @@ class Device {
   /// @return As above.
   Result<Output> run_script(const std::string& script, const Limits& limits = {}) const {
     return run_script(script, RunOptions(), limits);
+  }
+  /// Starts a command or a shell that is given input while it runs: dk_shell_start().
+  /// @param[in] options What it runs.
+  /// @param[in] on_output Called on a thread of the session, must not throw.
+  /// @param[in] on_end Called at the end with the code, the exit status (-1: unknown) and the error, if any, also there. May be
+  /// empty.
+  /// @param[in] limits For the start alone.
+  /// @return The running session, or the error.
+  Result<Shell> shell(const ShellOptions& options,
+                      std::function<void(dk_stream stream, std::string_view data)> on_output,
+                      std::function<void(dk_code code, int exit_status, const Error* error)> on_end = nullptr,
+                      const Limits& limits = {}) const {
+    dk_shell_options plain = DK_SHELL_OPTIONS_INIT;
+    plain.command = options.command ? options.command->c_str() : nullptr;
+    plain.terminal = options.terminal;
+    plain.terminal_type = detail::TextOrNull(options.terminal_type);
+    plain.rows = options.rows;
+    plain.columns = options.columns;
+    return shell(plain, std::move(on_output), std::move(on_end), limits);
+  }
+  /// Starts a command or a shell, with the options of the C interface.
+  /// @param[in] options,on_output,on_end,limits As above.
+  /// @return As above.
+  template <int = 0>
+  Result<Shell> shell(const dk_shell_options& options,
+                      std::function<void(dk_stream stream, std::string_view data)> on_output,
+                      std::function<void(dk_code code, int exit_status, const Error* error)> on_end = nullptr,
+                      const Limits& limits = {}) const {
+    Shell shell;
+    shell.device_ = device_;
+    shell.receiver_ =
+        std::make_unique<Shell::Receiver>(Shell::Receiver{std::move(on_output), std::move(on_end)});
+    dk_shell* started = nullptr;
+    const detail::Call call(limits);
+    const dk_code code = dk_shell_start(
+        get(), &options,
+        [](void* user, dk_stream stream, const char* data, std::size_t size) noexcept {
+          static_cast<Shell::Receiver*>(user)->on_output(stream, std::string_view(data, size));
+        },
+        [](void* user, dk_code end, int exit_status, const dk_error* error) noexcept {
+          const auto& ended = static_cast<Shell::Receiver*>(user)->on_end;
+          const std::optional<Error> copy = error == nullptr ? std::optional<Error>() : Error(*error);
+          if (ended) ended(end, exit_status, copy ? &*copy : nullptr);
+        },
+        shell.receiver_.get(), &started, call.get());
+    shell.shell_.reset(started);
+    return call.Give(code, std::move(shell));
   }
 
   /// @}

@@ -176,5 +176,53 @@ TEST_F(ClientThreadsMemoryTest, RunsOutInALog) {
   EXPECT_GT(allocations, 5);
 }
 
+struct ShellEnd {
+  std::atomic<std::size_t> bytes{0};
+  std::atomic<int> ends{0};
+  std::atomic<dk_code> code{DK_OK};
+};
+
+TEST_F(ClientThreadsMemoryTest, RunsOutInAShell) {
+  dk_shell_options options = DK_SHELL_OPTIONS_INIT;
+  options.command = "echo hello";
+  const auto on_output = [](void* user, dk_stream, const char*, size_t size) {
+    static_cast<ShellEnd*>(user)->bytes += size;
+  };
+  const auto on_end = [](void* user, dk_code code, int, const dk_error* error) {
+    auto& seen = *static_cast<ShellEnd*>(user);
+    EXPECT_EQ(error, nullptr);
+    seen.code = code;
+    ++seen.ends;
+  };
+  const long allocations = WithEachAllocationFailing([&](long number) {
+    SCOPED_TRACE(number);
+    ShellEnd seen;
+    const long before = LiveAllocations();
+    dk_shell* shell = nullptr;
+    bool failed;
+    {
+      const FailingAllocation failing(number);
+      const dk_code code =
+          dk_shell_start(client_.device(), &options, on_output, on_end, &seen, &shell, nullptr);
+      if (code == DK_OK) {
+        const char input[] = "a text that is longer than any that is kept without a block of memory";
+        const dk_code written = dk_shell_write(shell, input, sizeof input, nullptr);
+        EXPECT_TRUE(written == DK_OK || written == DK_OUT_OF_MEMORY || written == DK_STOPPED) << written;
+        EXPECT_EQ(dk_shell_close_input(shell, nullptr), DK_OK);
+        EXPECT_TRUE(test::Eventually([&] { return seen.ends == 1; }));
+        EXPECT_TRUE(seen.code == DK_OUT_OF_MEMORY || (seen.code == DK_OK && seen.bytes == 6));
+      } else {
+        EXPECT_EQ(code, DK_OUT_OF_MEMORY);
+        EXPECT_EQ(shell, nullptr);
+      }
+      dk_shell_stop(shell);
+      failed = failing.HasFailed();
+    }
+    EXPECT_EQ(LiveAllocations(), before);
+    return failed && !HasFailure();
+  });
+  EXPECT_GT(allocations, 5);
+}
+
 }  // namespace
 }  // namespace darokleim::client_test

@@ -1,4 +1,4 @@
-// One context in many threads; a watch and a log that are stopped at any moment.
+// One context in many threads; a watch, a log and a shell session that are stopped at any moment.
 #include <gmock/gmock.h>
 
 #include <atomic>
@@ -91,6 +91,7 @@ struct Listener {
   std::atomic<int> ends{0};
   dk_watch* watch = nullptr;
   dk_log* log = nullptr;
+  dk_shell* shell = nullptr;
 };
 
 void OnChange(void* user, dk_change, const dk_device_info*) {
@@ -104,6 +105,13 @@ void OnEnd(void* user, dk_code code, const dk_error*) {
   EXPECT_FALSE(listener->stopped);
   EXPECT_EQ(code, DK_OK);
   ++listener->ends;
+}
+
+void OnShellOutput(void* user, dk_stream, const char*, size_t) {
+  static_cast<Listener*>(user)->Call();
+}
+void OnShellEnd(void* user, dk_code code, int, const dk_error* error) {
+  OnEnd(user, code, error);
 }
 
 class ClientStops : public testing::Test {
@@ -149,7 +157,24 @@ TEST_F(ClientStops, OfALogAreFollowedByNoCallback) {
   EXPECT_GT(all, 0);
 }
 
-// Of the watch or the log itself: the first callback may come before its start has returned.
+TEST_F(ClientStops, OfAShellAreFollowedByNoCallback) {
+  int all = 0;
+  for (int i = 0; i < 200; ++i) {
+    auto listener = std::make_unique<Listener>();
+    ASSERT_EQ(dk_shell_start(client_.device(), nullptr, OnShellOutput, OnShellEnd, listener.get(),
+                             &listener->shell, nullptr),
+              DK_OK);
+    SleepForAMoment(i);
+    dk_shell_write(listener->shell, "x", 1, nullptr);
+    dk_shell_stop(listener->shell);
+    listener->stopped = true;
+    all += listener->calls;
+    EXPECT_EQ(listener->ends, 1) << "the end is said before the stop returns";
+  }
+  EXPECT_GT(all, 0);
+}
+
+// Of the watch, the log or the session itself: the first callback may come before its start has returned.
 TEST_F(ClientStops, FromWithinTheirCallbackAreFollowedByNone) {
   std::vector<std::unique_ptr<Listener>> listeners;
   for (int i = 0; i < 100; ++i) {
@@ -169,6 +194,15 @@ TEST_F(ClientStops, FromWithinTheirCallbackAreFollowedByNone) {
       listener->stopped = true;
     };
     ASSERT_EQ(dk_log_start(client_.device(), nullptr, stop_log, OnEnd, logged, &logged->log, nullptr), DK_OK);
+    Listener* const ran = listeners.emplace_back(std::make_unique<Listener>()).get();
+    const auto stop_shell = [](void* user, dk_stream, const char*, size_t) {
+      auto* const listener = static_cast<Listener*>(user);
+      listener->Call();
+      dk_shell_stop(listener->shell);
+      listener->stopped = true;
+    };
+    ASSERT_EQ(dk_shell_start(client_.device(), nullptr, stop_shell, OnShellEnd, ran, &ran->shell, nullptr),
+              DK_OK);
   }
   for (const auto& listener : listeners) {
     EXPECT_TRUE(test::Eventually([&] { return listener->stopped.load(); }));
