@@ -16,6 +16,7 @@
 #include "tools/cli/errors.h"
 #include "tools/cli/host/children.h"
 #include "tools/cli/host/quiet_thread.h"
+#include "tools/cli/host/raw_terminal.h"
 
 namespace darokleim::cli {
 namespace {
@@ -112,6 +113,7 @@ class Watcher {
     if (first_signal_ == kNever) first_signal_ = Now();
     if (Now() - first_signal_ < kLongestEnd) return;
     SignalChildren(SIGKILL);
+    RestoreTerminal();
     _exit(kExitCancelled);
   }
 
@@ -120,6 +122,7 @@ class Watcher {
     if (end_ == kNever) end_ = Now() + kUntilTheEnd;
     if (Now() < end_) return;
     SignalChildren(SIGKILL);
+    RestoreTerminal();
     signal(last_signal, SIG_DFL);
     kill(getpid(), last_signal);
   }

@@ -2,10 +2,7 @@
 #ifndef DAROKLEIM_TOOLS_CLI_EVENT_QUEUE_H
 #define DAROKLEIM_TOOLS_CLI_EVENT_QUEUE_H
 
-#include <errno.h>
-#include <fcntl.h>
 #include <poll.h>
-#include <unistd.h>
 
 #include <condition_variable>
 #include <deque>
@@ -13,9 +10,8 @@
 #include <optional>
 #include <utility>
 
-#include "base/unique_fd.h"
 #include "tools/cli/cancel_on_signal.h"
-#include "tools/cli/errors.h"
+#include "tools/cli/host/wake_up.h"
 
 namespace darokleim::cli {
 
@@ -24,30 +20,19 @@ namespace darokleim::cli {
 template <typename Event>
 class EventQueue {
  public:
-  EventQueue() {
-    int ends[2];
-    if (pipe(ends) != 0) throw ToolError("cannot wait for events: " + SystemErrorText(errno) + ".");
-    reading_ = base::UniqueFd(ends[0]);
-    writing_ = base::UniqueFd(ends[1]);
-    for (const int end : ends) {
-      fcntl(end, F_SETFD, FD_CLOEXEC);
-      fcntl(end, F_SETFL, O_NONBLOCK);
-    }
-  }
-
   // For the callback. Dropped when the queue is closed.
   void Push(Event event) {
     std::unique_lock lock(mutex_);
     has_room_.wait(lock, [this] { return closed_ || events_.size() < kMost; });
     if (closed_) return;
     events_.push_back(std::move(event));
-    Wake();
+    wake_up_.Wake();
   }
   // For the callback: no event follows. Pop returns those that are there first.
   void End() {
     const std::lock_guard lock(mutex_);
     ended_ = true;
-    Wake();
+    wake_up_.Wake();
   }
 
   // For the command: the next event, nothing after the end. Throws Cancelled after a signal, and ToolError when the time is over.
@@ -56,18 +41,17 @@ class EventQueue {
       CheckCancelled();
       {
         const std::lock_guard lock(mutex_);
-        char byte;
-        [[maybe_unused]] const ssize_t ignored = read(reading_.get(), &byte, 1);
+        wake_up_.Clear();
         if (!events_.empty()) {
           Event event = std::move(events_.front());
           events_.pop_front();
           has_room_.notify_one();
-          if (!events_.empty()) Wake();
+          if (!events_.empty()) wake_up_.Wake();
           return event;
         }
         if (ended_) return std::nullopt;
       }
-      pollfd input{reading_.get(), POLLIN, 0};
+      pollfd input{wake_up_.descriptor(), POLLIN, 0};
       poll(&input, 1, -1);
     }
   }
@@ -81,10 +65,7 @@ class EventQueue {
  private:
   static constexpr std::size_t kMost = 1000;
 
-  // A full pipe wakes as well.
-  void Wake() { [[maybe_unused]] const ssize_t ignored = write(writing_.get(), "", 1); }
-
-  base::UniqueFd reading_, writing_;
+  WakeUp wake_up_;
   std::mutex mutex_;
   std::condition_variable has_room_;
   std::deque<Event> events_;

@@ -1,7 +1,4 @@
 // darokleim push
-#include <errno.h>
-#include <unistd.h>
-
 #include <chrono>
 #include <string>
 #include <vector>
@@ -10,6 +7,7 @@
 #include "tools/cli/commands/commands.h"
 #include "tools/cli/commands/files/transfer.h"
 #include "tools/cli/host/host_file.h"
+#include "tools/cli/host/standard_input.h"
 #include "tools/cli/phone_path.h"
 
 namespace darokleim::cli {
@@ -56,14 +54,9 @@ void PushInput(Tool& tool, const Options& options) {
   dk_summary summary = {};
   const auto start = std::chrono::steady_clock::now();
   const auto read_input = [&summary](char* buffer, std::size_t capacity) -> std::int64_t {
-    for (;;) {
-      CheckCancelled();
-      const ssize_t count = read(STDIN_FILENO, buffer, capacity);
-      if (count < 0 && errno == EINTR) continue;
-      if (count < 0) throw ToolError("cannot read standard input: " + SystemErrorText(errno) + ".");
-      summary.bytes_sent += static_cast<std::uint64_t>(count);
-      return count;
-    }
+    const std::size_t count = ReadStandardInput(buffer, capacity);
+    summary.bytes_sent += count;
+    return static_cast<std::int64_t>(count);
   };
   constexpr std::uint32_t kMode = 0644;
   const bool replace = !options.policy.no_clobber;
