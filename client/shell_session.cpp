@@ -13,15 +13,14 @@
 #include "client/worker.h"
 
 namespace darokleim::client {
-namespace {
 
-constexpr std::string_view kWhat = "run a shell";
+constexpr std::string_view kRunAShell = "run a shell";
 // Bytes of input that wait for the connection, besides those that it has.
-constexpr std::size_t kMostWaiting = 64 * 1024;
+constexpr std::size_t kMostInputWaiting = 64 * 1024;
 // A terminal's input cannot end; this is what the end is typed as.
-constexpr char kEndOfFile[] = "\x04";
+constexpr char kTypedEndOfFile[] = "\x04";
 
-struct WindowSize {
+struct ShellWindow {
   std::uint16_t rows;
   std::uint16_t columns;
 };
@@ -32,13 +31,13 @@ class SessionInput {
   struct Taken {
     std::string bytes;
     bool is_end = false;  // after them
-    std::optional<WindowSize> size;
+    std::optional<ShellWindow> size;
   };
 
   Status Open() {
     for (auto* const token : {&wake_, &room_}) {
       auto made = adb::CancelToken::Create();
-      if (!made.ok()) return FromAdb(made.error(), kWhat, "");
+      if (!made.ok()) return FromAdb(made.error(), kRunAShell, "");
       *token = std::move(*made);
     }
     return {};
@@ -51,7 +50,7 @@ class SessionInput {
         const std::lock_guard lock(mutex_);
         if (ended_) return Failed(DK_STOPPED, kWrite, "the session has ended");
         if (closed_) return Failed(DK_STOPPED, kWrite, "its input was closed");
-        const std::size_t room = kMostWaiting - std::min(kMostWaiting, bytes_.size());
+        const std::size_t room = kMostInputWaiting - std::min(kMostInputWaiting, bytes_.size());
         const std::string_view piece = bytes.substr(0, may_wait ? room : bytes.size());
         bytes_.append(piece);
         bytes.remove_prefix(piece.size());
@@ -70,21 +69,19 @@ class SessionInput {
     wake_->Set();
   }
 
-  void Resize(WindowSize size) {
+  void Resize(ShellWindow size) {
     const std::lock_guard lock(mutex_);
     size_ = size;
     wake_->Set();
   }
 
-  // For the session's thread. Readable when there may be something to take.
+  // For the session's thread. Readable when there is something to take.
   int descriptor() const { return wake_->descriptor(); }
-  // with_bytes: whether there is room for them.
-  Taken Take(bool with_bytes) {
+  Taken Take() {
     const std::lock_guard lock(mutex_);
     wake_->Reset();
     Taken taken;
     taken.size = std::exchange(size_, std::nullopt);
-    if (!with_bytes) return taken;
     taken.bytes = std::exchange(bytes_, {});
     taken.is_end = closed_ && !std::exchange(end_is_taken_, true);
     room_->Set();
@@ -101,12 +98,11 @@ class SessionInput {
 
   std::mutex mutex_;
   std::string bytes_;
-  std::optional<WindowSize> size_;
+  std::optional<ShellWindow> size_;
   bool closed_ = false, end_is_taken_ = false, ended_ = false;
   std::unique_ptr<adb::CancelToken> wake_, room_;
 };
 
-}  // namespace
 }  // namespace darokleim::client
 
 struct dk_shell : darokleim::client::Worker {
@@ -151,20 +147,22 @@ struct dk_shell : darokleim::client::Worker {
       QueueInput();
       auto ended = shell_.session.Advance(receive);
       if (!ended.ok())
-        return darokleim::client::FromAdb(ended.error(), darokleim::client::kWhat, shell_.device_serial);
+        return darokleim::client::FromAdb(ended.error(), darokleim::client::kRunAShell, shell_.device_serial);
       if (*ended) break;
       Wait();
     }
     return {};
   }
 
+  // More is taken when what was taken before is on its way.
   void QueueInput() {
-    auto taken = input_.Take(shell_.session.connection().queued() == 0);
+    if (shell_.session.connection().queued() > 0) return;
+    auto taken = input_.Take();
     if (taken.size) shell_.session.QueueWindowSize(taken.size->rows, taken.size->columns);
     shell_.session.QueueInput(taken.bytes);
     if (!taken.is_end) return;
     if (has_terminal_) {
-      shell_.session.QueueInput(darokleim::client::kEndOfFile);
+      shell_.session.QueueInput(darokleim::client::kTypedEndOfFile);
     } else {
       shell_.session.QueueEndOfInput();
     }
@@ -172,10 +170,11 @@ struct dk_shell : darokleim::client::Worker {
 
   void Wait() {
     auto& connection = shell_.session.connection();
-    const int events = POLLIN | (connection.queued() > 0 ? POLLOUT : 0);
-    std::array<pollfd, 3> waits = {{{connection.descriptor(), static_cast<short>(events), 0},
-                                    {input_.descriptor(), POLLIN, 0},
-                                    {limits().interrupt->descriptor(), POLLIN, 0}}};
+    const bool writes = connection.queued() > 0;
+    std::array<pollfd, 3> waits = {
+        {{connection.descriptor(), static_cast<short>(POLLIN | (writes ? POLLOUT : 0)), 0},
+         {writes ? -1 : input_.descriptor(), POLLIN, 0},
+         {limits().interrupt->descriptor(), POLLIN, 0}}};
     poll(waits.data(), waits.size(), -1);
   }
 
@@ -194,11 +193,11 @@ Result<OpenedShell> OpenSession(dk_device* device, const dk_shell_options& optio
   const std::string_view type = options.terminal_type == nullptr ? "" : options.terminal_type;
   if (type.find_first_of(",:") != std::string_view::npos)
     return InvalidArgument("the type of the terminal has a comma or a colon");
-  auto form = ShellFormOf(device, kWhat, limits);
+  auto form = ShellFormOf(device, kRunAShell, limits);
   if (!form.ok()) return form.TakeError();
   const bool is_modern = *form == adb::ShellForm::kV2;
   if (!is_modern && !options.terminal)
-    return Failed(DK_UNSUPPORTED, kWhat, "phones before Android 7 take input through a terminal alone");
+    return Failed(DK_UNSUPPORTED, kRunAShell, "phones before Android 7 take input through a terminal alone");
   adb::ShellCommand command;
   command.form = is_modern ? adb::ShellForm::kV2 : adb::ShellForm::kOld;
   if (options.command != nullptr) command.command = options.command;
@@ -207,8 +206,8 @@ Result<OpenedShell> OpenSession(dk_device* device, const dk_shell_options& optio
   command.pseudo_terminal = options.terminal;
   const auto selector = adb::DeviceSelector::Serial(device->serial);
   auto session = adb::ShellSession::Start(device->context->server, selector, command, limits);
-  Log(*device->context, kWhat, session.ok() ? "runs" : session.error().message);
-  if (!session.ok()) return DeviceError(device, session.error(), kWhat);
+  Log(*device->context, kRunAShell, session.ok() ? "runs" : session.error().message);
+  if (!session.ok()) return DeviceError(device, session.error(), kRunAShell);
   return OpenedShell{*std::move(session), device->serial};
 }
 
@@ -230,7 +229,7 @@ dk_code dk_shell_start(dk_device* device, const dk_shell_options* given, dk_on_s
     auto made = std::make_unique<dk_shell>(*std::move(opened), options.terminal, on_output, on_end, user);
     if (Status ready = made->input().Open(); !ready.ok()) return ready;
     if (options.terminal && options.rows > 0) made->input().Resize({options.rows, options.columns});
-    return client::StartFor(std::move(made), client::kWhat, shell);
+    return client::StartFor(std::move(made), client::kRunAShell, shell);
   });
 }
 

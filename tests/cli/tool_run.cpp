@@ -4,7 +4,6 @@
 
 #include <filesystem>
 
-#include "tests/cli/terminal_run.h"
 #include "tests/support/file_content.h"
 
 namespace darokleim::cli {

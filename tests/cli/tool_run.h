@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "tests/cli/terminal_run.h"
 #include "tests/support/process.h"
 #include "tests/support/temporary_directory.h"
 
@@ -40,6 +41,10 @@ class ToolTest : public testing::Test {
   std::unique_ptr<HostProcess> Start(const Words& arguments) const;
   // With both of its streams on a terminal; everything is in Outcome::output, with the terminal's line breaks.
   Outcome OnTerminal(const Words& arguments) const;
+  // The same with standard input, for a program that a person works with.
+  TerminalSession StartOnTerminal(const Words& arguments) const {
+    return TerminalSession(Command(arguments), environment_);
+  }
   // Runs a line of shell in the tool's environment; $TOOL is the tool.
   Outcome RunShell(const std::string& line) const;
 

@@ -96,6 +96,15 @@ TEST_P(PhoneShell, CarriesAnyBytesWithoutATerminal) {
   EXPECT_TRUE(Prints("\\r  \\n  \\0 004 003"));
 }
 
+TEST_P(PhoneShell, TakesMoreThanAConnectionHolds) {
+  if (legacy()) return;
+  dk::Shell shell = Open({"cat | wc -c"});
+  EXPECT_TRUE(shell.write(std::string(20'000'000, 'x')));
+  EXPECT_TRUE(shell.close_input());
+  EXPECT_EQ(End(), "DK_OK 0");
+  EXPECT_TRUE(Prints("20000000"));
+}
+
 TEST_P(PhoneShell, SaysThatThePhoneIsGone) {
   dk::ShellOptions options;
   options.terminal = true;

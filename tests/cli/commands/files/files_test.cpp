@@ -157,20 +157,6 @@ TEST_P(PhoneFilesTest, AFolderIsMade) {
   EXPECT_TRUE(IsThere("/sdcard/x/y"));
 }
 
-TEST_P(PhoneFilesTest, ACommandOfTheDeviceRuns) {
-  EXPECT_EQ(Succeed({"shell", "echo", "-n", "a  b", "|", "wc", "-c"}), "3\n");
-  const auto failed = Run({"shell", "echo out; echo err >&2; exit 7"});
-  EXPECT_EQ(failed.status, 7);
-  EXPECT_EQ(failed.output, is_legacy() ? "out\nerr\n" : "out\n");
-  EXPECT_EQ(failed.errors, is_legacy() ? "" : "err\n");
-  const auto document = ParseJson(Run({"shell", "--json", "exit 3"}).output);
-  EXPECT_EQ(document["exit_status"], 3);
-  ExpectDocumented("shell", document);
-  const auto piped = RunShell("printf 'a\\nb\\n' | \"$TOOL\" shell wc -l");
-  EXPECT_EQ(piped.output, is_legacy() ? "" : "2\n");
-  EXPECT_EQ(piped.status, is_legacy() ? 1 : 0);
-}
-
 INSTANTIATE_FOR_BOTH_PHONES(PhoneFilesTest);
 
 }  // namespace

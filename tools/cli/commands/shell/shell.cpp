@@ -117,12 +117,16 @@ int RunCommand(Tool& tool, const std::string& script, Receiver& receiver) try {
   return RunWithoutInput(tool, script, receiver);
 }
 
-// A shell that reads commands from a pipe or a file. Old devices have one in a terminal alone.
+// A shell that reads commands from a pipe or a file. Old devices have one in a terminal alone, which may lose the end of its
+// input: they get all commands at once.
 int RunScriptFromInput(Tool& tool, Receiver& receiver) try {
   return RunSession(tool, {}, receiver);
 } catch (const dk::Error& error) {
   if (error.code() != DK_UNSUPPORTED) throw;
-  return RunSession(tool, {{}, /*has_terminal=*/true}, receiver);
+  constexpr std::size_t kPiece = 4096;
+  std::string script;
+  for (std::string piece; !(piece = ReadStandardInput(kPiece)).empty();) script += piece;
+  return RunWithoutInput(tool, script, receiver);
 }
 
 void Run(Tool& tool, const Options& options) {
