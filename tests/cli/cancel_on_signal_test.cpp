@@ -110,15 +110,6 @@ INSTANTIATE_TEST_SUITE_P(, CancelWithoutFlagTest,
                                          Line{"reconnect", {"sdk", "AdbReconnectDevice"}}),
                          [](const auto& line) { return line.param.name; });
 
-TEST_F(CancelTest, CtrlCEndsACompletion) {
-  MakeHangingAdb();
-  const auto tool = Start({"complete", "--", "-s", "A", "app", "uninstall", ""});
-  const pid_t adb = WaitForAdb();
-  tool->Signal(SIGINT);
-  tool->Finish();
-  EXPECT_TRUE(IsGone(adb));
-}
-
 TEST_F(CancelTest, ATimeLimitEndsAdbAndTheTool) {
   MakeHangingAdb();
   const auto tool = Start({"--timeout", "1", "-s", "A", "sdk", "AdbGetPhoneProductModel"});

@@ -22,7 +22,7 @@ constexpr char kExamples[] = R"(Examples:
 Exit status: 0 done, 1 failed, 2 wrong usage, 3 no usable device, 130 cancelled with Ctrl-C.)";
 
 void RunCommand(const Command& command, Tool& tool) try {
-  const auto timeout = tool.session_options().timeout.value;
+  const auto timeout = tool.global_options().timeout.value;
   if (timeout.count() > 0) CancelAfter(timeout);
   command.Run(tool);
 } catch (const UsageError& error) {
@@ -75,37 +75,27 @@ Tool::Tool(Output output)
 
 void Tool::AddGlobalOptions() {
   command_line_.VersionFlag();
-  command_line_.Option("-s,--serial", session_options_.serial,
+  command_line_.Option("-s,--serial", global_options_.serial,
                        "The device, as `darokleim devices` shows it. Without this option, the one named by "
                        "ANDROID_SERIAL, or the only one that is ready");
   command_line_.Flag("-q,--quiet", quiet_, "Print neither progress nor reports of success");
   command_line_.Flag("--json", json_, "Print one JSON document, as docs/json.md describes it");
   command_line_.Flag("--progress", progress_, "Show progress also where standard error is not a terminal");
   command_line_.Option(
-      "--adb", session_options_.adb,
+      "--adb", global_options_.adb,
       "The adb executable. Without this option, adb is searched for in the tool's own folder, in "
       "PATH, and where the Android SDK and Homebrew install it");
-  command_line_.Option("--timeout", session_options_.timeout, "Give up after so many seconds")
+  command_line_.Option("--timeout", global_options_.timeout, "Give up after so many seconds")
       .Called("SECONDS");
-  command_line_.Option("--busybox", session_options_.busybox,
-                       "A busybox that runs on the device; only du needs one");
-  command_line_.Option("--log-dir", session_options_.log_directory,
-                       "Where to write adb_sdk.log and adb_channel.log");
-}
-
-Session& Tool::session() {
-  if (!session_) session_.emplace(session_options_);
-  return *session_;
-}
-
-const Device& Tool::device() {
-  if (!device_) device_.emplace(ChooseDevice(session(), session_options_.serial));
-  return *device_;
+  command_line_.Option("--busybox", global_options_.busybox,
+                       "A busybox that runs on the device, for functions of `sdk` that copy it there");
+  command_line_.Option("--log-dir", global_options_.log_directory,
+                       "Where `sdk` writes adb_sdk.log and adb_channel.log");
 }
 
 Connection& Tool::connection() {
   if (!connection_) {
-    connection_.emplace(session_options_);
+    connection_.emplace(global_options_);
     EndWithinASecond();
   }
   return *connection_;

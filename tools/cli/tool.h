@@ -11,14 +11,18 @@
 #include "tools/cli/command_line/command.h"
 #include "tools/cli/connection/connection.h"
 #include "tools/cli/connection/error_text.h"
-#include "tools/cli/device/device.h"
-#include "tools/cli/device/session.h"
 #include "tools/cli/errors.h"
 #include "tools/cli/output/document.h"
 #include "tools/cli/output/output.h"
 #include "tools/cli/output/progress.h"
 
 namespace darokleim::cli {
+
+// As given on the command line, for any command; empty where not.
+struct GlobalOptions : ConnectionOptions {
+  HostPath busybox;             // for `sdk`
+  HostDirectory log_directory;  // the same
+};
 
 // What a command works with.
 class Tool {
@@ -56,12 +60,8 @@ class Tool {
   // When a progress line is shown.
   ProgressMode progress_mode() const;
 
-  // The library, started at the first call.
-  Session& session();
-  // The device that the user chose, or the only one.
-  const Device& device();
   Output& output() { return output_; }
-  SessionOptions& session_options() { return session_options_; }
+  GlobalOptions& global_options() { return global_options_; }
 
   // Whether progress and reports of success are unwanted.
   bool is_quiet() const { return quiet_; }
@@ -75,7 +75,7 @@ class Tool {
 
   Output output_;
   Command command_line_;
-  SessionOptions session_options_;
+  GlobalOptions global_options_;
   bool quiet_ = false;
   bool json_ = false;
   bool progress_ = false;
@@ -83,8 +83,6 @@ class Tool {
   Document document_;
   std::vector<std::string> failures_;  // JSON
   std::optional<Connection> connection_;
-  std::optional<Session> session_;
-  std::optional<Device> device_;
 };
 
 template <typename List, typename Work>

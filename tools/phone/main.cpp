@@ -20,7 +20,7 @@ using namespace darokleim::phone;
 
 constexpr char kPhoneHelp[] =
     "a phone: SERIAL[,key=value]…, where\n"
-    "state=device|offline|unauthorized|authorizing|connecting|recovery|sideload\n"
+    "state=device|offline|unauthorized|authorizing|connecting|no-permissions|recovery|sideload\n"
     "android=modern|legacy: as Android 13, or as Android 6\n"
     "profile=plain|samsung|miui12|miui125|miui13|harmony: the maker and system in its properties\n"
     "prop.NAME=VALUE: a property of its own; may be repeated\n"

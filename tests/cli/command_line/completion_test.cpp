@@ -2,8 +2,11 @@
 #include <gmock/gmock.h>
 #include <stdlib.h>
 
+#include <chrono>
+#include <memory>
 #include <sstream>
 
+#include "base/shell_quoting.h"
 #include "tests/cli/tool_run.h"
 #include "tests/support/file_content.h"
 #include "tests/support/simulated_phones.h"
@@ -27,6 +30,11 @@ std::vector<std::string> Lines(const std::string& text) {
 
 class CompletionTest : public ToolTest {
  protected:
+  test::SimulatedPhones& Attach(const Words& phones) {
+    phones_ = std::make_unique<test::SimulatedPhones>(phones);
+    for (const auto& [variable, value] : test::AdbEnvironment(phones_->port())) Set(variable, value);
+    return *phones_;
+  }
   std::vector<std::string> Complete(Words words) const {
     words.insert(words.begin(), {"complete", "--"});
     const auto outcome = Run(words);
@@ -34,6 +42,9 @@ class CompletionTest : public ToolTest {
     EXPECT_EQ(outcome.errors, "");
     return Lines(outcome.output);
   }
+
+ private:
+  std::unique_ptr<test::SimulatedPhones> phones_;
 };
 
 TEST_F(CompletionTest, OffersSubcommandsWithWhatTheyDo) {
@@ -72,47 +83,68 @@ TEST_F(CompletionTest, OffersNamedValues) {
 }
 
 TEST_F(CompletionTest, OffersSerialNumbers) {
-  MakeAdb(kTwoDevices);
-  EXPECT_EQ(Run({"complete", "--", "-s", ""}).output, "0123456789ABCDEF\tdevice\nFEDCBA98\tunauthorized\n");
+  Attach({"0123456789ABCDEF", "FEDCBA98,state=unauthorized", "192.168.1.5:5555"});
+  EXPECT_EQ(Run({"complete", "--", "-s", ""}).output,
+            "0123456789ABCDEF\tdevice\nFEDCBA98\tunauthorized\n192.168.1.5:5555\tdevice\n");
   EXPECT_THAT(Complete({"devices", "--serial", "F"}), ElementsAre("FEDCBA98"));
   EXPECT_THAT(Complete({"--serial", "=", "F"}), ElementsAre("FEDCBA98"));
+  EXPECT_THAT(Complete({"--serial=F"}), ElementsAre("--serial=FEDCBA98"));
 }
 
 TEST_F(CompletionTest, OffersThePackagesOfTheNamedDevice) {
-  MakeAdb(R"([ "$*" = '-s FEDCBA98 shell pm list packages' ] || exit 1
-printf 'package:com.example.notes\r\npackage:org.other\r\n')");
-  EXPECT_THAT(Complete({"-s", "FEDCBA98", "app", "uninstall", "com."}), ElementsAre("com.example.notes"));
-  EXPECT_THAT(Complete({"app", "uninstall", "--serial=FEDCBA98", ""}),
-              UnorderedElementsAre("com.example.notes", "org.other"));
+  Attach({"AAA111", "BBB222,android=legacy"});
+  for (const char* serial : {"AAA111", "BBB222"}) {
+    EXPECT_THAT(Complete({"-s", serial, "app", "uninstall", "com.android.set"}),
+                ElementsAre("com.android.settings"));
+    EXPECT_THAT(Complete({"app", "uninstall", "--serial=" + std::string(serial), ""}),
+                Contains("com.android.settings"));
+  }
+  EXPECT_THAT(Complete({"app", "uninstall", ""}), IsEmpty()) << "several devices";
 }
 
 TEST_F(CompletionTest, OffersPathsOfTheDevice) {
-  const test::SimulatedPhones phones({"AAA111"});
-  for (const auto& [variable, value] : test::AdbEnvironment(phones.port())) Set(variable, value);
+  auto& phones = Attach({"AAA111"});
   phones.Adb({"shell", "touch '/sdcard/my file' /sdcard/other"});
   EXPECT_THAT(Complete({"ls", ""}), ElementsAre("/"));
   EXPECT_THAT(Complete({"ls", "/sdcard/D"}), UnorderedElementsAre("/sdcard/DCIM/", "/sdcard/Download/"));
   EXPECT_THAT(Complete({"push", "a", "/sdcard/my"}), Contains("/sdcard/my file"));
   EXPECT_THAT(Complete({"stat", "/none/"}), IsEmpty());
-  phones.Control({"AAA111", "fault", "slow=5000"});
-  EXPECT_THAT(Complete({"ls", "/sdcard/D"}), IsEmpty());
 }
 
-TEST_F(CompletionTest, ReportsNoErrors) {
-  MakeAdb("echo broken; exit 1");
+TEST_F(CompletionTest, OffersNothingThatAPhoneIsSlowToSay) {
+  Attach({"AAA111"}).Control({"AAA111", "fault", "slow=5"});
+  for (const Words& words : {Words{"ls", "/sdcard/D"}, Words{"app", "info", ""}}) {
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_THAT(Complete(words), IsEmpty());
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+  }
+}
+
+TEST_F(CompletionTest, StartsNoServer) {
+  Set("ANDROID_ADB_SERVER_PORT", "1");
+  MakeAdb("echo \"$*\" >>" + File("started"));
   EXPECT_THAT(Complete({"-s", ""}), IsEmpty());
   EXPECT_THAT(Complete({"app", "info", ""}), IsEmpty());
+  EXPECT_THAT(Complete({"ls", "/"}), IsEmpty());
   EXPECT_THAT(Complete({"no-such-command", ""}), Not(Contains(":files")));
+  EXPECT_EQ(test::ReadFile(File("started")), "");
 }
 
 class BashCompletionTest : public CompletionTest {
  protected:
-  // The words that a real bash offers after `words`, the last of which is unfinished.
+  // What a real bash offers in place of the last of `words`, which are as they are typed.
   std::vector<std::string> Bash(const Words& words) const {
+    std::string line = "darokleim";
     std::string script =
         "source '" DAROKLEIM_COMPLETIONS "/darokleim.bash'\ncd '" + File("") + "'\nCOMP_WORDS=(\"$TOOL\"";
-    for (const auto& word : words) script += " '" + word + "'";
-    script += ")\nCOMP_CWORD=" + std::to_string(words.size()) +
+    for (const auto& word : words) {
+      script += " " + base::QuoteForShell(word);
+      // bash ends words at = and :, which are words of their own.
+      const bool is_joined = word == "=" || word == ":" || line.ends_with('=') || line.ends_with(':');
+      line += (is_joined ? "" : " ") + word;
+    }
+    script += ")\nCOMP_LINE=" + base::QuoteForShell(line) + "\nCOMP_POINT=${#COMP_LINE}" +
+              "\nCOMP_CWORD=" + std::to_string(words.size()) +
               "\n_darokleim\nfor reply in \"${COMPREPLY[@]}\"; do printf '%s\\n' \"$reply\"; done\n";
     const auto outcome = RunProgram({"/bin/bash", "--norc", "--noprofile", "-c"}, {script});
     EXPECT_EQ(outcome.status, 0);
@@ -122,37 +154,48 @@ class BashCompletionTest : public CompletionTest {
 };
 
 TEST_F(BashCompletionTest, OffersWhatTheToolKnows) {
-  MakeAdb(kTwoDevices);
+  Attach({"FEDCBA98", "192.168.1.5:5555"});
   EXPECT_THAT(Bash({"dev"}), ElementsAre("devices"));
-  EXPECT_THAT(Bash({"-s", ""}), ElementsAre("0123456789ABCDEF", "FEDCBA98"));
+  EXPECT_THAT(Bash({"-s", ""}), ElementsAre("FEDCBA98", "192.168.1.5:5555"));
+  EXPECT_THAT(Bash({"-s", "192.168.1.5", ":", "5"}), ElementsAre("5555")) << "after the colon";
+  EXPECT_THAT(Bash({"--serial", "=", "F"}), ElementsAre("FEDCBA98"));
   EXPECT_THAT(Bash({"logcat", "--d"}), ElementsAre("--dump"));
+}
+
+TEST_F(BashCompletionTest, UnderstandsQuotes) {
+  Attach({"AAA111"}).Adb({"shell", "touch " + base::QuoteForShell("/sdcard/my $file's")});
+  EXPECT_THAT(Bash({"ls", "/sdcard/my"}), ElementsAre("/sdcard/my\\ \\$file\\'s"));
+  EXPECT_THAT(Bash({"ls", "/sdcard/my\\ "}), ElementsAre("/sdcard/my\\ \\$file\\'s"));
+  EXPECT_THAT(Bash({"ls", "'/sdcard/my "}), ElementsAre("/sdcard/my $file'\\''s"));
+  EXPECT_THAT(Bash({"ls", "\"/sdcard/my "}), ElementsAre("/sdcard/my \\$file's"));
+  EXPECT_THAT(Bash({"ls", "/sdcard/'my f"}), IsEmpty());
+  EXPECT_THAT(Bash({"ls", "/sdcard/'my "}), ElementsAre("my $file'\\''s")) << "after the quote";
 }
 
 TEST_F(BashCompletionTest, OffersFilesWithSpacesInTheirNames) {
   test::WriteFile(File("my notes.apk"), "");
   EXPECT_THAT(Bash({"app", "install", "my"}), ElementsAre("my\\ notes.apk"));
+  EXPECT_THAT(Bash({"app", "install", "'my n"}), ElementsAre("my notes.apk"));
+  EXPECT_THAT(Bash({"app", "install", "my\\ n"}), ElementsAre("my\\ notes.apk"));
   EXPECT_THAT(Bash({"--log-dir", "hom"}), ElementsAre("home"));
   EXPECT_THAT(Bash({"--adb", "=", "my"}), ElementsAre("my\\ notes.apk"));
 }
 
 // Names from the phone go into a command line of the user's own shell.
 TEST_F(BashCompletionTest, RunsNothingThatAPhoneSays) {
-  MakeAdb(
-      R"(printf 'package:com.good.notes\npackage:com.evil.notes;touch${IFS}ran;#\npackage:com.evil.$(touch${IFS}ran)\n')");
-  const auto offered = Bash({"-s", "A", "app", "uninstall", "com."});
-  EXPECT_THAT(offered, ElementsAre("com.good.notes"));
-  for (const auto& name : offered) {
-    RunProgram({"/bin/bash", "-c"},
-               {"cd '" + File("") + "'; eval \": darokleim app uninstall " + name + "\""});
+  const Words names = {"/sdcard/evil;touch ran", "/sdcard/evil$(touch ran)", "/sdcard/evil`touch ran`"};
+  auto& phones = Attach({"AAA111"});
+  for (const auto& name : names) phones.Adb({"shell", "touch " + base::QuoteForShell(name)});
+  for (const std::string quote : {"", "'", "\""}) {
+    const auto offered = Bash({"ls", quote + "/sdcard/evil"});
+    EXPECT_EQ(offered.size(), 3u) << quote;
+    for (const auto& name : offered) {
+      const auto outcome =
+          RunProgram({"/bin/bash", "-c"}, {"cd '" + File("") + "'; printf '%s\\n' " + quote + name + quote});
+      EXPECT_THAT(names, Contains(outcome.output.substr(0, outcome.output.size() - 1)));
+    }
   }
   EXPECT_NE(RunShell("test -e '" + File("ran") + "'").status, 0);
-}
-
-// A tool that offers a name with characters of the shell, as no tool should.
-TEST_F(BashCompletionTest, QuotesEveryName) {
-  MakeExecutable(File("loose-tool"), "#!/bin/sh\nprintf '%s\\n' 'a;touch ran' '$(b)'\n");
-  Set("TOOL", File("loose-tool"));
-  EXPECT_THAT(Bash({""}), ElementsAre("a\\;touch\\ ran", "\\$\\(b\\)"));
 }
 
 TEST_F(BashCompletionTest, IsRegisteredForTheTool) {
@@ -177,11 +220,11 @@ TEST_F(ZshCompletionTest, IsValid) {
 
 // The functions of zsh's completion system are replaced by some that print what they are given.
 TEST_F(ZshCompletionTest, DescribesWhatTheToolOffers) {
-  MakeAdb(kTwoDevices);
+  Attach({"0123456789ABCDEF", "FEDCBA98,state=unauthorized"});
   test::WriteFile(File("play"),
                   "_describe() { print -l -- \"${(@P)2}\" }\n_files() { print -- files \"$@\" }\n"
-                  "words=(\"$TOOL\" \"$@\"); CURRENT=$#words; set --\nsource '" DAROKLEIM_COMPLETIONS
-                  "/_darokleim'\n");
+                  "words=(\"$TOOL\" \"$@\"); CURRENT=$#words; PREFIX=$words[CURRENT]; set --\nsource "
+                  "'" DAROKLEIM_COMPLETIONS "/_darokleim'\n");
   const auto zsh = [this](const std::string& words) {
     return RunShell("zsh -f " + File("play") + " " + words).output;
   };
@@ -189,6 +232,40 @@ TEST_F(ZshCompletionTest, DescribesWhatTheToolOffers) {
   EXPECT_EQ(zsh("-s ''"), "0123456789ABCDEF:device\nFEDCBA98:unauthorized\n");
   EXPECT_EQ(zsh("--log-dir ''"), "files -/\n");
   EXPECT_EQ(zsh("app install ''"), "files\n");
+}
+
+class FishCompletionTest : public CompletionTest {
+ protected:
+  void SetUp() override {
+    Set("PATH", File("bin") + ":/usr/bin:/bin");
+    if (RunShell("command -v fish").status != 0) GTEST_SKIP() << "fish is not installed";
+    MakeExecutable(File("bin/darokleim"), "#!/bin/sh\nexec \"$TOOL\" \"$@\"\n");
+  }
+  // What a real fish offers for the line.
+  std::string Fish(const std::string& line) {
+    Set("LINE", line);
+    return RunShell("cd " + File("") +
+                    " && fish --no-config -c 'source " DAROKLEIM_COMPLETIONS
+                    "/darokleim.fish; complete -C \"$LINE\"' </dev/null")
+        .output;
+  }
+};
+
+TEST_F(FishCompletionTest, OffersWhatTheToolKnows) {
+  Attach({"AAA111,state=unauthorized"});
+  test::WriteFile(File("my notes.apk"), "");
+  EXPECT_EQ(Fish("darokleim dev"), "devices\tList the attached devices\n");
+  EXPECT_EQ(Fish("darokleim -s "), "AAA111\tunauthorized\n");
+  EXPECT_EQ(Fish("darokleim devices --js"),
+            "--json\tPrint one JSON document, as docs/json.md describes it\n");
+  EXPECT_EQ(Fish("darokleim app install m"), "my notes.apk\n");
+}
+
+TEST_F(FishCompletionTest, UnderstandsQuotes) {
+  Attach({"AAA111"}).Adb({"shell", "touch '/sdcard/my file'"});
+  for (const char* word : {"/sdcard/my", "'/sdcard/my ", "\"/sdcard/my ", "/sdcard/my\\ "}) {
+    EXPECT_THAT(Fish(std::string("darokleim ls ") + word), testing::HasSubstr("file")) << word;
+  }
 }
 
 // In the line editor of a real zsh, on a terminal of its own.

@@ -71,11 +71,5 @@ TEST(DescribeResult, AlwaysHasAdvice) {
   }
 }
 
-TEST(IsChannelStatus, BeginsAboveTheLibrarysCodes) {
-  EXPECT_FALSE(IsChannelStatus(ADB_RESULT_NO_SPACE_LEFT));
-  EXPECT_TRUE(IsChannelStatus(1001));
-  EXPECT_TRUE(IsChannelStatus(3002));
-}
-
 }  // namespace
 }  // namespace darokleim::cli

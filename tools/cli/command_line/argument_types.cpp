@@ -36,7 +36,6 @@ const char* ValueName(ValueKind kind) {
       return "NUMBER";
     case ValueKind::kHostPath:
     case ValueKind::kDevicePath:
-    case ValueKind::kHostOrDevicePath:
       return "PATH";
     case ValueKind::kHostDirectory:
       return "DIRECTORY";
@@ -101,12 +100,6 @@ Port Port::Parse(const std::string& word) {
 int ParsedAs<int>::Parse(const std::string& word) {
   if (!IsNumber(word)) throw UsageError(InQuotes(word) + " is not a number.");
   return std::stoi(word);
-}
-
-DevicePath ParsedAs<DevicePath>::Parse(const std::string& word) try {
-  return DevicePath(word);
-} catch (const ToolError& error) {
-  throw UsageError(error.what());
 }
 
 }  // namespace darokleim::cli

@@ -8,8 +8,6 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/cli/device/device_path.h"
-
 namespace darokleim::cli {
 
 enum class ValueKind {
@@ -18,7 +16,6 @@ enum class ValueKind {
   kHostPath,
   kHostDirectory,
   kDevicePath,
-  kHostOrDevicePath,
   kPackage,
   kSerial,
   kPort,
@@ -38,13 +35,6 @@ struct HostPath {
 struct HostDirectory {
   static constexpr ValueKind kKind = ValueKind::kHostDirectory;
   static HostDirectory Parse(const std::string& word) { return {word}; }
-  std::string text;
-};
-
-// Whose it is depends on another argument.
-struct HostOrDevicePath {
-  static constexpr ValueKind kKind = ValueKind::kHostOrDevicePath;
-  static HostOrDevicePath Parse(const std::string& word) { return {word}; }
   std::string text;
 };
 
@@ -108,12 +98,6 @@ template <>
 struct ParsedAs<int> {
   static constexpr ValueKind kKind = ValueKind::kNumber;
   static int Parse(const std::string& word);
-};
-
-template <>
-struct ParsedAs<DevicePath> {
-  static constexpr ValueKind kKind = ValueKind::kDevicePath;
-  static DevicePath Parse(const std::string& word);
 };
 
 template <typename T>

@@ -11,7 +11,7 @@ namespace darokleim::cli {
 // What a shell may offer for the last of the words after the tool's name, which may be empty: a line for each, with a
 // description after a tab. ":files" and ":directories" stand for those of this computer. Serial numbers and packages come
 // from the devices; errors are not reported.
-std::vector<std::string> Completions(const Command& root, Tool& tool, const std::vector<std::string>& words);
+std::vector<std::string> Completions(const Command& root, Tool& tool, std::vector<std::string> words);
 
 }  // namespace darokleim::cli
 

@@ -13,7 +13,6 @@
 #include <system_error>
 #include <utility>
 
-#include "tools/cli/device/argument_text.h"
 #include "tools/cli/errors.h"
 
 namespace darokleim::cli {
@@ -66,59 +65,7 @@ void Sync(const fs::path& path) {
   if (file.valid()) fsync(file.get());
 }
 
-bool IsRealFolder(const fs::path& path) {
-  std::error_code error;
-  return fs::is_directory(fs::symlink_status(path, error));
-}
-
-void Merge(const fs::path& from, const fs::path& to) {
-  std::error_code error;
-  fs::create_directories(to, error);
-  if (error) ThrowFor("make the folder " + to.native(), error);
-  for (fs::directory_iterator entry(from, error), end; !error && entry != end; entry.increment(error)) {
-    const fs::path target = to / entry->path().filename();
-    if (IsRealFolder(entry->path()) && fs::exists(target)) {
-      Merge(entry->path(), target);
-    } else {
-      if (fs::exists(target)) Sync(entry->path());
-      RenameOnHost(entry->path(), target);
-    }
-  }
-  if (error) ThrowFor("read the folder " + from.native(), error);
-}
-
 }  // namespace
-
-std::uint64_t SizeOnHost(const fs::path& path) {
-  std::error_code error;
-  if (!IsRealFolder(path)) {
-    const auto size = fs::file_size(path, error);
-    return error ? 0 : size;
-  }
-  std::uint64_t sum = 0;
-  for (fs::recursive_directory_iterator entry(path, error), end; !error && entry != end;
-       entry.increment(error)) {
-    std::error_code entry_error;
-    if (!entry->is_regular_file(entry_error)) continue;
-    const auto size = entry->file_size(entry_error);
-    if (!entry_error) sum += size;
-  }
-  return sum;
-}
-
-std::vector<HostFile> FilesBelow(const fs::path& folder) {
-  std::vector<HostFile> files;
-  std::error_code error;
-  const std::size_t prefix = folder.native().size() + (folder.native().ends_with('/') ? 0 : 1);
-  for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end;
-       entry.increment(error)) {
-    std::error_code entry_error;
-    if (!fs::is_regular_file(entry->symlink_status(entry_error))) continue;
-    files.push_back({entry->path().native().substr(prefix), entry->file_size(entry_error)});
-  }
-  if (error) ThrowFor("read the folder " + folder.native(), error);
-  return files;
-}
 
 fs::path AbsolutePath(const std::string& path) {
   std::error_code error;
@@ -128,7 +75,6 @@ fs::path AbsolutePath(const std::string& path) {
 }
 
 UnfinishedOnHost::UnfinishedOnHost(fs::path final_path) : final_path_(std::move(final_path)) {
-  CheckCanBeCarried(final_path_.native());
   RemoveLeftovers(final_path_.parent_path());
   do {
     MakeFolder();
@@ -154,12 +100,8 @@ void UnfinishedOnHost::MakeFolder() {
 }
 
 void UnfinishedOnHost::PutInPlace() {
-  if (IsRealFolder(path_) && fs::exists(final_path_)) {
-    Merge(path_, final_path_);
-  } else {
-    Sync(path_);
-    RenameOnHost(path_, final_path_);
-  }
+  Sync(path_);
+  RenameOnHost(path_, final_path_);
   Sync(final_path_.parent_path());
 }
 

@@ -91,18 +91,6 @@ Progress::Line WaitingLine(std::string label) {
   };
 }
 
-std::string TransferText(const std::string& label, std::uint64_t done, std::uint64_t total, double seconds) {
-  std::string text = label + "  " + SizeText(done);
-  if (total > 0) {
-    const double share = std::min(1.0, static_cast<double>(done) / static_cast<double>(total));
-    text += " of " + SizeText(total) + "  " + std::to_string(static_cast<int>(share * 100)) + "%";
-  }
-  if (seconds > 0) {
-    text += "  " + SizeText(static_cast<std::uint64_t>(static_cast<double>(done) / seconds)) + "/s";
-  }
-  return text;
-}
-
 void TransferMeter::Set(Done done) {
   const std::lock_guard lock(mutex_);
   done_ = std::move(done);

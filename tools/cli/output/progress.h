@@ -49,9 +49,6 @@ class Progress {
 // "label  12 s" and a sign that turns.
 Progress::Line WaitingLine(std::string label);
 
-// "label  12 MiB of 40 MiB  30%  5.1 MiB/s", after so many seconds. A total of 0 is unknown.
-std::string TransferText(const std::string& label, std::uint64_t done, std::uint64_t total, double seconds);
-
 // Bytes of a transfer, given by the thread that transfers and shown by that of a Progress.
 class TransferMeter {
  public:

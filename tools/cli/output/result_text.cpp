@@ -133,7 +133,7 @@ ResultText TextOfSignal(int code) {
 ResultText TextOfResult(int code) {
   if (const auto* known = Find(kResults, code)) return TextOf(*known);
   if (const auto* known = Find(kChannelStatuses, code)) return TextOf(*known);
-  if (IsExitStatus(code)) return TextOfExitStatus(code);
+  if (code >= kExitStatusBase && code < kSignalBase) return TextOfExitStatus(code);
   if (code >= kSignalBase && code < kFirstOwnStatus) return TextOfSignal(code);
   return {"unknown result",
           "a command channel other than this tool's own may return it."
@@ -143,29 +143,6 @@ ResultText TextOfResult(int code) {
 std::string DescribeResult(int code) {
   const auto text = TextOfResult(code);
   return text.name + " (" + std::to_string(code) + "): " + text.meaning;
-}
-
-bool IsChannelStatus(int code) {
-  return code >= kExitStatusBase;
-}
-
-bool IsExitStatus(int code) {
-  return code >= kExitStatusBase && code < kSignalBase;
-}
-
-bool MayComeFromAName(int code) {
-  switch (code) {
-    case ADB_RESULT_OK:
-    case ADB_RESULT_PROTOCOL_FAULT:
-    case ADB_RESULT_NO_DEVICE:
-    case ADB_RESULT_UNKNOWN_HOST_SERVICE:
-    case ADB_RESULT_CANNOT_CONNECT_DAEMON:
-    case ADB_RESULT_DAEMON_NOT_RUNNING:
-    case ADB_RESULT_DEVICE_UNAUTHORIZED:
-      return false;
-    default:
-      return !IsChannelStatus(code);
-  }
 }
 
 }  // namespace darokleim::cli

@@ -17,16 +17,6 @@ ResultText TextOfResult(int code);
 // "ADB_RESULT_CANNOT_CONNECT_DAEMON (27): adb could not reach its server. Start it with …"
 std::string DescribeResult(int code);
 
-// Whether the code is a status of the command channel, which says how running adb itself went.
-bool IsChannelStatus(int code);
-
-// Whether the code is the exit status of adb or of the command on the device, without any known message.
-bool IsExitStatus(int code);
-
-// Whether the code may come from a name in adb's output: the library takes a file called Failure.log for a failure.
-// All codes for messages but those of the connection.
-bool MayComeFromAName(int code);
-
 }  // namespace darokleim::cli
 
 #endif  // DAROKLEIM_TOOLS_CLI_OUTPUT_RESULT_TEXT_H

@@ -151,7 +151,7 @@ void ClientSession::AnswerAboutPhone(const HostRequest& request) {
   } else if (request.service == "features") {
     SendOkayAndText(fd(), FeaturesThrough(release_, found.transport.generation));
   } else if (request.service == "get-state") {
-    SendOkayAndText(fd(), NameOf(found.transport.state));
+    SendOkayAndText(fd(), WordsOf(found.transport.state));
   } else if (request.service == "get-serialno") {
     SendOkayAndText(fd(), found.transport.serial);
   } else if (request.service == "get-devpath") {
@@ -209,7 +209,7 @@ void ClientSession::AnswerReconnect(const Target& target) {
   }
   found.phone->Reconnect();
   SendOkayAndText(fd(), "reconnecting " + found.transport.serial + " [" +
-                            std::string(NameOf(found.transport.state)) + "]\n");
+                            std::string(WordsOf(found.transport.state)) + "]\n");
 }
 
 void ClientSession::AnswerReconnectOffline() {

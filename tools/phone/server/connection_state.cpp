@@ -10,10 +10,11 @@ struct StateRow {
   ConnectionState state;
   std::string_view name;
   std::string_view refusal;
+  std::string_view words = name;
 };
 
 // A server started from an application has no vendor keys, so the middle line never varies here.
-constexpr std::array<StateRow, 7> kStates = {{
+constexpr std::array<StateRow, 8> kStates = {{
     {ConnectionState::kDevice, "device", ""},
     {ConnectionState::kOffline, "offline", "device offline"},
     {ConnectionState::kUnauthorized, "unauthorized",
@@ -23,6 +24,12 @@ constexpr std::array<StateRow, 7> kStates = {{
      "Otherwise check for a confirmation dialog on your device."},
     {ConnectionState::kAuthorizing, "authorizing", "device still authorizing"},
     {ConnectionState::kConnecting, "connecting", "device still connecting"},
+    // Of a computer whose udev rules do not name the phone.
+    {ConnectionState::kNoPermissions, "no-permissions",
+     "insufficient permissions for device: missing udev rules? user is in the plugdev group\n"
+     "See [http://developer.android.com/tools/device.html] for more information",
+     "no permissions (missing udev rules? user is in the plugdev group); see "
+     "[http://developer.android.com/tools/device.html]"},
     {ConnectionState::kRecovery, "recovery", ""},
     {ConnectionState::kSideload, "sideload", ""},
 }};
@@ -38,6 +45,10 @@ const StateRow& RowOf(ConnectionState state) {
 
 std::string_view NameOf(ConnectionState state) {
   return RowOf(state).name;
+}
+
+std::string_view WordsOf(ConnectionState state) {
+  return RowOf(state).words;
 }
 
 std::optional<ConnectionState> ParseConnectionState(std::string_view name) {

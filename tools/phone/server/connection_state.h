@@ -13,12 +13,15 @@ enum class ConnectionState {
   kUnauthorized,
   kAuthorizing,
   kConnecting,
+  kNoPermissions,
   kRecovery,
   kSideload
 };
 
-// The word of `adb devices` and `adb get-state`.
+// As the command line has it.
 std::string_view NameOf(ConnectionState state);
+// As `adb devices` and `adb get-state` have it: a word, or what is wrong.
+std::string_view WordsOf(ConnectionState state);
 std::optional<ConnectionState> ParseConnectionState(std::string_view name);
 
 // Why a command for a phone in this state is refused; empty when it is not.

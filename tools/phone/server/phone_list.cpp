@@ -129,9 +129,9 @@ std::string PhoneList::Listing(bool with_details) const {
     if (with_details) {
       constexpr size_t kSerialColumn = 22;
       line.resize(std::max(line.size(), kSerialColumn), ' ');
-      line.append(" ").append(NameOf(transport.state)).append(Details(transport));
+      line.append(" ").append(WordsOf(transport.state)).append(Details(transport));
     } else {
-      line.append("\t").append(NameOf(transport.state));
+      line.append("\t").append(WordsOf(transport.state));
     }
     listing += line + "\n";
   }

@@ -1,5 +1,9 @@
 // darokleim app, on simulated phones.
+#include <signal.h>
+
+#include <chrono>
 #include <filesystem>
+#include <thread>
 
 #include "tests/cli/documented_json.h"
 #include "tests/cli/phone_tool_test.h"
@@ -108,6 +112,19 @@ TEST_P(PhoneAppTest, InstallsTheFilesOfASplitApplication) {
             "Installed notes-1.apk.\nInstalled notes-1-split.apk.\n");
   EXPECT_TRUE(HasNotes());
   EXPECT_EQ(Run({"app", "install", "--split"}).status, 2);
+}
+
+TEST_P(PhoneAppTest, ACancelledInstallLeavesNothing) {
+  const auto install_files = [this] { return Shell("ls -aR /data/local/tmp /data/app 2>/dev/null"); };
+  const std::string before = install_files();
+  test::WriteFile(File("work/big.apk"), "");
+  std::filesystem::resize_file(File("work/big.apk"), 1ull << 30);
+  const auto tool = Start({"app", "install", "big.apk"});
+  std::this_thread::sleep_for(std::chrono::milliseconds(200));
+  tool->Signal(SIGINT);
+  EXPECT_EQ(tool->Finish().status, 130);
+  EXPECT_EQ(install_files(), before);
+  EXPECT_EQ(Shell("pm list packages -3"), "");
 }
 
 TEST_P(PhoneAppTest, ListsPackages) {

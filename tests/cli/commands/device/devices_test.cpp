@@ -30,17 +30,21 @@ class DevicesTest : public ToolTest {
 };
 
 TEST_F(DevicesTest, AreShownInEveryState) {
-  Attach({"AAA111", "BBB222,state=offline", "CCC333,state=unauthorized", "emulator-5554,state=offline"});
+  Attach({"AAA111", "BBB222,state=offline", "CCC333,state=unauthorized", "DDD444,state=no-permissions",
+          "emulator-5554,state=offline"});
   const auto outcome = Run({"devices"});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.errors, "");
-  EXPECT_EQ(outcome.output,
-            "SERIAL         STATE\n"
-            "AAA111         device\n"
-            "BBB222         offline       Does not respond: unplug it and plug it in again, or restart it.\n"
-            "CCC333         unauthorized  Unlock the phone and allow USB debugging for this computer on its "
-            "screen.\n"
-            "emulator-5554  offline       Does not respond: restart the emulator.\n");
+  EXPECT_EQ(
+      outcome.output,
+      "SERIAL         STATE\n"
+      "AAA111         device\n"
+      "BBB222         offline         Does not respond: unplug it and plug it in again, or restart it.\n"
+      "CCC333         unauthorized    Unlock the phone and allow USB debugging for this computer on its "
+      "screen.\n"
+      "DDD444         no-permissions  This user may not open it: udev rules are missing (Debian and Ubuntu: "
+      "package android-sdk-platform-tools-common), or the user is not in the group plugdev.\n"
+      "emulator-5554  offline         Does not respond: restart the emulator.\n");
 }
 
 TEST_F(DevicesTest, AreShownWithWhatTheyAre) {
@@ -163,6 +167,26 @@ TEST_F(PhoneChoiceTest, OfNoneThatIsReadySaysWhy) {
   EXPECT_EQ(outcome.errors,
             "darokleim: no device is ready:\nSERIAL         STATE\n"
             "emulator-5554  offline  Does not respond: restart the emulator.\n");
+}
+
+// udev rules are missing.
+TEST_F(PhoneChoiceTest, OfOneThatThisUserMayNotOpenSaysTheCause) {
+  Attach({"DDD444,state=no-permissions"});
+  const auto chosen = Run({"ls", "/sdcard"});
+  EXPECT_EQ(chosen.status, 3);
+  EXPECT_THAT(chosen.errors, HasSubstr("no device is ready:\n"));
+  EXPECT_THAT(chosen.errors,
+              HasSubstr("DDD444  no-permissions  This user may not open it: udev rules are missing"));
+  const auto named = Run({"-s", "DDD444", "ls", "--json", "/a", "/b"});
+  EXPECT_EQ(named.status, 3);
+  EXPECT_EQ(named.errors,
+            "darokleim: cannot list /a: this user may not open DDD444; on Linux udev rules are missing.\n");
+  const auto document = ParseJson(named.output);
+  EXPECT_EQ(document["errors"][0]["code"], "DEVICE_NO_PERMISSIONS");
+  EXPECT_THAT(document["errors"][0]["words"].asString(), HasSubstr("udev"));
+  EXPECT_EQ(ParseJson(Run({"devices", "--json"}).output)["devices"][0]["state"], "no-permissions");
+  EXPECT_THAT(phones().Adb({"shell", "true"}).errors, HasSubstr("insufficient permissions for device"))
+      << "as adb";
 }
 
 TEST_F(PhoneChoiceTest, OfNoneAtAllSaysWhatToCheck) {

@@ -8,6 +8,7 @@
 
 #include "tests/cli/documented_json.h"
 #include "tests/cli/phone_tool_test.h"
+#include "tests/support/eventually.h"
 #include "tests/support/file_content.h"
 
 namespace darokleim::cli {
@@ -188,6 +189,41 @@ TEST_P(PhoneTransferTest, ABrokenTransferGoesOnWithUpdate) {
   for (const char* name : {"a", "b", "c"}) {
     EXPECT_EQ(ReadFromPhone(std::string("/sdcard/d/") + name), std::string(1 << 20, *name));
   }
+}
+
+TEST_P(PhoneTransferTest, OfAPhoneThatGoesIsSummedUp) {
+  constexpr int kFiles = 60;
+  fs::create_directory(Work("d"));
+  for (int i = 0; i < kFiles; ++i) {
+    test::WriteFile(Work("d/" + std::to_string(i)), "");
+    fs::resize_file(Work("d/" + std::to_string(i)), 4 << 20);
+  }
+  Succeed({"push", "d/0", "/sdcard/d/"});
+  for (const bool json : {false, true}) {
+    const auto tool = Start({"push", json ? "--json" : "--progress", "--update", "d/.", "/sdcard/d"});
+    std::this_thread::sleep_for(std::chrono::milliseconds(60));
+    phones().Control({"TEST0001", "unplug"});
+    const auto outcome = tool->Finish();
+    // Whether it is the broken connection or the next one that notices.
+    EXPECT_THAT(outcome.status, testing::AnyOf(1, 3));
+    if (json) {
+      const auto document = ParseJson(outcome.output);
+      ExpectDocumented("push", document);
+      EXPECT_LT(document["pushed"].asInt() + document["skipped"].asInt(), kFiles);
+      EXPECT_GE(document["skipped"].asInt(), 1);
+      ASSERT_EQ(document["errors"].size(), 1u);
+    } else {
+      EXPECT_THAT(outcome.output,
+                  testing::ContainsRegex("files? pushed, 1 skipped.*--update goes on from here"));
+      EXPECT_THAT(outcome.errors, HasSubstr("cannot send "));
+    }
+    phones().Control({"TEST0001", "plug"});
+    ASSERT_TRUE(test::Eventually([this] { return Shell("echo here") == "here"; }));
+  }
+  const auto rest = ParseJson(Succeed({"push", "--json", "--update", "d/.", "/sdcard/d"}));
+  EXPECT_EQ(rest["pushed"].asInt() + rest["skipped"].asInt(), kFiles);
+  const auto found = ParseJson(Succeed({"ls", "--json", "-a", "/sdcard/d"}));
+  EXPECT_EQ(found["entries"].size(), static_cast<unsigned>(kFiles)) << "nothing temporary is left";
 }
 
 TEST_P(PhoneTransferTest, ABrokenPullKeepsTheOlderFile) {

@@ -25,7 +25,7 @@ using Devices = std::vector<dk::DeviceInfo>;
 std::string NamedSerial(Tool& tool) {
   const char* const from_environment = getenv("ANDROID_SERIAL");
   const bool has_environment = from_environment != nullptr && *from_environment != '\0';
-  const bool is_named = !tool.session_options().serial.text.empty() || has_environment;
+  const bool is_named = !tool.global_options().serial.text.empty() || has_environment;
   return is_named ? tool.phone().serial() : "";
 }
 

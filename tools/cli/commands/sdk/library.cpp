@@ -15,7 +15,7 @@ constexpr char kLogContext[] = "darokleim";
 
 }  // namespace
 
-void StartLibrary(const SessionOptions& options, const std::filesystem::path& log_folder) {
+void StartLibrary(const GlobalOptions& options, const std::filesystem::path& log_folder) {
   const auto resources = MakeResourceDirectory(FindHostPrograms(options.adb.text, options.busybox.text));
   const int code = AdbSdkInit(resources.c_str(), kLogContext, log_folder.c_str());
   if (code != ADB_RESULT_OK) throw ToolError("cannot start the library: " + DescribeResult(code));

@@ -3,13 +3,13 @@
 
 #include <filesystem>
 
-#include "tools/cli/device/session.h"
+#include "tools/cli/tool.h"
 
 namespace darokleim::cli {
 
 // Finds adb and starts the library as an application does, with its logs in that folder. The library can be started
 // once in a process. Throws ToolError.
-void StartLibrary(const SessionOptions& options, const std::filesystem::path& log_folder);
+void StartLibrary(const GlobalOptions& options, const std::filesystem::path& log_folder);
 
 }  // namespace darokleim::cli
 

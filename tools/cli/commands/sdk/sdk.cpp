@@ -169,7 +169,7 @@ void RunFunction(Tool& tool, const SdkFunction& function, const std::vector<Valu
   if (!tool.is_json()) settings.on_piece = [&tool](std::string_view piece) { tool.output().Write(piece); };
   SetEnvironment(options);
   const CallLog log;
-  if (function.needs_library) StartLibrary(tool.session_options(), log.folder());
+  if (function.needs_library) StartLibrary(tool.global_options(), log.folder());
   const auto result = CallFunction(function, values, settings);
   const CallReport report{function, result, log, options.log};
   if (tool.is_json()) {
@@ -177,7 +177,7 @@ void RunFunction(Tool& tool, const SdkFunction& function, const std::vector<Valu
   } else {
     tool.output().Write(ReportAsText(report, tool.output()));
   }
-  if (function.needs_library) KeepLog(log, tool.session_options().log_directory.text);
+  if (function.needs_library) KeepLog(log, tool.global_options().log_directory.text);
   if (IsCancelled() && !HasTimedOut()) throw Cancelled();
   if (result.succeeded) return;
   tool.Finish();

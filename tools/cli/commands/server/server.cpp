@@ -50,7 +50,7 @@ void Stop(Tool& tool) {
 void AwaitEnd(Tool& tool) {
   constexpr int kMostTimes = 20;
   constexpr auto kLookAgain = std::chrono::milliseconds(50);
-  Connection connection(tool.session_options(), false);
+  Connection connection(tool.global_options(), false);
   for (int i = 0; i < kMostTimes; ++i) {
     const auto version = connection.client().server_version(connection.limits());
     if (version.ok() || version.code() == DK_NO_SERVER) return;
@@ -66,7 +66,7 @@ void Restart(Tool& tool) {
 
 // Exit status 0 also where none runs: that is the answer.
 void Status(Tool& tool) {
-  Connection connection(tool.session_options(), false);
+  Connection connection(tool.global_options(), false);
   const auto version = connection.client().server_version(connection.limits());
   const bool is_running = version.code() != DK_NO_SERVER;
   const int number = is_running ? version.value() : 0;
