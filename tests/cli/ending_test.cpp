@@ -69,14 +69,16 @@ TEST_F(EndlessListTest, EndsWithTheLimitInTime) {
   for (int i = 0; i < 1000; ++i) {
     const std::string name = "file" + std::to_string(i);
     const auto size = static_cast<std::uint32_t>(name.size());
-    many += "DENT" + test::Number32(0100644) + test::Number32(1) + test::Number32(1) + test::Number32(size) +
-            name;
+    many += "DNT2" + test::Number32(0) + test::Number64(1) + test::Number64(1) + test::Number32(0100644) +
+            std::string(12, '\0') + test::Number64(1) + std::string(24, '\0') + test::Number32(size) + name;
   }
-  const test::ScriptedPhone phone("", [&many](const std::string& service, int connection) {
-    test::WriteBytes(connection, "OKAY");
-    if (service != "sync:") return;
-    while (test::WriteBytes(connection, many)) std::this_thread::sleep_for(milliseconds(1));
-  });
+  const test::ScriptedPhone phone("shell_v2,cmd,stat_v2,ls_v2",
+                                  [&many](const std::string& service, int connection) {
+                                    test::WriteBytes(connection, "OKAY");
+                                    if (service != "sync:") return;
+                                    while (test::WriteBytes(connection, many))
+                                      std::this_thread::sleep_for(milliseconds(1));
+                                  });
   Set("ANDROID_ADB_SERVER_PORT", phone.port());
   const auto start = steady_clock::now();
   const auto outcome = Run({"-s", "X", "--timeout", "0.5", "ls", "/sdcard"});

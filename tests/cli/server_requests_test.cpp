@@ -37,6 +37,7 @@ std::vector<DocumentedCommand> DocumentedCommands() {
 TEST_P(ServerRequestsTest, AreAsDocumentedAndNoAdbIsStarted) {
   PutOnPhone("/sdcard/Download/a.txt", "x");
   PutOnPhone("/sdcard/Download/folder/b.txt", "x");
+  PutOnPhone("/data/local/tmp/e.txt", "x");
   ASSERT_NE(phones().Adb({"install", DAROKLEIM_PHONE_TEST_DATA "/notes-1.apk"}).output.find("Success"),
             std::string::npos);
   test::WriteFile(File("work/b.txt"), "x");

@@ -7,6 +7,7 @@
 
 #include "tests/cli/documented_json.h"
 #include "tests/cli/phone_tool_test.h"
+#include "tests/support/eventually.h"
 #include "tests/support/file_content.h"
 
 namespace darokleim::cli {
@@ -115,7 +116,7 @@ TEST_P(PhoneAppTest, InstallsTheFilesOfASplitApplication) {
 }
 
 TEST_P(PhoneAppTest, ACancelledInstallLeavesNothing) {
-  const auto install_files = [this] { return Shell("ls -aR /data/local/tmp /data/app 2>/dev/null"); };
+  const auto install_files = [this] { return Shell("find /data/local/tmp /data/app -type f"); };
   const std::string before = install_files();
   test::WriteFile(File("work/big.apk"), "");
   std::filesystem::resize_file(File("work/big.apk"), 1ull << 30);
@@ -123,7 +124,7 @@ TEST_P(PhoneAppTest, ACancelledInstallLeavesNothing) {
   std::this_thread::sleep_for(std::chrono::milliseconds(200));
   tool->Signal(SIGINT);
   EXPECT_EQ(tool->Finish().status, 130);
-  EXPECT_EQ(install_files(), before);
+  EXPECT_TRUE(test::Eventually([&] { return install_files() == before; })) << install_files();
   EXPECT_EQ(Shell("pm list packages -3"), "");
 }
 

@@ -1,6 +1,7 @@
 #include "tools/phone/device/programs/pm_sessions.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -97,8 +98,10 @@ std::string Receive(uint64_t size, const std::string& path) {
 
 class StagingFolder {
  public:
+  // The package service does the work, not the shell of its client, whose end it sees as that of the input.
   StagingFolder() : path_(std::string(kStaging) + "/" + std::to_string(getpid())) {
     std::error_code error;
+    signal(SIGHUP, SIG_IGN);
     fs::create_directories(path_, error);
   }
   ~StagingFolder() {
