@@ -156,6 +156,8 @@ Status Connection::AwaitInput(const Limits& limits) {
 }
 
 Status Connection::AwaitOutput(const Limits& limits) {
+  // Who has ended the stream reads nothing more, but may leave the connection open.
+  if (ended_) return Broken("the server to take more");
   const int events = POLLOUT | (HasRoom() ? POLLIN : 0);
   Result<short> ready = WaitFor(socket_.get(), static_cast<short>(events), limits);
   if (!ready.ok()) return ready.TakeError();

@@ -115,6 +115,16 @@ TEST(ConnectionTest, AWriteThatNobodyTakesEndsAtItsDeadline) {
   EXPECT_EQ(CodeOf(connection.Send(much, Within(50))), ErrorCode::kTimedOut);
 }
 
+// As a server may when the phone is unplugged: the rest would wait for ever.
+TEST(ConnectionTest, AWriteToWhoHasEndedTheStreamAndTakesNothingFails) {
+  ConnectedPair pair;
+  shutdown(pair.far.get(), SHUT_WR);
+  auto connection = pair.Take();
+  const Status sent = connection.Send(std::string(64 << 20, 'x'), Within(20'000));
+  ASSERT_FALSE(sent.ok());
+  EXPECT_EQ(sent.error().code, ErrorCode::kConnectionBroken);
+}
+
 TEST(ConnectionTest, WritingToAClosedConnectionIsAnErrorAndNoSignal) {
   ConnectedPair pair;
   Connection connection = pair.Take();
