@@ -25,7 +25,7 @@ Transfer::Transfer(Kind of_kind, dk::Device of_phone, QString with_title, std::v
     : kind(of_kind),
       phone(std::move(of_phone)),
       title(std::move(with_title)),
-      items(std::move(with_items)),
+      items_(std::move(with_items)),
       existing_(existing) {}
 
 Transfer::State Transfer::state() const {
@@ -53,7 +53,24 @@ void Transfer::AddError(const dk::Error& error) {
   errors_.push_back(error);
 }
 
+// What was not transferred because it exists. Errors name the targets, which may be deep in the folders of an item.
+std::vector<dk::Item> Transfer::ExistingItems() const {
+  std::vector<dk::Item> existing;
+  for (const dk::Error& error : errors_) {
+    const std::string& path = error.path();
+    for (const dk::Item& item : items_) {
+      if (path.compare(0, item.target.size(), item.target) != 0) continue;
+      const std::string below = path.substr(item.target.size());
+      if (!below.empty() && below.front() != '/') continue;
+      existing.push_back({item.source + below, path});
+      break;
+    }
+  }
+  return existing;
+}
+
 void Transfer::Restart(dk_existing existing) {
+  if (result_ == kAsking) items_ = ExistingItems();
   existing_ = existing;
   cancel_ = dk::Cancel();
   has_begun_ = false;
@@ -85,18 +102,18 @@ dk::Result<dk_summary> Transfer::Copy(const dk::Limits& limits) {
     AddError(error);
     return true;
   };
-  return kind == kPush ? phone.push(items, options, limits) : phone.pull(items, options, limits);
+  return kind == kPush ? phone.push(items_, options, limits) : phone.pull(items_, options, limits);
 }
 
 dk::Result<dk_summary> Transfer::Install(const dk::Limits& limits) {
   dk::InstallOptions options;
   options.on_progress = [this](std::uint64_t done, std::uint64_t total) {
     const std::lock_guard lock(mutex_);
-    progress_ = {done, total, 0, 1, items.front().source};
+    progress_ = {done, total, 0, 1, items_.front().source};
     return true;
   };
   std::vector<std::string> apks;
-  for (const dk::Item& item : items) apks.push_back(item.source);
+  for (const dk::Item& item : items_) apks.push_back(item.source);
   const dk::Result<void> installed = phone.install(apks, options, limits);
   if (!installed) return installed.error();
   return dk_summary{};

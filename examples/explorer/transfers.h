@@ -42,11 +42,10 @@ class Transfer {
   const Kind kind;
   const dk::Device phone;
   const QString title;
-  const std::vector<dk::Item> items;
 
   State state() const;
   bool is_over() const { return state() > kRunning; }
-  // Any of these may be asked for while it runs.
+  // These may be asked for while it runs.
   Progress progress() const;
   std::vector<dk::Error> errors() const;
   std::size_t error_count() const;
@@ -63,7 +62,9 @@ class Transfer {
   dk::Result<dk_summary> Install(const dk::Limits& limits);
   void Finish();  // on the window's thread, after Run()
   void AddError(const dk::Error& error);
+  std::vector<dk::Item> ExistingItems() const;
 
+  std::vector<dk::Item> items_;
   dk_existing existing_;
   dk::Cancel cancel_;
   std::atomic<bool> has_begun_ = false;
@@ -95,7 +96,8 @@ class TransferQueue : public QObject {
   // One application, which may have several APKs.
   void Install(const dk::Device& phone, const std::vector<std::string>& apks);
 
-  // Once more, with another answer to what to do with existing files. Files that were transferred before count as existing.
+  // Once more, with an answer to what to do with existing files. After the question only these are transferred; otherwise all,
+  // and those that were transferred before count as existing.
   void Again(const TransferPtr& transfer, dk_existing existing);
 
   bool is_busy() const { return running_ > 0; }

@@ -150,10 +150,13 @@ class TransfersTest : public QObject {
     test_->Click("Keep them");
     AwaitState(explorer::Transfer::kDone);
     QCOMPARE(ContentOf(storage_ / "Both/album/a.txt"), std::string("first"));
+    MakeFile(computer_->path() / "album/c.txt", "new");
     DropOnPhone({computer_->path() / "album"});
     AwaitState(explorer::Transfer::kAsking);
+    QCOMPARE(ContentOf(storage_ / "Both/album/c.txt"), std::string("new"));
     test_->Click("Replace if different");
     AwaitState(explorer::Transfer::kDone);
+    QCOMPARE(newest_->progress().files_total, std::uint64_t{2});  // those that existed
     QCOMPARE(ContentOf(storage_ / "Both/album/a.txt"), std::string("changed"));
 
     // Back, under another name of the folder.
@@ -162,7 +165,8 @@ class TransfersTest : public QObject {
     MakeFile(storage_ / "Both/back" / latin, "third");
     DropOnComputer(serial, {"/sdcard/Both/back"});
     AwaitState(explorer::Transfer::kDone);
-    QCOMPARE(FilesBelow(computer_->path() / "back"), (std::vector<std::string>{"a.txt", latin, awkward}));
+    QCOMPARE(FilesBelow(computer_->path() / "back"),
+             (std::vector<std::string>{"a.txt", "c.txt", latin, awkward}));
     QCOMPARE(ContentOf(computer_->path() / "back" / latin), std::string("third"));
     CompareHeartbeat(*test_);
   }
