@@ -28,6 +28,8 @@ class Features {
     }
     return &*known_;
   }
+  // Whether it has a shell that tells output, errors and exit status apart; false until it was asked.
+  bool has_shell_v2() const { return known_ && known_->shell_v2(); }
 
  private:
   dk_device* const device_;

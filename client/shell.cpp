@@ -21,12 +21,17 @@ Result<ShellForm> FormOf(Features* features, std::string_view what, const Limits
   return (*known)->shell_v2() ? ShellForm::kV2 : ShellForm::kRaw;
 }
 
+// What phones without the newest form take, with the name of the service. The server of one before Android 6 may even end at more.
+constexpr std::size_t kLongestOldCommand = 4096;
+
 Result<adb::ShellSession> Start(dk_device* device, ShellForm form, std::string command, bool with_input,
                                 std::string_view what, const Limits& limits) {
   adb::ShellCommand shell;
   shell.form = form;
   shell.command = std::move(command);
   shell.with_input = with_input;
+  if (form != ShellForm::kV2 && shell.Service().size() >= kLongestOldCommand)
+    return Failed(DK_NAME_TOO_LONG, what, "the path or text is too long for this phone");
   const auto selector = adb::DeviceSelector::Serial(device->serial);
   auto session = adb::ShellSession::Start(device->context->server, selector, shell, limits);
   if (!session.ok()) return DeviceError(device, session.error(), what);

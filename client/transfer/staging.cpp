@@ -8,8 +8,10 @@
 namespace darokleim::client {
 namespace {
 
-// A script goes to the phone in one request of at most 65,535 bytes; for old phones it is quoted once more.
+// A script goes to the phone in one request of at most 65,535 bytes.
 constexpr std::size_t kLongestScript = 40 * 1024;
+// With room for what is around it, see kLongestOldCommand.
+constexpr std::size_t kLongestScriptOfOldPhones = 3000;
 
 constexpr char kNamingFiles[] = "give sent files their names";
 
@@ -20,39 +22,41 @@ std::size_t CostOf(std::string_view word) {
   return base::QuoteForShell(base::QuoteForShell(word)).size() + 1;
 }
 
-std::string Inside(const std::string& folder) {
-  return base::QuoteForShell(folder == "/" ? folder : folder + "/");
+std::size_t LongestScript(const Features& features) {
+  return features.has_shell_v2() ? kLongestScript : kLongestScriptOfOldPhones;
 }
 
-std::string MoveScript(const std::string& folder, const std::string& temporary,
-                       const std::vector<std::string>& names) {
+// The temporary folder is in the folder that they are for: a long path stands in the script once.
+std::string MoveScript(const std::string& temporary, const std::vector<std::string>& names) {
   std::string script = "cd " + base::QuoteForShell(temporary) + " && mv -f";
   for (const std::string& name : names) script += " ./" + base::QuoteForShell(name);
-  return script + " " + Inside(folder);
+  return script + " ../";
 }
 
 void AppendWords(std::string* script, const std::vector<std::string>& words) {
   for (const std::string& word : words) *script += " " + base::QuoteForShell(word);
 }
 
-// Prints the temporary folders in these folders, without a program of the phone where there are none.
-std::string SearchScript(const std::vector<std::string>& folders) {
-  std::string script = "for d in";
-  AppendWords(&script, folders);
-  return script + "; do for f in \"$d\"/" + std::string(kTemporaryPrefix) +
-         "*; do [ -e \"$f\" ] && ls -d \"$f\"; done; done 2>/dev/null";
+// Prints the temporary folders in the current folder, without a program of the phone where there are none.
+std::string SearchHere() {
+  return "for f in " + std::string(kTemporaryPrefix) +
+         "*; do [ -e \"$f\" ] && ls -d \"$PWD/$f\"; done 2>/dev/null";
 }
 
 // Of the lines of a search, those that nobody writes to any more.
-void RemoveLeftOversOf(dk_device* device, std::string_view lines, const Limits& limits) {
+void RemoveLeftOversOf(const Features& features, std::string_view lines, const Limits& limits) {
+  const std::size_t longest = LongestScript(features);
   std::string removal;
+  std::size_t cost = 0;
   ForEachLine(lines, [&](std::string_view line) {
     if (!line.empty() && line.front() == '/' && IsLeftOver(NameOf(line))) {
-      removal += "rm -rf " + base::QuoteForShell(line) + "; ";
+      cost += CostOf(line);
+      if (cost < longest) removal += " " + base::QuoteForShell(line);
     }
-    return removal.size() < kLongestScript;
+    return cost < longest;
   });
-  if (!removal.empty()) static_cast<void>(CollectScript(device, removal, "remove left-over files", limits));
+  if (removal.empty()) return;
+  static_cast<void>(CollectScript(features.device(), "rm -rf" + removal, "remove left-over files", limits));
 }
 
 }  // namespace
@@ -63,9 +67,11 @@ Staging::~Staging() {
     for (const auto& [folder, state] : folders_) temporary.push_back(state.temporary);
     for (const Part& part : moving_.parts) temporary.push_back(part.temporary);
     std::string words;
+    std::size_t cost = 0;
     for (const std::string& folder : temporary) {
       if (folder.empty()) continue;
-      if (words.size() + CostOf(folder) > kLongestScript) break;
+      cost += CostOf(folder);
+      if (cost > LongestScript(*features_)) break;
       words += " " + base::QuoteForShell(folder);
     }
     if (words.empty()) return;
@@ -96,19 +102,21 @@ void Staging::Make(std::string folder) {
 
 Staging::Batch Staging::TakeBatch() {
   Batch batch;
+  const std::size_t longest = LongestScript(*features_);
   std::size_t cost = 0;
-  while (!folders_to_make_.empty() && cost < kLongestScript / 2) {
+  while (!folders_to_make_.empty() && cost < longest / 2) {
     cost += CostOf(folders_to_make_.back());
     batch.folders_to_make.push_back(std::move(folders_to_make_.back()));
     folders_to_make_.pop_back();
   }
-  for (auto at = folders_.begin(); at != folders_.end() && cost < kLongestScript;) {
+  for (auto at = folders_.begin(); at != folders_.end() && cost < longest;) {
     Folder& state = at->second;
     Part part{at->first, state.temporary, {}, false};
-    // The words around the names, each of them up to twice.
-    std::size_t part_cost = 2 * CostOf(part.folder) + 2 * CostOf(part.temporary) + 32;
+    constexpr std::size_t kWordsAround = 160;
+    std::size_t part_cost = CostOf(part.temporary) + CostOf(NameOf(part.temporary)) + kWordsAround;
     const bool is_first = batch.parts.empty();  // gets at least one, however long its words are
-    while (!state.whole.empty() && (cost + part_cost < kLongestScript || (is_first && part.names.empty()))) {
+    if (!is_first && cost + part_cost >= longest) break;
+    while (!state.whole.empty() && (cost + part_cost < longest || (is_first && part.names.empty()))) {
       part_cost += CostOf(state.whole.back()) + 2;
       part.names.push_back(std::move(state.whole.back()));
       state.whole.pop_back();
@@ -131,18 +139,19 @@ std::string Staging::ScriptOf(const Batch& batch) {
     AppendWords(&script, batch.folders_to_make);
     script += " || e=1; ";
   }
-  std::vector<std::string> emptied, done;
   for (const Part& part : batch.parts) {
-    if (!part.names.empty()) script += MoveScript(part.folder, part.temporary, part.names) + " || e=1; ";
-    if (!part.is_last) continue;
-    emptied.push_back(part.temporary);
-    done.push_back(part.folder);
+    if (part.names.empty()) {
+      script += "rm -rf " + base::QuoteForShell(part.temporary) + "; ";
+      continue;
+    }
+    script += MoveScript(part.temporary, part.names);
+    if (part.is_last) {
+      script += " && cd .. && { rm -rf ./" + base::QuoteForShell(NameOf(part.temporary)) + "; " +
+                SearchHere() + "; true; }";
+    }
+    script += " || e=1; ";
   }
-  script += "[ -z \"$e\" ]";
-  if (done.empty()) return script;
-  script += " && { rm -rf";
-  AppendWords(&script, emptied);
-  return script + "; " + SearchScript(done) + "; true; }";
+  return script + "[ -z \"$e\" ]";
 }
 
 Status Staging::Commit(const Limits& limits, const Fail& failed) {
@@ -162,7 +171,7 @@ Status Staging::Finish(const Limits& limits, const Fail& failed) {
     if (Status committed = Commit(limits, failed); !committed.ok()) return committed;
   }
   Status settled = Settle(limits, failed);
-  if (settled.ok()) RemoveLeftOversOf(device_, left_overs_, limits);
+  if (settled.ok()) RemoveLeftOversOf(*features_, left_overs_, limits);
   return settled;
 }
 
@@ -204,8 +213,7 @@ Status Staging::ExplainPart(const Part& part, const Limits& limits, const Fail& 
   left.names = *std::move(names);
   Status status;
   if (!left.names.empty()) {
-    auto moved =
-        CollectScript(device_, MoveScript(left.folder, left.temporary, left.names), kNamingFiles, limits);
+    auto moved = CollectScript(device_, MoveScript(left.temporary, left.names), kNamingFiles, limits);
     if (!moved.ok()) return moved.TakeError();
     names = LeftOf(left, limits);
     if (!names.ok()) return names.TakeError();
@@ -240,15 +248,19 @@ Result<std::vector<std::string>> Staging::LeftOf(const Part& part, const Limits&
 }
 
 void LeftOvers::Look(const std::vector<std::string>& folders, const Limits& limits) {
-  std::vector<std::string> looked_at;
+  if (!features_->Get("look for left-over files", limits).ok()) return;
+  std::string script = "for d in";
   std::size_t cost = 0;
+  const std::string* before = nullptr;
   for (const std::string& folder : folders) {
-    if (!looked_at.empty() && looked_at.back() == folder) continue;
+    if (before != nullptr && *before == folder) continue;
+    before = &folder;
     cost += CostOf(folder);
-    if (cost > kLongestScript) break;
-    looked_at.push_back(folder);
+    if (cost > LongestScript(*features_)) break;
+    script += " " + base::QuoteForShell(folder);
   }
-  auto started = RunningScript::Start(features_, SearchScript(looked_at), "look for left-over files", limits);
+  script += "; do cd \"$d\" && " + SearchHere() + "; done 2>/dev/null";
+  auto started = RunningScript::Start(features_, script, "look for left-over files", limits);
   if (started.ok()) script_.emplace(*std::move(started));
 }
 
@@ -256,7 +268,7 @@ void LeftOvers::Remove(const Limits& limits) {
   if (!script_) return;
   auto listed = script_->Finish(limits);
   script_.reset();
-  if (listed.ok()) RemoveLeftOversOf(features_->device(), listed->out, limits);
+  if (listed.ok()) RemoveLeftOversOf(*features_, listed->out, limits);
 }
 
 }  // namespace darokleim::client

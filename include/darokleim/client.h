@@ -955,6 +955,7 @@ DK_API void dk_output_free(dk_output* output);
 /// @param[in]  call      See ::dk_call; may be null. The phone ends a command whose connection is closed with SIGHUP.
 /// @retval DK_OK               It ran. Look at dk_output::exit_status: 127 is a program that the phone does not have.
 /// @retval DK_CONNECTION_LOST  The end of its output is missing.
+/// @retval DK_NAME_TOO_LONG    The quoted words have more than 65,000 bytes; for phones before Android 7, more than about 4,000.
 /// @retval DK_UNSUPPORTED      There is input, and the phone is older than Android 7.
 /// @retval DK_STOPPED          dk_run_options::on_output returned false.
 /// @return Otherwise a code of every call.

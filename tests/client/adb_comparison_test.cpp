@@ -283,12 +283,18 @@ TEST_P(ComparedWithAdb, AStatusIsWhatStatPrints) {
     std::vector<std::string> paths = PathsBelow(Seen(tree));
     while (paths.size() > 5)
       paths.erase(paths.begin() + static_cast<std::ptrdiff_t>(dice->Roll(paths.size())));
-    std::string script;
-    for (const std::string& path : paths) {
-      for (const std::string stat : {"stat -c '%f %s %Y' ", "stat -L -c '%f %s %Y' "}) {
+    const auto script_of = [&](const std::string& path) {
+      std::string script;
+      for (const std::string stat : {"stat -c '%f %s %Y' ", "stat -L -c '%f %s %Y' "})
         script += stat + Quoted(tree + path) + " 2>/dev/null || echo none; ";
-      }
-    }
+      return script;
+    };
+    std::string script;
+    std::size_t count = 0;
+    constexpr std::size_t kLongestOfAdb = 4096 - 64;  // for old phones
+    while (count < paths.size() && script.size() + script_of(paths[count]).size() < kLongestOfAdb)
+      script += script_of(paths[count++]);
+    paths.resize(count);
     const std::string printed = AdbShell(script);
     std::string looked;
     for (const std::string& path : paths) {

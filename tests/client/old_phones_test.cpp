@@ -1,10 +1,14 @@
 // What phones before Android 7 cannot do, or cannot say.
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <string>
 
 #include "tests/client/calls.h"
+#include "tests/client/spoilt_phone.h"
+#include "tests/support/file_content.h"
 #include "tests/support/scripted_server.h"
+#include "tests/support/temporary_directory.h"
 
 namespace darokleim::client_test {
 namespace {
@@ -93,6 +97,27 @@ TEST(Servers, SayWhyTheyDoNotConnect) {
   EXPECT_EQ(dk_connect(client.context(), "10.0.0.1:5555", &call), DK_SERVER_REFUSED);
   EXPECT_EQ(dk_error_words(error), words);
   dk_error_free(error);
+}
+
+TEST(OldPhones, GetShortCommandsAlone) {
+  const SpoiltPhone phone(false);
+  const Client client(phone.address());
+  const test::TemporaryDirectory directory;
+  const std::string source = directory.File("tree");
+  for (int i = 0; i < 400; ++i) {
+    const std::string folder = source + "/my photos " + std::to_string(i % 20);
+    std::filesystem::create_directories(folder + "/empty");
+    test::WriteFile(folder + "/IMG_20260101_" + std::to_string(i) + ".jpg", "content");
+  }
+  const dk_item items[] = {{source.c_str(), "/sdcard/new/tree"}};
+  dk_transfer_options options = DK_TRANSFER_OPTIONS_INIT;
+  options.existing = DK_SKIP_SAME;
+  dk_summary summary;
+  EXPECT_EQ(dk_push(client.device(), items, 1, &options, &summary, nullptr), DK_OK);
+  EXPECT_EQ(summary.files_sent, 400U);
+  EXPECT_EQ(dk_run_script(client.device(), std::string(5000, ' ').c_str(), nullptr, nullptr, nullptr),
+            DK_NAME_TOO_LONG);
+  EXPECT_EQ(phone.harm(), "");
 }
 
 TEST(OldPhones, BeforeAndroid7TakeNoInputForACommand) {

@@ -163,6 +163,11 @@ bool SpoiltPhone::AnswerHost(const std::string& request, int connection) {
 }
 
 void SpoiltPhone::AnswerService(const std::string& service, int connection) {
+  constexpr std::size_t kLongestOfOldPhones = 4096;
+  if (!modern_ && service.size() >= kLongestOfOldPhones) {
+    const std::lock_guard lock(mutex_);
+    harm_ += "a request of " + std::to_string(service.size()) + " bytes\n";
+  }
   if (!spoiling_.refuses_service.empty()) {
     Write(connection, "FAIL" + Request(spoiling_.refuses_service));
     return;
@@ -231,7 +236,7 @@ SpoiltPhone::Printed SpoiltPhone::Print(const std::string& script) {
 
 // What is moved to its name out of a temporary folder has to be whole.
 void SpoiltPhone::CheckMove(const std::string& script) {
-  static const std::regex kMove(R"(cd '([^']*/\.darokleim[^']*)' && mv -f((?: \./'[^']*')+) ')");
+  static const std::regex kMove(R"(cd '([^']*/\.darokleim[^']*)' && mv -f((?: \./'[^']*')+) \.\./)");
   static const std::regex kName(R"(\./'([^']*)')");
   // For old phones the whole script is quoted once more.
   const std::string plain = std::regex_replace(script, std::regex(R"('\\'')"), "'");
