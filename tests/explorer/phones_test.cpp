@@ -221,6 +221,20 @@ class PhonesTest : public QObject {
     QCOMPARE(model.rowCount(), explorer::LogModel::kMostLines);
     QCOMPARE(model.line(model.rowCount() - 1).text, QString("4999"));
 
+    explorer::LogFilter filter(model);
+    QTreeView view;
+    view.setUniformRowHeights(true);
+    view.setModel(&filter);
+    view.show();
+    for (const char* word : {"49", "499", "none", ""}) {
+      filter.set_word(word);
+      QTest::qWait(10);
+      model.Append(lines);
+      QTest::qWait(10);
+    }
+    QCOMPARE(filter.rowCount(), explorer::LogModel::kMostLines);
+    CompareHeartbeat(*test_);
+
     explorer::LogBuffer buffer;
     dk_log_record record = {};
     record.level = 'I';

@@ -3,6 +3,7 @@
 #include <QMimeData>
 #include <QSignalSpy>
 #include <QUrl>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 
@@ -255,15 +256,49 @@ class TransfersTest : public QObject {
     QTRY_VERIFY_WITH_TIMEOUT(test_->Find<QListWidget>() == nullptr, kLong);
   }
 
-  void ClosingAsksCancelsAndLeavesNoHalfFile_data() { AddPhones(); }
+  // The server stops in the middle: the window lives, and a cancel ends the transfer after the client's limit for removing
+  // what is incomplete.
+  void ATransferThatHangsIsCancelled() {
+    Choose(kNewPhone);
+    paths::create_directories(storage_ / "Hang");
+    MakeLargeFile(computer_->path() / "large");
+    Open("/sdcard/Hang");
+    DropOnPhone({computer_->path() / "large"});
+    AwaitBytes();
+    phones_->process().Signal(SIGSTOP);
+    QTest::qWait(200);
+    QElapsedTimer since;
+    since.start();
+    test_->Click("Cancel");
+    const bool ended = QTest::qWaitFor([&] { return newest_->is_over(); }, kLong);
+    phones_->process().Signal(SIGCONT);
+    QVERIFY(ended);
+    QCOMPARE(newest_->state(), explorer::Transfer::kCancelled);
+    qInfo("cancelled after %d ms", static_cast<int>(since.elapsed()));
+    CompareHeartbeat(*test_);
+  }
+
+  void ClosingAsksCancelsAndLeavesNoHalfFile_data() {
+    QTest::addColumn<std::string>("serial");
+    QTest::addColumn<bool>("to_phone");
+    QTest::newRow("to a modern phone") << std::string(kNewPhone) << true;
+    QTest::newRow("to a legacy phone") << std::string(kOldPhone) << true;
+    QTest::newRow("from a phone") << std::string(kNewPhone) << false;
+  }
   void ClosingAsksCancelsAndLeavesNoHalfFile() {
     QFETCH(const std::string, serial);
+    QFETCH(const bool, to_phone);
     Choose(serial);
     paths::remove_all(storage_ / "Close");
     paths::create_directories(storage_ / "Close");
-    MakeLargeFile(computer_->path() / "large");
     Open("/sdcard/Close");
-    DropOnPhone({computer_->path() / "large"});
+    if (to_phone) {
+      MakeLargeFile(computer_->path() / "large");
+      DropOnPhone({computer_->path() / "large"});
+    } else {
+      MakeLargeFile(storage_ / "Close/large");
+      DropOnComputer(serial, {"/sdcard/Close/large"});
+    }
     AwaitBytes();
     explorer::MainWindow& window = test_->window();
     window.close();
@@ -275,7 +310,7 @@ class TransfersTest : public QObject {
     test_->Click("Cancel and close");
     QTRY_VERIFY_WITH_TIMEOUT(!window.isVisible(), kLong);
     QCOMPARE(newest_->state(), explorer::Transfer::kCancelled);
-    QVERIFY(paths::is_empty(storage_ / "Close"));
+    QVERIFY(paths::is_empty(to_phone ? storage_ / "Close" : computer_->path()));
     CompareHeartbeat(*test_);
   }
 };
