@@ -54,7 +54,7 @@ Ending Receive(const Call& call, const adb::FileStatus& status, const std::strin
     }
   }
   file.Keep();
-  if (call.form.option && file.SetTimeAndMode(status.modified, status.mode) != 0) {
+  if (call.form.option && file.SetTimeAndMode(status.modified, static_cast<mode_t>(status.mode)) != 0) {
     return call.Finish(report.Progress(status.size), 1);
   }
   return call.Finish(report.Summary(1, 0), 0);
