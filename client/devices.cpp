@@ -91,10 +91,9 @@ dk_device_info InfoOf(const adb::AttachedDevice& device) {
 namespace {
 
 std::string_view WordOf(dk_state state) {
-  for (const StateWord& known : kStateWords) {
-    if (known.state == state) return known.word;
-  }
-  return {};
+  const auto* const known = std::find_if(std::begin(kStateWords), std::end(kStateWords),
+                                         [state](const StateWord& word) { return word.state == state; });
+  return known == std::end(kStateWords) ? std::string_view() : known->word;
 }
 
 // The server waits for an absent device only by a service that names it; for other states the list is followed.

@@ -119,8 +119,8 @@ Status RemoveForwardsOf(dk_device* device, const Limits& limits) {
     static_cast<std::vector<std::string>*>(user)->emplace_back(mapping->from);
     return true;
   };
-  if (Status status = ReportMappings(*text, ListOf::kForwards, device, keep, &addresses); !status.ok())
-    return status;
+  static_cast<void>(
+      ReportMappings(*text, ListOf::kForwards, device, keep, &addresses));  // `keep` never ends it
   for (const std::string& address : addresses) {
     auto removed = AskDevice(device, limits, [&](const auto& server, const auto& selector) {
       return adb::RemoveForward(server, selector, address, limits);

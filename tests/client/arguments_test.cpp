@@ -168,6 +168,7 @@ TEST_F(Refused, ANullOutputOrCallback) {
       {"reverse_add", dk_reverse_add(device_, nullptr, "tcp:2", false, nullptr, nullptr)},
       {"reverse_list", dk_reverse_list(device_, nullptr, nullptr, nullptr)},
       {"reboot into an unknown mode", dk_device_reboot(device_, "fastboot; rm", nullptr)},
+      {"wait for an unknown state", dk_device_wait(device_, DK_STATE_UNKNOWN, nullptr)},
       {"cancel", dk_cancel_new(nullptr)},
       {"context", dk_context_new(nullptr, nullptr, nullptr)},
   };

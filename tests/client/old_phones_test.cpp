@@ -83,6 +83,22 @@ TEST(OldServers, DoNotPair) {
   EXPECT_EQ(dk_pair(client.context(), "10.0.0.1:4000", "123456", nullptr), DK_UNSUPPORTED);
 }
 
+// Of a later one, perhaps.
+TEST(Servers, SayStatesThatAreNotKnown) {
+  const test::ScriptedServer server([](int connection) {
+    test::ReadRequest(connection);
+    test::WriteBytes(connection, "OKAY" + test::Request("X asleep transport_id:1\n"));
+  });
+  const Client client(server.name());
+  std::string seen;
+  const auto on_device = [](void* user, const dk_device_info* info) {
+    *static_cast<std::string*>(user) = info->state == DK_STATE_UNKNOWN ? info->state_text : "known";
+    return true;
+  };
+  EXPECT_EQ(dk_devices(client.context(), on_device, &seen, nullptr), DK_OK);
+  EXPECT_EQ(seen, "asleep");
+}
+
 // What the server says of an address is in the text of a success.
 TEST(Servers, SayWhyTheyDoNotConnect) {
   const std::string words = "failed to connect to '10.0.0.1:5555': Connection refused";

@@ -109,6 +109,8 @@ TEST_P(UnsafeNames, AreLeftOutOfAList) {
 TEST_P(UnsafeNames, AreErrorsOfAWalkThatGoesOn) {
   dk_walk_options options = DK_WALK_OPTIONS_INIT;
   EXPECT_EQ(dk_walk(phone_.device(), "/sdcard", &options, AddName, &seen_, nullptr), DK_PARTLY_DONE);
+  options.on_error = [](void*, const dk_error*) { return false; };
+  EXPECT_EQ(dk_walk(phone_.device(), "/sdcard", &options, AddName, &seen_, nullptr), DK_STOPPED);
   options.on_error = AddError;
   seen_ = {};
   EXPECT_EQ(dk_walk(phone_.device(), "/sdcard", &options, AddName, &seen_, nullptr), DK_PARTLY_DONE);
