@@ -155,8 +155,8 @@ TEST_F(ShellSessions, HoldLittleOfTheInputThatNobodyTakes) {
     std::this_thread::sleep_for(milliseconds(400));
     WriteBytes(connection, ShellPacket(3, "\1"));
   });
+  const std::string input(64 * 1024 * 1024, 'x');  // made first: the other side does not wait for it
   dk::Shell shell = Start({"sleep 1"}).value();
-  const std::string input(256 * 1024 * 1024, 'x');
   EXPECT_EQ(shell.write(input, {{}, milliseconds(50)}).code(), DK_TIMED_OUT);
   const dk::Cancel cancel;
   cancel.set();

@@ -8,6 +8,7 @@
 #include "tests/cli/phone_tool_test.h"
 #include "tests/support/eventually.h"
 #include "tests/support/file_content.h"
+#include "tests/support/sanitizers.h"
 
 namespace darokleim::cli {
 namespace {
@@ -50,6 +51,7 @@ TEST_P(PhoneShellTest, LeavesTheListOfALoopAlone) {
             "a\nb\n");
 }
 
+#if !defined(DAROKLEIM_SANITIZED)  // which need more address space themselves
 TEST_P(PhoneShellTest, HoldsLittleOfALargeInput) {
   if (is_legacy()) return;
   test::WriteFile(File("large"), "");
@@ -58,6 +60,7 @@ TEST_P(PhoneShellTest, HoldsLittleOfALargeInput) {
       RunShell("ulimit -v 200000; \"$TOOL\" shell 'cat | wc -c' <" + File("large"));  // KiB of address space
   EXPECT_EQ(outcome.output, "104857600\n") << outcome.errors;
 }
+#endif
 
 TEST_P(PhoneShellTest, ReadsAScript) {
   const auto outcome = RunShell("printf 'echo one\\necho two\\nexit 6' | \"$TOOL\" shell");
