@@ -3,6 +3,7 @@
 #include <QComboBox>
 #include <QScrollArea>
 #include <algorithm>
+#include <optional>
 
 #include "errors.h"
 #include "text.h"
@@ -50,12 +51,12 @@ TransferRow::TransferRow(TransferPtr transfer, TransferQueue& queue)
 }
 
 void TransferRow::AddButtons(TransferQueue& queue, QHBoxLayout& line) {
-  const auto again = [this, &queue](dk_existing existing) {
+  const auto again = [this, &queue](std::optional<dk_existing> existing) {
     return [this, &queue, existing] {
       bytes_at_rate_ = 0;
       rate_ = 0;
       errors_->clear();
-      queue.Again(transfer_, existing);
+      queue.Again(transfer_, existing.value_or(queue.existing()));
     };
   };
   answers_ = {AddButton(line, "Keep them", again(DK_SKIP_EXISTING)),
@@ -63,8 +64,8 @@ void TransferRow::AddButtons(TransferQueue& queue, QHBoxLayout& line) {
               AddButton(line, "Replace all", again(DK_REPLACE))};
   answers_[0]->setToolTip("The files that are there already stay as they are.");
   answers_[1]->setToolTip("Replaces files of another size or date.");
-  // Asks about what exists, which is also what was transferred before.
-  again_ = AddButton(line, "Try again", again(DK_FAIL_IF_EXISTS));
+  // What exists then is also what was transferred before.
+  again_ = AddButton(line, "Try again", again(std::nullopt));
   cancel_ = AddButton(line, "Cancel", [this] { transfer_->Cancel(); });
 }
 

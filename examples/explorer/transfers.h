@@ -86,6 +86,7 @@ class TransferQueue : public QObject {
 
   // What to do with existing files in transfers from now on; DK_FAIL_IF_EXISTS asks.
   void set_existing(dk_existing existing) { existing_ = existing; }
+  dk_existing existing() const { return existing_; }
 
   // Local files and folders into a folder of the phone.
   void Push(const dk::Device& phone, const std::vector<std::string>& local, const std::string& folder);
