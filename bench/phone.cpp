@@ -19,6 +19,9 @@ constexpr char kDirectory[] = "/sdcard/DCIM/many";
 constexpr char kSent[] = "/sdcard/sent.bin";
 // For the questions that the tool asks the device besides.
 constexpr double kToolGoal = 1.25;
+constexpr double kListingGoal = 2;
+constexpr double kSmallGoal = 1.2;
+constexpr char kSmall[] = "/sdcard/small";
 constexpr std::size_t kFileSize = 256 * 1024 * 1024;
 
 Words Joined(Words first, const Words& second) {
@@ -66,6 +69,66 @@ Row CompareListing(const BenchmarkPhone& phone) {
       });
 }
 
+// The phone lists one folder, and so does the tool.
+Row CompareListingAboveMany(const BenchmarkPhone& phone) {
+  constexpr char kAbove[] = "/sdcard/above";
+  phone.Shell(
+      std::string("mkdir -p ") + kAbove + "; cd " + kAbove +
+      "; f=0; while [ $f -lt 50 ]; do mkdir $f; i=0; while [ $i -lt 1000 ]; do : >$f/$i; i=$((i+1)); done; "
+      "f=$((f+1)); done");
+  return Compare(
+      {"darokleim ls, 50 folders with 50,000 files", "adb shell ls", kListingGoal, 25},
+      [&] {
+        BenchmarkPhone::Output(Tool(phone, {"ls", kAbove}));
+      },
+      [&] {
+        BenchmarkPhone::Output(Adb({"shell", "ls", kAbove}));
+      });
+}
+
+// 500 files of 4 KiB, each named on the command line.
+Words SmallFiles(const BenchmarkPhone& phone) {
+  constexpr int kFiles = 500;
+  constexpr std::size_t kSize = 4096;
+  std::filesystem::create_directory(phone.OnHost("small"));
+  Words files;
+  for (int i = 0; i < kFiles; ++i) {
+    files.push_back(phone.OnHost("small/" + std::to_string(i)));
+    std::ofstream(files.back()) << std::string(kSize, 'x');
+  }
+  return files;
+}
+
+Words To(const char* folder, Words words, const Words& files) {
+  words = Joined(std::move(words), files);
+  words.emplace_back(folder);
+  return words;
+}
+
+Row ComparePushOfSmallFiles(const BenchmarkPhone& phone, const Words& files) {
+  const auto push = [&](const Words& command) {
+    phone.Shell(std::string("rm -rf ") + kSmall + "; mkdir " + kSmall);
+    return SecondsOfRun(command);
+  };
+  return CompareSeconds(
+      {"darokleim push, 500 files by name", "adb push", kSmallGoal, 9},
+      [&] { return push(Tool(phone, To(kSmall, {"push"}, files))); },
+      [&] { return push(Adb(To(kSmall, {"push"}, files))); });
+}
+
+Row ComparePushAgain(const BenchmarkPhone& phone, const Words& files) {
+  phone.Shell(std::string("rm -rf ") + kSmall + "; mkdir " + kSmall);
+  BenchmarkPhone::Output(Tool(phone, To(kSmall, {"push"}, files)));
+  return Compare(
+      {"darokleim push --update, the same files unchanged", "adb push --sync", kSmallGoal, 2},
+      [&] {
+        BenchmarkPhone::Output(Tool(phone, To(kSmall, {"push", "--update"}, files)));
+      },
+      [&] {
+        BenchmarkPhone::Output(Adb(To(kSmall, {"push", "--sync"}, files)));
+      });
+}
+
 // Each file arrives anew: what is there already would be skipped.
 Row ComparePush(const BenchmarkPhone& phone) {
   const std::string file = phone.FileOf(kFileSize);
@@ -106,6 +169,10 @@ int main() {
   std::vector<Row> rows;
   rows.push_back(CompareScript(phone));
   rows.push_back(CompareListing(phone));
+  rows.push_back(CompareListingAboveMany(phone));
+  const Words small_files = SmallFiles(phone);
+  rows.push_back(ComparePushOfSmallFiles(phone, small_files));
+  rows.push_back(ComparePushAgain(phone, small_files));
   rows.push_back(ComparePush(phone));
   rows.push_back(ComparePull(phone));
   Print(rows);

@@ -141,6 +141,18 @@ TEST_P(PhoneLsTest, FoldersOfAnyNameAreListed) {
   }
 }
 
+// Old encodings, damaged names.
+TEST_P(PhoneLsTest, ANameThatIsNotUtf8IsRecoveredFromJson) {
+  const std::string path = "/data/local/tmp/n/caf\xe9 \xff\xe7\x85\xa7";
+  PutOnPhone(path, "x");
+  EXPECT_THAT(Succeed({"ls", "--json", "/data/local/tmp/n"}), HasSubstr(R"("caf\udce9 \udcff\u7167")"));
+  const auto recovered = RunShell(
+      "\"$TOOL\" ls --json /data/local/tmp/n | python3 -c 'import json,os,sys; "
+      "sys.stdout.buffer.write(os.fsencode(json.load(sys.stdin)[\"entries\"][0][\"path\"]))'");
+  EXPECT_EQ(recovered.output, path) << recovered.errors;
+  EXPECT_EQ(Succeed({"ls", recovered.output}), path + "\n");
+}
+
 TEST_P(PhoneLsTest, TheTimeIsLimited) {
   SwitchOn("slow=5000");
   const auto outcome = Run({"--timeout", "0.3", "ls", "/sdcard"});
