@@ -14,21 +14,29 @@ constexpr char kDescription[] =
     "darokleim manages Android devices over adb, Google's Android Debug Bridge: it lists and describes "
     "devices, moves "
     "and measures files, installs and removes applications, shows the log, maps ports and more.\n\n"
-    "Each command has a --help of its own. Output is for people; with --json, where a command has it, for "
-    "programs.";
+    "Each command has a --help of its own. Output is for people; with --json, for programs. Commands ask the "
+    "adb server, "
+    "and start adb only where no server runs; sdk calls a function of the library libdarokleim, which runs "
+    "adb.";
 
 constexpr char kExitStatus[] = R"(.TP
 0
 The command did what it was asked.
 .TP
 1
-It failed. Standard error says what could not be done, why, and what helps.
+It failed, or one of several things did. Standard error says what could not be done, why, and what helps.
 .TP
 2
 The command line is wrong.
 .TP
+3
+No device can be used: none is attached, none is ready, or the named one is not. No adb server can be reached.
+.TP
 130
-It was cancelled with Ctrl\-C.
+It was cancelled: Ctrl\-C, a terminate signal, or the end of the terminal.
+.PP
+.B shell
+has the exit status of the command on the device.
 )";
 
 constexpr char kEnvironment[] = R"(.TP
@@ -39,21 +47,30 @@ The device, where \-s names none.
 An Android SDK, in which adb is searched for.
 .TP
 .B ANDROID_ADB_SERVER_PORT
-Where adb\(aqs server is; read by adb itself.
+The port of the adb server on this computer, 5037 otherwise.
+.TP
+.B ADB_SERVER_SOCKET
+Where the adb server is, as adb takes it: tcp:HOST:PORT.
 .TP
 .B NO_COLOR
 Not empty: no colours, on a terminal either.
 .TP
 .B DAROKLEIM_LOG_LEVEL
-The lowest level written to the logs: 0 trace, 1 progress (the default), 2 command lines, 3 errors.
+Of
+.BR sdk :
+the lowest level written to the logs: 0 trace, 1 progress (the default), 2 command lines, 3 errors.
 .TP
-.B DAROKLEIM_CHANNEL_ASSIST
-0: pass commands and output through unchanged, to see what a device really prints.
+.B DAROKLEIM_CHANNEL
+Of
+.BR sdk :
+how commands reach the device: plain, assist or direct.
 )";
 
 constexpr char kFiles[] = R"(.TP
 .IR ~/.local/state/darokleim/ ", on macOS " ~/Library/Logs/darokleim/
-The logs, adb_sdk.log and adb_channel.log, unless \-\-log\-dir names another directory.
+The logs of
+.BR sdk ,
+adb_sdk.log and adb_channel.log, unless \-\-log\-dir names another directory.
 )";
 
 // "-s, --serial SERIAL", "PATH"
