@@ -1,6 +1,7 @@
 #include "tests/cli/counting_server.h"
 
 #include <arpa/inet.h>
+#include <fcntl.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -16,7 +17,8 @@ namespace darokleim::cli {
 namespace {
 
 base::UniqueFd ConnectTo(const std::string& port) {
-  base::UniqueFd connection(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  base::UniqueFd connection(socket(AF_INET, SOCK_STREAM, 0));
+  fcntl(connection.get(), F_SETFD, FD_CLOEXEC);
   sockaddr_in name = {};
   name.sin_family = AF_INET;
   name.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
