@@ -988,7 +988,7 @@ DK_API dk_code dk_quote(const char* text, dk_bytes* quoted);
 ///   (void)user;
 ///   fwrite(data, 1, size, stream == DK_STDERR ? stderr : stdout);
 /// }
-/// static void on_end(void* user, dk_code code, int exit_status, const dk_error* error) {
+/// static void on_shell_end(void* user, dk_code code, int exit_status, const dk_error* error) {
 ///   (void)user;
 ///   if (code != DK_OK) fprintf(stderr, "%s\n", dk_error_message(error));
 ///   else printf("The command ended with %d.\n", exit_status);
@@ -998,7 +998,7 @@ DK_API dk_code dk_quote(const char* text, dk_bytes* quoted);
 /// static dk_code sort_lines(dk_device* phone, dk_shell** shell, const dk_call* call) {
 ///   dk_shell_options options = DK_SHELL_OPTIONS_INIT;
 ///   options.command = "sort";
-///   dk_code code = dk_shell_start(phone, &options, on_output, on_end, NULL, shell, call);
+///   dk_code code = dk_shell_start(phone, &options, on_output, on_shell_end, NULL, shell, call);
 ///   if (code == DK_OK) code = dk_shell_write(*shell, "b\na\n", 4, call);
 ///   if (code == DK_OK) code = dk_shell_close_input(*shell, call);
 ///   return code;
