@@ -44,8 +44,8 @@ class FolderPhone {
     for (;;) {
       const std::string header = test::ReadBytes(connection, 8);
       if (header.size() < 8) return;
-      const std::string path = test::ReadBytes(
-          connection, static_cast<unsigned char>(header[4]) | static_cast<unsigned char>(header[5]) << 8);
+      const auto low = static_cast<unsigned char>(header[4]), high = static_cast<unsigned char>(header[5]);
+      const std::string path = test::ReadBytes(connection, low + 256U * high);
       const std::string id = header.substr(0, 4);
       const bool is_link = path == "/sdcard/link";
       if (is_link && id == "STA2") return;  // it goes in the middle
