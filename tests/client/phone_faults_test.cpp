@@ -216,7 +216,9 @@ TEST_P(ClientFaults, ThePhoneLacksACommand) {
 }
 
 TEST_P(ClientFaults, ThePhoneIsUnpluggedDuringAnInstallation) {
-  const std::string apk = std::string(DAROKLEIM_PHONE_TEST_DATA) + "/notes-1.apk";
+  // Two, since a phone installs one APK whose last byte arrived before it was unplugged.
+  const std::string data = DAROKLEIM_PHONE_TEST_DATA;
+  const std::vector<std::string> apks = {data + "/notes-1.apk", data + "/notes-1-split.apk"};
   Begun unplug{[this] { phones().Control({kSerial, "unplug"}); }};
   dk_install_options options = DK_INSTALL_OPTIONS_INIT;
   options.user = &unplug;
@@ -225,10 +227,10 @@ TEST_P(ClientFaults, ThePhoneIsUnpluggedDuringAnInstallation) {
     if (!std::exchange(once.done, true)) once.action();
     return true;
   };
-  EXPECT_THAT(phone().install({apk}, options).code(), ::testing::AnyOf(DK_CONNECTION_LOST, DK_NO_DEVICE));
+  EXPECT_THAT(phone().install(apks, options).code(), ::testing::AnyOf(DK_CONNECTION_LOST, DK_NO_DEVICE));
   phones().Control({kSerial, "plug"});
   EXPECT_EQ(phone().app("com.example.notes").code(), DK_NO_PACKAGE);
-  EXPECT_TRUE(phone().install({apk}, DK_INSTALL_OPTIONS_INIT));
+  EXPECT_TRUE(phone().install(apks, DK_INSTALL_OPTIONS_INIT));
 }
 
 TEST_P(ClientFaults, AnInstallationIsRefused) {
