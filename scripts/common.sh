@@ -60,7 +60,7 @@ configure_tree() {
 # run_tests PRESET [CTest argument]…: runs the tests of a tree; having none to run is a failure. Tests mostly wait, for
 # adb and for phones: several for each processor keep it busy.
 run_tests() {
-  local for_each_processor=4
+  local for_each_processor=6
   [ "$1" = developer ] || for_each_processor=2 # sanitizers need more of it
   (
     use_memory_for_temporary_files

@@ -83,7 +83,7 @@ class Walk {
       --words;
     }
     const bool may_be_later = words > 0;
-    if (!may_be_later && next.size() > 1) next.resize(1);
+    if (!may_be_later && next.size() > 1) next.erase(next.begin() + 1, next.end());
     return next;
   }
 
