@@ -40,14 +40,8 @@ struct dk_log : darokleim::client::Worker {
 
  private:
   void Work() override {
-    try {
-      const darokleim::client::Status end = Follow();
-      if (stopping() || end.ok()) return End(DK_OK, nullptr);
-      const dk_error error{end.error()};
-      End(error.error.code, &error);
-    } catch (const std::bad_alloc&) {
-      End(stopping() ? DK_OK : DK_OUT_OF_MEMORY, nullptr);
-    }
+    ServeToEnd([this] { return Follow(); },
+               [this](dk_code code, const dk_error* error) { End(code, error); });
   }
 
   void End(dk_code code, const dk_error* error) {

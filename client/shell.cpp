@@ -248,8 +248,7 @@ Status RunForCaller(dk_device* device, std::string_view script, const dk_run_opt
   NextInput input;
   if (options.input != nullptr) {
     input = [rest = std::string_view(options.input, options.input_size)]() mutable {
-      constexpr std::size_t kPiece = 64 * 1024;
-      const std::string_view piece = rest.substr(0, kPiece);
+      const std::string_view piece = rest.substr(0, kBlock);
       rest.remove_prefix(piece.size());
       return piece;
     };

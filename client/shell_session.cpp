@@ -120,14 +120,7 @@ struct dk_shell : darokleim::client::Worker {
 
  private:
   void Work() override {
-    try {
-      const darokleim::client::Status end = Serve();
-      if (stopping() || end.ok()) return End(DK_OK, nullptr);
-      const dk_error error{end.error()};
-      End(error.error.code, &error);
-    } catch (const std::bad_alloc&) {
-      End(stopping() ? DK_OK : DK_OUT_OF_MEMORY, nullptr);
-    }
+    ServeToEnd([this] { return Serve(); }, [this](dk_code code, const dk_error* error) { End(code, error); });
   }
 
   void End(dk_code code, const dk_error* error) {

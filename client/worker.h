@@ -60,6 +60,20 @@ class Worker {
   // Nothing may leave it.
   virtual void Work() = 0;
 
+  // The Work() of a worker that reports its end: `serve` returns a Status, and `end` takes the code and the error of it, or null.
+  // A stop is no error.
+  template <typename Serve, typename End>
+  void ServeToEnd(Serve serve, End end) {
+    try {
+      const Status status = serve();
+      if (stopping() || status.ok()) return end(DK_OK, nullptr);
+      const dk_error error{status.error()};
+      end(error.error.code, &error);
+    } catch (const std::bad_alloc&) {
+      end(stopping() ? DK_OK : DK_OUT_OF_MEMORY, nullptr);
+    }
+  }
+
   // Whether the caller is one of its callbacks.
   bool is_own_thread() const { return thread_.get_id() == std::this_thread::get_id(); }
   bool stopping() const { return stop_->IsSet(); }

@@ -102,12 +102,11 @@ class Installation {
         reader_(options, Total(apks_)) {}
 
   Status Run() {
-    auto features = AskDevice(device_, limits_, [&](const auto& server, const auto& selector) {
-      return adb::QueryFeatures(server, selector, limits_);
-    });
-    if (!features.ok()) return DeviceError(device_, features.error(), what_);
+    Features features(device_);
+    auto known = features.Get(what_, limits_);
+    if (!known.ok()) return known.TakeError();
     // Phones with `cmd` take the bytes of an APK from its standard input.
-    streams_ = features->Has("cmd") && features->shell_v2();
+    streams_ = (*known)->Has("cmd") && (*known)->shell_v2();
     if (apks_.size() == 1) return streams_ ? InstallStreamed() : InstallStaged();
     return InstallSession();
   }

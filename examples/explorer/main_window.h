@@ -45,7 +45,7 @@ class MainWindow : public QMainWindow {
   PhoneList phones_;
   QListView* const list_;
   QStackedWidget* const stack_;
-  QLabel* const message_;  // where there is no page to show
+  QLabel* const message_;  // in place of a page that cannot be shown
   struct Pages {
     dk::Device phone;
     QWidget* widget;
