@@ -21,8 +21,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char kModernPhone[] = "R58M123ABC";
-constexpr char kLegacyPhone[] = "0123456789ABCDEF";
 constexpr int kMany = 20000;
 // Not UTF-8, a line break, characters that reorder others, what a shell and HTML would read.
 const std::vector<std::string> kAwkward = {
@@ -95,17 +93,10 @@ class FilesTest : public QObject {
     std::sort(names.begin(), names.end());
     return names;
   }
-  static void AddPhones() {
-    QTest::addColumn<std::string>("serial");
-    QTest::newRow("modern") << std::string(kModernPhone);
-    QTest::newRow("legacy") << std::string(kLegacyPhone);
-  }
 
  private slots:
   void initTestCase() {
-    phones_ = std::make_unique<SimulatedPhones>(
-        Words{kModernPhone + std::string(",profile=samsung"), std::string(kLegacyPhone) + ",android=legacy"},
-        Words{"--quick"});
+    phones_ = StartBothPhones();
     for (const char* serial : {kModernPhone, kLegacyPhone}) {
       const fs::path many = Storage(serial) / "Many";
       fs::create_directory(many);
@@ -120,7 +111,7 @@ class FilesTest : public QObject {
   void cleanup() { test_.reset(); }
   void cleanupTestCase() { phones_.reset(); }
 
-  void FoldersAreBrowsed_data() { AddPhones(); }
+  void FoldersAreBrowsed_data() { AddBothPhones(); }
   void FoldersAreBrowsed() {
     QFETCH(const std::string, serial);
     Choose(serial);
@@ -157,7 +148,7 @@ class FilesTest : public QObject {
     CompareHeartbeat(*test_);
   }
 
-  void FilesAreChanged_data() { AddPhones(); }
+  void FilesAreChanged_data() { AddBothPhones(); }
   void FilesAreChanged() {
     QFETCH(const std::string, serial);
     Choose(serial);
@@ -224,7 +215,7 @@ class FilesTest : public QObject {
     box()->close();
   }
 
-  void PicturesHaveThumbnails_data() { AddPhones(); }
+  void PicturesHaveThumbnails_data() { AddBothPhones(); }
   void PicturesHaveThumbnails() {
     QFETCH(const std::string, serial);
     Choose(serial);
@@ -258,7 +249,7 @@ class FilesTest : public QObject {
     CompareHeartbeat(*test_);
   }
 
-  void AFolderMayHaveManyFiles_data() { AddPhones(); }
+  void AFolderMayHaveManyFiles_data() { AddBothPhones(); }
   void AFolderMayHaveManyFiles() {
     QFETCH(const std::string, serial);
     Choose(serial);

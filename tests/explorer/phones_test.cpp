@@ -25,8 +25,6 @@ namespace darokleim::test {
 
 namespace {
 
-constexpr char kModern[] = "R58M123ABC";
-constexpr char kLegacy[] = "0123456789ABCDEF";
 constexpr char kLocked[] = "LOCKED42";
 
 QString Apk(const char* name) {
@@ -47,8 +45,8 @@ void DropFiles(QWidget* onto, const QStringList& files) {
 
 void AddGenerations() {
   QTest::addColumn<std::string>("serial");
-  QTest::newRow("modern") << std::string(kModern);
-  QTest::newRow("legacy") << std::string(kLegacy);
+  QTest::newRow("modern") << std::string(kModernPhone);
+  QTest::newRow("legacy") << std::string(kLegacyPhone);
 }
 
 }  // namespace
@@ -69,8 +67,8 @@ class PhonesTest : public QObject {
 
  private slots:
   void initTestCase() {
-    const std::string samsung = std::string(kModern) + ",profile=samsung,card=1234-5678";
-    phones_ = std::make_unique<SimulatedPhones>(Words{samsung, std::string(kLegacy) + ",android=legacy",
+    const std::string samsung = std::string(kModernPhone) + ",profile=samsung,card=1234-5678";
+    phones_ = std::make_unique<SimulatedPhones>(Words{samsung, std::string(kLegacyPhone) + ",android=legacy",
                                                       std::string(kLocked) + ",state=unauthorized"});
   }
   void init() { test_ = std::make_unique<WindowUnderTest>(*phones_); }
@@ -92,8 +90,8 @@ class PhonesTest : public QObject {
     phones_->Control({kLocked, "plug"});
     QTRY_COMPARE_WITH_TIMEOUT(list.rowCount(), 3, kLong);
     phones_->Control({kLocked, "state", "unauthorized"});
-    test_->Choose(kModern);
-    QVERIFY(list.data(list.index(list.RowOf(kModern)), Qt::DisplayRole).toString().contains("SM"));
+    test_->Choose(kModernPhone);
+    QVERIFY(list.data(list.index(list.RowOf(kModernPhone)), Qt::DisplayRole).toString().contains("SM"));
     CompareHeartbeat(*test_);
   }
 
@@ -103,11 +101,11 @@ class PhonesTest : public QObject {
     test_->Choose(serial);
     QWidget* page = test_->Page("Overview");
     const auto fact = [&](const char* name) { return page->findChild<QLabel*>(name)->text(); };
-    QTRY_VERIFY_WITH_TIMEOUT(fact("Android").contains(serial == kModern ? "13" : "6"), kLong);
+    QTRY_VERIFY_WITH_TIMEOUT(fact("Android").contains(serial == kModernPhone ? "13" : "6"), kLong);
     QTRY_VERIFY_WITH_TIMEOUT(fact("Battery").contains('%'), kLong);
     QTRY_VERIFY_WITH_TIMEOUT(fact("Screen").contains("pixels"), kLong);
     QTRY_VERIFY_WITH_TIMEOUT(fact("Memory").contains("available"), kLong);
-    const qsizetype volumes = serial == kModern ? 2 : 1;
+    const qsizetype volumes = serial == kModernPhone ? 2 : 1;
     QTRY_COMPARE_WITH_TIMEOUT(page->findChildren<QProgressBar*>().size(), volumes, kLong);
     CompareHeartbeat(*test_);
   }
@@ -140,7 +138,7 @@ class PhonesTest : public QObject {
     search->setText("nothing of this name");
     QCOMPARE(view->model()->rowCount(), 0);
     search->clear();
-    if (serial == kModern) {
+    if (serial == kModernPhone) {
       auto* set = page->findChild<QComboBox*>();
       set->setCurrentIndex(set->findData(DK_ALL_APPS));
       QTRY_VERIFY_WITH_TIMEOUT(Packages().size() > 5, kLong);
@@ -173,12 +171,12 @@ class PhonesTest : public QObject {
   }
 
   void TheLogIsShownFilteredAndPaused() {
-    test_->Choose(kModern);
+    test_->Choose(kModernPhone);
     QWidget* page = test_->Page("Log");
     auto* view = page->findChild<QTreeView*>();
     QAbstractItemModel* shown = view->model();
     auto write = [&](const char* level, const char* text) {
-      phones_->Adb({"-s", kModern, "shell", "log", "-p", level, "-t", "explorer", text});
+      phones_->Adb({"-s", kModernPhone, "shell", "log", "-p", level, "-t", "explorer", text});
     };
     const auto has = [&](const QString& text) {
       return !shown
@@ -266,7 +264,7 @@ class PhonesTest : public QObject {
 
   // A server that takes connections and answers nothing: every page asks, nothing waits for the answers, and the window closes.
   void APhoneThatHangsHangsNothing() {
-    test_->Choose(kModern);
+    test_->Choose(kModernPhone);
     test_->Page("Overview");
     phones_->process().Signal(SIGSTOP);
     for (int round = 0; round < 3; ++round) {

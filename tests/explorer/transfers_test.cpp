@@ -17,9 +17,8 @@ namespace darokleim::test {
 
 namespace {
 
-constexpr char kNewPhone[] = "R58M123ABC";
-constexpr char kOldPhone[] = "0123456789ABCDEF";
-constexpr std::uintmax_t kLarge = 600'000'000;  // bytes: takes a second or more
+constexpr std::uintmax_t kLarge = 100'000'000;  // bytes: takes five seconds
+constexpr char kSlow[] = "bandwidth=20M";
 
 namespace paths = std::filesystem;
 
@@ -59,13 +58,17 @@ class TransfersTest : public QObject {
   std::unique_ptr<TemporaryDirectory> computer_;
   explorer::FilesPage* page_ = nullptr;
   explorer::TransferPtr newest_;
+  std::string serial_;
   paths::path storage_;
 
   void Choose(const std::string& serial) {
+    serial_ = serial;
     storage_ = paths::path(phones_->FilesOf(serial)) / "storage/emulated/0";
     test_->Choose(serial);
     page_ = static_cast<explorer::FilesPage*>(test_->Page("Files"));
   }
+  // On any computer there is time to act while a large file is transferred.
+  void MakeTransfersSlow() { QCOMPARE(phones_->Control({serial_, "fault", kSlow}).status, 0); }
   // From another program onto the folder that is shown.
   void DropOnPhone(const std::vector<paths::path>& files) {
     QMimeData data;
@@ -104,18 +107,9 @@ class TransfersTest : public QObject {
     Await([&] { return newest_ && newest_->state() == state; },
           ("state " + std::to_string(state) + " of " + newest_->title.toStdString()).c_str());
   }
-  static void AddPhones() {
-    QTest::addColumn<std::string>("serial");
-    QTest::newRow("modern") << std::string(kNewPhone);
-    QTest::newRow("legacy") << std::string(kOldPhone);
-  }
 
  private slots:
-  void initTestCase() {
-    phones_ = std::make_unique<SimulatedPhones>(
-        Words{kNewPhone + std::string(",profile=samsung"), std::string(kOldPhone) + ",android=legacy"},
-        Words{"--quick"});
-  }
+  void initTestCase() { phones_ = StartBothPhones(); }
   void init() {
     computer_ = std::make_unique<TemporaryDirectory>();
     test_ = std::make_unique<WindowUnderTest>(*phones_);
@@ -123,13 +117,14 @@ class TransfersTest : public QObject {
             [this](const explorer::TransferPtr& added) { newest_ = added; });
   }
   void cleanup() {
+    for (const char* serial : {kModernPhone, kLegacyPhone}) phones_->Control({serial, "clear", "bandwidth"});
     test_.reset();
     newest_.reset();
     computer_.reset();
   }
   void cleanupTestCase() { phones_.reset(); }
 
-  void FilesGoBothWays_data() { AddPhones(); }
+  void FilesGoBothWays_data() { AddBothPhones(); }
   void FilesGoBothWays() {
     QFETCH(const std::string, serial);
     Choose(serial);
@@ -172,17 +167,18 @@ class TransfersTest : public QObject {
     CompareHeartbeat(*test_);
   }
 
-  void ATransferIsCancelled_data() { AddPhones(); }
+  void ATransferIsCancelled_data() { AddBothPhones(); }
   void ATransferIsCancelled() {
     QFETCH(const std::string, serial);
     Choose(serial);
     paths::create_directories(storage_ / "Movies");
     MakeFile(computer_->path() / "holiday/beach.mp4", "small");
     MakeLargeFile(computer_->path() / "holiday/mountains.mp4");
+    MakeTransfersSlow();
     Open("/sdcard/Movies");
     DropOnPhone({computer_->path() / "holiday"});
     AwaitBytes();
-    if (serial == kNewPhone) {
+    if (serial == kModernPhone) {
       QTest::qWait(1000);  // for a rate
       test_->SaveScreenshot("transfers");
     }
@@ -207,11 +203,12 @@ class TransfersTest : public QObject {
     CompareHeartbeat(*test_);
   }
 
-  void APhoneIsUnpluggedInMidTransfer_data() { AddPhones(); }
+  void APhoneIsUnpluggedInMidTransfer_data() { AddBothPhones(); }
   void APhoneIsUnpluggedInMidTransfer() {
     QFETCH(const std::string, serial);
     Choose(serial);
     MakeLargeFile(storage_ / "Unplug/large");
+    MakeTransfersSlow();
     MakeFile(computer_->path() / "large", "older");
     Open("/sdcard/Unplug");
     test_->window().transfers().set_existing(DK_REPLACE);
@@ -239,11 +236,11 @@ class TransfersTest : public QObject {
 
   // The errors of single files are shown one by one, and the others are transferred.
   void OneFileFailsAndTheOthersAreTransferred() {
-    Choose(kNewPhone);
+    Choose(kModernPhone);
     MakeFile(storage_ / "Partly/a", "a");
     MakeFile(storage_ / "Partly/b", "b");
     paths::create_directories(computer_->path() / "Partly/b");  // a folder in the way
-    DropOnComputer(kNewPhone, {"/sdcard/Partly"});
+    DropOnComputer(kModernPhone, {"/sdcard/Partly"});
     AwaitState(explorer::Transfer::kFailed);
     QCOMPARE(newest_->errors().size(), 1U);
     QCOMPARE(FilesBelow(computer_->path()), std::vector<std::string>{"Partly/a"});
@@ -257,9 +254,10 @@ class TransfersTest : public QObject {
   // The server stops in the middle: the window lives, and a cancel ends the transfer after the client's limit for removing
   // what is incomplete.
   void ATransferThatHangsIsCancelled() {
-    Choose(kNewPhone);
+    Choose(kModernPhone);
     paths::create_directories(storage_ / "Hang");
     MakeLargeFile(computer_->path() / "large");
+    MakeTransfersSlow();
     Open("/sdcard/Hang");
     DropOnPhone({computer_->path() / "large"});
     AwaitBytes();
@@ -279,9 +277,9 @@ class TransfersTest : public QObject {
   void ClosingAsksCancelsAndLeavesNoHalfFile_data() {
     QTest::addColumn<std::string>("serial");
     QTest::addColumn<bool>("to_phone");
-    QTest::newRow("to a modern phone") << std::string(kNewPhone) << true;
-    QTest::newRow("to a legacy phone") << std::string(kOldPhone) << true;
-    QTest::newRow("from a phone") << std::string(kNewPhone) << false;
+    QTest::newRow("to a modern phone") << std::string(kModernPhone) << true;
+    QTest::newRow("to a legacy phone") << std::string(kLegacyPhone) << true;
+    QTest::newRow("from a phone") << std::string(kModernPhone) << false;
   }
   void ClosingAsksCancelsAndLeavesNoHalfFile() {
     QFETCH(const std::string, serial);
@@ -289,6 +287,7 @@ class TransfersTest : public QObject {
     Choose(serial);
     paths::remove_all(storage_ / "Close");
     paths::create_directories(storage_ / "Close");
+    MakeTransfersSlow();
     Open("/sdcard/Close");
     if (to_phone) {
       MakeLargeFile(computer_->path() / "large");

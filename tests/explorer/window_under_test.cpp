@@ -11,6 +11,18 @@
 
 namespace darokleim::test {
 
+std::unique_ptr<SimulatedPhones> StartBothPhones() {
+  return std::make_unique<SimulatedPhones>(
+      Words{kModernPhone + std::string(",profile=samsung"), kLegacyPhone + std::string(",android=legacy")},
+      Words{"--quick"});
+}
+
+void AddBothPhones() {
+  QTest::addColumn<std::string>("serial");
+  QTest::newRow("modern") << std::string(kModernPhone);
+  QTest::newRow("legacy") << std::string(kLegacyPhone);
+}
+
 namespace {
 
 constexpr std::chrono::milliseconds kBeat(5);

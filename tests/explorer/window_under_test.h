@@ -20,6 +20,13 @@ namespace darokleim::test {
 // For QTRY_…_WITH_TIMEOUT: long, since it only matters when a test fails.
 inline constexpr int kLong = 60000;  // milliseconds
 
+inline constexpr char kModernPhone[] = "R58M123ABC";
+inline constexpr char kLegacyPhone[] = "0123456789ABCDEF";
+// A phone of each generation, on a quick network.
+std::unique_ptr<SimulatedPhones> StartBothPhones();
+// The rows of a test function that runs with each of them: QFETCH(const std::string, serial).
+void AddBothPhones();
+
 // A timer of the window's thread: for how long the window did nothing. Time that the thread was ready to run and the machine had
 // no processor for it does not count: other programs' load is not the window's doing.
 class Heartbeat {

@@ -38,6 +38,7 @@ TEST(Control, ExplainsWhatItRefuses) {
            {{"ALFA1", "fault", "dance"}, "unknown fault 'dance'"},
            {{"ALFA1", "fault", "free-space=much"},
             "fault free-space takes a size such as 4096, 100M or 1.5G"},
+           {{"ALFA1", "fault", "bandwidth=0"}, "fault bandwidth takes at least 1 byte a second"},
            {{"ALFA1", "state", "asleep"}, "unknown state 'asleep'"},
            {{"ALFA1"}, "expected: SERIAL ACTION [VALUE], or list"}}) {
     const Outcome outcome = phones.Control(words);

@@ -133,6 +133,17 @@ TEST_P(Transfer, FailsWhenTheConnectionBreaks) {
   EXPECT_EQ(Adb({"pull", storage_folder() + "/whole", host_folder() + "/back"}).status, 0);
 }
 
+TEST_P(Transfer, TakesAsLongAsTheConnectionNeeds) {
+  REQUIRE_SIMULATED_PHONE("has the speed that it has");
+  WriteFile(host_folder() + "/file", ManyBytes(1500000));
+  SwitchOn("bandwidth=2M");
+  const auto begin = std::chrono::steady_clock::now();
+  EXPECT_EQ(Adb({"push", host_folder() + "/file", storage_folder() + "/file"}).status, 0);
+  const auto taken = std::chrono::steady_clock::now() - begin;
+  Control({"clear", "bandwidth"});
+  EXPECT_GE(taken, std::chrono::milliseconds(600));  // 715 ms, less what is made up for
+}
+
 TEST_P(Transfer, EndsWhenThePhoneIsUnplugged) {
   REQUIRE_SIMULATED_PHONE("would have to be unplugged");
   const auto reader = StartAdb({"exec-out", "cat /dev/zero"});

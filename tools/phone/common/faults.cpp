@@ -33,9 +33,13 @@ bool IsPositiveNumber(const std::string& text) {
 }
 
 void CheckValue(const Fault& fault) {
-  const bool size = fault.name == fault::kFreeSpace || fault.name == fault::kDropAfter;
+  const bool bandwidth = fault.name == fault::kBandwidth;
+  const bool size = bandwidth || fault.name == fault::kFreeSpace || fault.name == fault::kDropAfter;
   if (size && !ParseSize(fault.value)) {
     throw std::invalid_argument("fault " + fault.name + " takes a size such as 4096, 100M or 1.5G");
+  }
+  if (bandwidth && *ParseSize(fault.value) == 0) {
+    throw std::invalid_argument("fault bandwidth takes at least 1 byte a second");
   }
   if (fault.name == fault::kSlow && !IsPositiveNumber(fault.value)) {
     throw std::invalid_argument("fault slow takes a number of seconds");
@@ -88,6 +92,7 @@ const std::vector<std::pair<std::string, std::string>>& DescribedFaults() {
        "pm refuses to act for the phone's first user; as =ID: the current user is ID"},
       {fault::kSlow, "as =SECONDS: every command waits this long before it starts"},
       {fault::kDropAfter, "as =SIZE: each connection breaks after so many bytes"},
+      {fault::kBandwidth, "as =SIZE: each connection carries at most so many bytes a second"},
       {fault::kNoWifi, "no wireless address"},
       {fault::kUnconfirmedBackup, "a backup or restore is not confirmed on the phone's screen"},
       {"no-COMMAND", "the phone does not have this command (no-find, no-stat, …)"},

@@ -18,6 +18,7 @@ inline constexpr char kInstallFailure[] = "install-failure";
 inline constexpr char kUserRestricted[] = "user-restricted";
 inline constexpr char kSlow[] = "slow";
 inline constexpr char kDropAfter[] = "drop-after";
+inline constexpr char kBandwidth[] = "bandwidth";
 inline constexpr char kNoWifi[] = "no-wifi";
 inline constexpr char kUnconfirmedBackup[] = "unconfirmed-backup";
 // no-find, no-stat, …: the phone lacks that command.

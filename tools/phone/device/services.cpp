@@ -13,7 +13,7 @@
 #include "tools/phone/common/faults.h"
 #include "tools/phone/common/io.h"
 #include "tools/phone/common/wire.h"
-#include "tools/phone/device/breaking_connection.h"
+#include "tools/phone/device/limited_connection.h"
 #include "tools/phone/device/layout.h"
 #include "tools/phone/device/shell_service.h"
 #include "tools/phone/device/sync_service.h"
@@ -33,8 +33,8 @@ base::UniqueFd WithFaults(base::UniqueFd stream) {
   if (const auto seconds = faults.Value(fault::kSlow)) {
     std::this_thread::sleep_for(std::chrono::duration<double>(std::strtod(seconds->c_str(), nullptr)));
   }
-  const auto bytes = ParseSize(faults.Value(fault::kDropAfter).value_or(""));
-  return bytes ? BreakAfter(std::move(stream), *bytes) : std::move(stream);
+  return LimitConnection(std::move(stream), {ParseSize(faults.Value(fault::kDropAfter).value_or("")),
+                                             ParseSize(faults.Value(fault::kBandwidth).value_or(""))});
 }
 
 // The services that answer once and then change the phone or its connection.
