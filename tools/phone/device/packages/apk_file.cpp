@@ -1,6 +1,6 @@
 #include "tools/phone/device/packages/apk_file.h"
 
-#include <zip.h>
+#include <minizip/unzip.h>
 
 #include <algorithm>
 #include <fstream>
@@ -16,22 +16,42 @@ namespace darokleim::phone {
 namespace {
 
 constexpr char kManifest[] = "AndroidManifest.xml";
-constexpr zip_uint64_t kLargestManifest = 16 * 1024 * 1024;
+constexpr ZPOS64_T kLargestManifest = 16 * 1024 * 1024;
 // Ends the block before the central directory that holds the signatures since Android 7.
 constexpr char kSigningBlockMagic[] = "APK Sig Block 42";
 
-using Archive = std::unique_ptr<zip_t, decltype(&zip_discard)>;
+struct CloseArchive {
+  void operator()(void* archive) const { unzClose(archive); }
+};
+using Archive = std::unique_ptr<void, CloseArchive>;
 
-std::optional<std::string> ReadEntry(zip_t* archive, const char* name) {
-  zip_stat_t status;
-  if (zip_stat(archive, name, 0, &status) != 0 || status.size > kLargestManifest) return std::nullopt;
-  std::string content(status.size, '\0');
-  zip_file_t* file = zip_fopen(archive, name, 0);
-  if (file == nullptr) return std::nullopt;
-  const zip_int64_t count = zip_fread(file, content.data(), content.size());
-  zip_fclose(file);
-  if (count != static_cast<zip_int64_t>(content.size())) return std::nullopt;
+// Of the current entry.
+std::optional<std::string> ReadContent(unzFile archive) {
+  unz_file_info64 info;
+  if (unzGetCurrentFileInfo64(archive, &info, nullptr, 0, nullptr, 0, nullptr, 0) != UNZ_OK ||
+      info.uncompressed_size > kLargestManifest || unzOpenCurrentFile(archive) != UNZ_OK)
+    return std::nullopt;
+  std::string content(info.uncompressed_size, '\0');
+  const int count = unzReadCurrentFile(archive, content.data(), static_cast<unsigned>(content.size()));
+  const bool is_whole = unzCloseCurrentFile(archive) == UNZ_OK;  // compares the checksum
+  if (!is_whole || count != static_cast<int>(content.size())) return std::nullopt;
   return content;
+}
+
+std::optional<std::string> ReadEntry(unzFile archive, const char* name) {
+  constexpr int kCaseCounts = 1;
+  if (unzLocateFile(archive, name, kCaseCounts) != UNZ_OK) return std::nullopt;
+  return ReadContent(archive);
+}
+
+std::string NameOfEntry(unzFile archive) {
+  unz_file_info64 info;
+  if (unzGetCurrentFileInfo64(archive, &info, nullptr, 0, nullptr, 0, nullptr, 0) != UNZ_OK) return "";
+  std::string name(info.size_filename, '\0');
+  if (unzGetCurrentFileInfo64(archive, nullptr, name.data(), static_cast<uLong>(name.size()), nullptr, 0,
+                              nullptr, 0) != UNZ_OK)
+    return "";
+  return name;
 }
 
 bool EndsWith(const std::string& text, const std::string& ending) {
@@ -133,8 +153,7 @@ bool IsPackageName(const std::string& name) {
 }  // namespace
 
 std::variant<ApkFile, std::string> ReadApk(const std::string& path) {
-  int error = 0;
-  const Archive archive(zip_open(path.c_str(), ZIP_RDONLY, &error), zip_discard);
+  const Archive archive(unzOpen64(path.c_str()));
   if (archive == nullptr) return "INSTALL_PARSE_FAILED_NOT_APK: Failed to parse " + path;
   const auto manifest = ReadEntry(archive.get(), kManifest);
   ApkFile apk;
@@ -145,10 +164,8 @@ std::variant<ApkFile, std::string> ReadApk(const std::string& path) {
 
   std::set<std::string> abis;
   bool is_signed = false;
-  const zip_int64_t count = zip_get_num_entries(archive.get(), 0);
-  for (zip_int64_t i = 0; i < count; ++i) {
-    const char* raw_name = zip_get_name(archive.get(), static_cast<zip_uint64_t>(i), 0);
-    const std::string name = raw_name == nullptr ? "" : raw_name;
+  for (int entry = unzGoToFirstFile(archive.get()); entry == UNZ_OK; entry = unzGoToNextFile(archive.get())) {
+    const std::string name = NameOfEntry(archive.get());
     is_signed = is_signed || IsSignatureFile(name);
     if (const std::string abi = AbiOf(name); !abi.empty()) abis.insert(abi);
   }
