@@ -26,7 +26,8 @@ using namespace darokleim::bench;
 
 const adb::DeviceSelector kPhone = adb::DeviceSelector::Serial("R58BENCH01");
 constexpr int kFolders = 1000;
-constexpr int kSmallFiles = 2000;
+constexpr int kSmallFilesSent = 2000;
+constexpr int kSmallFilesReceived = 200;  // for each of which adb waits 40 ms, as with a real server
 constexpr std::size_t kLargeFile = 256 * 1024 * 1024;
 
 class Phone {
@@ -191,23 +192,28 @@ void CompareLargeFile(Phone* phone, std::vector<Row>* rows) {
             }); }));
 }
 
-void CompareSmallFiles(Phone* phone, std::vector<Row>* rows) {
-  const std::string source = phone->OnHost("small");
-  const std::string back = phone->OnHost("small_back");
+// `count` files of 4 KiB in a new folder of the host, which is returned.
+std::string MakeSmallFiles(const Phone& phone, const std::string& name, int count) {
+  const std::string folder = phone.OnHost(name);
   test::RunProgram({"sh", "-c",
-                    "mkdir " + source + "; i=0; while [ $i -lt " + std::to_string(kSmallFiles) +
-                        " ]; do head -c 4096 /dev/urandom >" + source + "/$i; i=$((i+1)); done"});
+                    "mkdir " + folder + "; i=0; while [ $i -lt " + std::to_string(count) +
+                        " ]; do head -c 4096 /dev/urandom >" + folder + "/$i; i=$((i+1)); done"});
+  return folder;
+}
+
+Row CompareSmallFilesSent(Phone* phone) {
+  const std::string source = MakeSmallFiles(*phone, "sent", kSmallFilesSent);
   const auto emptied = [&](auto&& send) {
-    phone->Shell("rm -rf /sdcard/small");
+    phone->Shell("rm -rf /sdcard/sent");
     return SecondsOf(send);
   };
-  rows->push_back(CompareSeconds(
+  return CompareSeconds(
       {"2,000 files of 4 KiB sent", "adb push of their folder", 1, 5},
       [&] {
         return emptied([&] {
-          for (int i = 0; i < kSmallFiles; ++i) {
+          for (int i = 0; i < kSmallFilesSent; ++i) {
             const std::string name = "/" + std::to_string(i);
-            Send(&phone->sync(), source + name, "/sdcard/small" + name);
+            Send(&phone->sync(), source + name, "/sdcard/sent" + name);
             Require(phone->sync().AwaitSends(32, {}));
           }
           Require(phone->sync().AwaitSends(0, {}));
@@ -215,24 +221,30 @@ void CompareSmallFiles(Phone* phone, std::vector<Row>* rows) {
       },
       [&] { return emptied([&] {
               phone->Adb({"push", source, "/sdcard/"});
-            }); }));
+            }); });
+}
+
+Row CompareSmallFilesReceived(Phone* phone) {
+  phone->Adb({"push", MakeSmallFiles(*phone, "received", kSmallFilesReceived), "/sdcard/"});
+  const std::string back = phone->OnHost("received_back");
   const auto removed = [&](auto&& receive) {
     std::filesystem::remove_all(back);
     return SecondsOf(receive);
   };
-  rows->push_back(CompareSeconds(
-      {"2,000 files of 4 KiB received", "adb pull of their folder", 1, 5},
+  return CompareSeconds(
+      {"200 files of 4 KiB received", "adb pull of their folder", 0.3, 5},
       [&] {
         return removed([&] {
           std::filesystem::create_directory(back);
-          for (int i = 0; i < kSmallFiles; ++i)
-            Require(phone->sync().RequestContent("/sdcard/small/" + std::to_string(i)));
-          for (int i = 0; i < kSmallFiles; ++i) ReadInto(&phone->sync(), back + "/" + std::to_string(i));
+          for (int i = 0; i < kSmallFilesReceived; ++i)
+            Require(phone->sync().RequestContent("/sdcard/received/" + std::to_string(i)));
+          for (int i = 0; i < kSmallFilesReceived; ++i)
+            ReadInto(&phone->sync(), back + "/" + std::to_string(i));
         });
       },
       [&] { return removed([&] {
-              phone->Adb({"pull", "/sdcard/small", back});
-            }); }));
+              phone->Adb({"pull", "/sdcard/received", back});
+            }); });
 }
 
 }  // namespace
@@ -247,6 +259,7 @@ int main() {
   rows.push_back(CompareTree(&phone, folders));
   rows.push_back(CompareFolder(&phone));
   CompareLargeFile(&phone, &rows);
-  CompareSmallFiles(&phone, &rows);
+  rows.push_back(CompareSmallFilesSent(&phone));
+  rows.push_back(CompareSmallFilesReceived(&phone));
   Print(rows);
 }
