@@ -1,5 +1,7 @@
 #include "src/core/classifier.h"
 
+#include <array>
+#include <cstddef>
 #include <optional>
 
 #include "darokleim.h"
@@ -63,12 +65,46 @@ void LogText(std::string_view text) {
   LogEx(kLogModule, kLogInfo, "%.*s", PrintedLength(text), text.data());
 }
 
+// Every message is searched in one block before the next block, so that a text of a gigabyte is read from memory once.
+constexpr std::size_t kBlock = 32 * 1024;
+constexpr std::size_t kLongestMessage = 64;
+
+template <std::size_t N>
+constexpr bool FitsBlocks(const Rule (&rules)[N]) {
+  for (const Rule& rule : rules) {
+    if (rule.message.size() > kLongestMessage || rule.and_part.size() > kLongestMessage) return false;
+  }
+  return true;
+}
+static_assert(FitsBlocks(kRulesBeforeFailure) && FitsBlocks(kRulesFromFailureOn));
+
+// Blocks overlap by what a message that begins in one of them may need of the next.
+template <typename Visit>
+void ForEachBlock(std::string_view text, Visit visit) {
+  while (text.size() > kBlock) {
+    visit(text.substr(0, kBlock + kLongestMessage - 1));
+    text.remove_prefix(kBlock);
+  }
+  visit(text);
+}
+
 template <std::size_t N>
 std::optional<int> FirstRuleThatHolds(const Rule (&rules)[N], std::string_view text) {
-  for (const Rule& rule : rules) {
-    if (!Contains(text, rule.message) || !Contains(text, rule.and_part)) continue;
-    if (rule.logs_text) LogText(text);
-    return rule.code;
+  struct Found {
+    bool message = false;
+    bool and_part = false;
+  };
+  std::array<Found, N> found;
+  ForEachBlock(text, [&](std::string_view block) {
+    for (std::size_t i = 0; i < N; ++i) {
+      found[i].message = found[i].message || Contains(block, rules[i].message);
+      found[i].and_part = found[i].and_part || Contains(block, rules[i].and_part);
+    }
+  });
+  for (std::size_t i = 0; i < N; ++i) {
+    if (!found[i].message || !found[i].and_part) continue;
+    if (rules[i].logs_text) LogText(text);
+    return rules[i].code;
   }
   return std::nullopt;
 }

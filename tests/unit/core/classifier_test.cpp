@@ -206,6 +206,24 @@ TEST_F(ClassifierTest, TextsAreBytes) {
 }
 
 // Messages of adb about its server.
+TEST_F(ClassifierTest, AMessageIsFoundWhereverALongTextHoldsIt) {
+  constexpr std::size_t kBlock = 32 * 1024;  // of which the text is searched one after the other
+  const std::string filler(2 * kBlock, 'S');
+  const auto is_near_an_end = [](std::size_t at) { return (at + 100) % kBlock < 200; };
+  for (std::size_t at = 0; at < filler.size(); at += is_near_an_end(at) ? 1 : 997) {
+    const std::string text =
+        filler.substr(at) + "Shell does not have permission to access user" + filler.substr(0, at);
+    ASSERT_EQ(Classify(text, 0), ADB_RESULT_USER_ACCESS_DENIED) << filler.size() - at;
+  }
+  EXPECT_EQ(Classify(filler, 0), 0);
+}
+
+TEST_F(ClassifierTest, TheTwoPartsOfAMessageMayBeFarApartInEitherOrder) {
+  const std::string far(100'000, ' ');
+  EXPECT_EQ(Classify("device" + far + "not found", 0), ADB_RESULT_NO_DEVICE);
+  EXPECT_EQ(Classify("not found" + far + "device", 0), ADB_RESULT_NO_DEVICE);
+}
+
 TEST_F(ClassifierTest, RealOutputs) {
   constexpr int kNothingKnown = 1001;
   const std::map<std::string, int> codes = {
