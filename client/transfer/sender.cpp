@@ -25,7 +25,7 @@ constexpr std::uint64_t kMostBytesStaged = std::uint64_t{16} * 1024 * 1024;
 // Towards the end, when as many have arrived as are left, so that not many wait for their names after the last one. Of fewer a
 // command for their names alone takes longer.
 constexpr std::size_t kWorthACommand = 200;
-constexpr std::uint64_t kShortTransfer = std::uint64_t{4} * 1024 * 1024;
+constexpr std::uint64_t kShortTransfer = std::uint64_t{1} * 1024 * 1024;
 
 constexpr std::uint32_t kUsualPermissions = 0644;
 constexpr std::uint32_t kPermissionsSent = 0777;

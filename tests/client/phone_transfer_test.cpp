@@ -349,7 +349,7 @@ TEST_P(Transfers, FilesHaveTheirNamesEarly) {
   constexpr int kFiles = 12;
   for (int i = 0; i < kFiles; ++i) {
     fs::create_directories(Host("tree"));
-    WriteFile(Host("tree/") + std::to_string(i), std::string(512 << 10, 'x'));
+    WriteFile(Host("tree/") + std::to_string(i), std::string(128 << 10, 'x'));
   }
   struct Look {
     const dk::Device* phone;
