@@ -16,7 +16,7 @@ Result<std::unique_ptr<CancelToken>> CancelToken::Create() {
 }
 
 void CancelToken::Set() {
-  if (set_.exchange(true, std::memory_order_acq_rel)) return;
+  if (!IsOfThisProcess() || set_.exchange(true, std::memory_order_acq_rel)) return;
   const int before = errno;
   // An empty pipe takes a byte without blocking; only a signal can come between.
   while (write(write_end_.get(), "", 1) < 0 && errno == EINTR) {
@@ -25,7 +25,7 @@ void CancelToken::Set() {
 }
 
 void CancelToken::Reset() {
-  if (!set_.exchange(false, std::memory_order_acq_rel)) return;
+  if (!IsOfThisProcess() || !set_.exchange(false, std::memory_order_acq_rel)) return;
   char byte;
   while (read(read_end_.get(), &byte, 1) < 0 && errno == EINTR) {
   }

@@ -2,6 +2,8 @@
 #ifndef DAROKLEIM_ADB_CANCEL_TOKEN_H
 #define DAROKLEIM_ADB_CANCEL_TOKEN_H
 
+#include <unistd.h>
+
 #include <atomic>
 #include <memory>
 
@@ -15,7 +17,8 @@ class CancelToken : public Interrupt {
   // kSystem when there are no descriptors left.
   static Result<std::unique_ptr<CancelToken>> Create();
 
-  // From any thread and from a signal handler, any number of times. It stays set until Reset().
+  // From any thread and from a signal handler, any number of times. It stays set until Reset(). Both do nothing in a fork, which
+  // shares the pipe with its parent.
   void Set();
   // Makes it usable again, while no call holds it.
   void Reset();
@@ -27,6 +30,9 @@ class CancelToken : public Interrupt {
   CancelToken(base::UniqueFd read_end, base::UniqueFd write_end)
       : read_end_(std::move(read_end)), write_end_(std::move(write_end)) {}
 
+  bool IsOfThisProcess() const { return owner_ == getpid(); }
+
+  const pid_t owner_ = getpid();
   std::atomic<bool> set_{false};
   base::UniqueFd read_end_;
   base::UniqueFd write_end_;

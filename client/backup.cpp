@@ -1,6 +1,8 @@
 // dk_backup, dk_restore, dk_backup_dismiss: an application's data, by Android's backup service.
 #include <algorithm>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "adb/device_list.h"
@@ -140,6 +142,13 @@ class HeadCheck {
   std::string begin_;
 };
 
+// The next piece of a backup that the caller hands out; nothing where it stops the call.
+std::optional<std::string_view> NextPiece(dk_source source, void* user, std::vector<char>* block) {
+  const std::int64_t size = source(user, block->data(), block->size());
+  if (size < 0 || size > static_cast<std::int64_t>(block->size())) return std::nullopt;
+  return std::string_view(block->data(), static_cast<std::size_t>(size));
+}
+
 Status Restore(dk_device* device, dk_source source, void* user, const Limits& limits) {
   const std::string what = "restore a backup";
   const Error no_backup = Failed(DK_INVALID_ARGUMENT, what, "this is not an Android backup");
@@ -147,21 +156,20 @@ Status Restore(dk_device* device, dk_source source, void* user, const Limits& li
   std::string first;  // held back until it is known to be a backup
   HeadCheck head;
   while (!head.IsWhole()) {
-    const std::int64_t size = source(user, block.data(), block.size());
-    if (size < 0) return Stopped(what);
-    const std::string_view piece(block.data(), static_cast<std::size_t>(size));
-    if (size == 0 || !head.Take(piece)) return no_backup;
-    first.append(piece);
+    const auto piece = NextPiece(source, user, &block);
+    if (!piece) return Stopped(what);
+    if (piece->empty() || !head.Take(*piece)) return no_backup;
+    first.append(*piece);
   }
   Question question(device);
   Service service(device, what);
   if (Status started = service.Start("restore:", limits); !started.ok()) return started;
   Status sent = service.Send(first, limits);
   while (sent.ok()) {
-    const std::int64_t size = source(user, block.data(), block.size());
-    if (size < 0) return Stopped(what);
-    if (size == 0) break;
-    sent = service.Send({block.data(), static_cast<std::size_t>(size)}, limits);
+    const auto piece = NextPiece(source, user, &block);
+    if (!piece) return Stopped(what);
+    if (piece->empty()) break;
+    sent = service.Send(*piece, limits);
   }
   if (sent.ok()) sent = service.Send(std::string(kZerosAtTheEnd, '\0'), limits);
   // A phone that refuses takes no more, and ends the service.

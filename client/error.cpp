@@ -76,7 +76,8 @@ Meaning MeaningOfRefusal(const std::string& message, std::string_view serial) {
     case DK_DEVICE_NO_PERMISSIONS:
       return {code, "this user may not open " + name + "; on Linux udev rules are missing"};
     default:
-      return {code, "the adb server refused: " + Shown(message)};
+      return {code, message.empty() ? "the adb server refused, and gave no reason"
+                                    : "the adb server refused: " + Shown(message)};
   }
 }
 
@@ -134,7 +135,8 @@ Error FromAdb(const adb::Error& error, std::string_view what, std::string_view s
   Error made = Failed(meaning.code, what, meaning.why);
   made.system_error = error.system_error;
   made.on_host = error.system_error != 0;
-  if (error.code == adb::ErrorCode::kRefused) made.words = error.message.substr(0, kMostWords);
+  if (error.code == adb::ErrorCode::kRefused && !error.message.empty())
+    made.words = error.message.substr(0, kMostWords);
   return made;
 }
 

@@ -1,5 +1,6 @@
 #include "client/facts.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -80,9 +81,10 @@ std::optional<dk_battery> ReadBattery(std::string_view text) {
   const auto level = IntField(text, "level");
   if (!level) return std::nullopt;
   dk_battery battery = {};
-  constexpr int kPercent = 100;
-  const int scale = IntField(text, "scale").value_or(kPercent);
-  battery.level = scale > 0 && scale != kPercent ? *level * kPercent / scale : *level;
+  constexpr std::int64_t kPercent = 100;
+  const std::int64_t scale = IntField(text, "scale").value_or(kPercent);
+  const std::int64_t percent = scale > 0 ? *level * kPercent / scale : *level;
+  battery.level = static_cast<int>(std::clamp<std::int64_t>(percent, 0, kPercent));
   for (const std::string_view source : {"AC powered", "USB powered", "Wireless powered", "Dock powered"}) {
     battery.charging = battery.charging || Field(text, source) == "true";
   }

@@ -18,6 +18,9 @@ namespace {
 
 using Links = adb::SyncConnection::Links;
 
+// Positions in a file have 63 bits, and programs of phones calculate with them.
+constexpr std::uint64_t kBeyondAnyFile = std::uint64_t{1} << 62;
+
 constexpr int kNotDirectory = 20;
 constexpr int kAccessDenied = 13;
 
@@ -205,12 +208,13 @@ Status ReadBeginning(dk_device* device, const std::string& path, std::uint64_t l
 Status ReadPart(dk_device* device, const std::string& path, std::uint64_t offset, std::uint64_t length,
                 dk_on_bytes on_bytes, void* user, const Limits& limits) {
   const std::string what = "read " + Shown(path);
-  const std::uint64_t first = offset / kBlock;
+  const std::uint64_t first = std::min(offset, kBeyondAnyFile) / kBlock;
   std::uint64_t to_drop = offset % kBlock;
   std::uint64_t left = length;
   std::string script = "dd if=" + base::QuoteForShell(path) + " bs=" + std::to_string(kBlock) +
                        " skip=" + std::to_string(first);
-  if (length != 0) script += " count=" + std::to_string((to_drop + length + kBlock - 1) / kBlock);
+  if (length != 0 && length < kBeyondAnyFile)
+    script += " count=" + std::to_string((to_drop + length + kBlock - 1) / kBlock);
   script += " 2>/dev/null";
   const auto receive = [&](adb::ShellStream, std::string_view data) {
     const auto dropped = static_cast<std::size_t>(std::min<std::uint64_t>(to_drop, data.size()));

@@ -32,7 +32,7 @@ struct dk_log : darokleim::client::Worker {
   dk_log(darokleim::client::OpenedShell shell, const dk_log_options& options, dk_on_record on_record,
          dk_on_log_end on_end, void* user)
       : shell_(std::move(shell)),
-        only_new_(options.only_new),
+        leaves_out_(options.only_new),
         stop_at_end_(options.stop_at_end),
         on_record_(on_record),
         on_end_(on_end),
@@ -81,13 +81,14 @@ struct dk_log : darokleim::client::Worker {
 
   bool TakeRecords(std::string_view data) {
     return records_.Read(data, [this](const dk_log_record& record) {
-      if (stopping() || (only_new_ && record.seconds < started_at_)) return;
-      on_record_(user_, &record);
+      leaves_out_ = leaves_out_ && record.seconds < started_at_;
+      if (!stopping() && !leaves_out_) on_record_(user_, &record);
     });
   }
 
   darokleim::client::OpenedShell shell_;
-  const bool only_new_;
+  bool
+      leaves_out_;  // records, until the first one of the start or later: the phone's clock may be set back after it
   const bool stop_at_end_;
   const dk_on_record on_record_;
   const dk_on_log_end on_end_;

@@ -1,6 +1,7 @@
 // dk_forward_*, dk_reverse_*: ports of this computer that reach the phone, and the other way round.
 #include "adb/ports.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <optional>
@@ -108,9 +109,9 @@ dk_code dk_forward_list(dk_device* device, dk_on_mapping on_mapping, void* user,
 namespace darokleim::client {
 namespace {
 
-// The server removes all forwards of all devices at once, or one: those of one device are removed one by one.
-Status RemoveForwardsOf(dk_device* device, const Limits& limits) {
-  const std::string what = "remove the forwarded ports";
+// The addresses of this computer that lead to the device.
+Result<std::vector<std::string>> ForwardedAddresses(dk_device* device, std::string_view what,
+                                                    const Limits& limits) {
   auto text = AskDevice(device, limits,
                         [&](const auto& server, const auto&) { return adb::QueryForwards(server, limits); });
   if (!text.ok()) return DeviceError(device, text.error(), what);
@@ -121,11 +122,24 @@ Status RemoveForwardsOf(dk_device* device, const Limits& limits) {
   };
   static_cast<void>(
       ReportMappings(*text, ListOf::kForwards, device, keep, &addresses));  // `keep` never ends it
-  for (const std::string& address : addresses) {
+  return addresses;
+}
+
+// The server removes all forwards of all devices at once, or one: those of one device are removed one by one. It refuses one that
+// another program has removed meanwhile.
+Status RemoveForwardsOf(dk_device* device, const Limits& limits) {
+  const std::string what = "remove the forwarded ports";
+  auto addresses = ForwardedAddresses(device, what, limits);
+  if (!addresses.ok()) return addresses.TakeError();
+  for (const std::string& address : *addresses) {
     auto removed = AskDevice(device, limits, [&](const auto& server, const auto& selector) {
       return adb::RemoveForward(server, selector, address, limits);
     });
-    if (!removed.ok()) return DeviceError(device, removed.error(), what);
+    if (removed.ok()) continue;
+    Error error = DeviceError(device, removed.error(), what);
+    if (error.code != DK_SERVER_REFUSED) return error;
+    const auto left = ForwardedAddresses(device, what, limits);
+    if (!left.ok() || std::find(left->begin(), left->end(), address) != left->end()) return error;
   }
   return {};
 }

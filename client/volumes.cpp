@@ -2,6 +2,7 @@
 #include "client/volumes.h"
 
 #include <algorithm>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -41,6 +42,8 @@ void ReadStat(const std::vector<std::string>& words, Volume* volume) {
     numbers[i] = *number;
   }
   const auto [block, all, unused, available] = numbers;
+  const std::uint64_t most = block == 0 ? 0 : std::numeric_limits<std::uint64_t>::max() / block;
+  if (all > most || available > most) return;
   *volume = {volume->path, block * all, block * (all - std::min(all, unused)), block * available, true};
 }
 

@@ -2,6 +2,8 @@
 #ifndef DAROKLEIM_CLIENT_WORKER_H
 #define DAROKLEIM_CLIENT_WORKER_H
 
+#include <unistd.h>
+
 #include <future>
 #include <memory>
 #include <new>
@@ -41,8 +43,10 @@ class Worker {
     return {};
   }
 
-  // Ends and frees the worker. No callback runs after it has returned; when it is called from within one, none after that.
+  // Ends and frees the worker. No callback runs after it has returned; when it is called from within one, none after that. In a
+  // fork, which does not have the thread, it does nothing.
   static void Stop(Worker* worker) {
+    if (worker->owner_ != getpid()) return;
     worker->stop_->Set();
     if (worker->is_own_thread()) {
       worker->frees_itself_ = true;
@@ -91,6 +95,7 @@ class Worker {
     if (frees_itself_) delete this;
   }
 
+  const pid_t owner_ = getpid();
   std::unique_ptr<adb::CancelToken> stop_;
   std::thread thread_;
   bool frees_itself_ = false;  // written and read on the thread itself

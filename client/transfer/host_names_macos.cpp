@@ -1,6 +1,8 @@
 #include <fcntl.h>
 #include <sys/param.h>
 
+#include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 #include "base/unique_fd.h"
@@ -19,6 +21,11 @@ bool IsNameOfAnother(int folder, const std::string& name) {
   // O_SYMLINK opens a link itself; O_EVTONLY asks for no right to read.
   const base::UniqueFd opened(openat(folder, name.c_str(), O_EVTONLY | O_SYMLINK | O_CLOEXEC));
   return opened.valid() && !HasExactName(opened.get(), name);
+}
+
+int RenameToFreeName(int folder, const std::string& from, const std::string& to) {
+  if (renameatx_np(folder, from.c_str(), folder, to.c_str(), RENAME_EXCL) == 0) return 0;
+  return errno == EINVAL ? ENOTSUP : errno;
 }
 
 }  // namespace darokleim::client

@@ -67,10 +67,17 @@ Existing HostFolder::Look(const std::string& name) const {
           status.st_mtime};
 }
 
+Status HostFolder::CheckName(const std::string& name) const {
+  const std::string path = In(path_, name);
+  if (!IsSafeName(name) || IsNameOfAnother(descriptor(), name)) return UnsafeName(Writing(path), path);
+  return {};
+}
+
 Error UnsafeName(std::string_view what, const std::string& path) {
   Error error =
       Failed(DK_UNSAFE_NAME, what, "the name leads out of the target folder, or is another file's here");
   error.path = path;
+  error.on_host = true;
   return error;
 }
 
@@ -89,8 +96,7 @@ Error ReceivedFile::FromErrno(int error) const {
 Result<std::unique_ptr<ReceivedFile>> ReceivedFile::Create(std::shared_ptr<HostFolder> folder,
                                                            std::string name) {
   const std::string path = In(folder->path(), name);
-  if (!IsSafeName(name)) return UnsafeName(Writing(path), path);
-  if (IsNameOfAnother(folder->descriptor(), name)) return UnsafeName(Writing(path), path);
+  if (Status checked = folder->CheckName(name); !checked.ok()) return checked.TakeError();
   std::unique_ptr<ReceivedFile> file(
       new ReceivedFile(std::move(folder), std::move(name), NewTemporaryName()));
   file->descriptor_.Reset(openat(file->folder_->descriptor(), file->temporary_.c_str(),
@@ -110,21 +116,31 @@ Status ReceivedFile::Write(std::string_view data) {
   return {};
 }
 
-Status ReceivedFile::Commit(std::int64_t modified, std::uint32_t permissions, bool replaces) {
+int ReceivedFile::Rename(bool may_replace) const {
+  const int folder = folder_->descriptor();
+  if (!may_replace) {
+    const int error = RenameToFreeName(folder, temporary_, name_);
+    if (error != ENOTSUP) return error;
+    if (folder_->Look(name_).exists) return EEXIST;
+  }
+  return renameat(folder, temporary_.c_str(), folder, name_.c_str()) == 0 ? 0 : errno;
+}
+
+Status ReceivedFile::Commit(std::optional<std::int64_t> modified, std::uint32_t permissions,
+                            bool may_replace) {
   if (permissions != 0 && fchmod(descriptor_.get(), static_cast<mode_t>(permissions)) != 0)
     return FromErrno(errno);
-  if (modified >= 0) {
-    const timespec time = {static_cast<time_t>(modified), 0};
+  if (modified) {
+    const timespec time = {static_cast<time_t>(*modified), 0};
     const timespec times[] = {time, time};
     if (futimens(descriptor_.get(), times) != 0) return FromErrno(errno);
   }
   // An older file is given up only for one that a power failure does not take.
+  const bool replaces = may_replace && folder_->Look(name_).exists;
   if (replaces && fsync(descriptor_.get()) != 0) return FromErrno(errno);
   if (close(std::exchange(descriptor_, base::UniqueFd()).Release()) != 0 && errno != EINTR)
     return FromErrno(errno);
-  if (renameat(folder_->descriptor(), temporary_.c_str(), folder_->descriptor(), name_.c_str()) != 0) {
-    return FromErrno(errno);
-  }
+  if (const int error = Rename(may_replace); error != 0) return FromErrno(error);
   is_temporary_ = false;
   return {};
 }

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -25,6 +26,8 @@ class HostFolder {
 
   // What is there under this name; a link is itself and not what it leads to.
   Existing Look(const std::string& name) const;
+  // DK_UNSAFE_NAME for a name that no file here can have, or that this computer's file system takes for another one's.
+  Status CheckName(const std::string& name) const;
 
   int descriptor() const { return descriptor_.get(); }
   const std::string& path() const { return path_; }
@@ -48,13 +51,14 @@ class ReceivedFile {
   ReceivedFile& operator=(const ReceivedFile&) = delete;
 
   Status Write(std::string_view data);
-  // Gives it its time (below 0: now), its permissions (0: the usual ones) and its name. replace: whether a file of that name is
-  // replaced; it is written to the disk before.
-  Status Commit(std::int64_t modified, std::uint32_t permissions, bool replaces);
+  // Gives it its time (nothing: now), its permissions (0: the usual ones) and its name. may_replace: whether a file that has the
+  // name by now is replaced; the new one is written to the disk before. Otherwise DK_EXISTS.
+  Status Commit(std::optional<std::int64_t> modified, std::uint32_t permissions, bool may_replace);
 
  private:
   ReceivedFile(std::shared_ptr<HostFolder> folder, std::string name, std::string temporary);
   Error FromErrno(int error) const;
+  int Rename(bool may_replace) const;
 
   std::shared_ptr<HostFolder> folder_;
   std::string name_, temporary_;

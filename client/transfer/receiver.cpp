@@ -15,6 +15,9 @@ std::string Fetching(const std::string& path) {
 
 Status Receiver::Fetch(PhoneFile file, std::shared_ptr<HostFolder> folder, std::string name) {
   const Existing there = folder->Look(name);
+  if (there.exists) {
+    if (Status checked = folder->CheckName(name); !checked.ok()) return tally_->Failed(checked.TakeError());
+  }
   switch (Decide(tally_->options().existing, there, file.size, file.modified)) {
     case Decision::kSkip:
       tally_->Skipped(file.size);
@@ -27,7 +30,7 @@ Status Receiver::Fetch(PhoneFile file, std::shared_ptr<HostFolder> folder, std::
     case Decision::kTransfer:
       break;
   }
-  files_.push_back({std::move(file), std::move(folder), std::move(name), there.exists});
+  files_.push_back({std::move(file), std::move(folder), std::move(name)});
   while (files_.size() > kMostAsked) {
     if (Status received = ReceiveFirst(); !received.ok()) return received;
   }
@@ -73,9 +76,11 @@ Status Receiver::ReceiveFirst() {
   if (!received.ok() && !host_error) return Refused(received.error());
   if (!received.ok()) Disconnect();
   if (!host_error) {
-    const std::int64_t modified = tally_->options().keep_times ? file.phone.modified : -1;
-    const std::uint32_t permissions = tally_->options().keep_modes ? file.phone.permissions : 0;
-    if (Status committed = (*target)->Commit(modified, permissions, file.replaces); !committed.ok()) {
+    const dk_transfer_options& options = tally_->options();
+    const auto modified = options.keep_times ? std::optional(file.phone.modified) : std::nullopt;
+    const std::uint32_t permissions = options.keep_modes ? file.phone.permissions : 0;
+    const bool may_replace = options.existing == DK_REPLACE || options.existing == DK_SKIP_SAME;
+    if (Status committed = (*target)->Commit(modified, permissions, may_replace); !committed.ok()) {
       host_error = committed.TakeError();
     }
   }

@@ -41,7 +41,6 @@ class Receiver {
     PhoneFile phone;
     std::shared_ptr<HostFolder> folder;
     std::string name;
-    bool replaces = false;
   };
 
   Status AskAhead();

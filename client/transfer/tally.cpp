@@ -1,12 +1,27 @@
 #include "client/transfer/tally.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace darokleim::client {
+namespace {
+
+// Sizes are the phone's word.
+std::uint64_t Sum(std::uint64_t a, std::uint64_t b) {
+  constexpr std::uint64_t kMost = std::numeric_limits<std::uint64_t>::max();
+  return b > kMost - a ? kMost : a + b;
+}
+
+}  // namespace
 
 bool IsOfOneFile(dk_code code) {
   return (code >= DK_NOT_FOUND && code <= DK_CHANGED) || code == DK_COMMAND_FAILED ||
          code == DK_UNSUPPORTED || code == DK_SERVER_REFUSED;
+}
+
+void Tally::Expect(std::uint64_t bytes) {
+  progress_.bytes_total = Sum(progress_.bytes_total, bytes);
+  ++progress_.files_total;
 }
 
 void Tally::Begin(const char* path, std::uint64_t size) {
@@ -22,7 +37,7 @@ Status Tally::Ask() {
 
 void Tally::Sent(std::uint64_t bytes) {
   progress_.file_done += bytes;
-  progress_.bytes_done += bytes;
+  progress_.bytes_done = Sum(progress_.bytes_done, bytes);
   progress_.bytes_total = std::max(progress_.bytes_total, progress_.bytes_done);  // a file that has grown
   summary_.bytes_sent += bytes;
 }
@@ -30,7 +45,7 @@ void Tally::Sent(std::uint64_t bytes) {
 void Tally::Skipped(std::uint64_t size) {
   ++summary_.files_skipped;
   ++progress_.files_done;
-  progress_.bytes_done += size;
+  progress_.bytes_done = Sum(progress_.bytes_done, size);
   progress_.bytes_total = std::max(progress_.bytes_total, progress_.bytes_done);
 }
 

@@ -22,10 +22,7 @@ class Tally {
   const dk_summary& summary() const { return summary_; }
 
   // Before the first byte.
-  void Expect(std::uint64_t bytes) {
-    progress_.bytes_total += bytes;
-    ++progress_.files_total;
-  }
+  void Expect(std::uint64_t bytes);
 
   std::uint64_t expected_bytes() const { return progress_.bytes_total; }
   std::uint64_t files_left() const {

@@ -63,6 +63,10 @@
 /// shell session come on one thread of its own, one at a time, and never after its stop has returned. A callback may make
 /// further calls of this library, and may stop what it belongs to. No C++ exception may leave a callback.
 ///
+/// **After fork()** objects belong to the process that made them. A child may make a context and all else anew, whatever threads of
+/// its parent were doing; what it has inherited it neither uses nor frees. Stopping an inherited watch, log or shell session, and
+/// setting an inherited token, does nothing there. All descriptors of the library are closed in a program that the child executes.
+///
 /// **Paths and names are bytes**, zero-terminated, in no promised encoding, and no shell ever reads them: a path may hold
 /// spaces, quotes, `$`, line breaks. A device's path must be absolute and have at most 4,095 bytes (::DK_NAME_TOO_LONG); slashes
 /// at its end are ignored.
@@ -856,7 +860,8 @@ DK_API dk_code dk_push(dk_device* device, const dk_item* items, size_t count,
 /// renamed when it is whole.
 ///
 /// Names from the phone that would leave the target folder (`..`, with a slash), or that meet another name there on a computer
-/// that ignores case, are refused one by one with ::DK_UNSAFE_NAME. Links on this computer are not written through.
+/// that ignores case, are refused one by one with ::DK_UNSAFE_NAME. Links on this computer are not written through. A file that
+/// another program makes at a target meanwhile is treated as one that was there before.
 ///
 /// @param[in]  device  The device.
 /// @param[in]  items   Sources on the phone, targets on this computer.
