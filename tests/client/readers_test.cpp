@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstdio>
 
 #include "client/apps/package_dump.h"
@@ -173,6 +174,19 @@ TEST(HostNames, AreThoseThatFilesAreStoredUnder) {
   ASSERT_EQ(rename(directory.File("name").c_str(), directory.File("NAME").c_str()), 0);
   EXPECT_TRUE(HasExactName(file.get(), "NAME"));
   EXPECT_FALSE(HasExactName(file.get(), "name"));
+  ASSERT_EQ(unlink(directory.File("NAME").c_str()), 0);
+  EXPECT_TRUE(HasExactName(file.get(), "NAME")) << "the name that it had";
+}
+
+TEST(HostNames, AreGivenToNoFileWhileAnotherHasThem) {
+  const test::TemporaryDirectory directory;
+  for (const char* name : {"from", "taken"}) test::WriteFile(directory.File(name), name);
+  const base::UniqueFd folder(open(directory.path().c_str(), O_RDONLY | O_DIRECTORY));
+  EXPECT_EQ(RenameToFreeName(folder.get(), "from", "taken"), EEXIST);
+  EXPECT_EQ(test::ReadFile(directory.File("taken")), "taken");
+  EXPECT_EQ(RenameToFreeName(folder.get(), "from", "free"), 0);
+  EXPECT_EQ(test::ReadFile(directory.File("free")), "from");
+  EXPECT_EQ(RenameToFreeName(folder.get(), "from", "other"), ENOENT);
 }
 
 TEST(TemporaryName, IsLeftOverOnlyOfAnEndedProcess) {
@@ -194,6 +208,20 @@ TEST(Facts, AreReadFromWhatPhonesPrint) {
   EXPECT_EQ(ReadRoundedSize("1.5K"), 1536U);
   EXPECT_EQ(ReadRoundedSize("12Q"), std::nullopt);
   EXPECT_EQ(ReadRoundedSize("99999999999999999999T"), std::nullopt);
+}
+
+TEST(Facts, HaveNoNumbersThatCannotBe) {
+  EXPECT_EQ(ReadBattery("level: 2147483647\nscale: 1\n")->level, 100);
+  EXPECT_EQ(ReadBattery("level: -5\n")->level, 0);
+  EXPECT_EQ(ReadBattery("level: 5\nscale: -2147483648\n")->level, 5);
+  EXPECT_EQ(ReadBattery("level: 99999999999\n"), std::nullopt);
+  EXPECT_EQ(ReadMemory("MemTotal: 18446744073709551615 kB\n"), std::nullopt);
+  EXPECT_EQ(ReadScreen("Physical size: 2147483648x5\n"), std::nullopt);
+  EXPECT_EQ(ReadScreen("Physical size: -5x-5\n"), std::nullopt);
+  for (const char* blocks :
+       {"1000000000000000 1000000000000000 0 0", "1000000000000000 1 0 1000000000000000"})
+    EXPECT_FALSE(ReadVolumes(std::string("V /a\nS ") + blocks + "\n").front().known) << blocks;
+  EXPECT_TRUE(ReadVolumes("V /a\nS 0 5 5 5\n").front().known == false);
 }
 
 TEST(Volumes, HaveSizesInBlocksOrRounded) {

@@ -51,10 +51,7 @@ std::string Packet(char id, const std::string& data) {
 
 // What the server itself answers, with OKAY before it.
 std::optional<std::string> HostAnswer(const std::string& request, const std::string& features) {
-  static const std::string kDevices =
-      "X                      device usb:1-1 product:p model:m device:d transport_id:7\n";
   static const std::map<std::string, std::string> kTexts = {
-      {"host:devices-l", kDevices},
       {"host:list-forward", "X tcp:1 tcp:2\n"},
       {"host:connect:10.0.0.1:5555", "connected to 10.0.0.1:5555"},
       {"host:disconnect:10.0.0.1:5555", "disconnected 10.0.0.1:5555"},
@@ -65,11 +62,8 @@ std::optional<std::string> HostAnswer(const std::string& request, const std::str
   if (request == "host:version") return "00040029";
   if (request == "host:kill") return "";
   if (request == "host-serial:X:features") return Request(features);
-  if (request == "host:tport:serial:X") return Number64(7);
   if (Begins(request, "host-serial:X:forward:")) return "OKAY" + Request("41000");
   if (Begins(request, "host-serial:X:killforward:")) return "OKAY";
-  if (request == "host:track-devices-l") return Request(kDevices);
-  if (request == "host:track-devices") return Request("X\tdevice\n");
   const auto text = kTexts.find(request);
   if (text == kTexts.end()) return std::nullopt;
   return Request(text->second);
@@ -93,6 +87,22 @@ SpoiltPhone::SpoiltPhone(bool modern, Spoiling spoiling, test::ScriptedServer::S
     : modern_(modern),
       spoiling_(std::move(spoiling)),
       server_([this](int connection) { Serve(connection); }, socket) {}
+
+void SpoiltPhone::Unplug() {
+  attached_ = false;
+  server_.Disconnect();
+}
+
+void SpoiltPhone::Plug() {
+  ++transport_;
+  attached_ = true;
+}
+
+std::string SpoiltPhone::DeviceList() const {
+  if (!attached_) return Request("");
+  return Request("X                      device usb:1-1 product:p model:m device:d transport_id:" +
+                 std::to_string(transport_) + "\n");
+}
 
 std::size_t SpoiltPhone::sent() const {
   const std::lock_guard lock(mutex_);
@@ -153,6 +163,17 @@ bool SpoiltPhone::AnswerHost(const std::string& request, int connection) {
     Write(connection, "FAIL" + Request(spoiling_.refuses_phone));
     return false;
   }
+  if (asks_phone && !attached_) {
+    Write(connection, "FAIL" + Request("device 'X' not found"));
+    return false;
+  }
+  if (request == "host:devices-l" || request == "host:track-devices-l")
+    return Write(connection, "OKAY" + DeviceList());
+  if (request == "host:track-devices") {
+    const bool goes_on = attached_;
+    return Write(connection, "OKAY" + Request(goes_on ? "X\tdevice\n" : "")) && goes_on;
+  }
+  if (request == "host:tport:serial:X") return Write(connection, "OKAY" + Number64(transport_));
   const auto answer = HostAnswer(request, modern_ ? "shell_v2,cmd,stat_v2,ls_v2" : "");
   if (!answer) {
     const std::lock_guard lock(mutex_);

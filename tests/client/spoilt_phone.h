@@ -36,6 +36,10 @@ class SpoiltPhone {
   // It is of the other generation from its next answer on.
   void Become(bool modern) { modern_ = modern; }
 
+  // Every connection ends. Unplugged, the phone is unknown to the server; plugged in again, it has another transport.
+  void Unplug();
+  void Plug();
+
   // Of one with a port.
   int port() const { return server_.port(); }
   std::string address() const { return server_.name(); }
@@ -65,7 +69,11 @@ class SpoiltPhone {
   Printed Print(const std::string& script);
   void CheckMove(const std::string& script);
 
+  std::string DeviceList() const;
+
   std::atomic<bool> modern_;
+  std::atomic<bool> attached_ = true;
+  std::atomic<std::uint64_t> transport_ = 7;
   const Spoiling spoiling_;
   mutable std::mutex mutex_;
   std::size_t sent_ = 0;

@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "tests/client/calls.h"
+#include "tests/client/restless_server.h"
 #include "tests/client/spoilt_phone.h"
 #include "tests/support/eventually.h"
 #include "tests/support/temporary_directory.h"
@@ -16,8 +17,6 @@ namespace darokleim::client_test {
 namespace {
 
 using std::chrono::milliseconds;
-using test::Number32;
-using test::Request;
 
 TEST(ClientThreads, EachOfSixtyFourGetsItsOwnAnswers) {
   constexpr int kThreads = 64, kCalls = 12;
@@ -45,73 +44,50 @@ TEST(ClientThreads, EachOfSixtyFourGetsItsOwnAnswers) {
   EXPECT_TRUE(test::Eventually([&] { return phone.open_connections() == 0; }));
 }
 
-// A server with a phone that comes and goes as fast as the server can say it, and whose log has no end.
-class RestlessServer {
- public:
-  RestlessServer()
-      : server_([](int connection) { Serve(connection); }, test::ScriptedServer::Socket::kLocal) {}
-  std::string address() const { return server_.name(); }
-  int open_connections() const { return server_.open_connections(); }
-
- private:
-  static void Serve(int connection) {
-    for (;;) {
-      const std::string request = test::ReadRequest(connection);
-      if (request.empty()) return;
-      if (request == "host:track-devices-l") {
-        test::WriteBytes(connection, "OKAY");
-        const std::string lists = Request("X device transport_id:1\n") + Request("");
-        while (test::WriteBytes(connection, lists)) {
+// Calls end with their answer, or say that the phone is gone, or that it went in the middle.
+TEST(ClientThreads, SixtyFourOfThemMeetAPhoneThatComesAndGoes) {
+  constexpr int kThreads = 64, kCalls = 6;
+  for (const bool modern : {true, false}) {
+    SpoiltPhone phone(modern);
+    const Client client(phone.address());
+    const test::TemporaryDirectory directory;
+    std::atomic<int> whole = 0, broken = 0, running = kThreads;
+    std::vector<std::thread> threads;
+    for (int number = 0; number < kThreads; ++number) {
+      threads.emplace_back([&, number] {
+        std::minstd_rand random(static_cast<unsigned>(number) + 1);
+        const std::string folder = directory.File(std::to_string(number));
+        for (int i = 0; i < kCalls; ++i) {
+          const ClientCall& call = ClientCalls()[random() % ClientCalls().size()];
+          if (call.modern_only && !modern) continue;
+          PreparePlace(folder);
+          std::string result;
+          const dk_code code = call.run({client.context(), client.device(), folder}, nullptr, &result);
+          if (code == DK_OK) {
+            const bool is_empty_list = call.name == "Devices" && result.empty();
+            EXPECT_TRUE(result == call.expected || is_empty_list) << call.name << ": " << result;
+          } else {
+            EXPECT_TRUE(code == DK_NO_DEVICE || code == DK_CONNECTION_LOST)
+                << call.name << ": " << dk_code_name(code);
+          }
+          ++(code == DK_OK ? whole : broken);
+          EXPECT_EQ(HarmAt(folder), "") << call.name;
         }
-        return;
-      }
-      if (request.rfind("shell,v2", 0) == 0) {
-        const std::string output = "100\n" + LogRecord("Tag", "one"), more = LogRecord("Tag", "more");
-        test::WriteBytes(connection, "OKAY\1" + Number32(static_cast<std::uint32_t>(output.size())) + output);
-        const std::string packet = '\1' + Number32(static_cast<std::uint32_t>(more.size())) + more;
-        while (test::WriteBytes(connection, packet)) {
-        }
-        return;
-      }
-      const bool is_transport = request.rfind("host:tport", 0) == 0;
-      test::WriteBytes(connection, "OKAY" + (is_transport ? test::Number64(1) : Request("shell_v2,cmd")));
+        --running;
+      });
     }
+    while (running > 0) {
+      phone.Unplug();
+      std::this_thread::sleep_for(milliseconds(2));
+      phone.Plug();
+      std::this_thread::sleep_for(milliseconds(10));
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_GT(whole, 0);
+    EXPECT_GT(broken, 0);
+    EXPECT_EQ(phone.harm(), "");
+    EXPECT_TRUE(test::Eventually([&] { return phone.open_connections() == 0; }));
   }
-  const test::ScriptedServer server_;
-};
-
-// What callbacks write to: freed as soon as no callback may come, so that a late one is found by a sanitizer, or here.
-struct Listener {
-  void Call() {
-    EXPECT_FALSE(stopped) << "a callback after the stop";
-    ++calls;
-  }
-  std::atomic<bool> stopped{false};
-  std::atomic<int> calls{0};
-  std::atomic<int> ends{0};
-  dk_watch* watch = nullptr;
-  dk_log* log = nullptr;
-  dk_shell* shell = nullptr;
-};
-
-void OnChange(void* user, dk_change, const dk_device_info*) {
-  static_cast<Listener*>(user)->Call();
-}
-void OnRecord(void* user, const dk_log_record*) {
-  static_cast<Listener*>(user)->Call();
-}
-void OnEnd(void* user, dk_code code, const dk_error*) {
-  auto* const listener = static_cast<Listener*>(user);
-  EXPECT_FALSE(listener->stopped);
-  EXPECT_EQ(code, DK_OK);
-  ++listener->ends;
-}
-
-void OnShellOutput(void* user, dk_stream, const char*, size_t) {
-  static_cast<Listener*>(user)->Call();
-}
-void OnShellEnd(void* user, dk_code code, int, const dk_error* error) {
-  OnEnd(user, code, error);
 }
 
 class ClientStops : public testing::Test {

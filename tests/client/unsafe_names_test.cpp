@@ -1,6 +1,7 @@
 // Names that a phone sends and that lead elsewhere are left out one by one.
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <filesystem>
 
 #include "tests/client/calls.h"
@@ -54,14 +55,14 @@ class NamingPhone {
     for (;;) {
       const std::string header = test::ReadBytes(connection, 8);
       if (header.size() < 8) return;
-      test::ReadBytes(connection, static_cast<unsigned char>(header[4]));
+      const std::string path = test::ReadBytes(connection, static_cast<unsigned char>(header[4]));
       const std::string id = header.substr(0, 4);
       if (id == "LIST" || id == "LIS2") {
         test::WriteBytes(connection, List());
       } else if (id == "RECV") {
         test::WriteBytes(connection, "DATA" + Number32(1) + "xDONE" + Number32(0));
       } else {
-        test::WriteBytes(connection, Status(id, 040755));
+        test::WriteBytes(connection, Status(id, path == "/file" ? 0100644 : 040755));
       }
     }
   }
@@ -138,6 +139,54 @@ TEST_P(UnsafeNames, AreErrorsOfAPullThatGoesOn) {
                                                   "/a/target/last"));
   EXPECT_EQ(test::ReadFile(target + "/last"), "x");
   EXPECT_FALSE(std::filesystem::exists("/tmp/absolute"));
+}
+
+// Whatever is to become of files that are there already.
+TEST_P(UnsafeNames, AreErrorsOfAPullWithEachPolicyAndEndOneThatDoesNotGoOn) {
+  const test::TemporaryDirectory directory;
+  const std::string target = directory.File("target"), other = directory.File("other"),
+                    file = directory.File("file");
+  const std::string outside = directory.File("escaped");
+  const dk_item items[] = {
+      {"/sdcard", target.c_str()}, {"/sdcard/DCIM", other.c_str()}, {"/sdcard/Music", file.c_str()}};
+  for (const dk_existing existing : {DK_FAIL_IF_EXISTS, DK_REPLACE, DK_SKIP_SAME, DK_SKIP_EXISTING}) {
+    SCOPED_TRACE(existing);
+    std::filesystem::remove_all(target);
+    std::filesystem::create_directory(target);
+    for (const std::string& older : {outside, target + "/first"}) test::WriteFile(older, "older");
+    seen_ = {};
+    dk_transfer_options options = DK_TRANSFER_OPTIONS_INIT;
+    options.existing = existing;
+    EXPECT_EQ(dk_pull(phone_.device(), items, 1, &options, nullptr, nullptr),
+              existing == DK_FAIL_IF_EXISTS ? DK_EXISTS : DK_UNSAFE_NAME);
+    options.keep_going = true;
+    options.on_error = AddError;
+    options.user = &seen_;
+    EXPECT_EQ(dk_pull(phone_.device(), items, 3, &options, nullptr, nullptr), DK_PARTLY_DONE);
+    EXPECT_EQ(std::count(seen_.errors.begin(), seen_.errors.end(), DK_UNSAFE_NAME), 15);
+    EXPECT_EQ(test::ReadFile(outside), "older");
+    const bool is_kept = existing == DK_FAIL_IF_EXISTS || existing == DK_SKIP_EXISTING;
+    EXPECT_EQ(test::ReadFile(target + "/first"), is_kept ? "older" : "x");
+    EXPECT_FALSE(std::filesystem::exists("/tmp/absolute"));
+  }
+}
+
+// A target is the file itself. The caller may name a folder, but no file is given the name of one.
+TEST_P(UnsafeNames, OfTargetsReplaceNoFolder) {
+  const test::TemporaryDirectory directory;
+  std::filesystem::create_directories(directory.File("a/b"));
+  for (const char* name : {"a", "a/", "a/.", "a/b/.."}) {
+    for (const dk_existing existing : {DK_FAIL_IF_EXISTS, DK_REPLACE}) {
+      const std::string target = directory.File(name);
+      const dk_item item = {"/file", target.c_str()};
+      dk_transfer_options options = DK_TRANSFER_OPTIONS_INIT;
+      options.existing = existing;
+      const dk_code code = dk_pull(phone_.device(), &item, 1, &options, nullptr, nullptr);
+      EXPECT_TRUE(code == DK_IS_A_DIRECTORY || code == DK_UNSAFE_NAME) << name << ' ' << dk_code_name(code);
+    }
+  }
+  EXPECT_TRUE(std::filesystem::is_empty(directory.File("a/b")));
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(directory.File("a")), {}), 1);
 }
 
 }  // namespace
