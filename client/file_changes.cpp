@@ -1,10 +1,12 @@
 // dk_make_folder, dk_remove, dk_move, dk_copy, dk_chmod: changes of the phone's files, by its own programs.
 #include <cstdio>
+#include <functional>
 
 #include "base/shell_quoting.h"
 #include "client/phone_errors.h"
 #include "client/phone_path.h"
 #include "client/shell.h"
+#include "client/temporary_name.h"
 
 namespace darokleim::client {
 namespace {
@@ -61,8 +63,9 @@ std::string MoveScript(const std::string& from, const std::string& to, bool repl
 }
 
 // Under a temporary name first, so that a copy that fails leaves nothing and harms no older file.
-std::string CopyScript(const std::string& from, const std::string& to, bool replace) {
-  const std::string whole = TemporaryBeside(to);
+std::string CopyScript(const std::string& from, const std::string& to, bool replace,
+                       const TemporaryName& temporary) {
+  const std::string whole = Joined(ParentOf(to), temporary.text());
   return CheckSource(from) + CheckTarget(to, replace) + "trap " +
          base::QuoteForShell(CommandLine({"rm", "-rf", whole})) + " EXIT HUP; " +
          CommandLine({"cp", "-rp", from, whole}) + " && " + CommandLine({"mv", "-f", whole, to});
@@ -113,10 +116,10 @@ dk_code dk_remove(dk_device* device, const char* path, bool recursive, const dk_
 namespace darokleim::client {
 namespace {
 
-using ScriptOfTwo = std::string (*)(const std::string& from, const std::string& to, bool replace);
+using ScriptOfTwo = std::function<std::string(const std::string& from, const std::string& to, bool replace)>;
 
 Status ChangeTwo(dk_device* device, const char* from, const char* to, bool replace, const char* verb,
-                 ScriptOfTwo script, const Limits& limits) {
+                 const ScriptOfTwo& script, const Limits& limits) {
   if (device == nullptr) return InvalidArgument("no device");
   auto source = ReadPath(from);
   if (!source.ok()) return source.TakeError();
@@ -138,7 +141,11 @@ dk_code dk_move(dk_device* device, const char* from, const char* to, bool replac
 
 dk_code dk_copy(dk_device* device, const char* from, const char* to, bool replace, const dk_call* call) {
   return Answer(call, [&](const Limits& limits) {
-    return client::ChangeTwo(device, from, to, replace, "copy", client::CopyScript, limits);
+    const client::TemporaryName temporary;
+    const auto script = [&](const std::string& source, const std::string& target, bool replaces) {
+      return client::CopyScript(source, target, replaces, temporary);
+    };
+    return client::ChangeTwo(device, from, to, replace, "copy", script, limits);
   });
 }
 

@@ -3,7 +3,6 @@
 #include <vector>
 
 #include "adb/sync_messages.h"
-#include "client/temporary_name.h"
 
 namespace darokleim::client {
 namespace {
@@ -58,10 +57,6 @@ Error UnsafeEntry(const std::string& folder, std::string_view name) {
       Failed(DK_UNSAFE_NAME, "use " + Shown(path), "the phone lists it by a name that no folder can hold");
   error.path = path;
   return error;
-}
-
-std::string TemporaryBeside(const std::string& path) {
-  return Joined(ParentOf(path), NewTemporaryName());
 }
 
 bool IsTooMuchToRemove(std::string_view path) {

@@ -28,9 +28,6 @@ bool IsSafeName(std::string_view name);
 // DK_UNSAFE_NAME for an entry that the phone lists in `folder` under another name.
 Error UnsafeEntry(const std::string& folder, std::string_view name);
 
-// A temporary name in the same folder.
-std::string TemporaryBeside(const std::string& path);
-
 // Whether removing it would remove the phone's system or a whole storage volume: "/", "/sdcard", "/storage/1234-5678",
 // "/storage/emulated/0" and the like, and any path with ".." in it.
 bool IsTooMuchToRemove(std::string_view path);

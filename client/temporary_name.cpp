@@ -3,6 +3,7 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
@@ -25,16 +26,54 @@ std::string HostMark() {
   return digits.data();
 }
 
+// The names of this process that are in use, by their numbers, which are counted from 1; 0: a free place. There is no lock, because a
+// fork of the host could leave it locked.
+constexpr std::size_t kPlaces = 1024;
+std::array<std::atomic<std::uint64_t>, kPlaces> in_use;
+// Names for which there was no place. While there are any, no name of this process is taken for left over.
+std::atomic<std::uint64_t> without_place{0};
+
+void BeginUse(std::uint64_t number) {
+  for (std::atomic<std::uint64_t>& place : in_use) {
+    std::uint64_t free = 0;
+    if (place.compare_exchange_strong(free, number)) return;
+  }
+  ++without_place;
+}
+
+void EndUse(std::uint64_t number) {
+  for (std::atomic<std::uint64_t>& place : in_use) {
+    std::uint64_t own = number;
+    if (place.compare_exchange_strong(own, 0)) return;
+  }
+  --without_place;
+}
+
+bool IsInUse(std::uint64_t number) {
+  return without_place > 0 ||
+         std::any_of(in_use.begin(), in_use.end(), [number](const auto& place) { return place == number; });
+}
+
+std::uint64_t NextNumber() {
+  static std::atomic<std::uint64_t> last{0};
+  return ++last;
+}
+
 bool IsAlive(long process) {
   return kill(static_cast<pid_t>(process), 0) == 0 || errno != ESRCH;
 }
 
 }  // namespace
 
-std::string NewTemporaryName() {
-  static std::atomic<unsigned> count{0};
-  return std::string(kTemporaryPrefix) + HostMark() + "-" + std::to_string(getpid()) + "-" +
-         std::to_string(count++);
+TemporaryName::TemporaryName()
+    : number_(NextNumber()),
+      text_(std::string(kTemporaryPrefix) + HostMark() + "-" + std::to_string(getpid()) + "-" +
+            std::to_string(number_)) {
+  BeginUse(number_);
+}
+
+TemporaryName::~TemporaryName() {
+  EndUse(number_);
 }
 
 bool IsLeftOver(std::string_view name) {
@@ -42,9 +81,13 @@ bool IsLeftOver(std::string_view name) {
   if (name.substr(0, begin.size()) != begin) return false;
   name.remove_prefix(begin.size());
   long process = 0;
-  const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), process);
-  const bool has_form = error == std::errc() && end != name.data() + name.size() && *end == '-';
-  return has_form && process > 0 && !IsAlive(process);
+  const char* const end_of_name = name.data() + name.size();
+  const auto [end, error] = std::from_chars(name.data(), end_of_name, process);
+  const bool has_form = error == std::errc() && end != end_of_name && *end == '-';
+  if (!has_form || process <= 0) return false;
+  if (process != getpid()) return !IsAlive(process);
+  std::uint64_t number = 0;
+  return std::from_chars(end + 1, end_of_name, number).ec == std::errc() && !IsInUse(number);
 }
 
 }  // namespace darokleim::client

@@ -10,12 +10,16 @@
 #include "base/shell_quoting.h"
 #include "base/unique_fd.h"
 #include "client/apps/package_dump.h"
+#include "client/phone_path.h"
 #include "client/shell.h"
 #include "client/sync.h"
 #include "client/temporary_name.h"
+#include "client/transfer/staging.h"
 
 namespace darokleim::client {
 namespace {
+
+constexpr char kStagingFolder[] = "/data/local/tmp";
 
 struct Apk {
   std::string path;
@@ -107,8 +111,12 @@ class Installation {
     if (!known.ok()) return known.TakeError();
     // Phones with `cmd` take the bytes of an APK from its standard input.
     streams_ = (*known)->Has("cmd") && (*known)->shell_v2();
-    if (apks_.size() == 1) return streams_ ? InstallStreamed() : InstallStaged();
-    return InstallSession();
+    if (streams_) return apks_.size() == 1 ? InstallStreamed() : InstallSession();
+    LeftOvers left_overs(&features);
+    left_overs.Look({kStagingFolder}, limits_);
+    Status installed = apks_.size() == 1 ? InstallStaged() : InstallSession();
+    left_overs.Remove(limits_);
+    return installed;
   }
 
  private:
@@ -140,7 +148,8 @@ class Installation {
     return ran.ok() ? FromAnswer(*ran, what_) : Status(ran.TakeError());
   }
 
-  // On the phone under a name that nobody else uses, which goes whatever happens.
+  // On the phone under a name that nobody else uses, which goes whatever happens; where the phone is gone, with the next
+  // installation.
   Status InstallStaged() {
     const Staged staged(device_);
     if (Status sent = SendTo(staged.path(), apks_.front()); !sent.ok()) return sent;
@@ -214,7 +223,7 @@ class Installation {
   class Staged {
    public:
     explicit Staged(dk_device* device)
-        : device_(device), path_("/data/local/tmp/" + NewTemporaryName() + ".apk") {}
+        : device_(device), path_(Joined(kStagingFolder, name_.text() + ".apk")) {}
     ~Staged() {
       try {
         adb::Limits limits;
@@ -229,6 +238,7 @@ class Installation {
 
    private:
     dk_device* const device_;
+    const TemporaryName name_;
     const std::string path_;
   };
 

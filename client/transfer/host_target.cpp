@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "client/phone_path.h"
-#include "client/temporary_name.h"
 #include "client/transfer/host_names.h"
 
 namespace darokleim::client {
@@ -81,11 +80,8 @@ Error UnsafeName(std::string_view what, const std::string& path) {
   return error;
 }
 
-ReceivedFile::ReceivedFile(std::shared_ptr<HostFolder> folder, std::string name, std::string temporary)
-    : folder_(std::move(folder)), name_(std::move(name)), temporary_(std::move(temporary)) {}
-
 ReceivedFile::~ReceivedFile() {
-  if (is_temporary_) unlinkat(folder_->descriptor(), temporary_.c_str(), 0);
+  if (is_temporary_) unlinkat(folder_->descriptor(), temporary_.text().c_str(), 0);
 }
 
 Error ReceivedFile::FromErrno(int error) const {
@@ -97,9 +93,8 @@ Result<std::unique_ptr<ReceivedFile>> ReceivedFile::Create(std::shared_ptr<HostF
                                                            std::string name) {
   const std::string path = In(folder->path(), name);
   if (Status checked = folder->CheckName(name); !checked.ok()) return checked.TakeError();
-  std::unique_ptr<ReceivedFile> file(
-      new ReceivedFile(std::move(folder), std::move(name), NewTemporaryName()));
-  file->descriptor_.Reset(openat(file->folder_->descriptor(), file->temporary_.c_str(),
+  std::unique_ptr<ReceivedFile> file(new ReceivedFile(std::move(folder), std::move(name)));
+  file->descriptor_.Reset(openat(file->folder_->descriptor(), file->temporary_.text().c_str(),
                                  O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
   if (!file->descriptor_.valid()) return FromHostErrno(errno, Writing(path), path);
   file->is_temporary_ = true;
@@ -119,11 +114,11 @@ Status ReceivedFile::Write(std::string_view data) {
 int ReceivedFile::Rename(bool may_replace) const {
   const int folder = folder_->descriptor();
   if (!may_replace) {
-    const int error = RenameToFreeName(folder, temporary_, name_);
+    const int error = RenameToFreeName(folder, temporary_.text(), name_);
     if (error != ENOTSUP) return error;
     if (folder_->Look(name_).exists) return EEXIST;
   }
-  return renameat(folder, temporary_.c_str(), folder, name_.c_str()) == 0 ? 0 : errno;
+  return renameat(folder, temporary_.text().c_str(), folder, name_.c_str()) == 0 ? 0 : errno;
 }
 
 Status ReceivedFile::Commit(std::optional<std::int64_t> modified, std::uint32_t permissions,

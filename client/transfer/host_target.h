@@ -11,6 +11,7 @@
 
 #include "base/unique_fd.h"
 #include "client/error.h"
+#include "client/temporary_name.h"
 #include "client/transfer/target_check.h"
 
 namespace darokleim::client {
@@ -56,17 +57,19 @@ class ReceivedFile {
   Status Commit(std::optional<std::int64_t> modified, std::uint32_t permissions, bool may_replace);
 
  private:
-  ReceivedFile(std::shared_ptr<HostFolder> folder, std::string name, std::string temporary);
+  ReceivedFile(std::shared_ptr<HostFolder> folder, std::string name)
+      : folder_(std::move(folder)), name_(std::move(name)) {}
   Error FromErrno(int error) const;
   int Rename(bool may_replace) const;
 
   std::shared_ptr<HostFolder> folder_;
-  std::string name_, temporary_;
+  std::string name_;
+  TemporaryName temporary_;
   base::UniqueFd descriptor_;
   bool is_temporary_ = false;  // there is a file under the temporary name
 };
 
-// Removes temporary files in the folder that a process of this computer left when it was killed.
+// Removes temporary files in the folder that nobody uses any more.
 void RemoveLeftOvers(const HostFolder& folder);
 
 }  // namespace darokleim::client

@@ -34,9 +34,7 @@ Result<std::vector<std::string>> NamesIn(const std::string& folder) {
     const dirent* const entry = readdir(open.get());
     if (entry == nullptr) break;
     const std::string_view name = entry->d_name;
-    if (name != "." && name != ".." && name.substr(0, kTemporaryPrefix.size()) != kTemporaryPrefix) {
-      names.emplace_back(name);
-    }
+    if (name != "." && name != ".." && !IsTemporary(name)) names.emplace_back(name);
   }
   if (errno != 0) return FromHostErrno(errno, "read the folder " + Shown(folder), folder);
   std::sort(names.begin(), names.end());

@@ -7,6 +7,7 @@
 
 #include "client/files.h"
 #include "client/phone_path.h"
+#include "client/temporary_name.h"
 #include "client/transfer/host_target.h"
 #include "client/transfer/receiver.h"
 #include "client/walk.h"
@@ -55,7 +56,8 @@ class FolderPull {
     std::vector<FoundOnPhone> all;
     bool is_remembered = true;
     WalkVisitor visitor;
-    visitor.visit = [&](const dk_entry& entry, std::uint32_t, bool*) {
+    visitor.visit = [&](const dk_entry& entry, std::uint32_t, bool* descend) {
+      if (IsTemporary(entry.name)) return LeaveOut(descend);
       if (entry.type == DK_FILE) tally_->Expect(entry.size);
       is_remembered = is_remembered && all.size() < most;
       if (is_remembered) all.push_back(Remembered(entry));
@@ -73,6 +75,7 @@ class FolderPull {
   Status Run(Sync* sync) {
     WalkVisitor visitor;
     visitor.visit = [this](const dk_entry& entry, std::uint32_t, bool* descend) {
+      if (IsTemporary(entry.name)) return LeaveOut(descend);
       return Take(Remembered(entry), descend);
     };
     visitor.fail = [this](Error error) { return tally_->Failed(std::move(error)); };
@@ -96,6 +99,11 @@ class FolderPull {
   }
 
  private:
+  static Status LeaveOut(bool* descend) {
+    *descend = false;
+    return {};
+  }
+
   Status Take(const FoundOnPhone& entry, bool* descend) {
     const std::string& path = entry.path;
     const std::string name(NameOf(path));

@@ -3,7 +3,6 @@
 #include "base/shell_quoting.h"
 #include "client/phone_errors.h"
 #include "client/phone_path.h"
-#include "client/temporary_name.h"
 
 namespace darokleim::client {
 namespace {
@@ -64,8 +63,8 @@ void RemoveLeftOversOf(const Features& features, std::string_view lines, const L
 Staging::~Staging() {
   try {
     std::vector<std::string> temporary;
-    for (const auto& [folder, state] : folders_) temporary.push_back(state.temporary);
-    for (const Part& part : moving_.parts) temporary.push_back(part.temporary);
+    for (const auto& [folder, state] : folders_) temporary.push_back(state.temporary.path);
+    for (const Part& part : moving_.parts) temporary.push_back(part.temporary.path);
     std::string words;
     std::size_t cost = 0;
     for (const std::string& folder : temporary) {
@@ -85,8 +84,13 @@ Staging::~Staging() {
 
 std::string Staging::PathFor(const std::string& folder, const std::string& name) {
   Folder& state = folders_[folder];
-  if (state.temporary.empty()) state.temporary = Joined(folder, NewTemporaryName());
-  return Joined(state.temporary, name);
+  Temporary& temporary = state.temporary;
+  if (temporary.name == nullptr) {
+    auto created = std::make_shared<const TemporaryName>();
+    temporary.path = Joined(folder, created->text());
+    temporary.name = std::move(created);
+  }
+  return Joined(temporary.path, name);
 }
 
 void Staging::Whole(const std::string& folder, const std::string& name) {
@@ -113,7 +117,7 @@ Staging::Batch Staging::TakeBatch() {
     Folder& state = at->second;
     Part part{at->first, state.temporary, {}, false};
     constexpr std::size_t kWordsAround = 160;
-    std::size_t part_cost = CostOf(part.temporary) + CostOf(NameOf(part.temporary)) + kWordsAround;
+    std::size_t part_cost = CostOf(part.temporary.path) + CostOf(NameOf(part.temporary.path)) + kWordsAround;
     const bool is_first = batch.parts.empty();  // gets at least one, however long its words are
     if (!is_first && cost + part_cost >= longest) break;
     while (!state.whole.empty() && (cost + part_cost < longest || (is_first && part.names.empty()))) {
@@ -124,7 +128,7 @@ Staging::Batch Staging::TakeBatch() {
     waiting_ -= part.names.size();
     part.is_last = state.whole.empty() && state.under_way == 0;
     at = part.is_last ? folders_.erase(at) : std::next(at);
-    const bool is_used = !part.temporary.empty() && (part.is_last || !part.names.empty());
+    const bool is_used = part.temporary.name != nullptr && (part.is_last || !part.names.empty());
     if (!is_used) continue;
     cost += part_cost;
     batch.parts.push_back(std::move(part));
@@ -141,12 +145,12 @@ std::string Staging::ScriptOf(const Batch& batch) {
   }
   for (const Part& part : batch.parts) {
     if (part.names.empty()) {
-      script += "rm -rf " + base::QuoteForShell(part.temporary) + "; ";
+      script += "rm -rf " + base::QuoteForShell(part.temporary.path) + "; ";
       continue;
     }
-    script += MoveScript(part.temporary, part.names);
+    script += MoveScript(part.temporary.path, part.names);
     if (part.is_last) {
-      script += " && cd .. && { rm -rf ./" + base::QuoteForShell(NameOf(part.temporary)) + "; " +
+      script += " && cd .. && { rm -rf ./" + base::QuoteForShell(NameOf(part.temporary.path)) + "; " +
                 SearchHere() + "; true; }";
     }
     script += " || e=1; ";
@@ -213,7 +217,7 @@ Status Staging::ExplainPart(const Part& part, const Limits& limits, const Fail& 
   left.names = *std::move(names);
   Status status;
   if (!left.names.empty()) {
-    auto moved = CollectScript(device_, MoveScript(left.temporary, left.names), kNamingFiles, limits);
+    auto moved = CollectScript(device_, MoveScript(left.temporary.path, left.names), kNamingFiles, limits);
     if (!moved.ok()) return moved.TakeError();
     names = LeftOf(left, limits);
     if (!names.ok()) return names.TakeError();
@@ -224,9 +228,9 @@ Status Staging::ExplainPart(const Part& part, const Limits& limits, const Fail& 
     left.names = *std::move(names);
   }
   if (left.names.empty() && !part.is_last) return status;
-  std::string script = "cd " + base::QuoteForShell(part.temporary) + " && rm -f";
+  std::string script = "cd " + base::QuoteForShell(part.temporary.path) + " && rm -f";
   for (const std::string& name : left.names) script += " ./" + base::QuoteForShell(name);
-  if (part.is_last) script = "rm -rf " + base::QuoteForShell(part.temporary);
+  if (part.is_last) script = "rm -rf " + base::QuoteForShell(part.temporary.path);
   auto removed = CollectScript(device_, script, kNamingFiles, limits);
   return removed.ok() ? status : removed.TakeError();
 }
@@ -234,7 +238,7 @@ Status Staging::ExplainPart(const Part& part, const Limits& limits, const Fail& 
 Result<std::vector<std::string>> Staging::LeftOf(const Part& part, const Limits& limits) {
   std::vector<std::string> left;
   if (part.names.empty()) return left;
-  std::string script = "cd " + base::QuoteForShell(part.temporary) + " || exit 1; for n in";
+  std::string script = "cd " + base::QuoteForShell(part.temporary.path) + " || exit 1; for n in";
   AppendWords(&script, part.names);
   script += "; do [ -e \"./$n\" ] && echo 1 || echo 0; done";
   auto answers = CollectScript(device_, script, kNamingFiles, limits);

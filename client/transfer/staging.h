@@ -1,16 +1,19 @@
 // Files on the phone that get their names when they are whole: they are sent into a temporary folder inside the folder that
 // they are for, and moved out of it a batch at a time, so that no break harms an older file. A batch is moved while the next
-// files are sent. Temporary folders in the same folders that a process of this computer left when it was killed are removed.
+// files are sent. Temporary folders in the same folders that nobody uses any more are removed: of processes of this computer that were
+// killed, and of transfers whose phone was gone when they ended.
 #ifndef DAROKLEIM_CLIENT_TRANSFER_STAGING_H
 #define DAROKLEIM_CLIENT_TRANSFER_STAGING_H
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "client/shell.h"
+#include "client/temporary_name.h"
 
 namespace darokleim::client {
 
@@ -44,14 +47,20 @@ class Staging {
   Status Finish(const Limits& limits, const Fail& failed);
 
  private:
+  // A temporary folder, and its name for as long as it may be there.
+  struct Temporary {
+    std::string path;
+    std::shared_ptr<const TemporaryName> name;
+  };
   struct Folder {
-    std::string temporary;
+    Temporary temporary;
     std::vector<std::string> whole;
     std::size_t under_way = 0;
   };
   // Files of one folder, all that are left of it where it is the last.
   struct Part {
-    std::string folder, temporary;
+    std::string folder;
+    Temporary temporary;
     std::vector<std::string> names;
     bool is_last = false;
   };
@@ -81,7 +90,7 @@ class Staging {
   std::string left_overs_;  // a line each
 };
 
-// What killed processes left in some folders, looked for while the caller does something else.
+// What was left in some folders by killed processes, or when the phone was gone, looked for while the caller does something else.
 class LeftOvers {
  public:
   explicit LeftOvers(Features* features) : features_(features) {}

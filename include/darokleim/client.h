@@ -836,10 +836,11 @@ typedef struct dk_transfer_options {
 
 /// Sends files and folders to the phone. Each file is whole before it gets its name: it is transferred into a temporary folder
 /// beside its target and moved, so that no failure, cancel or unplugging harms an older file. What is done stays done; temporary
-/// files are removed, those of an earlier process that was killed, too.
+/// files are removed. Those that could not be, because the phone was gone or the process was killed, are removed by the next
+/// transfer into the same folder.
 ///
 /// In folders, links to files of the same tree are transferred as those files; all others are not followed (each is reported
-/// with ::DK_UNSUPPORTED). Special files are left out.
+/// with ::DK_UNSUPPORTED). Special files are left out, and temporary files of transfers (`.darokleim-…`).
 ///
 /// @param[in]  device  The device.
 /// @param[in]  items   Sources on this computer, targets on the phone.
@@ -1161,7 +1162,8 @@ typedef struct dk_install_options {
 #define DK_INSTALL_OPTIONS_INIT \
   { sizeof(dk_install_options), true, false, false, false, NULL, NULL }
 /// Installs one APK, or the several of one application together. They are streamed into the phone's package manager; a phone
-/// before Android 7 gets them under a temporary name that nobody else uses, which is always removed.
+/// before Android 7 gets them under a temporary name that nobody else uses, which is always removed, where the phone is gone by the
+/// next installation.
 /// @param[in] device    The device.
 /// @param[in] apk_paths On this computer.
 /// @param[in] count     How many there are.

@@ -101,9 +101,34 @@ TEST_P(ClientFaults, ThePhoneIsUnpluggedInMidTransfer) {
   EXPECT_THAT(pushed.code(), ::testing::AnyOf(DK_CONNECTION_LOST, DK_NO_DEVICE));
   phones().Control({kSerial, "plug"});
   EXPECT_EQ(Shell("cat /sdcard/file"), "older\n");
-  // What could not be removed then goes with the next transfer of this or another process; its own is still in use.
   ASSERT_TRUE(phone().push({{Host("large"), "/sdcard/file"}}, Replacing()));
   EXPECT_EQ(Shell("stat -c %s /sdcard/file"), "67108864\n");
+}
+
+TEST_P(ClientFaults, WhatCouldNotBeRemovedGoesWithTheNextTransfer) {
+  fs::create_directories(Host("tree/sub"));
+  WriteFile(Host("tree/sub/large"), std::string(4 << 20, 'x'));
+  const auto temporary = [this] { return Shell("ls -a /sdcard/tree/sub | grep darokleim"); };
+  Begun begun{[&] {
+    ASSERT_TRUE(Eventually([&] { return !temporary().empty(); }));
+    phones().Control({kSerial, "unplug"});
+  }};
+  EXPECT_FALSE(phone().push({{Host("tree"), "/sdcard/tree"}}, WhenItHasBegun(&begun)));
+  phones().Control({kSerial, "plug"});
+  ASSERT_NE(temporary(), "");
+
+  // They are not part of what is in the folder.
+  fs::create_directories(Host("back"));
+  ASSERT_TRUE(phone().pull({{"/sdcard/tree", Host("back/tree")}}, Replacing()));
+  EXPECT_TRUE(fs::is_empty(Host("back/tree/sub")));
+
+  // One that is under way is nobody's to remove.
+  WriteFile(Host("other"), std::string(4 << 20, 'y'));
+  Begun meanwhile{[this] { ASSERT_TRUE(phone().push({{Host("tree"), "/sdcard/tree"}}, Replacing())); }};
+  const auto pushed = phone().push({{Host("other"), "/sdcard/tree/sub/other"}}, WhenItHasBegun(&meanwhile));
+  EXPECT_TRUE(pushed) << pushed.error().message();
+  EXPECT_EQ(temporary(), "");
+  EXPECT_EQ(Shell("cat /sdcard/tree/sub/large /sdcard/tree/sub/other | wc -c"), "8388608\n");
 }
 
 TEST_P(ClientFaults, ThePhoneVanishesAndComesBack) {
@@ -231,6 +256,40 @@ TEST_P(ClientFaults, ThePhoneIsUnpluggedDuringAnInstallation) {
   phones().Control({kSerial, "plug"});
   EXPECT_EQ(phone().app("com.example.notes").code(), DK_NO_PACKAGE);
   EXPECT_TRUE(phone().install(apks, DK_INSTALL_OPTIONS_INIT));
+}
+
+// Newer phones get no file.
+class OldPhoneFaults : public ClientFaults {};
+INSTANTIATE_TEST_SUITE_P(, OldPhoneFaults, ::testing::Values("legacy"), GenerationName);
+
+TEST_P(OldPhoneFaults, ThePhoneIsUnpluggedBeforeTheSentApkCouldBeRemoved) {
+  const std::string folder = phones().FilesOf(kSerial) + "/data/local/tmp";
+  const std::string apk = std::string(DAROKLEIM_PHONE_TEST_DATA) + "/notes-1.apk";
+  const auto has_whole_apk = [&] {
+    for (const auto& entry : fs::directory_iterator(folder)) {
+      if (fs::file_size(entry) == fs::file_size(apk)) return true;
+    }
+    return false;
+  };
+  // The package manager is asked a second after the APK was sent.
+  Begun slow{[this] { phones().Control({kSerial, "fault", "slow=1"}); }};
+  dk_install_options options = DK_INSTALL_OPTIONS_INIT;
+  options.user = &slow;
+  options.on_progress = [](void* user, std::uint64_t, std::uint64_t) {
+    auto& once = *static_cast<Begun*>(user);
+    if (!std::exchange(once.done, true)) once.action();
+    return true;
+  };
+  std::thread installing([&] { EXPECT_FALSE(phone().install({apk}, options)); });
+  const bool is_sent = Eventually(has_whole_apk);
+  phones().Control({kSerial, "unplug"});
+  installing.join();
+  phones().Control({kSerial, "clear", "slow"});
+  phones().Control({kSerial, "plug"});
+  ASSERT_TRUE(is_sent);
+  EXPECT_TRUE(has_whole_apk());
+  EXPECT_TRUE(phone().install({apk}, DK_INSTALL_OPTIONS_INIT));
+  EXPECT_TRUE(fs::is_empty(folder));
 }
 
 TEST_P(ClientFaults, AnInstallationIsRefused) {

@@ -5,6 +5,8 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <list>
+#include <memory>
 
 #include "client/apps/package_dump.h"
 #include "client/exit_mark.h"
@@ -189,13 +191,28 @@ TEST(HostNames, AreGivenToNoFileWhileAnotherHasThem) {
   EXPECT_EQ(RenameToFreeName(folder.get(), "from", "other"), ENOENT);
 }
 
-TEST(TemporaryName, IsLeftOverOnlyOfAnEndedProcess) {
-  const std::string own = NewTemporaryName();
+TEST(TemporaryName, IsLeftOverWhereNobodyUsesIt) {
+  auto name = std::make_unique<TemporaryName>();
+  const std::string own = name->text();
   EXPECT_FALSE(IsLeftOver(own));
+  EXPECT_FALSE(IsLeftOver(own + ".apk"));
+  name.reset();
+  EXPECT_TRUE(IsLeftOver(own));
+  EXPECT_TRUE(IsLeftOver(own + ".apk"));
   const std::string ended = own.substr(0, own.find('-', kTemporaryPrefix.size()) + 1) + "2147483000-0";
   EXPECT_TRUE(IsLeftOver(ended));
   EXPECT_FALSE(IsLeftOver(".darokleim-00000000-2147483000-0"));
   EXPECT_FALSE(IsLeftOver("photo.jpg"));
+}
+
+TEST(TemporaryName, IsUsedWhileItLivesHoweverManyThereAre) {
+  std::list<TemporaryName> many(3000);
+  for (const TemporaryName& name : many) EXPECT_FALSE(IsLeftOver(name.text()));
+  const std::string last = many.back().text();
+  many.pop_back();
+  EXPECT_FALSE(IsLeftOver(many.back().text()));
+  many.clear();
+  EXPECT_TRUE(IsLeftOver(last));
 }
 
 TEST(Facts, AreReadFromWhatPhonesPrint) {
