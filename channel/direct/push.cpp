@@ -1,10 +1,10 @@
 // The form push: one file of this computer to a phone.
 #include <fcntl.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <vector>
 
+#include "base/read_some.h"
 #include "base/unique_fd.h"
 #include "channel/direct/error_text.h"
 #include "channel/direct/host_file.h"
@@ -23,14 +23,6 @@ struct LocalFile {
 // adb reads a file that is smaller before it sends anything.
 bool IsSmall(const LocalFile& file) {
   return file.status.st_size < static_cast<off_t>(adb::kLongestSyncData);
-}
-
-// Its bytes, up to as many as fit; -1 and errno.
-ssize_t ReadSome(int file, std::vector<char>* buffer) {
-  for (;;) {
-    const ssize_t count = read(file, buffer->data(), buffer->size());
-    if (count >= 0 || errno != EINTR) return count;
-  }
 }
 
 class Sending {
@@ -71,7 +63,7 @@ class Sending {
 
   Ending Send(int content) {
     std::vector<char> buffer(adb::kLongestSyncData);
-    ssize_t count = ReadSome(content, &buffer);
+    ssize_t count = base::ReadSome(content, buffer.data(), buffer.size());
     if (count < 0) return FailToRead(IsSmall(file_) ? "failed to read all of" : "reading", errno);
     adb::Status status = sync_->BeginSend(target_, file_.status.st_mode, call_.limits);
     if (!status.ok() && status.error().code == adb::ErrorCode::kTooLong) return FailForLength();
@@ -79,7 +71,7 @@ class Sending {
       status = sync_->SendData({buffer.data(), static_cast<size_t>(count)}, call_.limits);
       report_.Add(static_cast<size_t>(count));
       if (!status.ok()) break;
-      count = ReadSome(content, &buffer);
+      count = base::ReadSome(content, buffer.data(), buffer.size());
       if (count < 0) return FailToRead("reading", errno);
     }
     if (status.ok()) status = sync_->EndSend(Modified(), call_.limits);

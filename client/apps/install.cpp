@@ -1,12 +1,12 @@
 // dk_app_install: one APK, or the several of one application.
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <string>
 #include <vector>
 
+#include "base/read_some.h"
 #include "base/shell_quoting.h"
 #include "base/unique_fd.h"
 #include "client/apps/package_dump.h"
@@ -42,10 +42,8 @@ class ApkReader {
   // The next block; empty at the end, and where something is wrong: see error().
   std::string_view Next() {
     if (left_ == 0 || !Ask()) return {};
-    ssize_t count;
-    do {
-      count = read(file_.get(), block_.data(), std::min<std::uint64_t>(block_.size(), left_));
-    } while (count < 0 && errno == EINTR);
+    const ssize_t count =
+        base::ReadSome(file_.get(), block_.data(), std::min<std::uint64_t>(block_.size(), left_));
     if (count <= 0) {
       error_ = count < 0
                    ? FromErrno(errno)

@@ -2,13 +2,13 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <ctime>
 #include <limits>
 #include <vector>
 
+#include "base/read_some.h"
 #include "base/unique_fd.h"
 #include "client/phone_path.h"
 
@@ -32,14 +32,6 @@ constexpr std::uint32_t kPermissionsSent = 0777;
 
 std::string Sending(const HostFile& file) {
   return "send " + Shown(file.path);
-}
-
-ssize_t ReadSome(int descriptor, char* buffer, std::size_t size) {
-  ssize_t count;
-  do {
-    count = read(descriptor, buffer, size);
-  } while (count < 0 && errno == EINTR);
-  return count;
 }
 
 // The protocol counts seconds in 32 bits.
@@ -172,7 +164,7 @@ adb::Status Sender::SendContent(int descriptor, const File& file, std::optional<
   const auto said = static_cast<std::uint64_t>(before.st_size);
   for (std::uint64_t read = 0; read < said || said == 0;) {
     if (Status asked = tally_->Ask(); !asked.ok()) return fail(asked.TakeError());
-    const ssize_t count = ReadSome(descriptor, block_.data(), block_.size());
+    const ssize_t count = base::ReadSome(descriptor, block_.data(), block_.size());
     if (count < 0) return fail_by_errno();
     if (count == 0) break;
     const auto size = static_cast<std::size_t>(count);

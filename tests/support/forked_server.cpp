@@ -8,25 +8,18 @@
 #include <exception>
 #include <stdexcept>
 
+#include "base/read_some.h"
 #include "tests/support/pipe.h"
 
 namespace darokleim::test {
 namespace {
-
-// Less than the size when the other end is closed.
-ssize_t ReadSome(int fd, void* bytes, size_t size) {
-  for (;;) {
-    const ssize_t count = read(fd, bytes, size);
-    if (count >= 0 || errno != EINTR) return count;
-  }
-}
 
 [[noreturn]] void ServeUntilClosed(const std::function<void(const ForkedServer::Report&)>& serve, int answer,
                                    int life) {
   try {
     serve([&](int port) {
       char unused;
-      if (write(answer, &port, sizeof port) == sizeof port) ReadSome(life, &unused, 1);
+      if (write(answer, &port, sizeof port) == sizeof port) base::ReadSome(life, &unused, 1);
       _exit(0);
     });
   } catch (const std::exception& error) {
@@ -49,7 +42,7 @@ ForkedServer::ForkedServer(const std::function<void(const Report&)>& serve) {
   }
   life_ = std::move(life.write_end);
   answer.write_end.Reset();
-  if (ReadSome(answer.read_end.get(), &port_, sizeof port_) != sizeof port_) {
+  if (base::ReadSome(answer.read_end.get(), &port_, sizeof port_) != sizeof port_) {
     throw std::runtime_error("the server of the test does not run");
   }
 }

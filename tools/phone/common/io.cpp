@@ -49,14 +49,6 @@ bool WriteAll(int fd, const void* data, size_t size) {
   return true;
 }
 
-ssize_t ReadSome(int fd, void* data, size_t size) {
-  ssize_t count;
-  do {
-    count = read(fd, data, size);
-  } while (count < 0 && errno == EINTR);
-  return count;
-}
-
 bool ReadExactly(int fd, void* data, size_t size) {
   char* next = static_cast<char*>(data);
   while (size > 0) {

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "base/read_some.h"
 #include "base/unique_fd.h"
 
 namespace darokleim::phone {
@@ -15,8 +16,7 @@ namespace darokleim::phone {
 bool WriteAll(int fd, const void* data, size_t size);
 bool ReadExactly(int fd, void* data, size_t size);
 
-// One read, repeated when a signal interrupts it.
-ssize_t ReadSome(int fd, void* data, size_t size);
+using base::ReadSome;
 
 // Copies until the end of input; false when writing fails.
 bool CopyUntilEnd(int from, int to);
