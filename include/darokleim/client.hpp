@@ -483,6 +483,26 @@ struct Context {
   std::unique_ptr<dk_context, Free> context;
 };
 
+/// What calls back on a thread of the library. It is stopped before what its callbacks use goes: by the order of the members, and in
+/// an assignment.
+template <typename Owner, typename Receiver, typename Handle>
+struct Running {
+  std::shared_ptr<Owner> owner;
+  std::unique_ptr<Receiver> receiver;
+  std::unique_ptr<Handle, Free> handle;
+
+  Running() = default;
+  Running(Running&& other) = default;
+  Running& operator=(Running&& other) noexcept {
+    handle.reset();
+    receiver = std::move(other.receiver);
+    handle = std::move(other.handle);
+    owner = std::move(other.owner);
+    return *this;
+  }
+  ~Running() = default;
+};
+
 inline std::string Copy(const dk_bytes& bytes) {
   return bytes.data == nullptr ? std::string() : std::string(bytes.data, bytes.size);
 }
@@ -535,26 +555,12 @@ inline std::string quote(const std::string& text) {
   return detail::Copy(quoted.bytes);
 }
 
-/// A log of the phone that runs; stops when it goes out of scope. Its callbacks may stop it, but not destroy it.
+/// A log of the phone that runs; stops when it goes out of scope or another is moved to it. Its callbacks may stop it, but not
+/// destroy it.
 class Log {
  public:
-  /// No log runs.
-  Log() = default;
-  /// @param[in] other Gives up its log.
-  Log(Log&& other) = default;
-  /// Stops the log that this object has.
-  /// @param[in] other Gives up its log.
-  /// @return This object.
-  Log& operator=(Log&& other) noexcept {
-    stop();
-    receiver_ = std::move(other.receiver_);
-    log_ = std::move(other.log_);
-    device_ = std::move(other.device_);
-    return *this;
-  }
-  ~Log() = default;
   /// Stops it. No callback runs afterwards, or, when called from one, after that one has returned.
-  void stop() { log_.reset(); }
+  void stop() { running_.handle.reset(); }
 
  private:
   friend class Device;
@@ -562,50 +568,33 @@ class Log {
     std::function<void(const dk_log_record&)> on_record;
     std::function<void(dk_code, const Error*)> on_end;
   };
-  std::shared_ptr<dk_device> device_;  // these two outlive the log, which is declared after them
-  std::unique_ptr<Receiver> receiver_;
-  std::unique_ptr<dk_log, detail::Free> log_;
+  detail::Running<dk_device, Receiver, dk_log> running_;
 };
 
-/// A shell session; ends when it goes out of scope. Its callbacks may stop it, but not destroy it.
+/// A shell session; ends when it goes out of scope or another is moved to it. Its callbacks may stop it, but not destroy it.
 class Shell {
  public:
-  /// No session runs.
-  Shell() = default;
-  /// @param[in] other Gives up its session.
-  Shell(Shell&& other) = default;
-  /// Stops the session that this object has.
-  /// @param[in] other Gives up its session.
-  /// @return This object.
-  Shell& operator=(Shell&& other) noexcept {
-    stop();
-    receiver_ = std::move(other.receiver_);
-    shell_ = std::move(other.shell_);
-    device_ = std::move(other.device_);
-    return *this;
-  }
-  ~Shell() = default;
   /// Ends it. No callback runs afterwards, or, when called from one, after that one has returned.
-  void stop() { shell_.reset(); }
+  void stop() { running_.handle.reset(); }
   /// Gives input to the command: dk_shell_write().
   /// @param[in] data,limits As there.
   /// @return Nothing, or the error.
   Result<void> write(std::string_view data, const Limits& limits = {}) const {
     const detail::Call call(limits);
-    return call.Done(dk_shell_write(shell_.get(), data.data(), data.size(), call.get()));
+    return call.Done(dk_shell_write(running_.handle.get(), data.data(), data.size(), call.get()));
   }
   /// Ends the input after what was written: dk_shell_close_input().
   /// @return Nothing, or the error.
   Result<void> close_input() const {
     const detail::Call call({});
-    return call.Done(dk_shell_close_input(shell_.get(), call.get()));
+    return call.Done(dk_shell_close_input(running_.handle.get(), call.get()));
   }
   /// Says that the terminal's window has another size: dk_shell_resize().
   /// @param[in] rows,columns As there.
   /// @return Nothing, or the error.
   Result<void> resize(std::uint16_t rows, std::uint16_t columns) const {
     const detail::Call call({});
-    return call.Done(dk_shell_resize(shell_.get(), rows, columns, call.get()));
+    return call.Done(dk_shell_resize(running_.handle.get(), rows, columns, call.get()));
   }
 
  private:
@@ -614,38 +603,19 @@ class Shell {
     std::function<void(dk_stream, std::string_view)> on_output;
     std::function<void(dk_code, int, const Error*)> on_end;
   };
-  std::shared_ptr<dk_device> device_;  // these two outlive the session, which is declared after them
-  std::unique_ptr<Receiver> receiver_;
-  std::unique_ptr<dk_shell, detail::Free> shell_;
+  detail::Running<dk_device, Receiver, dk_shell> running_;
 };
 
-/// Device changes; stops when it goes out of scope. Its callback may stop it, but not destroy it.
+/// Device changes; stops when it goes out of scope or another is moved to it. Its callback may stop it, but not destroy it.
 class Watch {
  public:
-  /// No watch runs.
-  Watch() = default;
-  /// @param[in] other Gives up its watch.
-  Watch(Watch&& other) = default;
-  /// Stops the watch that this object has.
-  /// @param[in] other Gives up its watch.
-  /// @return This object.
-  Watch& operator=(Watch&& other) noexcept {
-    stop();
-    on_change_ = std::move(other.on_change_);
-    watch_ = std::move(other.watch_);
-    context_ = std::move(other.context_);
-    return *this;
-  }
-  ~Watch() = default;
   /// Stops it. No callback runs afterwards, or, when called from one, after that one has returned.
-  void stop() { watch_.reset(); }
+  void stop() { running_.handle.reset(); }
 
  private:
   friend class Client;
   using OnChange = std::function<void(dk_change, const DeviceInfo*)>;
-  std::shared_ptr<detail::Context> context_;  // these two outlive the watch, which is declared after them
-  std::unique_ptr<OnChange> on_change_;
-  std::unique_ptr<dk_watch, detail::Free> watch_;
+  detail::Running<detail::Context, OnChange, dk_watch> running_;
 };
 
 /// One device. Copies are the same device; calls may be made from any thread.
@@ -982,8 +952,8 @@ class Device {
                       std::function<void(dk_code code, int exit_status, const Error* error)> on_end = nullptr,
                       const Limits& limits = {}) const {
     Shell shell;
-    shell.device_ = device_;
-    shell.receiver_ =
+    shell.running_.owner = device_;
+    shell.running_.receiver =
         std::make_unique<Shell::Receiver>(Shell::Receiver{std::move(on_output), std::move(on_end)});
     dk_shell* started = nullptr;
     const detail::Call call(limits);
@@ -997,8 +967,8 @@ class Device {
           const std::optional<Error> copy = error == nullptr ? std::optional<Error>() : Error(*error);
           if (ended) ended(end, exit_status, copy ? &*copy : nullptr);
         },
-        shell.receiver_.get(), &started, call.get());
-    shell.shell_.reset(started);
+        shell.running_.receiver.get(), &started, call.get());
+    shell.running_.handle.reset(started);
     return call.Give(code, std::move(shell));
   }
 
@@ -1255,8 +1225,9 @@ class Device {
                   std::function<void(dk_code, const Error*)> on_end = nullptr,
                   const Limits& limits = {}) const {
     Log log;
-    log.device_ = device_;
-    log.receiver_ = std::make_unique<Log::Receiver>(Log::Receiver{std::move(on_record), std::move(on_end)});
+    log.running_.owner = device_;
+    log.running_.receiver =
+        std::make_unique<Log::Receiver>(Log::Receiver{std::move(on_record), std::move(on_end)});
     dk_log* started = nullptr;
     const detail::Call call(limits);
     const dk_code code = dk_log_start(
@@ -1269,8 +1240,8 @@ class Device {
           const std::optional<Error> copy = error == nullptr ? std::optional<Error>() : Error(*error);
           if (ended) ended(end, copy ? &*copy : nullptr);
         },
-        log.receiver_.get(), &started, call.get());
-    log.log_.reset(started);
+        log.running_.receiver.get(), &started, call.get());
+    log.running_.handle.reset(started);
     return call.Give(code, std::move(log));
   }
   /// Empties the phone's log: dk_log_clear().
@@ -1539,8 +1510,8 @@ class Client {
   Result<Watch> watch(std::function<void(dk_change, const DeviceInfo*)> on_change,
                       const Limits& limits = {}) const {
     Watch watch;
-    watch.context_ = context_;
-    watch.on_change_ = std::make_unique<Watch::OnChange>(std::move(on_change));
+    watch.running_.owner = context_;
+    watch.running_.receiver = std::make_unique<Watch::OnChange>(std::move(on_change));
     dk_watch* started = nullptr;
     const detail::Call call(limits);
     const dk_code code = dk_watch_start(
@@ -1550,8 +1521,8 @@ class Client {
               info == nullptr ? std::optional<DeviceInfo>() : DeviceInfo(*info);
           (*static_cast<Watch::OnChange*>(user))(change, copy ? &*copy : nullptr);
         },
-        watch.on_change_.get(), &started, call.get());
-    watch.watch_.reset(started);
+        watch.running_.receiver.get(), &started, call.get());
+    watch.running_.handle.reset(started);
     return call.Give(code, std::move(watch));
   }
 
