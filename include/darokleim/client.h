@@ -1162,8 +1162,8 @@ typedef struct dk_install_options {
 #define DK_INSTALL_OPTIONS_INIT \
   { sizeof(dk_install_options), true, false, false, false, NULL, NULL }
 /// Installs one APK, or the several of one application together. They are streamed into the phone's package manager; a phone
-/// before Android 7 gets them under a temporary name that nobody else uses, which is always removed, where the phone is gone by the
-/// next installation.
+/// before Android 7 gets them under a temporary name that nobody else uses. It is always removed: where the phone is gone, by the next
+/// installation.
 /// @param[in] device    The device.
 /// @param[in] apk_paths On this computer.
 /// @param[in] count     How many there are.
