@@ -375,9 +375,13 @@ TEST_P(ClientFaults, TheHostIsOutOfDescriptors) {
       const dk_code pulled = phone().pull({{file, Host("back")}}, Replacing()).code();
       const dk_code pushed = phone().push({{Host("sent"), "/sdcard/sent"}}, Replacing()).code();
       const dk_code watched = client().watch([](dk_change, const dk::DeviceInfo*) {}).code();
+      const dk_code logged = phone().log(DK_LOG_OPTIONS_INIT, [](const dk_log_record&) {}).code();
+      dk::ShellOptions terminal;
+      terminal.terminal = true;
+      const dk_code typed = phone().shell(terminal, [](dk_stream, std::string_view) {}).code();
       limit.rlim_cur = before;
       setrlimit(RLIMIT_NOFILE, &limit);
-      for (const dk_code code : {listed, pulled, pushed, watched}) {
+      for (const dk_code code : {listed, pulled, pushed, watched, logged, typed}) {
         EXPECT_TRUE(code == DK_SYSTEM_REFUSED || (code == DK_OK && spare > 0))
             << spare << ' ' << dk_code_name(code);
       }
