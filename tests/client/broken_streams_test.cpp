@@ -205,7 +205,7 @@ TEST_P(BrokenStreams, EndWhateverBytesCome) {
 TEST(BrokenStreamStarts, EndAtTheirDeadlineOrWhenCancelledWhereThePhoneIsSilent) {
   dk_cancel* cancel = nullptr;
   ASSERT_EQ(dk_cancel_new(&cancel), DK_OK);
-  for (const std::size_t good : {0, 10, 36, 48}) {  // in the features, the transport and the service's OKAY
+  for (const unsigned good : {0U, 10U, 36U, 48U}) {  // in the features, the transport and the service's OKAY
     Spoiling spoiling;
     spoiling.good = good;
     spoiling.then = Then::kHang;
