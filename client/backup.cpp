@@ -63,7 +63,8 @@ class Service {
     });
     if (!selected.ok()) return DeviceError(device_, selected.error(), what_);
     connection_ = std::move(*selected);
-    return Checked(adb::StartService(&connection_->connection, service, limits));
+    const adb::Status started = adb::StartService(&connection_->connection, service, limits);
+    return started.ok() ? Status() : Status(ServiceError(device_, started.error(), what_, limits));
   }
 
   Status Send(std::string_view data, const Limits& limits) {

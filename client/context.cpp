@@ -31,6 +31,20 @@ Status StartServer(dk_context* context, const Limits& limits) {
   return started;
 }
 
+Error ServiceError(const dk_device* device, const adb::Error& error, std::string_view what,
+                   const Limits& limits) {
+  const bool may_be_gone = error.code == adb::ErrorCode::kRefused && error.message == "closed";
+  if (may_be_gone) {
+    const auto selector = adb::DeviceSelector::Serial(device->serial);
+    const auto state = adb::QueryState(device->context->server, selector, limits);
+    if (!state.ok()) return DeviceError(device, state.error(), what);
+    if (*state == "offline") {
+      return DeviceError(device, {adb::ErrorCode::kRefused, "device offline", 0}, what);
+    }
+  }
+  return DeviceError(device, error, what);
+}
+
 namespace {
 
 Status MakeContext(const dk_context_options& options, dk_context** made) {

@@ -58,6 +58,11 @@ inline Error DeviceError(const dk_device* device, const adb::Error& error, std::
   return FromAdb(error, what, device->serial);
 }
 
+// The same, of a service of the phone that could not be started. A server says "closed" of one that the phone does not have, and of
+// any where the phone goes at that moment: it is asked which.
+Error ServiceError(const dk_device* device, const adb::Error& error, std::string_view what,
+                   const Limits& limits);
+
 }  // namespace darokleim::client
 
 #endif  // DAROKLEIM_CLIENT_CONTEXT_H

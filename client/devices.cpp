@@ -212,7 +212,7 @@ dk_code dk_device_reboot(dk_device* device, const char* mode, const dk_call* cal
     const auto said = adb::Reboot(std::move(selected->connection), target, limits);
     // The phone may go before it has answered.
     if (said.ok() || said.error().code == adb::ErrorCode::kConnectionBroken) return {};
-    return client::DeviceError(device, said.error(), what);
+    return client::ServiceError(device, said.error(), what, limits);
   });
 }
 

@@ -34,7 +34,7 @@ Result<adb::ShellSession> Start(dk_device* device, ShellForm form, std::string c
     return Failed(DK_NAME_TOO_LONG, what, "the path or text is too long for this phone");
   const auto selector = adb::DeviceSelector::Serial(device->serial);
   auto session = adb::ShellSession::Start(device->context->server, selector, shell, limits);
-  if (!session.ok()) return DeviceError(device, session.error(), what);
+  if (!session.ok()) return ServiceError(device, session.error(), what, limits);
   return *std::move(session);
 }
 

@@ -200,7 +200,7 @@ Result<OpenedShell> OpenSession(dk_device* device, const dk_shell_options& optio
   const auto selector = adb::DeviceSelector::Serial(device->serial);
   auto session = adb::ShellSession::Start(device->context->server, selector, command, limits);
   Log(*device->context, kRunAShell, session.ok() ? "runs" : session.error().message);
-  if (!session.ok()) return DeviceError(device, session.error(), kRunAShell);
+  if (!session.ok()) return ServiceError(device, session.error(), kRunAShell, limits);
   return OpenedShell{*std::move(session), device->serial};
 }
 

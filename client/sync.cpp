@@ -19,7 +19,7 @@ Result<Sync> OpenSync(Features* features, std::string_view what, const Limits& l
   const dk_device* const device = features->device();
   auto connection = adb::SyncConnection::Start(device->context->server,
                                                adb::DeviceSelector::Serial(device->serial), **known, limits);
-  if (!connection.ok()) return DeviceError(device, connection.error(), what);
+  if (!connection.ok()) return ServiceError(device, connection.error(), what, limits);
   return Sync{*std::move(connection), **known};
 }
 

@@ -167,6 +167,34 @@ TEST(OddAnswers, AFailAfterTheFirstOkayIsARefusal) {
   EXPECT_EQ(entry, nullptr);
 }
 
+// A server says "closed" where the phone goes between its transport and the service.
+TEST(OddAnswers, AClosedServiceOfAPhoneThatIsGoneHasTheCodeOfItsState) {
+  const std::pair<std::string, dk_code> rows[] = {
+      {"FAIL" + Request("device 'X' not found"), DK_NO_DEVICE},
+      {"FAIL" + Request("device unauthorized."), DK_DEVICE_UNAUTHORIZED},
+      {"OKAY" + Request("offline"), DK_DEVICE_OFFLINE},
+      {"OKAY" + Request("device"), DK_SERVER_REFUSED},
+  };
+  for (const auto& [state, code] : rows) {
+    const AnsweringServer server([answer = state](const std::string& request) -> std::string {
+      if (request == "host-serial:X:get-state") return answer;
+      if (request.find(":features") != std::string::npos) return "OKAY" + Request("shell_v2,stat_v2,ls_v2");
+      return request == "host:tport:serial:X" ? "OKAY" + Number64(7) : "FAIL" + Request("closed");
+    });
+    const Client client(server.address());
+    dk_entry* entry = nullptr;
+    EXPECT_EQ(dk_stat(client.device(), "/sdcard", DK_FOLLOW, &entry, nullptr), code);
+    const char* const words[] = {"true"};
+    EXPECT_EQ(dk_run(client.device(), words, 1, nullptr, nullptr, nullptr), code);
+    dk_shell* shell = nullptr;
+    EXPECT_EQ(dk_shell_start(
+                  client.device(), nullptr, [](void*, dk_stream, const char*, size_t) {}, nullptr, nullptr,
+                  &shell, nullptr),
+              code);
+    EXPECT_EQ(dk_device_reboot(client.device(), nullptr, nullptr), code);
+  }
+}
+
 TEST(OddAnswers, ARefusalMayHaveNoText) {
   const AnsweringServer server([](const std::string&) { return "FAIL0000"; });
   const Client client(server.address());

@@ -58,13 +58,17 @@ std::vector<dk::Item> SharedSet::ItemFrom(const std::string& source, const std::
   return {{source + "/" + name, target + "/" + name}};
 }
 
-void SharedSet::Push(Caller* caller, const dk::Device& phone) {
+void SharedSet::Push(Caller* caller, const dk::Device& phone, Random* random) {
   ++version_;
   WriteSources();
   dk_summary summary = {};
-  const auto pushed = caller->Make(push_, [&](const dk::Limits& limits) {
-    return phone.push(ItemFrom(source_, there_), Replacing(&summary), limits);
-  });
+  dk::TransferOptions options = Replacing(&summary);
+  const bool stops = random != nullptr && random->OneIn(10);
+  std::size_t blocks_left = stops ? random->Below(set_->files.size()) : 0;
+  if (stops) options.on_progress = [&](const dk_progress&) { return blocks_left-- > 0; };
+  const auto pushed = caller->Make(
+      push_, [&](const dk::Limits& limits) { return phone.push(ItemFrom(source_, there_), options, limits); },
+      stops ? Codes{DK_STOPPED} : Codes{});
   for (KnownFile& file : on_phone_) {
     if (pushed) {
       file.Is(version_);
@@ -76,6 +80,19 @@ void SharedSet::Push(Caller* caller, const dk::Device& phone) {
     caller->Wrong("a push of " + std::to_string(set_->files.size()) + " files sent " +
                   std::to_string(summary.files_sent));
   }
+}
+
+void SharedSet::Update(Caller* caller, const dk::Device& phone) {
+  dk_summary summary = {};
+  dk::TransferOptions options = Replacing(&summary);
+  options.existing = DK_SKIP_SAME;
+  const auto pushed = caller->Make(Act::kUpdate, [&](const dk::Limits& limits) {
+    return phone.push(ItemFrom(source_, there_), options, limits);
+  });
+  // Of two versions of the same second and the same size the phone may keep the older one.
+  for (KnownFile& file : on_phone_) file.MayBe(version_);
+  if (pushed && summary.files_sent + summary.files_skipped != set_->files.size())
+    caller->Wrong("an update sent and skipped other files than there are");
 }
 
 bool SharedSet::MayBeAbsent() const {

@@ -21,7 +21,10 @@ class SharedSet {
   // The folder on the phone that the set's folder is in.
   std::string parent() const { return there_.substr(0, there_.rfind('/')); }
 
-  void Push(Caller* caller, const dk::Device& phone);
+  // A new version. random: now and then it stops itself; null: it does not.
+  void Push(Caller* caller, const dk::Device& phone, Random* random = nullptr);
+  // The latest version once more, where the phone does not have it.
+  void Update(Caller* caller, const dk::Device& phone);
   void Pull(Caller* caller, const dk::Device& phone);
   // Also whether the names on the phone are right.
   void List(Caller* caller, const dk::Device& phone) const;

@@ -136,6 +136,28 @@ void AskProperties(Caller* caller, const dk::Device& phone, bool is_old) {
     caller->Wrong("the properties lack Android's release, " + release.second);
 }
 
+void UseForward(Caller* caller, const dk::Device& phone) {
+  const auto begin = Clock::now();
+  const auto port = caller->Make(Act::kForward, [&](const dk::Limits& limits) {
+    return phone.forward("tcp:0", "tcp:8080", false, limits);
+  });
+  if (!port) return;
+  const std::string from = "tcp:" + std::to_string(port.value());
+  const auto list =
+      caller->Make(Act::kForward, [&](const dk::Limits& limits) { return phone.forwards(limits); });
+  if (list && caller->WasHealthySince(begin)) {
+    const auto& all = list.value();
+    const bool is_there =
+        std::any_of(all.begin(), all.end(), [&](const dk::Mapping& mapping) { return mapping.from == from; });
+    if (!is_there) caller->Wrong("a port that leads to a phone is not in the list");
+  }
+  // It ends with the phone's connection.
+  const Codes gone = caller->WasHealthySince(begin) ? Codes{} : Codes{DK_SERVER_REFUSED};
+  static_cast<void>(caller->Make(Act::kForward,
+                                 [&](const dk::Limits& limits) { return phone.remove_forward(from, limits); },
+                                 gone, {DK_SERVER_REFUSED}));
+}
+
 void Streams::FollowLog(Caller* caller, const dk::Device& phone, Random* random, bool is_old) {
   const auto end = std::make_shared<StreamEnd>();
   const auto begin = Clock::now();

@@ -17,6 +17,8 @@ void RunCommands(Caller* caller, const dk::Device& phone, Random* random);
 void TakeScreenshot(Caller* caller, const dk::Device& phone);
 void AskFacts(Caller* caller, const dk::Device& phone);
 void AskProperties(Caller* caller, const dk::Device& phone, bool is_old);
+// An address of this computer leads to the phone for a moment.
+void UseForward(Caller* caller, const dk::Device& phone);
 
 // Logs and shell sessions. What was stopped is kept for a while, so that a callback after the stop is seen.
 class Streams {

@@ -74,7 +74,7 @@ class Round {
     std::atomic<bool> ending{false};
     Troubles troubles(
         phones_, &histories_, [this] { StopServer(); }, options_.pace, options_.seed);
-    std::thread living([&] { ForEachUser([&ending](User* user) { user->Run(ending); }); });
+    std::thread living([&] { ForEachUser([&](User* user) { user->Run(ending, options_.pace); }); });
     const auto began = Clock::now();
     auto shown = began;
     while (Clock::now() < began + options_.length) {

@@ -40,6 +40,8 @@ Pace PaceOf(std::chrono::seconds length) {
   pace.longest_fault = milliseconds(500);
   pace.shortest_server = milliseconds(500);
   pace.longest_server = milliseconds(1000);
+  pace.shortest_pause = milliseconds(5);
+  pace.longest_pause = milliseconds(50);
   return pace;
 }
 
@@ -61,6 +63,7 @@ int Run(const Options& options) {
   const dk::Client client(dk::ClientOptions{phones.server(), "", {}});
   RoundOptions round{options.length / 8, PaceOf(options.length), options.seed + 1, folder.File("host")};
   round.is_shown = false;
+  if (options.length < std::chrono::seconds(60)) round.users = 2;
   std::uint64_t wrong = RunRound(client, &phones, round);  // what is kept for the life of the process
 
   const HostResources before = CountHostResources();

@@ -16,11 +16,11 @@ constexpr milliseconds kSettles{100};
 constexpr std::uint64_t kShownWrong = 100;
 
 constexpr const char* kNames[] = {
-    "devices",     "state",       "watch",     "stop server", "stat",      "list",       "walk",
-    "read",        "write",       "push one",  "push many",   "push tree", "pull one",   "pull many",
-    "pull tree",   "make folder", "copy",      "move",        "remove",    "run",        "shell",
-    "shell's end", "log",         "log's end", "screenshot",  "facts",     "properties", "install",
-    "uninstall",   "app",         "apps",
+    "devices",   "state",       "watch",       "stop server", "stat",       "list",   "walk",
+    "read",      "write",       "push one",    "push many",   "push tree",  "update", "pull one",
+    "pull many", "pull tree",   "make folder", "copy",        "move",       "remove", "run",
+    "shell",     "shell's end", "log",         "log's end",   "screenshot", "facts",  "properties",
+    "forward",   "install",     "uninstall",   "app",         "apps",
 };
 static_assert(std::size(kNames) == kActs);
 

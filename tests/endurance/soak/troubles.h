@@ -21,6 +21,7 @@ struct Pace {
   Time shortest_fault{300}, longest_fault{5000};
   Time shortest_server{15'000}, longest_server{45'000};  // the life of a server
   std::size_t stops_per_kill = 5;
+  Time shortest_pause{50}, longest_pause{500};  // of a user: phones that are busy all the time are slow
 };
 
 class Troubles {

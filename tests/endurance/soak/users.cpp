@@ -6,12 +6,6 @@
 namespace darokleim::soak {
 namespace {
 
-using std::chrono::milliseconds;
-
-// Between two things that a user does: phones that are busy all the time are slow.
-constexpr milliseconds kShortestPause{50};
-constexpr milliseconds kLongestPause{500};
-
 std::string FolderOf(std::size_t number) {
   return "/sdcard/soak/user " + std::to_string(number);
 }
@@ -34,7 +28,8 @@ const User::Habit User::kHabits[] = {
     {6, [](User* user) { user->Any().Read(&user->caller_, user->phone_, &user->random_); }},
     {4, [](User* user) { user->note_.Write(&user->caller_, user->phone_); }},
     {3, [](User* user) { user->note_.Read(&user->caller_, user->phone_, &user->random_); }},
-    {7, [](User* user) { user->Any().Push(&user->caller_, user->phone_); }},
+    {7, [](User* user) { user->Any().Push(&user->caller_, user->phone_, &user->random_); }},
+    {2, [](User* user) { user->Any().Update(&user->caller_, user->phone_); }},
     {7, [](User* user) { user->Any().Pull(&user->caller_, user->phone_); }},
     {2, [](User* user) { user->sets_[kOne].Rearrange(&user->caller_, user->phone_); }},
     {3, [](User* user) { RunCommands(&user->caller_, user->phone_, &user->random_); }},
@@ -47,6 +42,7 @@ const User::Habit User::kHabits[] = {
        user->streams_.UseShell(&user->caller_, user->phone_, &user->random_, user->is_old_);
      }},
     {2, [](User* user) { TakeScreenshot(&user->caller_, user->phone_); }},
+    {1, [](User* user) { UseForward(&user->caller_, user->phone_); }},
     {1, [](User* user) { AskFacts(&user->caller_, user->phone_); }},
     {1, [](User* user) { AskProperties(&user->caller_, user->phone_, user->is_old_); }},
     {6,
@@ -87,11 +83,11 @@ void User::Begin() {
   if (owns_application_) application_.Install(&caller_, phone_, 1);
 }
 
-void User::Run(const std::atomic<bool>& ending) {
+void User::Run(const std::atomic<bool>& ending, const Pace& pace) {
   caller_.CancelAtRandom(&random_);
   while (!ending) {
     DoSomething();
-    std::this_thread::sleep_for(random_.Between(kShortestPause, kLongestPause));
+    std::this_thread::sleep_for(random_.Between(pace.shortest_pause, pace.longest_pause));
   }
   caller_.CancelAtRandom(nullptr);
 }
@@ -142,7 +138,7 @@ void User::Watch() {
         limits);
   });
   if (!watch) return;
-  std::this_thread::sleep_for(random_.Between(milliseconds(0), milliseconds(200)));
+  std::this_thread::sleep_for(random_.Between(std::chrono::milliseconds(0), std::chrono::milliseconds(200)));
   {
     const auto stay = caller_of_server_.Enter(Act::kWatch);
     watch.value().stop();

@@ -12,6 +12,7 @@
 #include "tests/endurance/soak/file_acts.h"
 #include "tests/endurance/soak/phone_acts.h"
 #include "tests/endurance/soak/phones.h"
+#include "tests/endurance/soak/troubles.h"
 
 namespace darokleim::soak {
 
@@ -25,7 +26,7 @@ class User {
   // Each set is transferred once: the phone must be healthy.
   void Begin();
   // One thing after the other, with pauses, until `ending` is set.
-  void Run(const std::atomic<bool>& ending);
+  void Run(const std::atomic<bool>& ending, const Pace& pace);
   // Each set is transferred both ways once more: the phone must be healthy.
   void Finish();
 
