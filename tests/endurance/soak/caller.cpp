@@ -5,8 +5,8 @@
 namespace darokleim::soak {
 namespace {
 
-// Of a call to a phone that hangs: it is not to hold its thread up for long.
-constexpr std::chrono::milliseconds kTimeoutOfHungPhone{1500};
+// Of a call to a phone that hangs: it is not to hold its thread up for long, and is over long before the phone goes on.
+constexpr std::chrono::milliseconds kTimeoutOfHungPhone{500};
 // Beyond what a call may take at most; then it hangs.
 constexpr std::chrono::seconds kLong{30};
 

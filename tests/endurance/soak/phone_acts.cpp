@@ -136,15 +136,17 @@ void AskProperties(Caller* caller, const dk::Device& phone, bool is_old) {
     caller->Wrong("the properties lack Android's release, " + release.second);
 }
 
+// The server does it without the phone.
 void UseForward(Caller* caller, const dk::Device& phone) {
   const auto begin = Clock::now();
-  const auto port = caller->Make(Act::kForward, [&](const dk::Limits& limits) {
-    return phone.forward("tcp:0", "tcp:8080", false, limits);
-  });
+  const auto make = [&](const auto& ask, Codes also) {
+    return caller->Make(Act::kForward, ask, also | Codes{DK_OK}, {DK_SERVER_REFUSED});
+  };
+  const auto port =
+      make([&](const dk::Limits& limits) { return phone.forward("tcp:0", "tcp:8080", false, limits); }, {});
   if (!port) return;
   const std::string from = "tcp:" + std::to_string(port.value());
-  const auto list =
-      caller->Make(Act::kForward, [&](const dk::Limits& limits) { return phone.forwards(limits); });
+  const auto list = make([&](const dk::Limits& limits) { return phone.forwards(limits); }, {});
   if (list && caller->WasHealthySince(begin)) {
     const auto& all = list.value();
     const bool is_there =
@@ -153,9 +155,7 @@ void UseForward(Caller* caller, const dk::Device& phone) {
   }
   // It ends with the phone's connection.
   const Codes gone = caller->WasHealthySince(begin) ? Codes{} : Codes{DK_SERVER_REFUSED};
-  static_cast<void>(caller->Make(Act::kForward,
-                                 [&](const dk::Limits& limits) { return phone.remove_forward(from, limits); },
-                                 gone, {DK_SERVER_REFUSED}));
+  static_cast<void>(make([&](const dk::Limits& limits) { return phone.remove_forward(from, limits); }, gone));
 }
 
 void Streams::FollowLog(Caller* caller, const dk::Device& phone, Random* random, bool is_old) {

@@ -21,7 +21,7 @@ using endurance::CountHostResources;
 using endurance::HostResources;
 
 // What a heap may have grown by: buffers of the standard library that live as long as the process.
-constexpr std::size_t kHeapSlack = 64 * 1024;
+constexpr std::size_t kHeapSlack = 32 * 1024;
 
 struct Options {
   std::chrono::seconds length{30 * 60};

@@ -9,8 +9,10 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// What a call may take beyond its limit: the removal of temporary files has one of its own, and the machine may be busy.
-constexpr milliseconds kGrace{10'000};
+// What a call may take beyond its limit, or after a cancel: the machine may be busy. The removal of temporary files has a limit of its
+// own.
+constexpr milliseconds kGrace{3000};
+constexpr milliseconds kGraceToCleanUp{10'000};
 // A fault is in effect a moment after its order was taken.
 constexpr milliseconds kSettles{100};
 constexpr std::uint64_t kShownWrong = 100;
@@ -45,11 +47,27 @@ Codes Allowed(const Call& call, const std::vector<FaultSpan>& spans) {
   return allowed;
 }
 
+milliseconds GraceOf(Act act) {
+  switch (act) {
+    case Act::kWrite:
+    case Act::kPushOne:
+    case Act::kPushMany:
+    case Act::kPushTree:
+    case Act::kUpdate:
+    case Act::kInstall:
+      return kGraceToCleanUp;
+    default:
+      return kGrace;
+  }
+}
+
 // Why the time that the call took is wrong; empty where it is right.
 std::string LatenessOf(const Call& call) {
   const auto took = call.end - call.begin;
-  if (call.timeout.count() > 0 && took > call.timeout + kGrace) return "took longer than its limit";
-  if (call.cancelled && call.end > *call.cancelled + kGrace) return "went on after it was cancelled";
+  if (call.timeout.count() > 0 && took > call.timeout + GraceOf(call.act))
+    return "took longer than its limit";
+  if (call.cancelled && call.end > *call.cancelled + GraceOf(call.act))
+    return "went on after it was cancelled";
   if (call.code == DK_TIMED_OUT && took + milliseconds(5) < call.timeout) return "ended before its limit";
   return "";
 }

@@ -7,6 +7,7 @@ namespace darokleim::soak {
 struct Troubles::Trouble {
   Fault fault;
   test::Words begin, end;  // for the phones' control; empty: done otherwise
+  int stretch = 1;         // how much longer it lasts than others
 };
 
 const Troubles::Trouble Troubles::kTroubles[] = {
@@ -23,7 +24,8 @@ const Troubles::Trouble Troubles::kTroubles[] = {
      {"fault", "install-failure=INSTALL_FAILED_USER_RESTRICTED"},
      {"clear", "install-failure"}},
     {Fault::kHung, {}, {}},
-    {Fault::kHung, {}, {}},
+    {Fault::kHung, {}, {}, 2},
+    {Fault::kHung, {}, {}, 3},
     {Fault::kReboots, {"reboot"}, {}},
 };
 const std::size_t Troubles::kTroubleCount = std::size(kTroubles);
@@ -91,7 +93,7 @@ void Troubles::Cause(std::size_t phone, const Trouble& trouble, std::chrono::mil
     phones_->Control(phone, trouble.begin);
   }
   history.TakeEffect();
-  Sleep(length);
+  Sleep(length * trouble.stretch);
   history.Mend();
   if (trouble.fault == Fault::kHung) phones_->Thaw(phone);
   if (!trouble.end.empty()) phones_->Control(phone, trouble.end);
