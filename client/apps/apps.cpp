@@ -1,5 +1,6 @@
 // dk_apps, dk_app_get: what is installed.
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,7 @@ namespace {
 struct OwnedApp {
   dk_app app = {};
   std::string package;
+  bool is_described = false;  // there are facts
   PackageFacts facts;
   std::vector<std::string> paths;
   std::vector<const char*> path_texts;
@@ -75,13 +77,25 @@ Result<std::vector<OwnedApp>> ListApps(dk_device* device, const std::string& lis
   for (auto& [name, path] : ReadPackageList(text.substr(0, between + 1))) {
     OwnedApp app;
     const auto known = facts.find(name);
-    if (known != facts.end()) app.facts = known->second;
+    app.is_described = known != facts.end();
+    if (app.is_described) app.facts = known->second;
     app.paths = ApkPaths(path, app.facts);
     app.package = std::move(name);
     apps.push_back(std::move(app));
   }
   if (apps.empty() && printed->exit_status != 0) return CommandFailed(what, *printed);
   return apps;
+}
+
+// The application of this name; nothing where it is not installed.
+Result<std::optional<OwnedApp>> FindApp(dk_device* device, const std::string& name, const std::string& what,
+                                        const Limits& limits) {
+  auto apps = ListApps(device, " " + name, name, what, limits);
+  if (!apps.ok()) return apps.TakeError();
+  for (OwnedApp& app : *apps) {  // the phone lists every name that holds this one
+    if (app.package == name) return std::optional<OwnedApp>(std::move(app));
+  }
+  return std::optional<OwnedApp>();
 }
 
 const char* OptionOf(dk_app_set set) {
@@ -130,19 +144,18 @@ dk_code dk_app_get(dk_device* device, const char* package, dk_app** app, const d
     if (!client::IsPackageName(package)) return client::InvalidArgument("not the name of a package");
     const std::string name = package;
     const std::string what = "ask for " + name;
-    auto apps = client::ListApps(device, " " + name, name, what, limits);
-    if (!apps.ok()) return apps.TakeError();
-    for (client::OwnedApp& found : *apps) {  // the phone lists every name that holds this one
-      if (found.package != name) continue;
-      std::vector<client::OwnedApp> one(1);
-      one.front() = std::move(found);
-      if (Status added = client::AddSizes(device, &one, what, limits); !added.ok()) return added;
-      auto owned = std::make_unique<client::OwnedApp>(std::move(one.front()));
-      owned->Bind();
-      *app = &owned.release()->app;
-      return {};
-    }
-    return client::Failed(DK_NO_PACKAGE, what, "it is not installed");
+    auto found = client::FindApp(device, name, what, limits);
+    // One that is being removed may be listed and not described any more.
+    if (found.ok() && *found && !(*found)->is_described) found = client::FindApp(device, name, what, limits);
+    if (!found.ok()) return found.TakeError();
+    if (!*found) return client::Failed(DK_NO_PACKAGE, what, "it is not installed");
+    std::vector<client::OwnedApp> one(1);
+    one.front() = **std::move(found);
+    if (Status added = client::AddSizes(device, &one, what, limits); !added.ok()) return added;
+    auto owned = std::make_unique<client::OwnedApp>(std::move(one.front()));
+    owned->Bind();
+    *app = &owned.release()->app;
+    return {};
   });
 }
 

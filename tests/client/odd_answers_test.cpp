@@ -377,11 +377,13 @@ TEST(ChangingLists, AMappingThatGoesWhileAllAreRemovedIsNoFailure) {
 
 // --- What phones print
 
-// A modern phone whose shell prints one text, whatever it is asked, and keeps what it was asked.
+// A modern phone whose shell prints one text, whatever it is asked, or another one from its second command on, and keeps what it was
+// asked.
 class PrintingPhone {
  public:
-  explicit PrintingPhone(std::string text)
-      : text_(std::move(text)),
+  explicit PrintingPhone(std::string text, std::optional<std::string> later = std::nullopt)
+      : first_(std::move(text)),
+        later_(later.value_or(first_)),
         phone_("shell_v2,stat_v2,ls_v2", [this](const std::string&, int connection) { Serve(connection); }),
         client_("tcp:" + phone_.port()) {}
 
@@ -389,17 +391,19 @@ class PrintingPhone {
   std::vector<std::string> services() const { return phone_.services(); }
 
  private:
-  void Serve(int connection) const {
+  void Serve(int connection) {
+    const std::string& text = commands_++ == 0 ? first_ : later_;
     WriteBytes(connection, "OKAY");
     constexpr std::size_t kPiece = 1 << 20;
-    for (std::size_t at = 0; at < text_.size(); at += kPiece) {
-      const std::string piece = text_.substr(at, kPiece);
+    for (std::size_t at = 0; at < text.size(); at += kPiece) {
+      const std::string piece = text.substr(at, kPiece);
       if (!WriteBytes(connection, "\1" + Number32(static_cast<std::uint32_t>(piece.size())) + piece)) return;
     }
     WriteBytes(connection, std::string("\3\1\0\0\0\0", 6));
   }
 
-  const std::string text_;
+  const std::string first_, later_;
+  std::atomic<int> commands_ = 0;
   const test::ScriptedPhone phone_;
   const Client client_;
 };
@@ -417,6 +421,14 @@ struct Texts {
   }
   std::vector<std::pair<std::string, std::string>> all;
 };
+
+TEST(OddPackages, OneThatIsRemovedWhileItIsAskedForIsNotInstalled) {
+  const std::string dump = "\n--- the dump ---\nPackages:\n";
+  dk_app* app = nullptr;
+  const PrintingPhone phone("package:/data/app/x/base.apk=com.x\n" + dump, dump);
+  EXPECT_EQ(dk_app_get(phone.device(), "com.x", &app, nullptr), DK_NO_PACKAGE);
+  EXPECT_EQ(app, nullptr);
+}
 
 TEST(EndlessLines, OfPropertiesAreReportedWhole) {
   const std::string value(kMillion, 'v'), name(kMillion, 'n');
