@@ -21,27 +21,27 @@ enum class Operands {
 struct FormRow {
   std::string_view name;    // adb's command word
   std::string_view option;  // empty: none
+  size_t fewest, most;      // operands
   Form form;
-  size_t fewest, most;  // operands
   Operands operands;
 };
 
 // For `-s SERIAL NAME [OPTION] OPERANDS…`; only `devices` comes without a serial.
 constexpr FormRow kForms[] = {
-    {"devices", "", Form::kDevices, 0, 0, Operands::kAny},
-    {"shell", "", Form::kShell, 1, kAnyNumber, Operands::kShellWords},
-    {"logcat", "", Form::kLogcat, 0, kAnyNumber, Operands::kAny},
-    {"ls", "", Form::kList, 1, 1, Operands::kAny},
-    {"pull", "", Form::kPull, 2, 2, Operands::kPaths},
-    {"pull", "-a", Form::kPull, 2, 2, Operands::kPaths},
-    {"push", "", Form::kPush, 2, 2, Operands::kPaths},
-    {"push", "--sync", Form::kPush, 2, 2, Operands::kPaths},
-    {"forward", "", Form::kForward, 2, 2, Operands::kAddresses},
-    {"forward", "--remove", Form::kForward, 1, 1, Operands::kAny},
-    {"reverse", "", Form::kReverse, 2, 2, Operands::kAddresses},
-    {"reverse", "--remove", Form::kReverse, 1, 1, Operands::kAny},
-    {"reconnect", "", Form::kReconnect, 0, 0, Operands::kAny},
-    {"reboot", "", Form::kReboot, 0, 1, Operands::kRebootMode},
+    {"devices", "", 0, 0, Form::kDevices, Operands::kAny},
+    {"shell", "", 1, kAnyNumber, Form::kShell, Operands::kShellWords},
+    {"logcat", "", 0, kAnyNumber, Form::kLogcat, Operands::kAny},
+    {"ls", "", 1, 1, Form::kList, Operands::kAny},
+    {"pull", "", 2, 2, Form::kPull, Operands::kPaths},
+    {"pull", "-a", 2, 2, Form::kPull, Operands::kPaths},
+    {"push", "", 2, 2, Form::kPush, Operands::kPaths},
+    {"push", "--sync", 2, 2, Form::kPush, Operands::kPaths},
+    {"forward", "", 2, 2, Form::kForward, Operands::kAddresses},
+    {"forward", "--remove", 1, 1, Form::kForward, Operands::kAny},
+    {"reverse", "", 2, 2, Form::kReverse, Operands::kAddresses},
+    {"reverse", "--remove", 1, 1, Form::kReverse, Operands::kAny},
+    {"reconnect", "", 0, 0, Form::kReconnect, Operands::kAny},
+    {"reboot", "", 0, 1, Form::kReboot, Operands::kRebootMode},
 };
 
 bool IsOption(const std::string& word) {

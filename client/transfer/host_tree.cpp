@@ -87,7 +87,8 @@ class HostWalk {
     auto names = NamesIn(path);
     if (!names.ok()) return fail_(names.TakeError());
     for (const std::string& name : *names) {
-      if (Status walked = Below(path + "/" + name, below + "/" + name); !walked.ok()) return walked;
+      const std::string in_folder = "/" + name;
+      if (Status walked = Below(path + in_folder, below + in_folder); !walked.ok()) return walked;
     }
     return {};
   }

@@ -88,6 +88,7 @@ class Push {
     const bool is_large = tally_.expected_bytes() >= kLargeTransfer;
     if (!is_large && existing != DK_SKIP_SAME && existing != DK_SKIP_EXISTING) return;
     std::vector<std::string> folders;
+    folders.reserve(items.size());
     for (const Item& item : items) folders.push_back(ParentOf(item.target));
     left_overs_.Look(folders, limits_);
     if (is_large) left_overs_.Remove(limits_);

@@ -59,34 +59,40 @@
 /// The client for C++17.
 namespace dk {
 
-/// What went wrong: a copy of the library's ::dk_error.
+/// What went wrong: a copy of the library's ::dk_error. Copies of it share its texts.
 class Error : public std::exception {
  public:
   /// @param[in] code What went wrong, where that is all there is to say.
-  explicit Error(dk_code code) : code_(code), message_(dk_code_name(code)) {}
+  explicit Error(dk_code code)
+      : code_(code), texts_(std::make_shared<const Texts>(Texts{dk_code_name(code), {}, {}, {}})) {}
   /// @param[in] error Copied.
   explicit Error(const dk_error& error)
       : code_(dk_error_code(&error)),
-        message_(dk_error_message(&error)),
-        path_(Text(dk_error_path(&error))),
-        reason_(Text(dk_error_reason(&error))),
-        words_(Text(dk_error_words(&error))),
+        texts_(std::make_shared<const Texts>(Texts{dk_error_message(&error), Text(dk_error_path(&error)),
+                                                   Text(dk_error_reason(&error)),
+                                                   Text(dk_error_words(&error))})),
         errno_(dk_error_errno(&error)),
         exit_status_(dk_error_exit_status(&error)),
         on_host_(dk_error_on_host(&error)) {}
+  /// @param[in] other Shares its texts; there is no move that would leave it without.
+  Error(const Error& other) noexcept = default;
+  /// @param[in] other Shares its texts.
+  /// @return This object.
+  Error& operator=(const Error& other) noexcept = default;
+  ~Error() override = default;
 
   /// @return What to act on.
   dk_code code() const noexcept { return code_; }
   /// @return As message().
-  const char* what() const noexcept override { return message_.c_str(); }
+  const char* what() const noexcept override { return texts_->message.c_str(); }
   /// @return One plain English sentence to show.
-  const std::string& message() const noexcept { return message_; }
+  const std::string& message() const noexcept { return texts_->message; }
   /// @return The path that it is about; empty when it is about none.
-  const std::string& path() const noexcept { return path_; }
+  const std::string& path() const noexcept { return texts_->path; }
   /// @return Why an application was not installed or removed, as Android names it; otherwise empty.
-  const std::string& reason() const noexcept { return reason_; }
+  const std::string& reason() const noexcept { return texts_->reason; }
   /// @return What the server or the phone said; empty when it said nothing.
-  const std::string& words() const noexcept { return words_; }
+  const std::string& words() const noexcept { return texts_->words; }
   /// @return The errno; 0 when there is none.
   int system_error() const noexcept { return errno_; }
   /// @return The exit status of the phone's program; -1 when there is none.
@@ -97,8 +103,12 @@ class Error : public std::exception {
  private:
   static std::string Text(const char* text) { return text == nullptr ? std::string() : std::string(text); }
 
+  struct Texts {
+    std::string message, path, reason, words;
+  };
+
   dk_code code_;
-  std::string message_, path_, reason_, words_;
+  std::shared_ptr<const Texts> texts_;
   int errno_ = 0;
   int exit_status_ = -1;
   bool on_host_ = false;
@@ -109,9 +119,11 @@ template <typename T>
 class [[nodiscard]] Result {
  public:
   /// @param[in] value What the call gives.
+  // NOLINTNEXTLINE(google-explicit-constructor): a function returns either as it is
   Result(T value) : state_(std::in_place_index<0>, std::move(value)) {}
   /// @param[in] error Why there is no value.
-  Result(Error error) : state_(std::in_place_index<1>, std::move(error)) {}
+  // NOLINTNEXTLINE(google-explicit-constructor)
+  Result(const Error& error) : state_(std::in_place_index<1>, error) {}
 
   /// @return Whether there is a value.
   bool ok() const noexcept { return state_.index() == 0; }
@@ -124,19 +136,19 @@ class [[nodiscard]] Result {
 
   /// @return The value. Throws the error when there is none.
   T& value() & {
-    if (!ok()) throw std::get<1>(state_);
+    if (!ok()) throw Error(std::get<1>(state_));
     return std::get<0>(state_);
   }
   /// Throws the error when there is no value.
   /// @return The value.
   const T& value() const& {
-    if (!ok()) throw std::get<1>(state_);
+    if (!ok()) throw Error(std::get<1>(state_));
     return std::get<0>(state_);
   }
   /// @return The value itself, so that `for (… : phone.list(folder).value())` keeps what it runs over. Throws the error
   /// when there is none.
   T value() && {
-    if (!ok()) throw std::get<1>(state_);
+    if (!ok()) throw Error(std::get<1>(state_));
     return std::move(std::get<0>(state_));
   }
   /// @param[in] other What is taken in place of an error.
@@ -154,7 +166,8 @@ class [[nodiscard]] Result<void> {
   /// Done.
   Result() = default;
   /// @param[in] error Why it is not done.
-  Result(Error error) : error_(std::move(error)) {}
+  // NOLINTNEXTLINE(google-explicit-constructor)
+  Result(const Error& error) : error_(error) {}
 
   /// @return Whether it is done.
   bool ok() const noexcept { return !error_; }
@@ -166,7 +179,7 @@ class [[nodiscard]] Result<void> {
   const Error& error() const { return *error_; }
   /// Throws the error if there is one.
   void value() const {
-    if (error_) throw *error_;
+    if (error_) throw Error(*error_);
   }
 
  private:
@@ -458,8 +471,8 @@ class Call {
     return TakeError(code);
   }
   template <typename T>
-  Result<T> Give(dk_code code, T&& value) const {
-    if (code == DK_OK) return std::forward<T>(value);
+  Result<T> Give(dk_code code, T value) const {
+    if (code == DK_OK) return Result<T>(std::move(value));
     return TakeError(code);
   }
 
@@ -636,7 +649,7 @@ class Device {
     dk_state state = DK_STATE_UNKNOWN;
     const detail::Call call(limits);
     const dk_code code = dk_device_state(get(), &state, call.get());
-    return call.Give(code, std::move(state));
+    return call.Give(code, state);
   }
   /// Waits for a state: dk_device_wait().
   /// @param[in] state,limits As there. Set a limit in time.
@@ -1264,7 +1277,7 @@ class Device {
     int port = 0;
     const detail::Call call(limits);
     const dk_code code = dk_forward_add(get(), from.c_str(), to.c_str(), replace, &port, call.get());
-    return call.Give(code, std::move(port));
+    return call.Give(code, port);
   }
   /// Removes one: dk_forward_remove().
   /// @param[in] from Empty removes all of this device.
@@ -1288,7 +1301,7 @@ class Device {
     int port = 0;
     const detail::Call call(limits);
     const dk_code code = dk_reverse_add(get(), from.c_str(), to.c_str(), replace, &port, call.get());
-    return call.Give(code, std::move(port));
+    return call.Give(code, port);
   }
   /// Removes one: dk_reverse_remove().
   /// @param[in] from Empty removes all of this device.
@@ -1366,7 +1379,7 @@ class Device {
     const detail::Call call(limits);
     const dk_code code = function(get(), plain.data(), plain.size(), &options, &summary, call.get());
     if (copy != nullptr) *copy = summary;
-    return call.Give(code, std::move(summary));
+    return call.Give(code, summary);
   }
   template <typename Function>
   Result<dk_summary> Transfer(Function function, const std::vector<Item>& items,
@@ -1452,7 +1465,7 @@ class Client {
     int version = 0;
     const detail::Call call(limits);
     const dk_code code = dk_server_version(get(), &version, call.get());
-    return call.Give(code, std::move(version));
+    return call.Give(code, version);
   }
   /// Ends the server, for every program of the user: dk_server_stop().
   /// @param[in] limits As everywhere.

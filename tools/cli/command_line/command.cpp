@@ -8,8 +8,8 @@
 
 namespace darokleim::cli {
 
-Argument::Argument(Form form, const std::string& names, const Binding& binding, std::string help)
-    : form_(form), binding_(binding), help_(std::move(help)) {
+Argument::Argument(Form form, const std::string& names, const Binding& binding, const std::string& help)
+    : form_(form), binding_(binding), help_(help) {
   if (form == Form::kOption) value_name_ = ValueName(binding.kind);
   std::string_view rest = names;
   while (!rest.empty()) {
@@ -90,13 +90,14 @@ void Argument::Take(const std::string& word) const try {
   throw UsageError(DisplayName() + ": " + error.what());
 }
 
-Argument& Command::Add(Argument::Form form, const char* names, const Binding& binding, std::string help) {
-  arguments_.push_back(std::make_unique<Argument>(form, names, binding, std::move(help)));
+Argument& Command::Add(Argument::Form form, const char* names, const Binding& binding,
+                       const std::string& help) {
+  arguments_.push_back(std::make_unique<Argument>(form, names, binding, help));
   return *arguments_.back();
 }
 
-Argument& Command::Flag(const char* names, bool& value, std::string help) {
-  return Add(Argument::Form::kFlag, names, {&value}, std::move(help));
+Argument& Command::Flag(const char* names, bool& value, const std::string& help) {
+  return Add(Argument::Form::kFlag, names, {&value}, help);
 }
 
 Argument& Command::UtcFlag(bool& utc) {

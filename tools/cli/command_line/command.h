@@ -21,7 +21,7 @@ class Argument {
   enum class Form { kPositional, kOption, kFlag, kVersion };
 
   // `names` of a positional argument is its one name in capitals; of others as "-s,--serial".
-  Argument(Form form, const std::string& names, const Binding& binding, std::string help);
+  Argument(Form form, const std::string& names, const Binding& binding, const std::string& help);
 
   // Settings. Each returns the argument, so that they can be chained.
 
@@ -93,18 +93,18 @@ class Command {
   // Arguments. The variables must live as long as the command; a vector takes any number of values.
 
   template <typename T>
-  Argument& Positional(const char* name, T& value, std::string help) {
-    return Add(Argument::Form::kPositional, name, BindingTo(value), std::move(help));
+  Argument& Positional(const char* name, T& value, const std::string& help) {
+    return Add(Argument::Form::kPositional, name, BindingTo(value), help);
   }
   // For an argument whose type is known only when the tool runs.
-  Argument& PositionalOf(const Binding& binding, const char* name, std::string help) {
-    return Add(Argument::Form::kPositional, name, binding, std::move(help));
+  Argument& PositionalOf(const Binding& binding, const char* name, const std::string& help) {
+    return Add(Argument::Form::kPositional, name, binding, help);
   }
   template <typename T>
-  Argument& Option(const char* names, T& value, std::string help) {
-    return Add(Argument::Form::kOption, names, BindingTo(value), std::move(help));
+  Argument& Option(const char* names, T& value, const std::string& help) {
+    return Add(Argument::Form::kOption, names, BindingTo(value), help);
   }
-  Argument& Flag(const char* names, bool& value, std::string help);
+  Argument& Flag(const char* names, bool& value, const std::string& help);
   // --utc
   Argument& UtcFlag(bool& utc);
   // --version, which prints what ParseCommandLine was given for it.
@@ -141,7 +141,7 @@ class Command {
   void Run(Tool& tool) const { action_(tool); }
 
  private:
-  Argument& Add(Argument::Form form, const char* names, const Binding& binding, std::string help);
+  Argument& Add(Argument::Form form, const char* names, const Binding& binding, const std::string& help);
 
   std::string name_, description_, footer_;
   std::vector<std::string> aliases_;

@@ -78,7 +78,8 @@ std::string Heading(const Argument& argument) {
   std::string names;
   for (const auto& name : argument.short_names()) names += (names.empty() ? "-" : ", -") + name;
   const std::string hyphens = argument.is_positional() ? "" : "--";
-  for (const auto& name : argument.long_names()) names += (names.empty() ? "" : ", ") + hyphens + name;
+  for (const auto& name : argument.long_names())
+    names.append(names.empty() ? "" : ", ").append(hyphens).append(name);
   std::string heading = ".B " + RoffLine(names);
   if (!argument.value_name().empty()) heading += " \\fI" + RoffLine(argument.value_name()) + "\\fP";
   return heading + "\n";

@@ -23,9 +23,7 @@ class Splitter {
   void Take(char c) {
     if (c == word_.open_quote) {
       word_.open_quote = 0;
-    } else if (word_.open_quote == '\'') {
-      word_.text += c;
-    } else if (c == '\\' && Escapes()) {
+    } else if (word_.open_quote != '\'' && c == '\\' && Escapes()) {
       word_.text += line_[++at_];
     } else if (word_.open_quote == 0 && (c == '\'' || c == '"')) {
       word_.open_quote = c;

@@ -104,7 +104,7 @@ void DescribeBackup(Command& command, BackupOptions& options) {
 }
 
 fs::path TargetFor(const std::string& named) {
-  const fs::path target = AbsolutePath(named);
+  fs::path target = AbsolutePath(named);
   std::error_code error;
   const auto there = fs::status(target, error);
   if (fs::exists(there) && !fs::is_regular_file(there)) {

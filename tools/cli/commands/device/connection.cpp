@@ -58,6 +58,7 @@ struct WaitOptions {
 
 void DescribeWait(Command& command, WaitOptions& options) {
   std::vector<std::string> words;
+  words.reserve(kStates.size());
   for (const auto& state : kStates) words.emplace_back(state.word);
   command.Positional("STATE", options.state, "The state to wait for").OneOf(words).Default(options.state);
 }

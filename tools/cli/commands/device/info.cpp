@@ -81,6 +81,7 @@ void PrintText(Tool& tool, const std::vector<DeviceFact>& facts, const Options& 
                const DeviceAnswers& answers) {
   Output& output = tool.output();
   std::vector<std::pair<std::string, std::string>> lines;
+  lines.reserve(facts.size() + options.properties.size());
   for (const auto& fact : facts) lines.emplace_back(fact.label, TextOf(fact.read(answers)));
   for (const auto& property : options.properties)
     lines.emplace_back(property.name, PropertyOf(answers, property));

@@ -76,7 +76,7 @@ void Describe(Command& command, Options& options) {
 }
 
 bool IsForAllTags(const LogFilter& filter) {
-  return filter.text.rfind("*", 0) == 0;
+  return !filter.text.empty() && filter.text.front() == '*';
 }
 
 dk::LogOptions ForPhone(const Options& options) {

@@ -56,7 +56,7 @@ Sum Measure(Tool& tool, const PhonePath& path) {
     const auto file = tool.phone().stat(path.text, DK_FOLLOW, tool.limits()).value();
     return {file.size.value_or(0), 1, 0};
   }
-  if (!walked && walked.code() != DK_PARTLY_DONE) throw walked.error();
+  if (!walked && walked.code() != DK_PARTLY_DONE) throw dk::Error(walked.error());
   CompleteSizes(tool, &without_size);
   for (const auto& entry : without_size) sum.size += entry.size.value_or(0);
   return sum;

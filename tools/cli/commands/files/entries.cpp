@@ -120,7 +120,7 @@ Entries Below(Tool& tool, const PhonePath& folder, dk::WalkOptions options) {
     return true;
   };
   const auto walked = tool.phone().walk(folder.text, options, on_entry, tool.limits());
-  if (!walked && walked.code() != DK_PARTLY_DONE) throw walked.error();
+  if (!walked && walked.code() != DK_PARTLY_DONE) throw dk::Error(walked.error());
   return entries;
 }
 

@@ -64,7 +64,7 @@ std::optional<std::uint32_t> Apply(std::string_view text, std::uint32_t mode, bo
 }  // namespace
 
 FileMode FileMode::Parse(const std::string& word) {
-  const FileMode mode{word};
+  FileMode mode{word};
   constexpr std::size_t kMostDigits = 4;
   const bool is_octal =
       !word.empty() && word.size() <= kMostDigits && word.find_first_not_of("01234567") == std::string::npos;

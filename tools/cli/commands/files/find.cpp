@@ -156,7 +156,7 @@ void Run(Tool& tool, const Options& options) {
       return true;
     };
     const auto walked = tool.phone().walk(folder.text, filters, show, tool.limits());
-    if (!walked && walked.code() != DK_PARTLY_DONE) throw walked.error();
+    if (!walked && walked.code() != DK_PARTLY_DONE) throw dk::Error(walked.error());
   });
 }
 

@@ -132,9 +132,9 @@ class Listing {
       waiting.pop_back();
       AddGroup(folder, std::move((*by_folder)[folder]));
       const auto& entries = groups_.back().entries;
-      for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
-        if (IsFolder(*entry)) waiting.push_back(entry->path);
-      }
+      std::for_each(entries.rbegin(), entries.rend(), [&waiting](const dk::Entry& entry) {
+        if (IsFolder(entry)) waiting.push_back(entry.path);
+      });
     }
   }
 
@@ -159,7 +159,7 @@ class Listing {
 };
 
 std::string NameOf(const Output& output, const dk::Entry& entry) {
-  const std::string name = output.Shown(entry.name);
+  std::string name = output.Shown(entry.name);
   if (!IsFolder(entry) || !output.is_terminal()) return name;
   return output.Painted(Colour::kFolder, name) + "/";
 }

@@ -45,7 +45,7 @@ bool IsFolder(Tool& tool, const PhonePath& path) {
   const auto found = tool.phone().stat(path.text, DK_FOLLOW, tool.limits());
   if (found) return dk::Result<dk::Entry>(found).value().type == DK_DIRECTORY;
   if (found.code() == DK_NOT_FOUND) return false;
-  throw found.error();
+  throw dk::Error(found.error());
 }
 
 void PushInput(Tool& tool, const Options& options) {

@@ -12,7 +12,7 @@ bool IsFolder(Tool& tool, const PhonePath& path) {
   const auto found = tool.phone().stat(path.text, DK_FOLLOW, tool.limits());
   if (found) return dk::Result<dk::Entry>(found).value().type == DK_DIRECTORY;
   if (found.code() == DK_NOT_FOUND && !path.names_a_folder) return false;
-  throw found.error();
+  throw dk::Error(found.error());
 }
 
 void CheckNotIntoItself(const std::string& verb, const std::string& source, const std::string& target) {

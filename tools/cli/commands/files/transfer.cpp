@@ -103,7 +103,7 @@ void Transfer(Tool& tool, Direction direction, const std::vector<dk::Item>& item
   const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
   const bool is_broken = !done && done.code() != DK_PARTLY_DONE;
   ReportCounts(tool, direction, summary, seconds, is_broken);
-  if (is_broken) throw done.error();
+  if (is_broken) throw dk::Error(done.error());
 }
 
 }  // namespace darokleim::cli
