@@ -383,7 +383,7 @@ TEST_P(Transfers, LeftOversOfAKilledProcessAreRemoved) {
   static_cast<void>(WaitStatusOfFork([&] {
     static_cast<void>(phone().push({{Host("tree"), "/sdcard/t"}}, ending));
   }));
-  ASSERT_NE(Shell("ls -d /sdcard/t/sub/.darokleim*"), "");
+  ASSERT_TRUE(Eventually([&] { return !Shell("ls -d /sdcard/t/sub/.darokleim*").empty(); }));
   // What another computer is sending is not touched.
   Shell("mkdir /sdcard/t/.darokleim-00000000-1-1");
   // The daemon removes an unfinished file; its temporary folder stays.
