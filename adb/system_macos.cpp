@@ -5,6 +5,7 @@
 #include <array>
 
 #include "adb/system.h"
+#include "base/standard_streams.h"
 
 namespace darokleim::adb {
 
@@ -13,7 +14,7 @@ const int kSendFlags = 0;
 const bool kHasAbstractSockets = false;
 
 base::UniqueFd OpenStreamSocket(int family) {
-  base::UniqueFd fd(socket(family, SOCK_STREAM, 0));
+  base::UniqueFd fd = base::OpenClearOfStandardStreams([family] { return socket(family, SOCK_STREAM, 0); });
   if (!fd.valid()) return fd;
   const int on = 1;
   const bool ready = fcntl(fd.get(), F_SETFD, FD_CLOEXEC) == 0 && fcntl(fd.get(), F_SETFL, O_NONBLOCK) == 0 &&
@@ -22,11 +23,13 @@ base::UniqueFd OpenStreamSocket(int family) {
 }
 
 bool OpenPipe(base::UniqueFd* read_end, base::UniqueFd* write_end) {
+  const base::StandardStreamsHeld held;
   std::array<int, 2> ends;
   if (pipe(ends.data()) != 0) return false;
-  read_end->Reset(ends[0]);
-  write_end->Reset(ends[1]);
-  return fcntl(ends[0], F_SETFD, FD_CLOEXEC) == 0 && fcntl(ends[1], F_SETFD, FD_CLOEXEC) == 0;
+  *read_end = base::ClearOfStandardStreams(base::UniqueFd(ends[0]));
+  *write_end = base::ClearOfStandardStreams(base::UniqueFd(ends[1]));
+  return fcntl(read_end->get(), F_SETFD, FD_CLOEXEC) == 0 &&
+         fcntl(write_end->get(), F_SETFD, FD_CLOEXEC) == 0;
 }
 
 // The system decides by itself.

@@ -10,7 +10,7 @@
 #include <crt_externs.h>
 #endif
 
-#include <array>
+#include "base/standard_streams.h"
 
 namespace darokleim::base {
 namespace {
@@ -41,14 +41,8 @@ bool OpenPipeAnywhere(UniqueFd* read_end, UniqueFd* write_end) {
   return true;
 }
 
-// If the pipe took the number of a standard stream that the host has closed, even for a moment, what the host prints
-// then would be mixed into adb's output. The null device occupies those numbers in the meantime.
 bool OpenPipe(UniqueFd* read_end, UniqueFd* write_end) {
-  std::array<UniqueFd, kFirstFreeFd> held;
-  for (int stream = 0; stream < kFirstFreeFd; ++stream) {
-    if (fcntl(stream, F_GETFD) < 0)
-      held[static_cast<size_t>(stream)].Reset(open("/dev/null", O_RDWR | O_CLOEXEC));
-  }
+  const StandardStreamsHeld held;
   return OpenPipeAnywhere(read_end, write_end) && fcntl(read_end->get(), F_SETFL, O_NONBLOCK) == 0;
 }
 

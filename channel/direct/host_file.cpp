@@ -7,6 +7,8 @@
 
 #include <cerrno>
 
+#include "base/standard_streams.h"
+
 namespace darokleim::channel::direct {
 namespace {
 
@@ -51,9 +53,12 @@ int ReceivedFile::Create() {
   constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC;
   constexpr mode_t kMode = 0644;
   unlink(path_.c_str());
-  file_.Reset(open(path_.c_str(), kFlags | O_EXCL, kPermissions));
+  const auto open_it = [this](int flags, mode_t mode) {
+    file_ = base::OpenClearOfStandardStreams([&] { return open(path_.c_str(), flags, mode); });
+  };
+  open_it(kFlags | O_EXCL, kPermissions);
   created_ = file_.valid();
-  if (!created_ && errno == EEXIST) file_.Reset(open(path_.c_str(), kFlags, kMode));
+  if (!created_ && errno == EEXIST) open_it(kFlags, kMode);
   if (!file_.valid()) return errno;
   struct stat status;
   if (!created_ || fstat(file_.get(), &status) != 0) return 0;

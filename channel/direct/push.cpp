@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "base/read_some.h"
+#include "base/standard_streams.h"
 #include "base/unique_fd.h"
 #include "channel/direct/error_text.h"
 #include "channel/direct/host_file.h"
@@ -43,7 +44,8 @@ class Sending {
       }
       if (!there.ok() && !call_.Print(PathTooLong(target_.size()))) return {Ending::kOutputRefused};
     }
-    base::UniqueFd content(open(file_.path.c_str(), O_RDONLY | O_CLOEXEC));
+    const base::UniqueFd content =
+        base::OpenClearOfStandardStreams([this] { return open(file_.path.c_str(), O_RDONLY | O_CLOEXEC); });
     if (!content.valid()) return FailToRead(IsSmall(file_) ? "failed to read all of" : "opening", errno);
     return Send(content.get());
   }

@@ -8,6 +8,7 @@
 
 #include "base/read_some.h"
 #include "base/shell_quoting.h"
+#include "base/standard_streams.h"
 #include "base/unique_fd.h"
 #include "client/apps/package_dump.h"
 #include "client/phone_path.h"
@@ -35,7 +36,7 @@ class ApkReader {
   Status Open(const Apk& apk) {
     path_ = apk.path;
     left_ = apk.size;
-    file_.Reset(open(path_.c_str(), O_RDONLY | O_CLOEXEC));
+    file_ = base::OpenClearOfStandardStreams([this] { return open(path_.c_str(), O_RDONLY | O_CLOEXEC); });
     return file_.valid() ? Status() : Status(FromErrno(errno));
   }
 

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <vector>
 
+#include "base/standard_streams.h"
 #include "client/phone_path.h"
 #include "client/transfer/host_names.h"
 
@@ -94,8 +95,10 @@ Result<std::unique_ptr<ReceivedFile>> ReceivedFile::Create(std::shared_ptr<HostF
   const std::string path = In(folder->path(), name);
   if (Status checked = folder->CheckName(name); !checked.ok()) return checked.TakeError();
   std::unique_ptr<ReceivedFile> file(new ReceivedFile(std::move(folder), std::move(name)));
-  file->descriptor_.Reset(openat(file->folder_->descriptor(), file->temporary_.text().c_str(),
-                                 O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
+  file->descriptor_ = base::OpenClearOfStandardStreams([&file] {
+    return openat(file->folder_->descriptor(), file->temporary_.text().c_str(),
+                  O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
+  });
   if (!file->descriptor_.valid()) return FromHostErrno(errno, Writing(path), path);
   file->is_temporary_ = true;
   return file;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/read_some.h"
+#include "base/standard_streams.h"
 #include "base/unique_fd.h"
 #include "client/phone_path.h"
 
@@ -117,7 +118,8 @@ Status Sender::SendNext() {
     sync_.emplace(*std::move(sync));
   }
   File& file = under_way_[sent_];
-  const base::UniqueFd opened(open(file.host.path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
+  const base::UniqueFd opened = base::OpenClearOfStandardStreams(
+      [&file] { return open(file.host.path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY); });
   if (!opened.valid()) return FailAt(sent_, FromHostErrno(errno, Sending(file.host), file.host.path));
   if (!file.counted) tally_->Begin(file.host.path.c_str(), file.host.size);
 

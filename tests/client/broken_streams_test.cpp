@@ -1,9 +1,11 @@
 // Watches, logs and shell sessions whose server or phone breaks off, hangs or says anything, and the host's threads and signals
 // around them.
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <pthread.h>
 #include <signal.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -319,6 +321,53 @@ TEST(ClientHost, IsInterruptedBySignals) {
   interrupter.join();
   sigaction(SIGUSR1, &before, nullptr);
 }
+
+#if defined(__linux__)  // where a system call can be made without the C library
+// What it prints goes nowhere, and what it reads is nobody's.
+TEST(ClientHost, HasClosedItsStandardStreams) {
+  const test::ForkedServer server([](const test::ForkedServer::Report& report) {
+    const SpoiltPhone phone(true, {}, test::ScriptedServer::Socket::kPort);
+    report(phone.port());
+  });
+  const test::TemporaryDirectory directory;
+  const std::string folder = directory.File("place");
+  PreparePlace(folder);
+  test::InProcessOfItsOwn([&] {
+    const int saved = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 10);
+    for (const int stream : {0, 1, 2}) close(stream);
+    std::atomic<bool> done = false;
+    // Not by the C library, where a sanitizer would object to a host that uses what it has closed.
+    std::thread host([&] {
+      char byte;
+      while (!done) {
+        for (const int stream : {1, 2}) syscall(SYS_write, stream, "host", 4);
+        syscall(SYS_read, 0, &byte, 1);
+        std::this_thread::yield();
+      }
+    });
+    std::vector<std::string> wrong;
+    {
+      const Client client("tcp:" + std::to_string(server.port()));
+      for (int round = 0; round < 3; ++round) {
+        for (const ClientCall& call : ClientCalls()) {
+          std::string result;
+          const dk_call limit = WithLimit(20'000);
+          const dk_code code = call.run({client.context(), client.device(), folder}, &limit, &result);
+          if (code != DK_OK || result != call.expected) wrong.push_back(call.name);
+        }
+      }
+    }
+    const bool are_still_closed =
+        fcntl(0, F_GETFD) == -1 && fcntl(1, F_GETFD) == -1 && fcntl(2, F_GETFD) == -1;
+    done = true;
+    host.join();
+    dup2(saved, STDOUT_FILENO);
+    EXPECT_THAT(wrong, testing::IsEmpty());
+    EXPECT_EQ(HarmAt(folder), "");
+    EXPECT_TRUE(are_still_closed);
+  });
+}
+#endif
 
 std::atomic<int> callbacks_without_signals, callbacks_with_signals;
 

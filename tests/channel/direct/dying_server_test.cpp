@@ -1,15 +1,21 @@
 // Commands without adb, whose server ends between any two bytes of all that it says, or says it in odd ways.
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <filesystem>
 #include <mutex>
+#include <thread>
 
 #include "tests/channel/direct/direct_channel_test.h"
 #include "tests/channel/direct/phone_answers.h"
 #include "tests/support/file_content.h"
+#include "tests/support/forked_server.h"
+#include "tests/support/own_process.h"
 
 namespace darokleim::channel {
 namespace {
@@ -216,6 +222,55 @@ TEST_F(DyingServerTest, HasAPhoneWithAnOddSerial) {
   const PhoneServer server(kModern, Files({List2()}));
   EXPECT_EQ(RunAdb(" -s " + std::string(70'000, 'x') + " ls \"/a\"").status, kLeftToAdb);
 }
+
+#if defined(__linux__)  // where a system call can be made without the C library
+// What it prints does not get into a socket or a file, and what it reads is not taken from one.
+TEST_F(DirectChannelTest, ServesAHostThatHasClosedItsStandardStreams) {
+  const test::ForkedServer server([](const test::ForkedServer::Report& report) {
+    const PhoneServer phone(kModern, [](const std::string& service, int connection) {
+      if (service != "sync:") {
+        WriteBytes(connection, "OKAY" + ShellAnswer());
+        return;
+      }
+      FilesByRequest({{"STA2", Status2("STA2", 0, 0100644, 6)},
+                      {"LIS2", List2()},
+                      {"RECV", Content()},
+                      {"SEND", "OKAY" + Number32(0)}})(service, connection);
+    });
+    report(std::stoi(phone.port()));
+  });
+  setenv("ANDROID_ADB_SERVER_PORT", std::to_string(server.port()).c_str(), 1);
+  test::WriteFile(File("sent"), std::string(200'000, 'x'));
+  test::InProcessOfItsOwn([&] {
+    const int saved = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 10);
+    for (const int stream : {0, 1, 2}) close(stream);
+    std::atomic<bool> done = false;
+    std::thread host([&] {
+      char byte;
+      while (!done) {
+        for (const int stream : {1, 2}) syscall(SYS_write, stream, "host", 4);
+        syscall(SYS_read, 0, &byte, 1);
+        std::this_thread::yield();
+      }
+    });
+    std::vector<int> statuses;
+    for (int round = 0; round < 10; ++round) {
+      for (const std::string& args :
+           {std::string("shell rm /a"), std::string("ls /a"), "pull /a \"" + File("pulled") + "\"",
+            "push \"" + File("sent") + "\" /a"})
+        statuses.push_back(RunAdb(" -s X " + args).status);
+    }
+    const bool are_still_closed =
+        fcntl(0, F_GETFD) == -1 && fcntl(1, F_GETFD) == -1 && fcntl(2, F_GETFD) == -1;
+    done = true;
+    host.join();
+    dup2(saved, STDOUT_FILENO);
+    EXPECT_THAT(statuses, testing::Each(0));
+    EXPECT_EQ(test::ReadFile(File("pulled")), "abcdef");
+    EXPECT_TRUE(are_still_closed);
+  });
+}
+#endif
 
 }  // namespace
 }  // namespace darokleim::channel
