@@ -61,7 +61,8 @@ int Run(const Options& options) {
   const test::TemporaryDirectory folder;
   Phones phones(folder.File("phones"), options.phones);
   const dk::Client client(dk::ClientOptions{phones.server(), "", {}});
-  RoundOptions round{options.length / 8, PaceOf(options.length), options.seed + 1, folder.File("host")};
+  RoundOptions round{std::chrono::milliseconds(options.length) / 8, PaceOf(options.length), options.seed + 1,
+                     folder.File("host")};
   round.is_shown = false;
   if (options.length < std::chrono::seconds(60)) round.users = 2;
   std::uint64_t wrong = RunRound(client, &phones, round);  // what is kept for the life of the process
