@@ -25,9 +25,6 @@ char** Environment() {
 }
 #endif
 
-// Lower numbers belong to the standard streams.
-constexpr int kFirstFreeFd = STDERR_FILENO + 1;
-
 bool OpenPipeAnywhere(UniqueFd* read_end, UniqueFd* write_end) {
   int ends[2];
 #if defined(__linux__)
@@ -88,7 +85,7 @@ class FileActions {
 #if defined(__GLIBC__)
 #if __GLIBC_PREREQ(2, 34)
     // Before the open, which then finds a free descriptor even where the host is out of descriptors.
-    if (error_ == 0) error_ = posix_spawn_file_actions_addclosefrom_np(&actions_, kFirstFreeFd);
+    if (error_ == 0) error_ = posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1);
 #endif
 #endif
     if (error_ == 0) {

@@ -48,7 +48,7 @@ Returned CallWith(Result (*function)(Arguments...), std::vector<Value>& values) 
 
 // The name and the function cannot differ.
 #define DAROKLEIM_FUNCTION(function) #function
-#define DAROKLEIM_CALL(function) [](std::vector<Value>& values) { return CallWith(&function, values); }
+#define DAROKLEIM_CALL(function) [](std::vector<Value>& values) { return CallWith(&(function), values); }
 
 Parameter Serial() {
   return {Kind::kSerial, "serial", ""};

@@ -11,7 +11,7 @@ namespace {
 
 // Some functions return another code than 0 when they worked.
 ResultText ResultOf(const SdkFunction& function, int code) {
-  const auto text = TextOfResult(code);
+  auto text = TextOfResult(code);
   if (code == 0 || code != function.other_success) return text;
   return {text.name, "it worked; this function returns this code after a normal run, too."};
 }
