@@ -14,18 +14,32 @@ set(CMAKE_SYSTEM_NAME Darwin)
 string(REGEX REPLACE "-.*" "" CMAKE_SYSTEM_PROCESSOR "${DAROKLEIM_MACOS_TARGET}")
 
 # CMake needs a program for each tool; Zig is all of them, chosen by its first word. This Zig does not know two of CMake's
-# flags, which are not needed: code for macOS is always position-independent, and the linker need not print its version.
+# flags, which are not needed: code for macOS is always position-independent, and the linker need not print its version. Its linker
+# crashes for some layouts of a binary, always for the same ones: with its first object at the end a binary has another layout.
 set(wrappers "${CMAKE_BINARY_DIR}/zig")
 function(write_wrapper tool arguments)
   file(WRITE "${wrappers}/${tool}" "#!/bin/sh
+compiles=
 for word do
   shift
   case $word in
     -fPIE | -Wl,-v) ;;
     *) set -- \"$@\" \"$word\" ;;
   esac
+  [ \"$word\" != -c ] || compiles=1
 done
-exec \"${DAROKLEIM_ZIG}\" ${arguments} \"$@\"
+\"${DAROKLEIM_ZIG}\" ${arguments} \"$@\"
+status=$?
+[ $status -eq 139 ] && [ -z \"$compiles\" ] || exit $status
+moved=
+for word do
+  shift
+  case $moved$word in
+    *.o) [ -n \"$moved\" ] && set -- \"$@\" \"$word\" || moved=$word ;;
+    *) set -- \"$@\" \"$word\" ;;
+  esac
+done
+exec \"${DAROKLEIM_ZIG}\" ${arguments} \"$@\" \"$moved\"
 ")
   file(CHMOD "${wrappers}/${tool}" PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
 endfunction()
