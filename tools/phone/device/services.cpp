@@ -13,8 +13,8 @@
 #include "tools/phone/common/faults.h"
 #include "tools/phone/common/io.h"
 #include "tools/phone/common/wire.h"
-#include "tools/phone/device/limited_connection.h"
 #include "tools/phone/device/layout.h"
+#include "tools/phone/device/limited_connection.h"
 #include "tools/phone/device/shell_service.h"
 #include "tools/phone/device/sync_service.h"
 
