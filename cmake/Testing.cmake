@@ -56,6 +56,11 @@ function(darokleim_test)
   if(DAROKLEIM_SANITIZE)
     set(seconds 400) # for the longest comparisons with regular expressions
   endif()
+  if(DAROKLEIM_COVERAGE)
+    # Programs of the same size, as those are that only differ in their tests, would share a profile and lose it.
+    list(APPEND ARG_PROPERTIES ENVIRONMENT
+                               "LLVM_PROFILE_FILE=${PROJECT_BINARY_DIR}/profiles/${ARG_NAME}-%c%4m.profraw")
+  endif()
   gtest_discover_tests(${ARG_NAME} TEST_PREFIX "${ARG_NAME}." DISCOVERY_TIMEOUT 60
                        PROPERTIES TIMEOUT ${seconds} ${ARG_PROPERTIES})
 endfunction()

@@ -70,7 +70,7 @@ constexpr std::size_t kBlock = 32 * 1024;
 constexpr std::size_t kLongestMessage = 64;
 
 template <std::size_t N>
-constexpr bool FitsBlocks(const Rule (&rules)[N]) {
+consteval bool FitsBlocks(const Rule (&rules)[N]) {
   for (const Rule& rule : rules) {
     if (rule.message.size() > kLongestMessage || rule.and_part.size() > kLongestMessage) return false;
   }
