@@ -149,6 +149,16 @@ TEST_F(ShellSessions, TellATerminalItsSizeAndItsEnd) {
 }
 
 // A command that reads none of it, such as `sleep`: little is held in memory.
+TEST_F(ShellSessions, RefuseATypeOfTerminalThatWouldBeAnotherOption) {
+  Serve([](int) {});
+  dk::ShellOptions options;
+  options.terminal = true;
+  for (const char* type : {"xterm,raw", "xterm:reboot"}) {
+    options.terminal_type = type;
+    EXPECT_EQ(Start(options).code(), DK_INVALID_ARGUMENT) << type;
+  }
+}
+
 TEST_F(ShellSessions, HoldLittleOfTheInputThatNobodyTakes) {
   Serve([](int connection) {
     WriteBytes(connection, ShellPacket(1, "here"));
