@@ -41,9 +41,11 @@ Status Read(SyncConnection* sync, int kind) {
     case 1:
       return sync->ReadList(
           [](const DirectoryEntry& entry) {
-            Require(!entry.name.empty() && entry.name.size() <= kLongestSyncName);
-            Require(entry.name.find('/') == std::string_view::npos &&
-                    entry.name.find('\0') == std::string_view::npos);
+            Require(entry.name.size() <= kLongestSyncName);
+            const bool is_of_an_entry = !entry.name.empty() &&
+                                        entry.name.find('/') == std::string_view::npos &&
+                                        entry.name.find('\0') == std::string_view::npos;
+            Require(IsEntryName(entry.name) == is_of_an_entry);
             return true;
           },
           Soon());
