@@ -505,7 +505,7 @@ struct Running {
   std::unique_ptr<Handle, Free> handle;
 
   Running() = default;
-  Running(Running&& other) = default;
+  Running(Running&& other) noexcept = default;
   Running& operator=(Running&& other) noexcept {
     handle.reset();
     receiver = std::move(other.receiver);
