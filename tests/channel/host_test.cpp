@@ -18,6 +18,7 @@
 
 #include "tests/channel/channel_run.h"
 #include "tests/support/file_content.h"
+#include "tests/support/odd_host.h"
 #include "tests/support/sanitizers.h"
 
 namespace darokleim::channel {
@@ -121,21 +122,9 @@ TEST_F(HostTest, WithSignalsIgnored) {
 
 TEST_F(HostTest, InterruptedBySignals) {
   test::InProcessOfItsOwn([&] {
-    struct sigaction action = {};
-    action.sa_handler = [](int) {};  // and no SA_RESTART
-    sigaction(SIGUSR1, &action, nullptr);
-    const pthread_t caller = pthread_self();
-    std::atomic<bool> done = false;
-    std::thread interrupter([&] {
-      while (!done) {
-        pthread_kill(caller, SIGUSR1);
-        std::this_thread::sleep_for(std::chrono::microseconds(300));
-      }
-    });
+    const test::InterruptedBySignals interrupted;
     ExpectEverythingWorks();
     EXPECT_EQ(RunAdb(" print:a close sleep:200 exit:5").status, 1005);
-    done = true;
-    interrupter.join();
   });
 }
 

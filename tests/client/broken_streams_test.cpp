@@ -1,11 +1,9 @@
 // Watches, logs and shell sessions whose server or phone breaks off, hangs or says anything, and the host's threads and signals
 // around them.
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <pthread.h>
 #include <signal.h>
 #include <sys/resource.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -20,6 +18,7 @@
 #include "tests/client/spoilt_phone.h"
 #include "tests/support/eventually.h"
 #include "tests/support/forked_server.h"
+#include "tests/support/odd_host.h"
 #include "tests/support/open_descriptors.h"
 #include "tests/support/own_process.h"
 #include "tests/support/temporary_directory.h"
@@ -291,17 +290,7 @@ TEST(BrokenWatches, LoseAServerThatSaysSomethingElse) {
 // --- The host
 
 TEST(ClientHost, IsInterruptedBySignals) {
-  struct sigaction interrupt = {}, before = {};
-  interrupt.sa_handler = [](int) {};  // and no SA_RESTART
-  sigaction(SIGUSR1, &interrupt, &before);
-  const pthread_t caller = pthread_self();
-  std::atomic<bool> done = false;
-  std::thread interrupter([&] {
-    while (!done) {
-      pthread_kill(caller, SIGUSR1);
-      std::this_thread::sleep_for(std::chrono::microseconds(300));
-    }
-  });
+  const test::InterruptedBySignals interrupted;
   const test::TemporaryDirectory directory;
   const std::string folder = directory.File("place");
   for (const bool modern : {true, false}) {
@@ -317,9 +306,6 @@ TEST(ClientHost, IsInterruptedBySignals) {
     }
     EXPECT_EQ(phone.harm(), "");
   }
-  done = true;
-  interrupter.join();
-  sigaction(SIGUSR1, &before, nullptr);
 }
 
 #if defined(__linux__)  // where a system call can be made without the C library
@@ -333,35 +319,23 @@ TEST(ClientHost, HasClosedItsStandardStreams) {
   const std::string folder = directory.File("place");
   PreparePlace(folder);
   test::InProcessOfItsOwn([&] {
-    const int saved = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 10);
-    for (const int stream : {0, 1, 2}) close(stream);
-    std::atomic<bool> done = false;
-    // Not by the C library, where a sanitizer would object to a host that uses what it has closed.
-    std::thread host([&] {
-      char byte;
-      while (!done) {
-        for (const int stream : {1, 2}) syscall(SYS_write, stream, "host", 4);
-        syscall(SYS_read, 0, &byte, 1);
-        std::this_thread::yield();
-      }
-    });
     std::vector<std::string> wrong;
+    bool are_still_closed = false;
     {
-      const Client client("tcp:" + std::to_string(server.port()));
-      for (int round = 0; round < 3; ++round) {
-        for (const ClientCall& call : ClientCalls()) {
-          std::string result;
-          const dk_call limit = WithLimit(20'000);
-          const dk_code code = call.run({client.context(), client.device(), folder}, &limit, &result);
-          if (code != DK_OK || result != call.expected) wrong.push_back(call.name);
+      const test::WithoutStandardStreams streams;
+      {
+        const Client client("tcp:" + std::to_string(server.port()));
+        for (int round = 0; round < 3; ++round) {
+          for (const ClientCall& call : ClientCalls()) {
+            std::string result;
+            const dk_call limit = WithLimit(20'000);
+            const dk_code code = call.run({client.context(), client.device(), folder}, &limit, &result);
+            if (code != DK_OK || result != call.expected) wrong.push_back(call.name);
+          }
         }
       }
+      are_still_closed = streams.AreStillClosed();
     }
-    const bool are_still_closed =
-        fcntl(0, F_GETFD) == -1 && fcntl(1, F_GETFD) == -1 && fcntl(2, F_GETFD) == -1;
-    done = true;
-    host.join();
-    dup2(saved, STDOUT_FILENO);
     EXPECT_THAT(wrong, testing::IsEmpty());
     EXPECT_EQ(HarmAt(folder), "");
     EXPECT_TRUE(are_still_closed);

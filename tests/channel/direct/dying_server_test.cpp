@@ -1,7 +1,5 @@
 // Commands without adb, whose server ends between any two bytes of all that it says, or says it in odd ways.
-#include <fcntl.h>
 #include <gmock/gmock.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,12 +7,12 @@
 #include <cstdint>
 #include <filesystem>
 #include <mutex>
-#include <thread>
 
 #include "tests/channel/direct/direct_channel_test.h"
 #include "tests/channel/direct/phone_answers.h"
 #include "tests/support/file_content.h"
 #include "tests/support/forked_server.h"
+#include "tests/support/odd_host.h"
 #include "tests/support/own_process.h"
 
 namespace darokleim::channel {
@@ -242,29 +240,18 @@ TEST_F(DirectChannelTest, ServesAHostThatHasClosedItsStandardStreams) {
   setenv("ANDROID_ADB_SERVER_PORT", std::to_string(server.port()).c_str(), 1);
   test::WriteFile(File("sent"), std::string(200'000, 'x'));
   test::InProcessOfItsOwn([&] {
-    const int saved = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 10);
-    for (const int stream : {0, 1, 2}) close(stream);
-    std::atomic<bool> done = false;
-    std::thread host([&] {
-      char byte;
-      while (!done) {
-        for (const int stream : {1, 2}) syscall(SYS_write, stream, "host", 4);
-        syscall(SYS_read, 0, &byte, 1);
-        std::this_thread::yield();
-      }
-    });
     std::vector<int> statuses;
-    for (int round = 0; round < 10; ++round) {
-      for (const std::string& args :
-           {std::string("shell rm /a"), std::string("ls /a"), "pull /a \"" + File("pulled") + "\"",
-            "push \"" + File("sent") + "\" /a"})
-        statuses.push_back(RunAdb(" -s X " + args).status);
+    bool are_still_closed = false;
+    {
+      const test::WithoutStandardStreams streams;
+      for (int round = 0; round < 10; ++round) {
+        for (const std::string& args :
+             {std::string("shell rm /a"), std::string("ls /a"), "pull /a \"" + File("pulled") + "\"",
+              "push \"" + File("sent") + "\" /a"})
+          statuses.push_back(RunAdb(" -s X " + args).status);
+      }
+      are_still_closed = streams.AreStillClosed();
     }
-    const bool are_still_closed =
-        fcntl(0, F_GETFD) == -1 && fcntl(1, F_GETFD) == -1 && fcntl(2, F_GETFD) == -1;
-    done = true;
-    host.join();
-    dup2(saved, STDOUT_FILENO);
     EXPECT_THAT(statuses, testing::Each(0));
     EXPECT_EQ(test::ReadFile(File("pulled")), "abcdef");
     EXPECT_TRUE(are_still_closed);
