@@ -74,7 +74,7 @@ class Error : public std::exception {
         errno_(dk_error_errno(&error)),
         exit_status_(dk_error_exit_status(&error)),
         on_host_(dk_error_on_host(&error)) {}
-  /// @param[in] other Shares its texts; there is no move that would leave it without.
+  /// @param[in] other Stays as it is, also where it is moved from: the two share their texts.
   Error(const Error& other) noexcept = default;
   /// @param[in] other Shares its texts.
   /// @return This object.

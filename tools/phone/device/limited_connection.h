@@ -14,8 +14,8 @@ struct ConnectionLimits {
   std::optional<uint64_t> bytes_a_second;  // at least 1
 };
 
-// Puts a relay between the client and what serves it that keeps these limits; without a limit there is no relay. The result is
-// the end to serve instead.
+// Relays between the client and its service within these limits; no relay runs if there are none. Returns the connection that the
+// service uses in place of `client`.
 base::UniqueFd LimitConnection(base::UniqueFd client, const ConnectionLimits& limits);
 
 }  // namespace darokleim::phone
