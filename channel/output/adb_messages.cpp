@@ -35,20 +35,22 @@ bool BeginsWith(std::string_view text, std::string_view begin) {
   return text.substr(0, begin.size()) == begin;
 }
 
-bool IsNotice(std::string_view line) {
-  if (IsFailureLine(line) || BeginsWith(line, kServerFailure)) return false;
+// What follows the line in text does not matter.
+bool IsNotice(std::string_view text) {
+  if (IsFailureLine(text) || BeginsWith(text, kServerFailure)) return false;
   return std::any_of(std::begin(kNotices), std::end(kNotices),
-                     [&](std::string_view notice) { return BeginsWith(line, notice); });
+                     [&](std::string_view notice) { return BeginsWith(text, notice); });
 }
 
+// Looks for line breaks in notices alone: what follows them may be 1 GiB without one.
 size_t LengthOfCompleteNotices(std::string_view text) {
   size_t length = 0;
-  for (;;) {
-    const std::string_view rest = text.substr(length);
-    const size_t line_break = rest.find('\n');
-    if (line_break == std::string_view::npos || !IsNotice(rest.substr(0, line_break))) return length;
-    length += line_break + 1;
+  while (IsNotice(text.substr(length))) {
+    const size_t line_break = text.find('\n', length);
+    if (line_break == std::string_view::npos) break;
+    length = line_break + 1;
   }
+  return length;
 }
 
 bool StatesFailure(std::string_view text) {
@@ -88,8 +90,7 @@ int Decide(const Command& command, const ExitOutcome& exit, HasFailureLine has_f
 
 size_t LengthOfLeadingNotices(std::string_view text) {
   const size_t length = LengthOfCompleteNotices(text);
-  const std::string_view rest = text.substr(length);
-  return rest.find('\n') == std::string_view::npos && IsNotice(rest) ? text.size() : length;
+  return IsNotice(text.substr(length)) ? text.size() : length;
 }
 
 bool MayContinueNotices(std::string_view text) {
