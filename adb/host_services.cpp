@@ -17,7 +17,7 @@ std::string_view WordOf(ConnectionKind kind) {
     case ConnectionKind::kNetwork:
       return "local";
   }
-  return {};
+  return {};  // there is no other kind
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ std::string DeviceSelector::TransportRequest() const {
     case Kind::kNetwork:
       return "host:tport:local";
   }
-  return {};
+  return {};  // there is no other kind
 }
 
 Result<DeviceConnection> SelectDevice(const ServerAddress& server, const DeviceSelector& device,

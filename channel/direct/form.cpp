@@ -78,7 +78,7 @@ bool Accepts(Operands operands, std::span<const std::string> words) {
     case Operands::kRebootMode:
       return words.empty() || (!words[0].empty() && !IsOption(words[0]));
   }
-  return false;
+  return false;  // there are no others
 }
 
 }  // namespace

@@ -38,8 +38,6 @@ class ReceivedFile {
   // The mode loses what the process's umask forbids.
   int SetTimeAndMode(int64_t seconds, mode_t mode);
 
-  const std::string& path() const { return path_; }
-
  private:
   const std::string path_;
   base::UniqueFd file_;

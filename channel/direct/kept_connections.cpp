@@ -90,7 +90,7 @@ class Pool {
       const base::SignalsBlocked blocked;
       closer_ = std::thread([this] { CloseInTime(); });
     } catch (const std::exception&) {
-      return false;
+      return false;  // without the thread nothing is kept
     }
     closer_runs_ = true;
     return true;

@@ -30,7 +30,7 @@ Attempt RunForm(const Call& call) {
     case Form::kReboot:
       return RunReboot(call);
   }
-  return kGiveWay;
+  return kGiveWay;  // there is no other form
 }
 
 }  // namespace

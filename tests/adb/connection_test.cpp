@@ -8,6 +8,7 @@
 #include <chrono>
 #include <thread>
 
+#include "adb/cancel_token.h"
 #include "adb/message.h"
 #include "tests/adb/connected_pair.h"
 #include "tests/adb/operations.h"
@@ -221,6 +222,17 @@ TEST(ConnectionTest, ALocalServer) {
   auto refused = Connection::Open(address, Within(30));
   ASSERT_FALSE(refused.ok());
   EXPECT_EQ(refused.error().code, ErrorCode::kTimedOut);
+
+  const auto token = CancelToken::Create();
+  ASSERT_TRUE(token.ok());
+  std::thread canceller([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    (*token)->Set();
+  });
+  auto cancelled = Connection::Open(address, {Clock::now() + std::chrono::seconds(20), token->get()});
+  canceller.join();
+  ASSERT_FALSE(cancelled.ok());
+  EXPECT_EQ(cancelled.error().code, ErrorCode::kCancelled);
 }
 
 #ifdef __linux__

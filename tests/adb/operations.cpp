@@ -98,6 +98,10 @@ std::vector<Operation> HostOperations() {
                      [](const auto& server, const auto& limits) {
                        return WaitForState(server, kPhone, ConnectionKind::kAny, "device", limits);
                      }));
+  all.push_back(Talk("WaitForStateOverNetwork", {{Request("host-serial:X:wait-for-local-offline"), "OKAYOKAY"}},
+                     [](const auto& server, const auto& limits) {
+                       return WaitForState(server, kPhone, ConnectionKind::kNetwork, "offline", limits);
+                     }));
   all.push_back(Talk("TrackDevices", {{Request("host:track-devices"), "OKAY0000" + Request("X\toffline\n")}},
                      [](const auto& server, const auto& limits) -> Status {
                        auto tracker = DeviceTracker::Open(server, ListForm::kShort, limits);

@@ -180,6 +180,34 @@ TEST(ShellSessionTest, AnEndBeforeTheInput) {
   EXPECT_EQ(end->exit_status, 'a');
 }
 
+// A phone that answers a command without having taken it, with room for nothing else on the way to it.
+ConnectedPair FullPair() {
+  ConnectedPair pair;
+  const int smallest = 1;
+  setsockopt(pair.near.get(), SOL_SOCKET, SO_SNDBUF, &smallest, sizeof smallest);
+  WriteBytes(pair.far.get(), "OKAY");
+  return pair;
+}
+const std::string kThatFills(4000, 'x');
+
+TEST(ShellSessionTest, AnEndOfInputThatNobodyTakesEndsAtItsDeadline) {
+  ConnectedPair pair = FullPair();
+  const auto shell = ShellSession::Start(pair.Take(), {.command = kThatFills}, Within(50));
+  ASSERT_FALSE(shell.ok());
+  EXPECT_EQ(shell.error().code, ErrorCode::kTimedOut);
+}
+
+TEST(ShellSessionTest, AnExchangeWithoutInputThatNobodyTakesEndsAtItsDeadline) {
+  ConnectedPair pair = FullPair();
+  auto shell =
+      ShellSession::Start(pair.Take(), {.command = kThatFills, .with_input = true}, Within(5000));
+  ASSERT_TRUE(shell.ok());
+  const auto end = shell->Exchange([] { return std::string_view(); },
+                                   [](ShellStream, std::string_view) { return true; }, Within(50));
+  ASSERT_FALSE(end.ok());
+  EXPECT_EQ(end.error().code, ErrorCode::kTimedOut);
+}
+
 TEST(ShellSessionTest, ATimeOutLosesNothing) {
   ConnectedPair pair;
   WriteBytes(pair.far.get(), "OKAY" + Packet(1, "ab").substr(0, 6));

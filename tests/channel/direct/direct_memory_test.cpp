@@ -146,6 +146,19 @@ class DirectMemoryTest : public DirectChannelTest {
     ExpectNothingIsLeft(before, commands);
   }
 
+  // The same for a stream of so many bytes.
+  void RunOutInStreams(const std::string& args, size_t bytes) {
+    const size_t before = test::OpenDescriptors();
+    size_t streams = 0;
+    const long allocations = WithEachAllocationFailing([&](long number) {
+      SCOPED_TRACE(number);
+      ++streams;
+      return RunOutOnceInAStream(args, static_cast<long long>(bytes), number);
+    });
+    EXPECT_GT(allocations, 5);
+    ExpectNothingIsLeft(before, streams);
+  }
+
   void ExpectNothingIsLeft(size_t descriptors, size_t commands) const {
     EXPECT_LE(test::ReadFile(File("services")).size(), commands) << "no command runs twice";
     EXPECT_TRUE(test::Eventually([&] { return test::OpenDescriptors() <= descriptors; }));
@@ -180,15 +193,19 @@ INSTANTIATE_TEST_SUITE_P(, DirectFileCommand, testing::ValuesIn(FileForms()), Na
 TEST_F(DirectMemoryTest, RunsOutInAStream) {
   const std::string lines(100000, 'l');
   Start(kModern, Say("OKAY" + Packet(1, lines) + Packet(3, std::string(1, '\0'))));
-  const size_t before = test::OpenDescriptors();
-  size_t streams = 0;
-  const long allocations = WithEachAllocationFailing([&](long number) {
-    SCOPED_TRACE(number);
-    ++streams;
-    return RunOutOnceInAStream(" -s 1000000 logcat -s a", static_cast<long long>(lines.size()), number);
-  });
-  EXPECT_GT(allocations, 5);
-  ExpectNothingIsLeft(before, streams);
+  RunOutInStreams(" -s 1000000 logcat -s a", lines.size());
+}
+
+TEST_F(DirectMemoryTest, RunsOutInAStreamOfAList) {
+  Start(kModern, ModernFiles(0, kSent));
+  RunOutInStreams(" -s 1000000 ls \"/a\"", kTwoFiles.size());
+}
+
+TEST_F(DirectMemoryTest, RunsOutInAStreamThatGoesThroughAdbAfterAll) {
+  { const PhoneServer gone(kModern, nullptr); }
+  UseAdb(DAROKLEIM_MISBEHAVING_ADB);
+  const Misbehaviour misbehaviour("print:text");
+  RunOutInStreams(" -s 1000000 logcat -s a", 4);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <arpa/inet.h>
 #include <gmock/gmock.h>
 #include <netinet/in.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 
 #include <filesystem>
@@ -164,6 +165,72 @@ TEST_F(DirectTest, ACutPushIsBrokenAndNotSentTwice) {
   }
   const PhoneServer server(kModern, Files({stat, okay}));
   EXPECT_EQ(RunAdb(args).status, 0);
+}
+
+TEST_F(DirectTest, APulledFileThatVanishesCannotGetItsTime) {
+  const PhoneServer server(kModern, [this](const std::string&, int connection) {
+    WriteBytes(connection, "OKAY");
+    ReadSyncRequest(connection);
+    WriteBytes(connection, Status2("STA2", 0, 0100644, 6));
+    ReadSyncRequest(connection);
+    std::filesystem::remove(File("pulled"));
+    WriteBytes(connection, Content());
+  });
+  const Result result = RunAdb(" -s X pull -a \"/a\" \"" + File("pulled") + "\"");
+  EXPECT_EQ(result.status, 1001);
+  EXPECT_EQ(result.output, "[100%] /a\n");
+  EXPECT_FALSE(std::filesystem::exists(File("pulled")));
+}
+
+TEST_F(DirectTest, APushToAFileThatIsNamedAsAFolderFails) {
+  test::WriteFile(File("sent"), "content");
+  const PhoneServer server(kModern, Files({Status2("STA2", 0, 0100644, 6)}));
+  const Result result = RunAdb(" -s X push \"" + File("sent") + "\" \"/a/\"");
+  EXPECT_EQ(result.status, 1001);
+  EXPECT_EQ(result.output, "adb: error: failed to access '/a/': Not a directory\n");
+}
+
+TEST_F(DirectTest, AnErrorThatOnlyThePhoneKnowsIsOneOfInputAndOutput) {
+  test::WriteFile(File("sent"), "content");
+  const PhoneServer server(kModern, Files({Status2("STA2", 99, 0, 0)}));
+  const Result result = RunAdb(" -s X push \"" + File("sent") + "\" \"/a\"");
+  EXPECT_EQ(result.status, 1001);
+  EXPECT_EQ(result.output, "adb: error: stat failed when trying to push to /a: Input/output error\n");
+}
+
+#if defined(__linux__)  // where a regular file can be opened and not read
+TEST_F(DirectTest, AFileThatCannotBeReadIsNotSent) {
+  const PhoneServer server(kModern, Files({Status2("STA2", 2, 0, 0)}));
+  const Result result = RunAdb(" -s X push /proc/self/mem /a");
+  EXPECT_EQ(result.status, 1001);
+  EXPECT_THAT(result.output,
+              HasSubstr("adb: error: failed to read all of '/proc/self/mem': Input/output error\n"));
+}
+#endif
+
+TEST_F(DirectTest, WhatAPhoneSaysBeforeItRestartsIsPrinted) {
+  const PhoneServer server(
+      kModern, [](const std::string&, int connection) { WriteBytes(connection, "OKAYgoing down\n"); });
+  const Result result = RunAdb(" -s X reboot");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.output, "going down\n");
+}
+
+TEST_F(DirectTest, ASerialNumberThatIsTooLongForTheServerIsLeftToAdb) {
+  const PhoneServer server(kModern, nullptr);
+  EXPECT_EQ(RunAdb(" -s " + std::string(70'000, 's') + " reconnect").status, 3002);
+}
+
+TEST_F(DirectTest, WithoutADescriptorTheSystemHasRefused) {
+  const PhoneServer server(kModern, nullptr);
+  EXPECT_EQ(RunAdb(" devices").status, 0);  // the log is open now
+  rlimit usual;
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &usual), 0);
+  const rlimit used_up = {0, usual.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &used_up), 0);
+  const int status = RunAdb(" devices").status;
+  setrlimit(RLIMIT_NOFILE, &usual);
+  EXPECT_EQ(status, 3006);
 }
 
 TEST_F(DirectTest, WhatMayHaveRunIsNotRunAgain) {
