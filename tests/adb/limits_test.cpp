@@ -110,6 +110,19 @@ TEST_F(LimitsTest, AFlagIsLookedAtNowAndThen) {
   EXPECT_LE(flag.looks, took / flag.longest_wait() + 2);
 }
 
+// One that neither wakes a wait nor says how often it wants to be looked at.
+class Silent final : public Interrupt {
+ public:
+  bool IsSet() const override { return false; }
+};
+
+TEST_F(LimitsTest, ASilentInterruptLeavesTheDeadline) {
+  const Silent silent;
+  const auto began = Clock::now();
+  EXPECT_EQ(WaitError({began + milliseconds(25), &silent}), ErrorCode::kTimedOut);
+  EXPECT_GE(Clock::now(), began + milliseconds(25));
+}
+
 // Nothing wakes a wait for a token in between.
 TEST_F(LimitsTest, SignalsDoNotEndAWait) {
   struct sigaction action = {};
