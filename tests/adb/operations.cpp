@@ -98,7 +98,8 @@ std::vector<Operation> HostOperations() {
                      [](const auto& server, const auto& limits) {
                        return WaitForState(server, kPhone, ConnectionKind::kAny, "device", limits);
                      }));
-  all.push_back(Talk("WaitForStateOverNetwork", {{Request("host-serial:X:wait-for-local-offline"), "OKAYOKAY"}},
+  all.push_back(Talk("WaitForStateOverNetwork",
+                     {{Request("host-serial:X:wait-for-local-offline"), "OKAYOKAY"}},
                      [](const auto& server, const auto& limits) {
                        return WaitForState(server, kPhone, ConnectionKind::kNetwork, "offline", limits);
                      }));

@@ -199,8 +199,7 @@ TEST(ShellSessionTest, AnEndOfInputThatNobodyTakesEndsAtItsDeadline) {
 
 TEST(ShellSessionTest, AnExchangeWithoutInputThatNobodyTakesEndsAtItsDeadline) {
   ConnectedPair pair = FullPair();
-  auto shell =
-      ShellSession::Start(pair.Take(), {.command = kThatFills, .with_input = true}, Within(5000));
+  auto shell = ShellSession::Start(pair.Take(), {.command = kThatFills, .with_input = true}, Within(5000));
   ASSERT_TRUE(shell.ok());
   const auto end = shell->Exchange([] { return std::string_view(); },
                                    [](ShellStream, std::string_view) { return true; }, Within(50));
