@@ -109,6 +109,11 @@ std::size_t SpoiltPhone::sent() const {
   return sent_;
 }
 
+bool SpoiltPhone::is_spoilt() const {
+  const std::lock_guard lock(mutex_);
+  return spoilt_;
+}
+
 std::string SpoiltPhone::harm() const {
   const std::lock_guard lock(mutex_);
   return harm_;

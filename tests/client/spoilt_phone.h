@@ -45,6 +45,8 @@ class SpoiltPhone {
   std::string address() const { return server_.name(); }
   // Bytes that were as they should be.
   std::size_t sent() const;
+  // Whether the good ones have come to their end.
+  bool is_spoilt() const;
   int open_connections() const { return server_.open_connections(); }
   // What the client must not have done; empty where it has not.
   std::string harm() const;
