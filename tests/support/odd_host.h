@@ -1,14 +1,18 @@
-// What a host may do around calls: interrupt them by signals, or use standard streams that it has closed.
+// What a host may do around calls: interrupt them by signals, leave them no descriptor, or use standard streams that it has
+// closed.
 #ifndef DAROKLEIM_TESTS_SUPPORT_ODD_HOST_H
 #define DAROKLEIM_TESTS_SUPPORT_ODD_HOST_H
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <pthread.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <chrono>
+#include <stdexcept>
 #include <thread>
 
 #if defined(__linux__)
@@ -43,6 +47,22 @@ class InterruptedBySignals {
   struct sigaction before_ = {};
   std::atomic<bool> done_ = false;
   std::thread interrupter_;
+};
+
+// While one lives, the process gets no descriptor beyond those that it has.
+class WithoutDescriptors {
+ public:
+  WithoutDescriptors() {
+    if (getrlimit(RLIMIT_NOFILE, &before_) != 0) throw std::runtime_error("getrlimit");
+    const rlimit none = {0, before_.rlim_max};
+    if (setrlimit(RLIMIT_NOFILE, &none) != 0) throw std::runtime_error("setrlimit");
+  }
+  ~WithoutDescriptors() { EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &before_), 0); }
+  WithoutDescriptors(const WithoutDescriptors&) = delete;
+  WithoutDescriptors& operator=(const WithoutDescriptors&) = delete;
+
+ private:
+  rlimit before_ = {};
 };
 
 #if defined(__linux__)  // where a system call can be made without the C library

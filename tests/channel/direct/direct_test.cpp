@@ -2,7 +2,6 @@
 #include <arpa/inet.h>
 #include <gmock/gmock.h>
 #include <netinet/in.h>
-#include <sys/resource.h>
 #include <sys/socket.h>
 
 #include <filesystem>
@@ -12,6 +11,7 @@
 #include "tests/channel/direct/phone_answers.h"
 #include "tests/support/eventually.h"
 #include "tests/support/file_content.h"
+#include "tests/support/odd_host.h"
 
 namespace darokleim::channel {
 namespace {
@@ -38,6 +38,14 @@ class DirectTest : public DirectChannelTest {
     }
     const PhoneServer server(features, serve(answer));
     EXPECT_EQ(RunAdb(args).status, 0);
+  }
+  // A phone with this status of the target, and what adb says of a file that is sent there.
+  void ExpectPushFails(const std::string& target, const std::string& status, const std::string& error) {
+    test::WriteFile(File("sent"), "content");
+    const PhoneServer server(kModern, Files({status}));
+    const Result result = RunAdb(" -s X push \"" + File("sent") + "\" \"" + target + "\"");
+    EXPECT_EQ(result.status, 1001);
+    EXPECT_EQ(result.output, "adb: error: " + error + "\n");
   }
 };
 
@@ -183,19 +191,12 @@ TEST_F(DirectTest, APulledFileThatVanishesCannotGetItsTime) {
 }
 
 TEST_F(DirectTest, APushToAFileThatIsNamedAsAFolderFails) {
-  test::WriteFile(File("sent"), "content");
-  const PhoneServer server(kModern, Files({Status2("STA2", 0, 0100644, 6)}));
-  const Result result = RunAdb(" -s X push \"" + File("sent") + "\" \"/a/\"");
-  EXPECT_EQ(result.status, 1001);
-  EXPECT_EQ(result.output, "adb: error: failed to access '/a/': Not a directory\n");
+  ExpectPushFails("/a/", Status2("STA2", 0, 0100644, 6), "failed to access '/a/': Not a directory");
 }
 
 TEST_F(DirectTest, AnErrorThatOnlyThePhoneKnowsIsOneOfInputAndOutput) {
-  test::WriteFile(File("sent"), "content");
-  const PhoneServer server(kModern, Files({Status2("STA2", 99, 0, 0)}));
-  const Result result = RunAdb(" -s X push \"" + File("sent") + "\" \"/a\"");
-  EXPECT_EQ(result.status, 1001);
-  EXPECT_EQ(result.output, "adb: error: stat failed when trying to push to /a: Input/output error\n");
+  ExpectPushFails("/a", Status2("STA2", 99, 0, 0),
+                  "stat failed when trying to push to /a: Input/output error");
 }
 
 #if defined(__linux__)  // where a regular file can be opened and not read
@@ -224,13 +225,8 @@ TEST_F(DirectTest, ASerialNumberThatIsTooLongForTheServerIsLeftToAdb) {
 TEST_F(DirectTest, WithoutADescriptorTheSystemHasRefused) {
   const PhoneServer server(kModern, nullptr);
   EXPECT_EQ(RunAdb(" devices").status, 0);  // the log is open now
-  rlimit usual;
-  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &usual), 0);
-  const rlimit used_up = {0, usual.rlim_max};
-  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &used_up), 0);
-  const int status = RunAdb(" devices").status;
-  setrlimit(RLIMIT_NOFILE, &usual);
-  EXPECT_EQ(status, 3006);
+  const test::WithoutDescriptors none;
+  EXPECT_EQ(RunAdb(" devices").status, 3006);
 }
 
 TEST_F(DirectTest, WhatMayHaveRunIsNotRunAgain) {

@@ -1,12 +1,12 @@
 #include "src/core/server_control.h"
 
-#include <sys/resource.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
 #include <string>
 
+#include "tests/support/odd_host.h"
 #include "tests/support/sleeper.h"
 #include "tests/unit/support/device_output.h"
 #include "tests/unit/support/listed_processes.h"
@@ -267,12 +267,10 @@ TEST_F(AdbProcessesTest, WithoutTheToolsNothingHappens) {
 TEST_F(AdbProcessesTest, APipeThatCannotBeOpenedIsLogged) {
   // Before the descriptors are gone: the undefined-behaviour sanitizer needs some when it first meets a type.
   ASSERT_THAT(SdkTest::Current().journal(), IsEmpty());
-  rlimit before;
-  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
-  const rlimit none = {0, before.rlim_max};
-  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
-  EXPECT_EQ(KillListenNetProcess(5037), 0);
-  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+  {
+    const WithoutDescriptors none;
+    EXPECT_EQ(KillListenNetProcess(5037), 0);
+  }
   EXPECT_THAT(journal(), ElementsAre(Error("KillListenNetProcess Pipe Create Failed. Error = " +
                                            std::to_string(EMFILE))));
 }
