@@ -1,6 +1,10 @@
 // dk_log_start, dk_log_stop, dk_log_clear: the phone's log, followed.
 #include <charconv>
+#include <cstdint>
+#include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "base/shell_quoting.h"
@@ -11,9 +15,20 @@
 namespace darokleim::client {
 namespace {
 
-// The phone's time first, in seconds: what is older than the start can be left out by it.
+// What the phone's clock shows, in seconds: by it, what was logged before can be left out.
+Result<std::int64_t> SecondOfPhone(dk_device* device, std::string_view what, const Limits& limits) {
+  constexpr std::size_t kMostOfNumber = 4096;
+  auto ran = CollectScript(device, "date +%s", what, limits, kMostOfNumber);
+  if (!ran.ok()) return ran.TakeError();
+  if (ran->exit_status != 0) return CommandFailed(what, *ran);
+  std::int64_t second = 0;
+  if (std::from_chars(ran->out.data(), ran->out.data() + ran->out.size(), second).ec != std::errc())
+    return Failed(DK_ANSWER_UNREADABLE, what, "the phone's clock shows no time");
+  return second;
+}
+
 std::string LogScript(const dk_log_options& options) {
-  std::string script = "date +%s; exec logcat -B";
+  std::string script = "exec logcat -B";
   if (options.stop_at_end) script += " -d";
   // With -T the phone goes on after them, with -t it ends.
   if (options.most_old > 0)
@@ -29,11 +44,11 @@ std::string LogScript(const dk_log_options& options) {
 
 struct dk_log : darokleim::client::Worker {
  public:
-  dk_log(darokleim::client::OpenedShell shell, const dk_log_options& options, dk_on_record on_record,
-         dk_on_log_end on_end, void* user)
+  dk_log(darokleim::client::OpenedShell shell, std::optional<std::int64_t> leave_out_before, bool stop_at_end,
+         dk_on_record on_record, dk_on_log_end on_end, void* user)
       : shell_(std::move(shell)),
-        leaves_out_(options.only_new),
-        stop_at_end_(options.stop_at_end),
+        leave_out_before_(leave_out_before),
+        stop_at_end_(stop_at_end),
         on_record_(on_record),
         on_end_(on_end),
         user_(user) {}
@@ -53,7 +68,7 @@ struct dk_log : darokleim::client::Worker {
     constexpr std::string_view kWhat = "follow the phone's log";
     bool readable = true;
     const auto receive = [&](std::string_view data) {
-      readable = Take(data);
+      readable = TakeRecords(data);
       return readable && !stopping();
     };
     auto status = client::FollowShell(&shell_, kWhat, receive, limits());
@@ -65,37 +80,20 @@ struct dk_log : darokleim::client::Worker {
     return error;
   }
 
-  bool Take(std::string_view data) {
-    if (!begun_) {
-      constexpr std::size_t kLongestTime = 32;
-      first_line_.append(data);
-      const std::size_t end = first_line_.find('\n');
-      if (end == std::string::npos) return first_line_.size() < kLongestTime;
-      std::from_chars(first_line_.data(), first_line_.data() + end, started_at_);
-      begun_ = true;
-      const std::string rest = first_line_.substr(end + 1);
-      return TakeRecords(rest);
-    }
-    return TakeRecords(data);
-  }
-
   bool TakeRecords(std::string_view data) {
     return records_.Read(data, [this](const dk_log_record& record) {
-      leaves_out_ = leaves_out_ && record.seconds < started_at_;
-      if (!stopping() && !leaves_out_) on_record_(user_, &record);
+      if (leave_out_before_ && record.seconds >= *leave_out_before_) leave_out_before_.reset();
+      if (!stopping() && !leave_out_before_) on_record_(user_, &record);
     });
   }
 
   darokleim::client::OpenedShell shell_;
-  bool
-      leaves_out_;  // records, until the first one of the start or later: the phone's clock may be set back after it
+  // Up to the first record of this second or later: the phone's clock may be set back after it.
+  std::optional<std::int64_t> leave_out_before_;
   const bool stop_at_end_;
   const dk_on_record on_record_;
   const dk_on_log_end on_end_;
   void* const user_;
-  bool begun_ = false;
-  std::string first_line_;
-  std::int64_t started_at_ = 0;
   darokleim::client::LogRecords records_;
 };
 
@@ -109,9 +107,16 @@ dk_code dk_log_start(dk_device* device, const dk_log_options* given, dk_on_recor
     if (device == nullptr || on_record == nullptr) return client::InvalidArgument("a null pointer");
     constexpr std::string_view kWhat = "follow the phone's log";
     const auto options = client::ReadOptions<dk_log_options>(given, DK_LOG_OPTIONS_INIT);
+    std::optional<std::int64_t> leave_out_before;
+    if (options.only_new) {
+      auto now = client::SecondOfPhone(device, kWhat, limits);
+      if (!now.ok()) return now.TakeError();
+      leave_out_before = *now;
+    }
     auto shell = client::OpenShell(device, client::LogScript(options), kWhat, limits);
     if (!shell.ok()) return shell.TakeError();
-    return client::StartFor(std::make_unique<dk_log>(*std::move(shell), options, on_record, on_end, user),
+    return client::StartFor(std::make_unique<dk_log>(*std::move(shell), leave_out_before, options.stop_at_end,
+                                                     on_record, on_end, user),
                             kWhat, log);
   });
 }

@@ -1479,7 +1479,8 @@ typedef void (*dk_on_record)(void* user, const dk_log_record* record);
 /// On the log's thread. Once, last: why the log ended. ::DK_OK: as asked (dk_log_stop(), stop_at_end); error is null then,
 /// and where memory ran out.
 typedef void (*dk_on_log_end)(void* user, dk_code code, const dk_error* error);
-/// Returns once the phone has taken the order; records come on a thread of the log.
+/// Returns once the phone has taken the order; records come on a thread of the log. None that is logged after it has returned is
+/// missed, also with `only_new`, which asks the phone for its time first.
 /// @param[in]  device    The device, which must outlive the log.
 /// @param[in]  options   May be null, which is #DK_LOG_OPTIONS_INIT. Copied.
 /// @param[in]  on_record Called for each record.

@@ -485,8 +485,8 @@ std::string RecordAt(std::uint32_t second) {
 }
 
 TEST(PhoneClock, MayBeSetBackWhileItsLogIsFollowed) {
-  const PrintingPhone phone("1000\n" + RecordAt(900) + RecordAt(999) + RecordAt(1000) + RecordAt(5) +
-                            RecordAt(2000) + RecordAt(6));
+  const PrintingPhone phone(
+      "1000\n", RecordAt(900) + RecordAt(999) + RecordAt(1000) + RecordAt(5) + RecordAt(2000) + RecordAt(6));
   struct Records {
     std::mutex mutex;
     std::vector<std::int64_t> seconds;
@@ -512,6 +512,21 @@ TEST(PhoneClock, MayBeSetBackWhileItsLogIsFollowed) {
   }));
   dk_log_stop(log);
   EXPECT_THAT(records.seconds, ElementsAre(1000, 5, 2000, 6));
+  // The time is that before the log began, so that nothing logged since is missed.
+  EXPECT_THAT(phone.services(), ElementsAre(HasSubstr("date +%s"), HasSubstr("logcat -B")));
+}
+
+TEST(PhoneClock, ThatShowsNoTimeStartsNoLogOfWhatIsNew) {
+  for (const std::string text : {"", "date: bad +%s\n"}) {
+    const PrintingPhone phone(text);
+    const auto ignore = [](void*, const dk_log_record*) {};
+    dk_log_options options = DK_LOG_OPTIONS_INIT;
+    dk_log* log = nullptr;
+    options.only_new = true;
+    EXPECT_EQ(dk_log_start(phone.device(), &options, ignore, nullptr, nullptr, &log, nullptr),
+              DK_ANSWER_UNREADABLE);
+    EXPECT_EQ(log, nullptr);
+  }
 }
 
 // --- Numbers of files

@@ -37,7 +37,7 @@ class RestlessServer {
         return;
       }
       if (request.rfind("shell,v2", 0) == 0) {
-        const std::string output = "100\n" + LogRecord("Tag", "one"), more = LogRecord("Tag", "more");
+        const std::string output = LogRecord("Tag", "one"), more = LogRecord("Tag", "more");
         test::WriteBytes(connection, "OKAY\1" + Number32(static_cast<std::uint32_t>(output.size())) + output);
         const std::string packet = '\1' + Number32(static_cast<std::uint32_t>(more.size())) + more;
         while (test::WriteBytes(connection, packet)) {

@@ -250,7 +250,7 @@ SpoiltPhone::Printed SpoiltPhone::Print(const std::string& script) {
       {"pm clear", "Success\n"},
       {"readlink", "/sdcard/file\n"},
       {"dd if=", kFile},
-      {"logcat -B", "100\n" + LogRecord("Tag", "one") + LogRecord("Tag", "two")},
+      {"logcat -B", LogRecord("Tag", "one") + LogRecord("Tag", "two")},
       {"hello", "hello\n"},
   };
   if (script.find("mv -f ") != std::string::npos) CheckMove(script);
