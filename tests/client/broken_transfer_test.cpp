@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "base/little_endian.h"
 #include "tests/client/calls.h"
 #include "tests/support/file_content.h"
 #include "tests/support/scripted_server.h"
@@ -35,16 +36,15 @@ class AbruptPhone {
 
   dk_device* device() const { return client_.device(); }
   int ended_connections() const { return ended_; }
+  // The next time that files get their names, too, without a word about which have.
+  void EndAtNextNaming() { ends_at_naming_ = true; }
   std::map<std::string, std::string> files() const {
     const std::lock_guard lock(mutex_);
     return files_;
   }
 
  private:
-  static std::uint32_t Length(const std::string& header) {
-    return static_cast<unsigned char>(header[4]) |
-           static_cast<std::uint32_t>(static_cast<unsigned char>(header[5])) << 8;
-  }
+  static std::uint32_t Length(const std::string& header) { return base::GetLe32(header.data() + 4); }
   static std::string Status(const std::string& id, const std::string& path) {
     const bool is_folder = path == "/sdcard";
     const bool is_there = is_folder || path.find("new") == std::string::npos;
@@ -58,6 +58,8 @@ class AbruptPhone {
   void Serve(const std::string& service, int connection) {
     WriteBytes(connection, "OKAY");
     if (service != "sync:") {
+      const bool is_naming = service.find("mv ") != std::string::npos;
+      if (is_naming && ends_at_naming_.exchange(false)) return;
       WriteBytes(connection, "\3" + Number32(1) + '\0');
       return;
     }
@@ -101,6 +103,7 @@ class AbruptPhone {
   mutable std::mutex mutex_;
   std::map<std::string, std::string> files_;
   std::atomic<int> ended_{0};
+  std::atomic<bool> ends_at_naming_{false};
   const test::ScriptedPhone phone_;
   const Client client_;
 };
@@ -135,7 +138,7 @@ class BrokenTransfers : public testing::Test {
     EXPECT_EQ(phone_.ended_connections(), 2);
   }
 
-  const AbruptPhone phone_;
+  AbruptPhone phone_;
   const test::TemporaryDirectory directory_;
   std::vector<dk_code> errors_;
   std::vector<std::string> paths_;
@@ -159,6 +162,17 @@ TEST_F(BrokenTransfers, FetchEveryFileButTheOneThatIsRefused) {
     if (std::to_string(i) == kBad) continue;
     EXPECT_EQ(test::ReadFile(file), "content") << i;
   }
+}
+
+// Names are given while the next files are sent.
+TEST_F(BrokenTransfers, SayThatNamesMayBeMissingThoughAllThatFollowsIsWell) {
+  test::WriteFile(directory_.File("first"), "content");
+  test::WriteFile(directory_.File("large"), std::string(2 << 20, 'x'));
+  const std::string first = directory_.File("first"), large = directory_.File("large");
+  const dk_item items[] = {{first.c_str(), "/sdcard/new/first"}, {large.c_str(), "/sdcard/new/large"}};
+  phone_.EndAtNextNaming();
+  EXPECT_EQ(dk_push(phone_.device(), items, 2, nullptr, nullptr, nullptr), DK_CONNECTION_LOST);
+  EXPECT_EQ(phone_.files().size(), 2U);
 }
 
 }  // namespace

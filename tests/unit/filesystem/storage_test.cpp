@@ -245,7 +245,7 @@ TEST_F(VolumeSearchTest, TheCardAlone) {
 }
 
 TEST_F(VolumeSearchTest, NothingFoundIsNullOrEmpty) {
-  for (const char* listing : {"", "\n", "total 0\n"}) {
+  for (const char* listing : {"", "\n", "total 0\n", "d sdcard_all 1234-5678\n"}) {
     channel.Expect(kListStorage).Prints(listing);
     EXPECT_EQ(Found(AdbSearchSDCardPath), "null");
     channel.Expect(kListStorage).Prints(listing);
