@@ -210,6 +210,7 @@ TEST_F(SyncConnectionTest, WhatDoesNotFit) {
   ASSERT_TRUE(sync_->BeginSend("/f", 0100644, Within(5000)).ok());
   EXPECT_EQ(CodeOf(sync_->BeginSend("/g", 0100644, Within(5000))), ErrorCode::kMisuse);
   EXPECT_EQ(CodeOf(sync_->RequestList("/")), ErrorCode::kMisuse);
+  EXPECT_EQ(CodeOf(sync_->ReadList(AnyEntry, Within(100))), ErrorCode::kMisuse);
   EXPECT_EQ(CodeOf(sync_->AwaitSends(0, Within(5000))), ErrorCode::kMisuse);
   EXPECT_FALSE(sync_->IsIdle());
 }

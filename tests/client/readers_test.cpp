@@ -219,9 +219,24 @@ TEST(Facts, AreReadFromWhatPhonesPrint) {
   EXPECT_EQ(ReadScreen("Physical size: 1080x2340\nOverride size: 720x1560\nPhysical density: 440\n")->width,
             720);
   EXPECT_EQ(ReadScreen("Physical size: x\n"), std::nullopt);
-  EXPECT_EQ(ReadBattery("  level: 43\n  scale: 50\n  USB powered: true\n  temperature: 281\n")->level, 86);
+  const dk_screen screen = *ReadScreen("Physical size: 5x7\nPhysical density: 440\nOverride density: 400\n");
+  EXPECT_EQ(screen.height, 7);
+  EXPECT_EQ(screen.density, 400);
+  const dk_battery battery =
+      *ReadBattery("  level: 43\n  scale: 50\n  USB powered: true\n  voltage: 4123\n  temperature: 281\n");
+  EXPECT_EQ(battery.level, 86);
+  EXPECT_TRUE(battery.charging);
+  EXPECT_EQ(battery.voltage_mv, 4123);
+  EXPECT_EQ(battery.temperature, 28.1);
+  for (const std::string source : {"AC", "Wireless", "Dock"}) {
+    EXPECT_TRUE(ReadBattery("level: 5\nUSB powered: false\n" + source + " powered: true\n")->charging);
+    EXPECT_FALSE(ReadBattery("level: 5\n" + source + " powered: false\n")->charging);
+  }
   EXPECT_EQ(ReadBattery("nothing"), std::nullopt);
-  EXPECT_EQ(ReadMemory("MemTotal: 2000 kB\nMemFree: 10 kB\nCached: 20 kB\n")->available, 30U * 1024);
+  const dk_memory memory = *ReadMemory("MemTotal: 2000 kB\nMemFree: 10 kB\nCached: 20 kB\n");
+  EXPECT_EQ(memory.total, 2000U * 1024);
+  EXPECT_EQ(memory.available, 30U * 1024);
+  EXPECT_EQ(ReadMemory("MemTotal: 20 kB\nMemFree: 1 kB\nMemAvailable: 7 kB\n")->available, 7U * 1024);
   EXPECT_EQ(ReadRoundedSize("1.5K"), 1536U);
   EXPECT_EQ(ReadRoundedSize("12Q"), std::nullopt);
   EXPECT_EQ(ReadRoundedSize("99999999999999999999T"), std::nullopt);
@@ -234,7 +249,8 @@ TEST(Facts, HaveNoNumbersThatCannotBe) {
   EXPECT_EQ(ReadBattery("level: 99999999999\n"), std::nullopt);
   EXPECT_EQ(ReadMemory("MemTotal: 18446744073709551615 kB\n"), std::nullopt);
   EXPECT_EQ(ReadScreen("Physical size: 2147483648x5\n"), std::nullopt);
-  EXPECT_EQ(ReadScreen("Physical size: -5x-5\n"), std::nullopt);
+  for (const char* size : {"-5x-5", "0x5", "5x0"})
+    EXPECT_EQ(ReadScreen(std::string("Physical size: ") + size + "\n"), std::nullopt) << size;
   for (const char* blocks :
        {"1000000000000000 1000000000000000 0 0", "1000000000000000 1 0 1000000000000000"})
     EXPECT_FALSE(ReadVolumes(std::string("V /a\nS ") + blocks + "\n").front().known) << blocks;
