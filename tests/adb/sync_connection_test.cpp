@@ -266,6 +266,15 @@ TEST_F(SyncConnectionTest, AnAnswerBeforeTheEndOfAFileIsNone) {
   EXPECT_EQ(CodeOf(sync_->SendData(std::string(100'000, 'x'), Within(5000))), ErrorCode::kProtocolFault);
 }
 
+TEST_F(SyncConnectionTest, AnAnswerToAFileThatIsMissing) {
+  ASSERT_TRUE(sync_->BeginSend("/f", 0100644, Within(5000)).ok());
+  ASSERT_TRUE(sync_->EndSend(1, Within(5000)).ok());
+  ASSERT_EQ(shutdown(far(), SHUT_WR), 0);
+  const Status status = sync_->AwaitSends(0, Within(5000));
+  EXPECT_EQ(CodeOf(status), ErrorCode::kConnectionBroken);
+  EXPECT_EQ(status.ok() ? "" : status.error().message, "expected OKAY or FAIL to a file");
+}
+
 TEST_F(SyncConnectionTest, NothingFollowsAMessageThatIsCutOff) {
   ASSERT_TRUE(sync_->BeginSend("/f", 0100644, Within(5000)).ok());
   EXPECT_EQ(CodeOf(sync_->SendData(std::string(4'000'000, 'x'), Within(20))), ErrorCode::kTimedOut);

@@ -11,6 +11,7 @@
 
 #include "base/little_endian.h"
 #include "tests/client/calls.h"
+#include "tests/support/eventually.h"
 #include "tests/support/file_content.h"
 #include "tests/support/scripted_server.h"
 #include "tests/support/temporary_directory.h"
@@ -38,6 +39,11 @@ class AbruptPhone {
   int ended_connections() const { return ended_; }
   // The next time that files get their names, too, without a word about which have.
   void EndAtNextNaming() { ends_at_naming_ = true; }
+  // Or it does not end by itself.
+  void HangInNaming() { hangs_in_naming_ = true; }
+  bool is_naming() const { return is_naming_; }
+  // Whether files still got names when their temporary folders were removed.
+  bool removed_while_naming() const { return removed_while_naming_; }
   std::map<std::string, std::string> files() const {
     const std::lock_guard lock(mutex_);
     return files_;
@@ -60,6 +66,14 @@ class AbruptPhone {
     if (service != "sync:") {
       const bool is_naming = service.find("mv ") != std::string::npos;
       if (is_naming && ends_at_naming_.exchange(false)) return;
+      if (is_naming && hangs_in_naming_) {
+        is_naming_ = true;
+        test::WaitUntilClosed(connection);
+        is_naming_ = false;
+        return;
+      }
+      if (service.find("rm -rf ") != std::string::npos && !test::Eventually([&] { return !is_naming_; }))
+        removed_while_naming_ = true;
       WriteBytes(connection, "\3" + Number32(1) + '\0');
       return;
     }
@@ -103,7 +117,8 @@ class AbruptPhone {
   mutable std::mutex mutex_;
   std::map<std::string, std::string> files_;
   std::atomic<int> ended_{0};
-  std::atomic<bool> ends_at_naming_{false};
+  std::atomic<bool> ends_at_naming_{false}, hangs_in_naming_{false};
+  std::atomic<bool> is_naming_{false}, removed_while_naming_{false};
   const test::ScriptedPhone phone_;
   const Client client_;
 };
@@ -164,15 +179,35 @@ TEST_F(BrokenTransfers, FetchEveryFileButTheOneThatIsRefused) {
   }
 }
 
-// Names are given while the next files are sent.
-TEST_F(BrokenTransfers, SayThatNamesMayBeMissingThoughAllThatFollowsIsWell) {
-  test::WriteFile(directory_.File("first"), "content");
-  test::WriteFile(directory_.File("large"), std::string(2 << 20, 'x'));
-  const std::string first = directory_.File("first"), large = directory_.File("large");
-  const dk_item items[] = {{first.c_str(), "/sdcard/new/first"}, {large.c_str(), "/sdcard/new/large"}};
+// Of a small file and a large one: the first gets its name while the second is sent.
+class BrokenNamings : public BrokenTransfers {
+ protected:
+  dk_code Push(const dk_transfer_options* options) {
+    test::WriteFile(directory_.File("small"), "content");
+    test::WriteFile(directory_.File("large"), std::string(2 << 20, 'x'));
+    const std::string small = directory_.File("small"), large = directory_.File("large");
+    const dk_item items[] = {{small.c_str(), "/sdcard/new/small"}, {large.c_str(), "/sdcard/new/large"}};
+    return dk_push(phone_.device(), items, 2, options, nullptr, nullptr);
+  }
+};
+
+TEST_F(BrokenNamings, AreReportedThoughAllThatFollowsIsWell) {
   phone_.EndAtNextNaming();
-  EXPECT_EQ(dk_push(phone_.device(), items, 2, nullptr, nullptr, nullptr), DK_CONNECTION_LOST);
+  EXPECT_EQ(Push(nullptr), DK_CONNECTION_LOST);
   EXPECT_EQ(phone_.files().size(), 2U);
+}
+
+TEST_F(BrokenNamings, AreEndedBeforeWhatHasNoNameIsRemoved) {
+  phone_.HangInNaming();
+  dk_transfer_options options = DK_TRANSFER_OPTIONS_INIT;
+  options.user = &phone_;
+  options.on_progress = [](void* user, const dk_progress* progress) {
+    const auto& phone = *static_cast<const AbruptPhone*>(user);
+    return progress->files_done == 0 || !test::Eventually([&] { return phone.is_naming(); });
+  };
+  EXPECT_EQ(Push(&options), DK_STOPPED);
+  EXPECT_FALSE(phone_.is_naming());
+  EXPECT_FALSE(phone_.removed_while_naming());
 }
 
 }  // namespace

@@ -13,7 +13,7 @@
 namespace darokleim::client_test {
 namespace {
 
-// Refuses every service but the shell, which prints the level of its interfaces, as getprop does.
+// Refuses every service but the shell, which prints the level of its interfaces to those that ask for it.
 class PhoneOfLevel {
  public:
   PhoneOfLevel(std::string features, int level)
@@ -27,7 +27,8 @@ class PhoneOfLevel {
  private:
   void Serve(const std::string& service, int connection) const {
     const bool has_exec = level_ >= 21;
-    const std::string printed = std::to_string(level_) + (has_exec ? "\n" : "\r\n");
+    const bool asks = service.find("getprop ro.build.version.sdk") != std::string::npos;
+    const std::string printed = (asks ? std::to_string(level_) : "") + (has_exec ? "\n" : "\r\n");
     if (service.rfind("shell,v2", 0) == 0) {
       const auto size = static_cast<std::uint32_t>(printed.size());
       test::WriteBytes(connection,
