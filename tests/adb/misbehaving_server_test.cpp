@@ -6,6 +6,8 @@
 
 #include <chrono>
 #include <filesystem>
+#include <map>
+#include <string>
 #include <thread>
 
 #include "adb/cancel_token.h"
@@ -54,6 +56,48 @@ TEST_P(MisbehavingServerTest, AnAnswerCutAnywhereIsABrokenConnection) {
     EXPECT_EQ(status.error().code, ErrorCode::kConnectionBroken) << cut << ": " << Shown(status);
     EXPECT_EQ(status.error().message.rfind("expected ", 0), 0u) << cut << ": " << Shown(status);
   }
+}
+
+// What an answer lacks that has all but its last byte.
+const std::map<std::string, std::string> kLacking = {
+    {"Version", "the whole text of the answer to host:version"},
+    {"Devices", "the whole text of the answer to host:devices"},
+    {"DevicesLong", "the length of the answer to host:devices-l"},
+    {"Features", "the whole text of the answer to host-serial:X:features"},
+    {"State", "the whole text of the answer to host-serial:X:get-state"},
+    {"Connect", "the whole text of the answer to host:connect:10.0.0.1:5555"},
+    {"Disconnect", "the whole text of the answer to host:disconnect:"},
+    {"Pair", "the whole text of the answer to host:pair:123456:10.0.0.1:40000"},
+    {"ReconnectFromServer", "the whole text of the answer to host-serial:X:reconnect"},
+    {"ReconnectOffline", "the whole text of the answer to host:reconnect-offline"},
+    {"Forwards", "the whole text of the answer to host:list-forward"},
+    {"WaitForState", "OKAY or FAIL of the answer to host-serial:X:wait-for-any-device"},
+    {"WaitForStateOverNetwork", "OKAY or FAIL of the answer to host-serial:X:wait-for-local-offline"},
+    {"TrackDevices", "the whole text of the answer to track-devices"},
+    {"RemoveForward", "OKAY or FAIL of the answer to killforward"},
+    {"RemoveAllForwards", "OKAY or FAIL of the answer to killforward-all"},
+    {"Forward", "the whole text of the answer to forward"},
+    {"Reverse", "the whole text of the answer to reverse"},
+    {"RemoveReverse", "OKAY or FAIL of the answer to killforward"},
+    {"RemoveAllReverses", "OKAY or FAIL of the answer to killforward-all"},
+    {"Reverses", "the whole text of the answer to list-forward"},
+    {"ShellV2", "the shell's exit status"},
+    {"Stat1", "the status of a file"},
+    {"List1", "an entry or the end of a list"},
+    {"Content1", "the data or the end of a file"},
+    {"Send1", "OKAY or FAIL to a file"},
+    {"Stat2", "the status of a file"},
+    {"List2", "an entry or the end of a list"},
+    {"Content2", "the data or the end of a file"},
+    {"Send2", "OKAY or FAIL to a file"},
+    {"StatTarget2", "the status of a file"},
+};
+
+TEST_P(MisbehavingServerTest, AnAnswerWithoutItsEndSaysWhatIsMissing) {
+  const ScriptedServer server(GetParam().conversation, {.cut_after = ReplyBytes(GetParam()) - 1});
+  const Status status = GetParam().call(server.address(), Within(5000));
+  ASSERT_FALSE(status.ok());
+  EXPECT_EQ(status.error().message, "expected " + kLacking.at(GetParam().name));
 }
 
 TEST_P(MisbehavingServerTest, SilenceEndsAtTheDeadline) {
