@@ -58,6 +58,7 @@ TEST_F(Refused, ANullDeviceOrContext) {
   dk_screen screen;
   dk_memory memory;
   dk_log* log;
+  dk_shell* shell;
   dk_watch* watch;
   dk_device* opened;
   int number = 0;
@@ -66,6 +67,7 @@ TEST_F(Refused, ANullDeviceOrContext) {
   const auto on_property = [](void*, const char*, const char*) { return true; };
   const auto on_volume = [](void*, const dk_volume*) { return true; };
   const auto on_record = [](void*, const dk_log_record*) {};
+  const auto on_output = [](void*, dk_stream, const char*, size_t) {};
   const auto on_change = [](void*, dk_change, const dk_device_info*) {};
   const NullCall calls[] = {
       {"version", dk_server_version(nullptr, &number, nullptr)},
@@ -94,6 +96,10 @@ TEST_F(Refused, ANullDeviceOrContext) {
       {"write", dk_write(nullptr, "/a", 0644, 0, true, NoMore, nullptr, nullptr)},
       {"run", dk_run(nullptr, words, 1, nullptr, nullptr, nullptr)},
       {"run_script", dk_run_script(nullptr, "ls", nullptr, nullptr, nullptr)},
+      {"shell", dk_shell_start(nullptr, nullptr, on_output, nullptr, nullptr, &shell, nullptr)},
+      {"shell_write", dk_shell_write(nullptr, "a", 1, nullptr)},
+      {"shell_close_input", dk_shell_close_input(nullptr, nullptr)},
+      {"shell_resize", dk_shell_resize(nullptr, 25, 80, nullptr)},
       {"apps", dk_apps(nullptr, DK_ALL_APPS, false, on_app, nullptr, nullptr)},
       {"app_get", dk_app_get(nullptr, "a.b", &app, nullptr)},
       {"install", dk_app_install(nullptr, words, 1, nullptr, nullptr)},
