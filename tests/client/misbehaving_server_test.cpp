@@ -216,6 +216,8 @@ TEST_P(ClientCallsTest, SayWhatKeepsThePhoneFromAnswering) {
       {"device still authorizing", DK_DEVICE_UNAUTHORIZED},
       {"more than one device/emulator", DK_SEVERAL_DEVICES},
       {"insufficient permissions for device", DK_DEVICE_NO_PERMISSIONS},
+      {"no permissions (missing udev rules?)", DK_DEVICE_NO_PERMISSIONS},
+      {"no permission of another kind", DK_SERVER_REFUSED},
       {"something new", DK_SERVER_REFUSED}};
   for (const auto& [words, code] : refusals) {
     Spoiling spoiling;

@@ -112,6 +112,7 @@ TEST_F(ShellSessions, CarryInputAndBothStreamsAndTheEnd) {
     WriteBytes(connection, ShellPacket(1, seen) + ShellPacket(2, "errors") + ShellPacket(3, "\7"));
   });
   dk::Shell shell = Start({"cat"}).value();
+  EXPECT_TRUE(shell.write(std::string_view())) << "nothing, at a null pointer";
   EXPECT_TRUE(shell.write("one"));
   EXPECT_TRUE(test::Eventually([&] { return phone().services().size() == 1; }));
   EXPECT_TRUE(shell.close_input());
