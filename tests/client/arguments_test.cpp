@@ -1,5 +1,6 @@
 // What calls refuse before anyone is asked: there is no server here, which each of them would say otherwise.
 #include <gmock/gmock.h>
+#include <signal.h>
 #include <sys/stat.h>
 
 #include <chrono>
@@ -314,6 +315,19 @@ TEST_F(StartedServer, IsWaitedForUntilTheDeadlineOfEachCall) {
   EXPECT_LT(Clock::now() - began, milliseconds(1200));
   first.join();
   dk_context_free(context);
+}
+
+TEST_F(StartedServer, IsWaitedForWhereTheSystemReapsChildren) {
+  const auto usual = signal(SIGCHLD, SIG_IGN);
+  dk_context* const failing = ContextWith(Program("exit 1"));
+  EXPECT_EQ(Version(failing, 20'000), DK_NO_SERVER);
+  dk_context_free(failing);
+  dk_context* const silent = ContextWith(Program("exec sleep 600"));
+  const auto began = Clock::now();
+  EXPECT_EQ(Version(silent, 100), DK_TIMED_OUT);
+  EXPECT_LT(Clock::now() - began, milliseconds(10'000));
+  dk_context_free(silent);
+  signal(SIGCHLD, usual);
 }
 
 }  // namespace

@@ -168,6 +168,16 @@ TEST_F(BrokenTransfers, SendEveryFileButTheOneThatIsRefused) {
   for (const auto& [name, content] : files) EXPECT_EQ(content, "content") << name;
 }
 
+TEST_F(BrokenTransfers, EndAtTheFileThatIsRefusedUnlessTheyKeepGoing) {
+  test::WriteFile(directory_.File(kBad), "content");
+  test::WriteFile(directory_.File("other"), "content");
+  const std::string bad = directory_.File(kBad), other = directory_.File("other");
+  const dk_item items[] = {
+      {bad.c_str(), "/sdcard/new/7"}, {other.c_str(), "/sdcard/new/a"}, {other.c_str(), "/sdcard/new/b"}};
+  EXPECT_EQ(dk_push(phone_.device(), items, 3, nullptr, nullptr, nullptr), DK_ACCESS_DENIED);
+  EXPECT_EQ(phone_.ended_connections(), 2);
+}
+
 TEST_F(BrokenTransfers, FetchEveryFileButTheOneThatIsRefused) {
   Transfer(dk_pull, "/sdcard/", directory_.path().native() + "/");
   EXPECT_EQ(paths_, std::vector<std::string>{"/sdcard/7"});
