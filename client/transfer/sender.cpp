@@ -84,7 +84,9 @@ Status Sender::CommitIfMuch() {
 Status Sender::Commit() {
   bytes_staged_ = 0;
   has_committed_ = true;
-  return staging_.Commit(limits_, ReportFailure());
+  Status committed = staging_.Commit(limits_, ReportFailure());
+  tally_->Named(staging_.named());
+  return committed;
 }
 
 Status Sender::Finish() {
@@ -92,7 +94,9 @@ Status Sender::Finish() {
     if (Status sent = SendUnderWay(); !sent.ok()) return sent;
     if (Status status = Await(0); !status.ok()) return status;
   } while (!under_way_.empty());
-  return staging_.Finish(limits_, ReportFailure());
+  Status finished = staging_.Finish(limits_, ReportFailure());
+  tally_->Named(staging_.named());
+  return finished;
 }
 
 Staging::Fail Sender::ReportFailure() {
@@ -200,7 +204,7 @@ void Sender::TakeWhole() {
     const File& file = under_way_.front();
     staging_.Whole(file.folder, file.name);
     bytes_staged_ += file.host.size;
-    tally_->Done();
+    tally_->Whole();
     under_way_.pop_front();
     --sent_;
   }

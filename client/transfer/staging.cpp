@@ -186,6 +186,7 @@ Status Staging::Settle(const Limits& limits, const Fail& failed) {
   if (!moved.ok()) return moved.TakeError();
   if (moved->exit_status == 0) {
     left_overs_ += moved->out;
+    for (const Part& part : moving_.parts) named_ += part.names.size();
   } else {
     if (Status explained = Explain(moving_, limits, failed); !explained.ok()) return explained;
   }
@@ -194,28 +195,30 @@ Status Staging::Settle(const Limits& limits, const Fail& failed) {
 }
 
 Status Staging::Explain(const Batch& batch, const Limits& limits, const Fail& failed) {
+  Status wanted;  // to go on; what is named is counted in any case
+  const auto fail = [&](Error error) {
+    if (wanted.ok()) wanted = failed(std::move(error));
+  };
   if (!batch.folders_to_make.empty()) {
     std::string script = "mkdir -p";
     AppendWords(&script, batch.folders_to_make);
     auto made = CollectScript(device_, script, "make folders", limits);
     if (!made.ok()) return made.TakeError();
-    if (made->exit_status != 0) {
-      if (Status status = failed(FromProgram(*made, "make a folder", "")); !status.ok()) return status;
-    }
+    if (made->exit_status != 0) fail(FromProgram(*made, "make a folder", ""));
   }
   for (const Part& part : batch.parts) {
-    if (Status status = ExplainPart(part, limits, failed); !status.ok()) return status;
+    if (Status status = ExplainPart(part, limits, fail); !status.ok()) return status;
   }
-  return {};
+  return wanted;
 }
 
 // Once more, for the words about this folder alone.
-Status Staging::ExplainPart(const Part& part, const Limits& limits, const Fail& failed) {
+Status Staging::ExplainPart(const Part& part, const Limits& limits,
+                            const std::function<void(Error)>& failed) {
   Part left = part;
   auto names = LeftOf(left, limits);
   if (!names.ok()) return names.TakeError();
   left.names = *std::move(names);
-  Status status;
   if (!left.names.empty()) {
     auto moved = CollectScript(device_, MoveScript(left.temporary.path, left.names), kNamingFiles, limits);
     if (!moved.ok()) return moved.TakeError();
@@ -223,16 +226,17 @@ Status Staging::ExplainPart(const Part& part, const Limits& limits, const Fail& 
     if (!names.ok()) return names.TakeError();
     for (const std::string& name : *names) {
       const std::string path = Joined(part.folder, name);
-      if (status.ok()) status = failed(FromProgram(*moved, "send " + Shown(path), path));
+      failed(FromProgram(*moved, "send " + Shown(path), path));
     }
     left.names = *std::move(names);
   }
-  if (left.names.empty() && !part.is_last) return status;
+  named_ += part.names.size() - left.names.size();
+  if (left.names.empty() && !part.is_last) return {};
   std::string script = "cd " + base::QuoteForShell(part.temporary.path) + " && rm -f";
   for (const std::string& name : left.names) script += " ./" + base::QuoteForShell(name);
   if (part.is_last) script = "rm -rf " + base::QuoteForShell(part.temporary.path);
   auto removed = CollectScript(device_, script, kNamingFiles, limits);
-  return removed.ok() ? status : removed.TakeError();
+  return removed.ok() ? Status() : removed.TakeError();
 }
 
 Result<std::vector<std::string>> Staging::LeftOf(const Part& part, const Limits& limits) {

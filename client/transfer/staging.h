@@ -5,6 +5,7 @@
 #ifndef DAROKLEIM_CLIENT_TRANSFER_STAGING_H
 #define DAROKLEIM_CLIENT_TRANSFER_STAGING_H
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -38,6 +39,8 @@ class Staging {
 
   // Whole files that are not being moved yet, and folders that are to be made.
   std::size_t waiting() const { return waiting_ + folders_to_make_.size(); }
+  // Files that are known to have their names.
+  std::uint64_t named() const { return named_; }
 
   // Begins to move every whole file to its name, after the batch before. `failed` gets the path of each that could not be moved,
   // and the phone's words; not OK from it ends the rest.
@@ -76,7 +79,7 @@ class Staging {
   Status Settle(const Limits& limits, const Fail& failed);
   // What of the batch failed, and why.
   Status Explain(const Batch& batch, const Limits& limits, const Fail& failed);
-  Status ExplainPart(const Part& part, const Limits& limits, const Fail& failed);
+  Status ExplainPart(const Part& part, const Limits& limits, const std::function<void(Error)>& failed);
   // Those of the names that are still in the temporary folder.
   Result<std::vector<std::string>> LeftOf(const Part& part, const Limits& limits);
 
@@ -85,6 +88,7 @@ class Staging {
   std::map<std::string, Folder> folders_;
   std::vector<std::string> folders_to_make_;
   std::size_t waiting_ = 0;
+  std::uint64_t named_ = 0;
   Batch moving_;  // by the script
   std::optional<RunningScript> script_;
   std::string left_overs_;  // a line each

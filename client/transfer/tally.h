@@ -26,7 +26,9 @@ class Tally {
 
   std::uint64_t expected_bytes() const { return progress_.bytes_total; }
   std::uint64_t files_left() const {
-    return progress_.files_total - progress_.files_done - summary_.files_failed;
+    const std::uint64_t ended =
+        progress_.files_done + summary_.files_failed;  // some count in both: see Whole()
+    return progress_.files_total > ended ? progress_.files_total - ended : 0;
   }
   std::uint64_t bytes_done() const { return progress_.bytes_done; }
 
@@ -38,7 +40,12 @@ class Tally {
   // The same bytes once more: they are sent, and no progress.
   void SentAgain(std::uint64_t bytes) { summary_.bytes_sent += bytes; }
 
+  // A file is whole, and under its name.
   void Done() { ++progress_.files_done, ++summary_.files_sent; }
+  // A file is whole, and may still fail: it gets its name later.
+  void Whole() { ++progress_.files_done; }
+  // So many of these have their names by now.
+  void Named(std::uint64_t files) { summary_.files_sent = files; }
   void Skipped(std::uint64_t size);
   // A file's error: the caller is told, and whether the rest goes on is its choice. Errors that the rest would have, too
   // (the phone is gone, cancelled, out of time), end the transfer.

@@ -810,7 +810,7 @@ typedef struct dk_progress {
 
 /// What a transfer came to. Folders are not counted.
 typedef struct dk_summary {
-  uint64_t files_sent;     ///< whole, under their names
+  uint64_t files_sent;     ///< whole, under their names; after a failure, as far as is known
   uint64_t files_skipped;  ///< as dk_existing says
   uint64_t files_failed;   ///< each was reported
   uint64_t bytes_sent;     ///< really sent, parts of failed files included

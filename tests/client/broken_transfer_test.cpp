@@ -197,14 +197,17 @@ class BrokenNamings : public BrokenTransfers {
     test::WriteFile(directory_.File("large"), std::string(2 << 20, 'x'));
     const std::string small = directory_.File("small"), large = directory_.File("large");
     const dk_item items[] = {{small.c_str(), "/sdcard/new/small"}, {large.c_str(), "/sdcard/new/large"}};
-    return dk_push(phone_.device(), items, 2, options, nullptr, nullptr);
+    return dk_push(phone_.device(), items, 2, options, &summary_, nullptr);
   }
+
+  dk_summary summary_ = {};
 };
 
 TEST_F(BrokenNamings, AreReportedThoughAllThatFollowsIsWell) {
   phone_.EndAtNextNaming();
   EXPECT_EQ(Push(nullptr), DK_CONNECTION_LOST);
   EXPECT_EQ(phone_.files().size(), 2U);
+  EXPECT_EQ(summary_.files_sent, 0U) << "of which it is known that they have their names";
 }
 
 TEST_F(BrokenNamings, AreEndedBeforeWhatHasNoNameIsRemoved) {
@@ -218,6 +221,7 @@ TEST_F(BrokenNamings, AreEndedBeforeWhatHasNoNameIsRemoved) {
   EXPECT_EQ(Push(&options), DK_STOPPED);
   EXPECT_FALSE(phone_.is_naming());
   EXPECT_FALSE(phone_.removed_while_naming());
+  EXPECT_EQ(summary_.files_sent, 0U);
 }
 
 }  // namespace

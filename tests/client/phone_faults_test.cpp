@@ -105,6 +105,42 @@ TEST_P(ClientFaults, ThePhoneIsUnpluggedInMidTransfer) {
   EXPECT_EQ(Shell("stat -c %s /sdcard/file"), "67108864\n");
 }
 
+TEST_P(ClientFaults, AFolderMadeMeanwhileInPlaceOfAFileIsTheOnlyFailure) {
+  std::vector<dk_item> items;
+  const std::string sources[] = {Host("a"), Host("b"), Host("c")};
+  std::string targets[] = {"/sdcard/t/a", "/sdcard/t/b", "/sdcard/t/c"};
+  for (int i = 0; i < 3; ++i) {
+    WriteFile(sources[i], "content");
+    items.push_back({sources[i].c_str(), targets[i].c_str()});
+  }
+  struct Failures : Begun {
+    std::vector<std::string> paths;
+  } failures;
+  failures.action = [this] { Shell("mkdir -p /sdcard/t/b/folder"); };
+  dk_transfer_options options = WhenItHasBegun(&failures);
+  options.keep_going = true;
+  options.on_error = [](void* user, const dk_error* error) {
+    static_cast<Failures*>(static_cast<Begun*>(user))->paths.emplace_back(dk_error_path(error));
+    return true;
+  };
+  dk_summary summary;
+  EXPECT_EQ(dk_push(phone().get(), items.data(), items.size(), &options, &summary, nullptr), DK_PARTLY_DONE);
+  EXPECT_EQ(summary.files_sent, 2U);
+  EXPECT_EQ(summary.files_failed, 1U);
+  EXPECT_EQ(failures.paths, std::vector<std::string>{"/sdcard/t/b"});
+  EXPECT_EQ(Shell("cd /sdcard/t; ls -a | grep darokleim; cat a c"), "contentcontent");
+
+  // Where the first failure ends the transfer, too, what is there is counted.
+  for (std::string& target : targets) target += "2";
+  for (int i = 0; i < 3; ++i) items[i].target = targets[i].c_str();
+  failures = {};
+  failures.action = [this] { Shell("mkdir -p /sdcard/t/b2/folder"); };
+  options.keep_going = false;
+  EXPECT_NE(dk_push(phone().get(), items.data(), items.size(), &options, &summary, nullptr), DK_OK);
+  EXPECT_EQ(summary.files_sent, 2U);
+  EXPECT_EQ(summary.files_failed, 1U);
+}
+
 TEST_P(ClientFaults, WhatCouldNotBeRemovedGoesWithTheNextTransfer) {
   fs::create_directories(Host("tree/sub"));
   WriteFile(Host("tree/sub/large"), std::string(4 << 20, 'x'));

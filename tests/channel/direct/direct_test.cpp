@@ -194,6 +194,32 @@ TEST_F(DirectTest, APushToAFileThatIsNamedAsAFolderFails) {
   ExpectPushFails("/a/", Status2("STA2", 0, 0100644, 6), "failed to access '/a/': Not a directory");
 }
 
+TEST_F(DirectTest, AnErrorOfThePhoneHasItsText) {
+  const std::pair<std::uint32_t, const char*> texts[] = {{1, "Operation not permitted"},
+                                                         {4, "Interrupted system call"},
+                                                         {5, "Input/output error"},
+                                                         {12, "Cannot allocate memory"},
+                                                         {13, "Permission denied"},
+                                                         {14, "Bad address"},
+                                                         {17, "File exists"},
+                                                         {20, "Not a directory"},
+                                                         {21, "Is a directory"},
+                                                         {22, "Invalid argument"},
+                                                         {23, "Too many open files in system"},
+                                                         {24, "Too many open files"},
+                                                         {26, "Text file busy"},
+                                                         {27, "File too large"},
+                                                         {28, "No space left on device"},
+                                                         {30, "Read-only file system"},
+                                                         {36, "File name too long"},
+                                                         {40, "Too many levels of symbolic links"},
+                                                         {75, "Value too large for defined data type"}};
+  for (const auto& [error, text] : texts) {
+    ExpectPushFails("/a", Status2("STA2", error, 0, 0),
+                    std::string("stat failed when trying to push to /a: ") + text);
+  }
+}
+
 TEST_F(DirectTest, AnErrorThatOnlyThePhoneKnowsIsOneOfInputAndOutput) {
   ExpectPushFails("/a", Status2("STA2", 99, 0, 0),
                   "stat failed when trying to push to /a: Input/output error");
