@@ -23,6 +23,7 @@ TEST(DeviceListTest, ShortForm) {
             "X1|device|||||0\n192.168.1.2:5555|offline|||||0\n");
   EXPECT_EQ(ShownDevices("a b\tunauthorized\n"), "a b|unauthorized|||||0\n");
   EXPECT_EQ(ShownDevices("X1\tdevice"), "X1|device|||||0\n");
+  EXPECT_EQ(ShownDevices("X\td\n"), "X|d|||||0\n");
 }
 
 TEST(DeviceListTest, LongForm) {

@@ -140,6 +140,8 @@ TEST_P(Files, PartsAreRead) {
   EXPECT_EQ(phone().read("/sdcard/t/file", 1000000, 5).value(), "");
   EXPECT_EQ(phone().read("/sdcard/t/gone").code(), DK_NOT_FOUND);
   EXPECT_EQ(phone().read("/sdcard/t/gone", 5).code(), DK_NOT_FOUND);
+  EXPECT_EQ(phone().read("/sdcard/t").code(), DK_IS_A_DIRECTORY);
+  EXPECT_EQ(phone().read("/sdcard/t", 5).code(), DK_IS_A_DIRECTORY);
 }
 
 TEST_P(Files, AWalkFindsAllBelow) {

@@ -333,6 +333,18 @@ TEST_P(Transfers, AFileThatChangesWhileItIsReadIsNotSent) {
   ExpectNoTemporaryFiles("/sdcard");
 }
 
+TEST_P(Transfers, PermissionsAreKeptWhereAsked) {
+  WriteFile(Host("script"), "content");
+  fs::permissions(Host("script"), static_cast<fs::perms>(0755));
+  Calls calls;
+  dk_transfer_options options = Options(&calls);
+  ASSERT_TRUE(phone().push({{Host("script"), "/data/local/tmp/usual"}}, options));
+  options.keep_modes = true;
+  ASSERT_TRUE(phone().push({{Host("script"), "/data/local/tmp/kept"}}, options));
+  // Phones give everyone what the owner may.
+  EXPECT_EQ(Shell("cd /data/local/tmp; stat -c %a usual kept"), "666\n777\n");
+}
+
 TEST_P(Transfers, AFolderThatCannotBeMadeIsAnError) {
   fs::create_directories(Host("tree/empty"));
   Shell("echo x > /sdcard/file");

@@ -142,6 +142,34 @@ TEST(PhoneErrors, AreReadAfterEveryName) {
   EXPECT_EQ(ErrnoAtEnd("cp: File exists: something else"), 0);
 }
 
+TEST(PhoneErrors, HaveTheirNumbers) {
+  const std::pair<const char*, int> all[] = {{"Operation not permitted", 1},
+                                             {"No such file or directory", 2},
+                                             {"I/O error", 5},
+                                             {"Permission denied", 13},
+                                             {"Device or resource busy", 16},
+                                             {"File exists", 17},
+                                             {"Cross-device link", 18},
+                                             {"Invalid cross-device link", 18},
+                                             {"Not a directory", 20},
+                                             {"Is a directory", 21},
+                                             {"Invalid argument", 22},
+                                             {"Too many open files", 24},
+                                             {"File too large", 27},
+                                             {"No space left on device", 28},
+                                             {"Read-only file system", 30},
+                                             {"File name too long", 36},
+                                             {"Directory not empty", 39},
+                                             {"Too many symbolic links encountered", 40},
+                                             {"Too many levels of symbolic links", 40},
+                                             {"Quota exceeded", 122},
+                                             {"Disk quota exceeded", 122}};
+  for (const auto& [words, number] : all) {
+    EXPECT_EQ(ErrnoAtEnd(std::string("program: /a: ") + words + "\n"), number) << words;
+    EXPECT_EQ(ErrnoAtEnd(std::string(words) + " not"), 0) << words;
+  }
+}
+
 TEST(PhonePath, IsAbsoluteAndWithoutSlashesAtItsEnd) {
   EXPECT_EQ(*ReadPath("/sdcard//"), "/sdcard");
   EXPECT_EQ(*ReadPath("/"), "/");
