@@ -4,6 +4,7 @@
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -13,10 +14,14 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <sstream>
 #include <stdexcept>
 
+#include "tests/support/eventually.h"
 #include "tests/support/pipe.h"
+#include "tests/support/sanitizers.h"
 
 extern char** environ;
 
@@ -172,7 +177,25 @@ bool IsFirstProcessOfNamespace() {
   return getpid() == 1 && readlink("/proc/self", self.data(), self.size() - 1) == 1 && self[0] == '1';
 }
 
+#if defined(__linux__) && defined(DAROKLEIM_SANITIZED)
+// Whether the threads of this process but the caller's wait for something.
+static bool OtherThreadsWait() {
+  for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
+    if (task.path().filename() == std::to_string(syscall(SYS_gettid))) continue;
+    std::string line;
+    std::getline(std::ifstream(task.path() / "stat"), line);
+    const size_t name_end = line.rfind(") ");  // the state follows; a thread that has ended has no line
+    if (name_end != std::string::npos && line.compare(name_end + 2, 1, "S") != 0) return false;
+  }
+  return true;
+}
+#endif
+
 int WaitStatusOfFork(const std::function<void()>& body) {
+#if defined(__linux__) && defined(DAROKLEIM_SANITIZED)
+  // A sanitizer's allocator keeps its locks in a fork, and a thread that runs may hold one.
+  Eventually([] { return OtherThreadsWait(); });
+#endif
   fflush(nullptr);
   const pid_t pid = fork();
   if (pid < 0) throw std::runtime_error("no process left");
