@@ -63,6 +63,7 @@ TEST(Codes, HaveTheirNames) {
 
 TEST(ErrorOfThePhone, HasLinuxNumbers) {
   EXPECT_EQ(FromPhoneErrno(39, "remove /a", "/a").code, DK_NOT_EMPTY);
+  EXPECT_EQ(FromPhoneErrno(39, "remove /a", "/a").message, "Cannot remove /a: Directory not empty.");
   EXPECT_EQ(FromPhoneErrno(122, "send /a", "/a").code, DK_NO_SPACE);
   const Error unknown = FromPhoneErrno(117, "read /a", "/a");
   EXPECT_EQ(unknown.code, DK_FILE_ERROR);
