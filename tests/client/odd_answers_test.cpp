@@ -275,20 +275,50 @@ TEST_F(TwoPhonesWithOneSerial, AreListedAndNotMixedUp) {
   EXPECT_EQ(StateOf(client, "TWIN", &state, nullptr), DK_SEVERAL_DEVICES);
 }
 
+// What a watch reports of devices, with the transport of each.
+struct Change {
+  static void Keep(void* user, dk_change change, const dk_device_info* info) {
+    auto& self = *static_cast<Change*>(user);
+    const std::lock_guard lock(self.mutex);
+    if (info != nullptr) self.seen.emplace_back(change, info->transport_id);
+  }
+  std::mutex mutex;
+  std::vector<std::pair<dk_change, std::uint64_t>> seen;
+};
+
+TEST(WatchedPhone, IsReportedWhateverOfItChangesAndNotOtherwise) {
+  const AnsweringServer server([](const std::string&) {
+    std::string lists = "OKAY";
+    for (const char* details :
+         {"offline usb:1 product:p model:m device:d", "device usb:1 product:p model:m device:d",
+          "device usb:2 product:p model:m device:d", "device usb:2 product:q model:m device:d",
+          "device usb:2 product:q model:m device:d", "device usb:2 product:q model:n device:d",
+          "device usb:2 product:q model:n device:e"})
+      lists += Request("X " + std::string(details) + " transport_id:7\n");
+    return lists + Request("");
+  });
+  Change changes;
+  const Client client(server.address());
+  dk_watch* watch = nullptr;
+  ASSERT_EQ(dk_watch_start(client.context(), Change::Keep, &changes, &watch, nullptr), DK_OK);
+  EXPECT_TRUE(test::Eventually([&] {
+    const std::lock_guard lock(changes.mutex);
+    return changes.seen.size() >= 7;
+  }));
+  dk_watch_stop(watch);
+  std::vector<std::pair<dk_change, std::uint64_t>> expected(7, {DK_DEVICE_CHANGED, 7});
+  expected.front().first = DK_DEVICE_ADDED;
+  expected.back().first = DK_DEVICE_REMOVED;
+  changes.seen.resize(std::min<std::size_t>(changes.seen.size(), 7));  // it begins anew where the server ends
+  EXPECT_EQ(changes.seen, expected);
+}
+
 TEST_F(TwoPhonesWithOneSerial, AreWatchedEach) {
   const AnsweringServer server([](const std::string&) {
     return "OKAY" + Request(std::string(kFirst) + kSecond) + Request(kFirst) +
            Request(std::string(kFirst) + kSecond) + Request("");
   });
-  struct Change {
-    static void Keep(void* user, dk_change change, const dk_device_info* info) {
-      auto& self = *static_cast<Change*>(user);
-      const std::lock_guard lock(self.mutex);
-      if (info != nullptr) self.seen.emplace_back(change, info->transport_id);
-    }
-    std::mutex mutex;
-    std::vector<std::pair<dk_change, std::uint64_t>> seen;
-  } changes;
+  Change changes;
   const Client client(server.address());
   dk_watch* watch = nullptr;
   ASSERT_EQ(dk_watch_start(client.context(), Change::Keep, &changes, &watch, nullptr), DK_OK);

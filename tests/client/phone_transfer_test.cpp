@@ -291,6 +291,21 @@ TEST_P(Transfers, LinksLeadNowhere) {
   EXPECT_EQ(ReadFile(Host("target/file")), "content");
 }
 
+TEST_P(Transfers, LinksOfThePhoneLeadNowhereElse) {
+  Shell(
+      "cd /data/local/tmp; mkdir -p tree/folder; echo secret > outside; echo content > tree/file; "
+      "ln -s file tree/inside; ln -s /data/local/tmp/outside tree/out; ln -s folder tree/to-folder");
+  Calls calls;
+  const auto pulled = phone().pull({{"/data/local/tmp/tree", Host("back")}}, Options(&calls));
+  EXPECT_EQ(pulled.code(), DK_PARTLY_DONE);
+  EXPECT_EQ(calls.errors, (std::vector<dk_code>{DK_UNSUPPORTED, DK_UNSUPPORTED}));
+  EXPECT_EQ(ReadFile(Host("back/file")), "content\n");
+  EXPECT_EQ(ReadFile(Host("back/inside")), "content\n");
+  EXPECT_FALSE(fs::is_symlink(Host("back/inside")));
+  EXPECT_FALSE(fs::exists(Host("back/out")));
+  EXPECT_FALSE(fs::exists(Host("back/to-folder")));
+}
+
 TEST_P(Transfers, MemoryIsWrittenAsAFile) {
   const std::string content(200000, 'm');
   ASSERT_TRUE(phone().write("/sdcard/new/from memory", content));
