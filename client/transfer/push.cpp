@@ -27,7 +27,11 @@ class Push {
         check_(&features_, limits),
         sender_(&features_, &tally_, limits) {}
 
-  const dk_summary& summary() const { return tally_.summary(); }
+  dk_summary summary() const {
+    dk_summary summary = tally_.summary();
+    summary.files_sent = sender_.named();
+    return summary;
+  }
 
   Status Run(const dk_item* items, std::size_t count) {
     std::vector<Item> all;

@@ -84,9 +84,7 @@ Status Sender::CommitIfMuch() {
 Status Sender::Commit() {
   bytes_staged_ = 0;
   has_committed_ = true;
-  Status committed = staging_.Commit(limits_, ReportFailure());
-  tally_->Named(staging_.named());
-  return committed;
+  return staging_.Commit(limits_, ReportFailure());
 }
 
 Status Sender::Finish() {
@@ -94,9 +92,7 @@ Status Sender::Finish() {
     if (Status sent = SendUnderWay(); !sent.ok()) return sent;
     if (Status status = Await(0); !status.ok()) return status;
   } while (!under_way_.empty());
-  Status finished = staging_.Finish(limits_, ReportFailure());
-  tally_->Named(staging_.named());
-  return finished;
+  return staging_.Finish(limits_, ReportFailure());
 }
 
 Staging::Fail Sender::ReportFailure() {

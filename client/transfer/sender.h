@@ -33,6 +33,8 @@ class Sender {
   Status MakeFolder(std::string path);
   // Waits for what is under way and gives it its names.
   Status Finish();
+  // Files that are known to have their names.
+  std::uint64_t named() const { return staging_.named(); }
 
  private:
   struct File {

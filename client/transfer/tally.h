@@ -26,8 +26,8 @@ class Tally {
 
   std::uint64_t expected_bytes() const { return progress_.bytes_total; }
   std::uint64_t files_left() const {
-    const std::uint64_t ended =
-        progress_.files_done + summary_.files_failed;  // some count in both: see Whole()
+    // A file may count in both: see Whole().
+    const std::uint64_t ended = progress_.files_done + summary_.files_failed;
     return progress_.files_total > ended ? progress_.files_total - ended : 0;
   }
   std::uint64_t bytes_done() const { return progress_.bytes_done; }
@@ -42,10 +42,8 @@ class Tally {
 
   // A file is whole, and under its name.
   void Done() { ++progress_.files_done, ++summary_.files_sent; }
-  // A file is whole, and may still fail: it gets its name later.
+  // A file is whole, and may still fail: it gets its name later, and is not in the summary.
   void Whole() { ++progress_.files_done; }
-  // So many of these have their names by now.
-  void Named(std::uint64_t files) { summary_.files_sent = files; }
   void Skipped(std::uint64_t size);
   // A file's error: the caller is told, and whether the rest goes on is its choice. Errors that the rest would have, too
   // (the phone is gone, cancelled, out of time), end the transfer.

@@ -276,14 +276,30 @@ TEST_F(TwoPhonesWithOneSerial, AreListedAndNotMixedUp) {
 }
 
 // What a watch reports of devices, with the transport of each.
-struct Change {
-  static void Keep(void* user, dk_change change, const dk_device_info* info) {
-    auto& self = *static_cast<Change*>(user);
-    const std::lock_guard lock(self.mutex);
-    if (info != nullptr) self.seen.emplace_back(change, info->transport_id);
+class WatchedChanges {
+ public:
+  using Seen = std::vector<std::pair<dk_change, std::uint64_t>>;
+  // Once there are so many, or after a while; the watch has then ended.
+  Seen Await(dk_context* context, std::size_t count) {
+    dk_watch* watch = nullptr;
+    EXPECT_EQ(dk_watch_start(context, Keep, this, &watch, nullptr), DK_OK);
+    EXPECT_TRUE(test::Eventually([&] {
+      const std::lock_guard lock(mutex_);
+      return seen_.size() >= count;
+    }));
+    dk_watch_stop(watch);
+    return seen_;
   }
-  std::mutex mutex;
-  std::vector<std::pair<dk_change, std::uint64_t>> seen;
+
+ private:
+  static void Keep(void* user, dk_change change, const dk_device_info* info) {
+    auto& self = *static_cast<WatchedChanges*>(user);
+    const std::lock_guard lock(self.mutex_);
+    if (info != nullptr) self.seen_.emplace_back(change, info->transport_id);
+  }
+
+  std::mutex mutex_;
+  Seen seen_;
 };
 
 TEST(WatchedPhone, IsReportedWhateverOfItChangesAndNotOtherwise) {
@@ -297,20 +313,13 @@ TEST(WatchedPhone, IsReportedWhateverOfItChangesAndNotOtherwise) {
       lists += Request("X " + std::string(details) + " transport_id:7\n");
     return lists + Request("");
   });
-  Change changes;
   const Client client(server.address());
-  dk_watch* watch = nullptr;
-  ASSERT_EQ(dk_watch_start(client.context(), Change::Keep, &changes, &watch, nullptr), DK_OK);
-  EXPECT_TRUE(test::Eventually([&] {
-    const std::lock_guard lock(changes.mutex);
-    return changes.seen.size() >= 7;
-  }));
-  dk_watch_stop(watch);
-  std::vector<std::pair<dk_change, std::uint64_t>> expected(7, {DK_DEVICE_CHANGED, 7});
+  WatchedChanges::Seen expected(7, {DK_DEVICE_CHANGED, 7});
   expected.front().first = DK_DEVICE_ADDED;
   expected.back().first = DK_DEVICE_REMOVED;
-  changes.seen.resize(std::min<std::size_t>(changes.seen.size(), 7));  // it begins anew where the server ends
-  EXPECT_EQ(changes.seen, expected);
+  WatchedChanges::Seen seen = WatchedChanges().Await(client.context(), expected.size());
+  seen.resize(std::min(seen.size(), expected.size()));  // it begins anew where the server ends
+  EXPECT_EQ(seen, expected);
 }
 
 TEST_F(TwoPhonesWithOneSerial, AreWatchedEach) {
@@ -318,19 +327,12 @@ TEST_F(TwoPhonesWithOneSerial, AreWatchedEach) {
     return "OKAY" + Request(std::string(kFirst) + kSecond) + Request(kFirst) +
            Request(std::string(kFirst) + kSecond) + Request("");
   });
-  Change changes;
   const Client client(server.address());
-  dk_watch* watch = nullptr;
-  ASSERT_EQ(dk_watch_start(client.context(), Change::Keep, &changes, &watch, nullptr), DK_OK);
-  EXPECT_TRUE(test::Eventually([&] {
-    const std::lock_guard lock(changes.mutex);
-    return changes.seen.size() == 6;
-  }));
-  dk_watch_stop(watch);
+  const WatchedChanges::Seen seen = WatchedChanges().Await(client.context(), 6);
   using testing::Pair;
-  EXPECT_THAT(changes.seen, ElementsAre(Pair(DK_DEVICE_ADDED, 1U), Pair(DK_DEVICE_ADDED, 2U),
-                                        Pair(DK_DEVICE_REMOVED, 2U), Pair(DK_DEVICE_ADDED, 2U),
-                                        Pair(DK_DEVICE_REMOVED, 1U), Pair(DK_DEVICE_REMOVED, 2U)));
+  EXPECT_THAT(
+      seen, ElementsAre(Pair(DK_DEVICE_ADDED, 1U), Pair(DK_DEVICE_ADDED, 2U), Pair(DK_DEVICE_REMOVED, 2U),
+                        Pair(DK_DEVICE_ADDED, 2U), Pair(DK_DEVICE_REMOVED, 1U), Pair(DK_DEVICE_REMOVED, 2U)));
 }
 
 // --- Lists that change

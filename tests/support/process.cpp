@@ -178,8 +178,9 @@ bool IsFirstProcessOfNamespace() {
 }
 
 #if defined(__linux__) && defined(DAROKLEIM_SANITIZED)
+namespace {
 // Whether the threads of this process but the caller's wait for something.
-static bool OtherThreadsWait() {
+bool OtherThreadsWait() {
   for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
     if (task.path().filename() == std::to_string(syscall(SYS_gettid))) continue;
     std::string line;
@@ -189,6 +190,7 @@ static bool OtherThreadsWait() {
   }
   return true;
 }
+}  // namespace
 #endif
 
 int WaitStatusOfFork(const std::function<void()>& body) {
