@@ -331,6 +331,19 @@ TEST_P(Transfers, FilesAndFoldersBeyondAdbsLongestPathAreErrorsOfTheirOwn) {
   EXPECT_EQ(found, 7);
 }
 
+TEST_P(Transfers, AFileWhosePathWouldBeTooLongUntilItHasItsNameKeepsNoOtherUp) {
+  std::string folder = "/sdcard";
+  for (int i = 0; i < 5; ++i) folder += "/" + std::string(200, 'd');
+  for (const char* name : {"a", "b", "c"}) WriteFile(Host(name), name);
+  Calls calls;
+  const std::vector<dk::Item> items = {
+      {Host("a"), "/sdcard/a"}, {Host("b"), folder + "/b"}, {Host("c"), "/sdcard/c"}};
+  EXPECT_EQ(phone().push(items, Options(&calls)).code(), DK_PARTLY_DONE);
+  EXPECT_EQ(calls.errors, std::vector<dk_code>{DK_NAME_TOO_LONG});
+  EXPECT_EQ(calls.paths, std::vector<std::string>{folder + "/b"});
+  EXPECT_EQ(Shell("cat /sdcard/a /sdcard/c"), "ac");
+}
+
 TEST_P(Transfers, AFileThatChangesWhileItIsReadIsNotSent) {
   WriteFile(Host("log"), std::string(200'000, 'x'));
   std::string path = Host("log");
