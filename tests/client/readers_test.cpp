@@ -134,6 +134,7 @@ TEST(LogRecords, WithoutTextsEndWhereTheyEnd) {
   }));
   EXPECT_EQ(count, 1);
   EXPECT_FALSE(LogRecords().Read(std::string(40, '\xff'), [](const dk_log_record&) {}));
+  EXPECT_FALSE(LogRecords().Read(LogRecord(""), [](const dk_log_record&) {})) << "without even a level";
 }
 
 TEST(PhoneErrors, AreReadAfterEveryName) {
