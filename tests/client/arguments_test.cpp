@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <chrono>
+#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -180,6 +181,71 @@ TEST_F(Refused, ANullOutputOrCallback) {
       {"context", dk_context_new(nullptr, nullptr, nullptr)},
   };
   for (const NullCall& call : calls) EXPECT_EQ(call.code, DK_INVALID_ARGUMENT) << call.name;
+}
+
+TEST_F(Refused, AValueOfWhichTheErrorSaysWhatIsWrong) {
+  struct Row {
+    const char* why;
+    std::function<dk_code(const dk_call*)> run;
+  };
+  const dk_item no_source = {"", "/sdcard/a"}, no_target = {"/sdcard/a", ""};
+  const char* const null_word[] = {nullptr};
+  dk_device* opened = nullptr;
+  dk_shell_options odd_type = DK_SHELL_OPTIONS_INIT;
+  odd_type.terminal = true;
+  odd_type.terminal_type = "a,b";
+  const auto on_output = [](void*, dk_stream, const char*, size_t) {};
+  dk_shell* shell = nullptr;
+  const Row rows[] = {
+      {"the path is empty", [&](auto* call) { return dk_list(device_, "", IgnoreEntry, nullptr, call); }},
+      {"the phone's path is not absolute: a",
+       [&](auto* call) { return dk_list(device_, "a", IgnoreEntry, nullptr, call); }},
+      {"that would remove the phone's system or a whole volume: /sdcard",
+       [&](auto* call) { return dk_remove(device_, "/sdcard", true, call); }},
+      {"source and target are the same: /sdcard/a",
+       [&](auto* call) { return dk_move(device_, "/sdcard/a", "/sdcard/a", false, call); }},
+      {"not a mode, for example 0644",
+       [&](auto* call) { return dk_chmod(device_, "/sdcard/a", 010000, call); }},
+      {"a source is empty",
+       [&](auto* call) { return dk_push(device_, &no_source, 1, nullptr, nullptr, call); }},
+      {"a target is empty",
+       [&](auto* call) { return dk_pull(device_, &no_target, 1, nullptr, nullptr, call); }},
+      {"a time that adb cannot carry",
+       [&](auto* call) { return dk_write(device_, "/sdcard/a", 0644, -1, true, NoMore, nullptr, call); }},
+      {"a time that adb cannot carry",
+       [&](auto* call) {
+         return dk_write(device_, "/sdcard/a", 0644, std::int64_t{1} << 32, true, NoMore, nullptr, call);
+       }},
+      {"the serial is empty", [&](auto* call) { return dk_device_open(context_, "", &opened, call); }},
+      {"not a state to wait for",
+       [&](auto* call) { return dk_device_wait(device_, DK_STATE_UNKNOWN, call); }},
+      {"not a mode to reboot into: moon",
+       [&](auto* call) { return dk_device_reboot(device_, "moon", call); }},
+      {"an address and a code are needed to pair",
+       [&](auto* call) { return dk_pair(context_, "10.0.0.1:1", "", call); }},
+      {"not the name of a package", [&](auto* call) { return dk_app_stop(device_, "a b", call); }},
+      {"no APK to install", [&](auto* call) { return dk_app_install(device_, nullptr, 0, nullptr, call); }},
+      {"an APK's path is null",
+       [&](auto* call) { return dk_app_install(device_, null_word, 1, nullptr, call); }},
+      {"an argument is null",
+       [&](auto* call) { return dk_run(device_, null_word, 1, nullptr, nullptr, call); }},
+      {"phones take typed text in ASCII alone",
+       [&](auto* call) { return dk_type_text(device_, "\xc3\xa4", call); }},
+      {"not the name of a key", [&](auto* call) { return dk_press_key(device_, "1; reboot", call); }},
+      {"the type of the terminal has a comma or a colon",
+       [&](auto* call) {
+         return dk_shell_start(device_, &odd_type, on_output, nullptr, nullptr, &shell, call);
+       }},
+  };
+  for (const Row& row : rows) {
+    dk_error* error = nullptr;
+    dk_call call = DK_CALL_INIT;
+    call.error = &error;
+    EXPECT_EQ(row.run(&call), DK_INVALID_ARGUMENT) << row.why;
+    ASSERT_NE(error, nullptr) << row.why;
+    EXPECT_EQ(dk_error_message(error), "Invalid argument: " + std::string(row.why) + ".");
+    dk_error_free(error);
+  }
 }
 
 TEST_F(Refused, AFolderInPlaceOfAnApk) {

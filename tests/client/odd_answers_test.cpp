@@ -167,6 +167,19 @@ TEST(OddAnswers, AFailAfterTheFirstOkayIsARefusal) {
   EXPECT_EQ(entry, nullptr);
 }
 
+TEST(OddAnswers, AServerThatNamesNoPortListensWhereItWasAskedTo) {
+  const test::ScriptedServer server([](int connection) {
+    const bool names_port = test::ReadRequest(connection).find("tcp:3") != std::string::npos;
+    WriteBytes(connection, "OKAYOKAY" + (names_port ? Request("4000") : ""));
+  });
+  const Client client(server.name());
+  for (const auto& [from, expected] : {std::pair("tcp:1", 1), {"tcp:3", 4000}, {"localabstract:5", 0}}) {
+    int port = -1;
+    EXPECT_EQ(dk_forward_add(client.device(), from, "tcp:2", false, &port, nullptr), DK_OK);
+    EXPECT_EQ(port, expected) << from;
+  }
+}
+
 // A server says "closed" where the phone goes between its transport and the service.
 TEST(OddAnswers, AClosedServiceOfAPhoneThatIsGoneHasTheCodeOfItsState) {
   const std::pair<std::string, dk_code> rows[] = {
