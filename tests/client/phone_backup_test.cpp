@@ -107,6 +107,23 @@ TEST_P(Backups, CloseTheQuestionWhenTheyAreCancelled) {
   EXPECT_THAT(Activities(), HasSubstr("force-stop com.android.backupconfirm"));
 }
 
+TEST_P(Backups, ThatAreCancelledWhileTheyAreSentDoNotSucceed) {
+  std::string backup;
+  ASSERT_TRUE(Save(&backup));
+  dk::Limits limits;
+  limits.cancel.emplace();
+  std::size_t pieces = 0;
+  const auto source = [&](char* buffer, std::size_t capacity) -> std::int64_t {
+    if (pieces++ > 0) limits.cancel->set();
+    if (pieces > 100) return 0;
+    const std::size_t size = std::min(capacity, backup.size());
+    std::memcpy(buffer, backup.data(), size);
+    return static_cast<std::int64_t>(size);
+  };
+  EXPECT_EQ(phone().restore(source, limits).code(), DK_CANCELLED);
+  EXPECT_EQ(pieces, 2U);
+}
+
 TEST_P(Backups, NoticeThatThePhoneWasUnplugged) {
   Leave("unconfirmed-backup");
   std::thread unplugging([this] {

@@ -268,6 +268,7 @@ TEST_P(Transfers, LinksLeadNowhere) {
   fs::create_symlink("file", Host("tree/inside"));
   fs::create_symlink(Host("outside"), Host("tree/out"));
   fs::create_symlink("folder", Host("tree/to folder"));
+  WriteFile(Host("tree/zebra"), "after the errors");
   Calls calls;
   EXPECT_EQ(phone().push({{Host("tree"), "/sdcard/tree"}}, Options(&calls)).code(), DK_PARTLY_DONE);
   EXPECT_EQ(calls.errors, (std::vector<dk_code>{DK_UNSUPPORTED, DK_UNSUPPORTED}));

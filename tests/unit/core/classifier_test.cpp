@@ -153,6 +153,8 @@ TEST_F(ClassifierTest, DeviceAndNotFoundMayBeApart) {
   EXPECT_EQ(CheckOutbufErrorWithRet("error: device not found", 0, false), ADB_RESULT_NO_DEVICE);
   EXPECT_EQ(CheckOutbufErrorWithRet("x not found\ny device", 0, false), ADB_RESULT_NO_DEVICE);
   EXPECT_EQ(CheckOutbufErrorWithRet("error:device 'S1' not found", 0, false), ADB_RESULT_NO_DEVICE);
+  EXPECT_EQ(CheckOutbufErrorWithRet("error:devices 'S1' found not", 0, false), ADB_RESULT_OK);
+  EXPECT_EQ(CheckOutbufErrorWithRet("error:devic 'S1' not found", 0, false), ADB_RESULT_OK);
   EXPECT_THAT(journal(), IsEmpty()) << "the rule without a space comes too late to log";
 }
 
