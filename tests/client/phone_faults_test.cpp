@@ -132,7 +132,7 @@ TEST_P(ClientFaults, AFolderMadeMeanwhileInPlaceOfAFileIsTheOnlyFailure) {
 
   // Where the first failure ends the transfer, too, what is there is counted.
   for (std::string& target : targets) target += "2";
-  for (int i = 0; i < 3; ++i) items[i].target = targets[i].c_str();
+  for (std::size_t i = 0; i < items.size(); ++i) items[i].target = targets[i].c_str();
   failures = {};
   failures.action = [this] { Shell("mkdir -p /sdcard/t/b2/folder"); };
   options.keep_going = false;
