@@ -9,11 +9,13 @@
 
 namespace darokleim::base {
 
-// A value or an error.
+// A value or an error. Its constructors are implicit so that a function returns either as it is.
 template <typename T, typename Error>
 class [[nodiscard]] Result {
  public:
+  // NOLINTNEXTLINE(google-explicit-constructor)
   Result(T value) : content_(std::in_place_index<0>, std::move(value)) {}
+  // NOLINTNEXTLINE(google-explicit-constructor)
   Result(Error error) : content_(std::in_place_index<1>, std::move(error)) {}
 
   bool ok() const { return content_.index() == 0; }
@@ -43,6 +45,7 @@ template <typename Error>
 class [[nodiscard]] Result<void, Error> {
  public:
   Result() = default;
+  // NOLINTNEXTLINE(google-explicit-constructor)
   Result(Error error) : error_(std::move(error)) {}
 
   bool ok() const { return !error_; }

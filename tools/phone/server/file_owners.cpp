@@ -70,8 +70,8 @@ std::string MountsFile(const std::vector<StorageVolume>& volumes) {
 std::string PasswdFile() {
   std::string text;
   for (const Account& user : kUsers) {
-    const std::string number = std::to_string(user.number);
-    text += std::string(user.name) + ":x:" + number + ":" + number + "::/:/system/bin/sh\n";
+    const std::string number = std::to_string(user.number) + ":";
+    text.append(user.name).append(":x:").append(number).append(number).append(":/:/system/bin/sh\n");
   }
   return text;
 }
@@ -79,7 +79,7 @@ std::string PasswdFile() {
 std::string GroupFile() {
   std::string text;
   for (const Account& group : kGroups)
-    text += std::string(group.name) + ":x:" + std::to_string(group.number) + ":\n";
+    text.append(group.name).append(":x:").append(std::to_string(group.number)).append(":\n");
   return text;
 }
 

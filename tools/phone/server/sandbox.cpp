@@ -15,8 +15,6 @@
 #include "tools/phone/device/filesystem_view/view_paths.h"
 #include "tools/phone/device/layout.h"
 
-extern char** environ;
-
 namespace darokleim::phone {
 
 namespace {
@@ -26,7 +24,7 @@ namespace fs = std::filesystem;
 std::string FindInPath(const std::string& name) {
   const char* path = std::getenv("PATH");
   for (const std::string& folder : Split(path != nullptr ? path : "/usr/bin:/bin", ':')) {
-    const std::string candidate = folder + "/" + name;
+    const fs::path candidate = fs::path(folder) / name;
     if (access(candidate.c_str(), X_OK) == 0) return fs::canonical(candidate).string();
   }
   throw std::runtime_error("'" + name +
@@ -122,14 +120,14 @@ std::vector<std::string> SandboxCommand(const SandboxParts& parts, const PhoneFo
   add("--ro-bind", parts.program, kDeviceProgram);
   add("--ro-bind", parts.view, VIEW_LIBRARY);
   for (const std::string& library : parts.libraries) add("--ro-bind", library, library);
-  command.push_back("--");
-  command.push_back(kDeviceProgram);
+  command.insert(command.end(), {"--", kDeviceProgram});
   command.insert(command.end(), daemon_arguments.begin(), daemon_arguments.end());
   return command;
 }
 
 pid_t StartSandbox(const std::vector<std::string>& command, base::UniqueFd link) {
   std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
   for (const std::string& word : command) arguments.push_back(const_cast<char*>(word.c_str()));
   arguments.push_back(nullptr);
 
