@@ -82,22 +82,30 @@ std::string RandomText(std::mt19937& random, const std::string (&pieces)[N]) {
   return text;
 }
 
+// In each of many random texts find finds what is expected: a text, or "none".
+template <std::size_t N, typename Find, typename Expected>
+void ExpectSameInRandomTexts(unsigned seed, const std::string (&pieces)[N], Find find, Expected expected) {
+  constexpr int kTexts = test::InputsToCompare(300'000);
+  std::mt19937 random(seed);
+  int matches = 0;
+  for (int i = 0; i < kTexts; ++i) {
+    const std::string text = RandomText(random, pieces);
+    const std::string wanted = expected(text);
+    matches += wanted != "none";
+    ASSERT_EQ(OrNone(find(text)), wanted) << text;
+  }
+  EXPECT_GT(matches, kTexts / 30);
+}
+
 TEST(PackageLineTest, IsTheExpressionForAnyBytes) {
   const std::regex expression("^[^:]*:(\\S+)\\s*$");
   const std::string pieces[] = {"package", ":",  "com.a", "/",         "=",    " ",    "\t",
                                 "\n",      "\r", "\v",    "\f",        "\x1c", "\x85", "\xa0",
                                 "\xff",    "\\", "\0"s,   "package:x", "\x1f", "\x7f", "\x80"};
-  std::mt19937 random(1);
-  int matches = 0;
-  constexpr int kTexts = test::InputsToCompare(300'000);
-  for (int i = 0; i < kTexts; ++i) {
-    const std::string line = RandomText(random, pieces);
+  ExpectSameInRandomTexts(1, pieces, MatchPackageLine, [&expression](const std::string& line) {
     std::smatch groups;
-    const std::string expected = std::regex_match(line, groups, expression) ? groups[1].str() : "none";
-    matches += expected != "none";
-    ASSERT_EQ(OrNone(MatchPackageLine(line)), expected) << line;
-  }
-  EXPECT_GT(matches, kTexts / 30);
+    return std::regex_match(line, groups, expression) ? groups[1].str() : "none";
+  });
 }
 
 TEST(VersionTest, IsTheExpressionForAnyBytes) {
@@ -106,18 +114,10 @@ TEST(VersionTest, IsTheExpressionForAnyBytes) {
       "versionName=", "versionName", "version", "=",  "1",  "9.",   ".",
       "\\",           " ",           "\n",      "\r", ":",  "/",    "0",
       "\xff",         "\0"s,         "null",    "v",  "\t", "\x80", "versionName=2"};
-  std::mt19937 random(2);
-  int matches = 0;
-  constexpr int kTexts = test::InputsToCompare(300'000);
-  for (int i = 0; i < kTexts; ++i) {
-    const std::string line = RandomText(random, pieces);
+  ExpectSameInRandomTexts(2, pieces, FindVersion, [&expression](const std::string& line) {
     std::smatch groups;
-    const std::string expected =
-        std::regex_search(line, groups, expression) ? groups[0].str().substr(12) : "none";
-    matches += expected != "none";
-    ASSERT_EQ(OrNone(FindVersion(line)), expected) << line;
-  }
-  EXPECT_GT(matches, kTexts / 30);
+    return std::regex_search(line, groups, expression) ? groups[0].str().substr(12) : "none";
+  });
 }
 
 TEST(CurrentUserTest, IsTheExpressionForAnyBytes) {
@@ -143,17 +143,10 @@ TEST(CurrentUserTest, IsTheExpressionForAnyBytes) {
                                 "\v",
                                 "0",
                                 "Current user: 1"};
-  std::mt19937 random(3);
-  int matches = 0;
-  constexpr int kTexts = test::InputsToCompare(300'000);
-  for (int i = 0; i < kTexts; ++i) {
-    const std::string dump = RandomText(random, pieces);
+  ExpectSameInRandomTexts(3, pieces, FindCurrentUser, [&expression](const std::string& dump) {
     std::smatch groups;
-    const std::string expected = std::regex_search(dump, groups, expression) ? groups[1].str() : "none";
-    matches += expected != "none";
-    ASSERT_EQ(OrNone(FindCurrentUser(dump)), expected) << dump;
-  }
-  EXPECT_GT(matches, kTexts / 30);
+    return std::regex_search(dump, groups, expression) ? groups[1].str() : "none";
+  });
 }
 
 TEST(PackageOutputTest, LinesOfAMillionCharacters) {
