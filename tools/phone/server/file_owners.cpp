@@ -70,8 +70,9 @@ std::string MountsFile(const std::vector<StorageVolume>& volumes) {
 std::string PasswdFile() {
   std::string text;
   for (const Account& user : kUsers) {
-    const std::string number = std::to_string(user.number) + ":";
-    text.append(user.name).append(":x:").append(number).append(number).append(":/:/system/bin/sh\n");
+    const std::string number = std::to_string(user.number);
+    text.append(user.name).append(":x:").append(number).append(":").append(number);
+    text.append("::/:/system/bin/sh\n");
   }
   return text;
 }
